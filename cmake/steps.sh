@@ -1,0 +1,73 @@
+# Sourced by ./check, ./demo, .ci/run and the other scripts: the steps that they share.
+# shellcheck shell=bash
+
+# require_packages NAME...: installs those that are missing when run as root, otherwise says which and exits.
+require_packages() {
+    if ! command -v dpkg-query > /dev/null; then
+        echo "This is not a Debian system; going on as if these packages' programs and libraries were there: $*"
+        return
+    fi
+    local missing=() name
+    for name in "$@"; do
+        if [ "$(dpkg-query -W -f='${db:Status-Status}' "$name" 2> /dev/null)" != installed ]; then
+            missing+=("$name")
+        fi
+    done
+    if [ ${#missing[@]} -eq 0 ]; then
+        return
+    fi
+    if [ "$(id -u)" -ne 0 ]; then
+        echo "Missing packages; install them and run this again:" >&2
+        echo "    sudo apt-get install ${missing[*]}" >&2
+        exit 1
+    fi
+    echo "Installing ${missing[*]}"
+    quietly apt-get update
+    quietly env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# quietly COMMAND...: shows what the command printed only if it fails.
+quietly() {
+    local log
+    log=$(mktemp)
+    if "$@" > "$log" 2>&1 < /dev/null; then
+        rm -f "$log"
+    else
+        local status=$?
+        cat "$log" >&2
+        rm -f "$log"
+        echo "Failed: $*" >&2
+        exit "$status"
+    fi
+}
+
+# build_preset NAME [OPTION...]: configures and builds, in the project's root. Only a terminal is shown the progress.
+build_preset() {
+    local preset=$1
+    shift
+    echo "Building $preset"
+    quietly cmake --preset "$preset"
+    set -- cmake --build --preset "$preset" --parallel "$(nproc)" "$@"
+    if [ -t 1 ]; then
+        "$@"
+    else
+        quietly "$@" -- --quiet
+    fi
+}
+
+# test_preset NAME: builds the preset and runs its tests. Those that pass are counted (tests_passed), not listed.
+test_preset() {
+    local preset=$1 log summary status=0
+    build_preset "$preset"
+    echo "Testing $preset"
+    log=build/$preset/ctest.log
+    ctest --preset "$preset" --parallel "$(nproc)" > "$log" 2>&1 || status=$?
+    if [ "$status" -ne 0 ]; then
+        grep -vE '^ +Start +[0-9]+:| Passed +[0-9.]+ sec$' "$log" >&2
+        echo "The tests of $preset failed; $log has everything they printed" >&2
+        return "$status"
+    fi
+    summary=$(grep 'tests passed' "$log")
+    echo "$summary"
+    tests_passed=${summary##* }
+}

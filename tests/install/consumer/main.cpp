@@ -1,0 +1,15 @@
+// A stranger's program: reads a document through what is installed, and nothing else.
+#include <iostream>
+#include <memory>
+#include <xml/xml.h>
+
+int main() {
+    Xml::StringInStream in("<?xml version=\"1.0\"?>\n<greeting to=\"world\"><word>Hello</word></greeting>\n");
+    Xml::DocumentReader reader;
+    if (!reader.parse(in)) {
+        std::cerr << reader.getErrorMessage() << '\n';
+        return 1;
+    }
+    const std::unique_ptr<Xml::Document> document(reader.extractDocument());
+    std::cout << document->getRoot()->getName() << '\n';
+}
