@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+// One table look-up a byte for every class that the tokenizer and the name rule ask about.
+namespace Xml::ByteClass {
+
+constexpr std::uint8_t kWhite = 1;         // tab, line feed, carriage return, space
+constexpr std::uint8_t kLetter = 2;        // ASCII letters
+constexpr std::uint8_t kDigit = 4;         // ASCII digits
+constexpr std::uint8_t kNameMark = 8;      // - . : _
+constexpr std::uint8_t kPunctuation = 16;  // a token by itself, and the end of a word
+constexpr std::uint8_t kNameStart = 32;    // letters, _ and :
+
+constexpr std::uint8_t kNameChar = kLetter | kDigit | kNameMark;
+constexpr std::uint8_t kWordEnd = kPunctuation | kWhite;
+
+constexpr std::array<std::uint8_t, 256> makeTable() {
+    std::array<std::uint8_t, 256> table{};
+    const auto add = [&table](const char* bytes, std::uint8_t bits) {
+        for (; *bytes != 0; ++bytes) {
+            auto& entry = table[static_cast<unsigned char>(*bytes)];
+            entry = static_cast<std::uint8_t>(entry | bits);
+        }
+    };
+    add("\t\n\r ", kWhite);
+    add("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", kLetter | kNameStart);
+    add("0123456789", kDigit);
+    add("-.:_", kNameMark);
+    add("_:", kNameStart);
+    add("!\"'()*+,/<=>?[\\]|", kPunctuation);
+    return table;
+}
+
+inline constexpr std::array<std::uint8_t, 256> kTable = makeTable();
+
+inline bool is(char c, std::uint8_t classes) { return (kTable[static_cast<unsigned char>(c)] & classes) != 0; }
+
+}  // namespace Xml::ByteClass
