@@ -1,0 +1,86 @@
+#include "xml/stream/FileOutStream.h"
+
+#include "xml/text/Message.h"
+#include <fstream>
+#include <limits>
+#include <ostream>
+#include <sstream>
+#include <typeinfo>
+
+namespace Xml {
+
+namespace {
+
+// See FileInStream: the stream's state is all that is needed.
+template <class Operation>
+void withoutExceptions(Operation operation) {
+    try {
+        operation();
+    } catch (const std::ios_base::failure&) {}
+}
+
+}  // namespace
+
+FileOutStream::FileOutStream(std::ostream* target) : stream(target) {}
+
+FileOutStream::FileOutStream(const std::string& path, std::ofstream* file) : stream(file), openedHere(file) {
+    withoutExceptions([&] {
+        if (file->is_open()) file->close();
+    });
+    withoutExceptions([&] { file->open(path, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc); });
+    if (!file->is_open()) Message("<Xml::FileOutStream::FileOutStream> Could not open file: " + path);
+}
+
+FileOutStream::~FileOutStream() {
+    withoutExceptions([&] {
+        if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
+    });
+}
+
+void FileOutStream::putChar(char c) {
+    withoutExceptions([&] { stream->put(c); });
+    if (stream->good()) {
+        wrote(1);
+    } else {
+        stopCounting();
+    }
+}
+
+int FileOutStream::getPosition() const {
+    std::streamoff position = -1;
+    withoutExceptions([&] { position = stream->tellp(); });
+    return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
+}
+
+void FileOutStream::setPosition(int position) {
+    withoutExceptions([&] {
+        if (stream->good()) stream->seekp(position);
+    });
+    if (stream->good()) {
+        movedTo(position);
+    } else {
+        stopCounting();
+    }
+}
+
+void FileOutStream::putChars(const char* bytes, std::size_t count) {
+    if (typeid(*this) != typeid(FileOutStream)) {
+        OutStream::putChars(bytes, count);
+        return;
+    }
+    withoutExceptions([&] { stream->write(bytes, static_cast<std::streamsize>(count)); });
+    if (stream->good()) {
+        wrote(count);
+    } else {
+        stopCounting();
+    }
+}
+
+// Only in the standard's own buffers is the position known to be the number of bytes.
+bool FileOutStream::countsPositions() const {
+    const std::streambuf* const buffer = stream->rdbuf();
+    return typeid(*this) == typeid(FileOutStream) && buffer != nullptr &&
+           (typeid(*buffer) == typeid(std::stringbuf) || typeid(*buffer) == typeid(std::filebuf));
+}
+
+}  // namespace Xml

@@ -1,0 +1,60 @@
+#include "xml/stream/FileSpecOutStream.h"
+
+#include <cstdint>
+#include <limits>
+#include <typeinfo>
+
+namespace Xml {
+
+namespace {
+
+constexpr std::uint32_t kTextType = 0x54455854;  // 'T', 'E', 'X', 'T'
+
+}  // namespace
+
+FileSpecOutStream::FileSpecOutStream(OrvSys::FileIO& openFile) : file(&openFile) {}
+
+FileSpecOutStream::FileSpecOutStream(const OrvSys::FileSpec& spec) {
+    OrvSys::FileSpecFunctions::CreateFile(spec, kTextType);
+    owned = std::make_unique<OrvSys::FileIO>(spec);
+    if (owned->OpenForWriting()) {
+        file = owned.get();
+    } else {
+        owned.reset();
+    }
+}
+
+FileSpecOutStream::~FileSpecOutStream() = default;
+
+bool FileSpecOutStream::isValid() const { return file != nullptr; }
+
+void FileSpecOutStream::putChar(char c) {
+    if (!isValid()) return;
+    file->WriteUInt8(static_cast<std::uint8_t>(c));
+    wrote(1);
+}
+
+int FileSpecOutStream::getPosition() const {
+    if (!isValid()) return -1;
+    const std::int64_t position = file->GetPosition();
+    return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
+}
+
+void FileSpecOutStream::setPosition(int position) {
+    if (!isValid()) return;
+    file->Seek(position, OrvSys::FromStart);
+    movedTo(getPosition());
+}
+
+void FileSpecOutStream::putChars(const char* bytes, std::size_t count) {
+    if (typeid(*this) != typeid(FileSpecOutStream)) {
+        OutStream::putChars(bytes, count);
+    } else if (file != nullptr) {
+        file->WriteBytes(bytes, count);
+        wrote(count);
+    }
+}
+
+bool FileSpecOutStream::countsPositions() const { return typeid(*this) == typeid(FileSpecOutStream); }
+
+}  // namespace Xml

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/text/DataHolder.h"
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace Xml {
+
+// A sink of bytes that indents what is written to it: before the first byte of each line it writes one tab a level.
+//
+// A sink of your own overrides putChar, getPosition and setPosition, and isValid where it can be unusable. No operation
+// reports an error: a sink absorbs its own.
+class ORVXML_API OutStream {
+public:
+    virtual ~OutStream();
+
+    OutStream(const OutStream&) = delete;
+    OutStream& operator=(const OutStream&) = delete;
+
+    // Whether the sink can be written; true here.
+    virtual bool isValid() const;
+
+    // Writes one byte as it is, without indentation.
+    virtual void putChar(char c) = 0;
+
+    // The 0-based byte offset at which the next byte is written, -1 when there is no position.
+    virtual int getPosition() const = 0;
+    virtual void setPosition(int position) = 0;
+
+    // Write with indentation. A line begins at the start of the stream and behind a line feed; its tabs come with its
+    // first byte, by the level in force then, so that an empty line has none.
+    void put(char c);
+    void put(const std::string& text);
+    OutStream& operator<<(char c);
+    OutStream& operator<<(const std::string& text);
+
+    // Writes the bytes as they are: no indentation, and line feeds among them begin no line.
+    OutStream& writeDataHolder(const DataHolder& data);
+
+    void incTab();
+
+    // Never goes below 0.
+    void decTab();
+
+protected:
+    OutStream();
+
+    // Writes `count` bytes as they are; here by putChar, one at a time. A sink overrides it where it can do better.
+    virtual void putChars(const char* bytes, std::size_t count);
+
+    // Whether positions may be counted from the bytes written instead of asked for a node: only a sink that knows all
+    // ways to it can say so, and a class derived from it no more.
+    virtual bool countsPositions() const;
+
+    // A counting sink tells what it wrote and where it was moved to, and says when its position cannot be known.
+    void wrote(std::size_t count) {
+        if (counting) counted += static_cast<std::int64_t>(count);
+    }
+    void movedTo(int position) { counted = position; }
+    void stopCounting() { counting = false; }
+
+private:
+    friend struct OutStreamAccess;
+
+    void putIndented(const char* bytes, std::size_t count);
+    void putTabs();
+
+    std::int32_t tabLevel = 0;
+    bool atLineStart = true;
+    bool counting = false;
+    std::int64_t counted = 0;
+};
+
+}  // namespace Xml

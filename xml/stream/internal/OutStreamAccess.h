@@ -1,0 +1,49 @@
+#pragma once
+
+#include "xml/stream/OutStream.h"
+#include <cstddef>
+#include <limits>
+#include <string_view>
+
+namespace Xml {
+
+// What nodes use of a stream beside its public operations.
+struct OutStreamAccess {
+    // A position that no stream ever stands at: the record of a node behind 2^31 - 1 bytes, which must not be taken for
+    // another one there.
+    static constexpr int kUnrecordable = std::numeric_limits<int>::min();
+
+    // Lets the stream count its position from here on, if it can, instead of being asked for it at every node. The
+    // outermost one counts.
+    class Counting {
+    public:
+        explicit Counting(OutStream& stream) : out(stream), outermost(!stream.counting && stream.countsPositions()) {
+            if (outermost) resume(out);
+        }
+        ~Counting() {
+            if (outermost) out.counting = false;
+        }
+        Counting(const Counting&) = delete;
+        Counting& operator=(const Counting&) = delete;
+
+    private:
+        OutStream& out;
+        bool outermost;
+    };
+
+    // Takes the count anew from the stream, behind code that may have moved it unseen.
+    static void resume(OutStream& out) {
+        if (!out.countsPositions()) return;
+        out.counted = out.getPosition();
+        out.counting = out.counted >= 0;
+    }
+
+    static int position(const OutStream& out) {
+        if (!out.counting) return out.getPosition();
+        return out.counted <= std::numeric_limits<int>::max() ? static_cast<int>(out.counted) : kUnrecordable;
+    }
+
+    static void put(OutStream& out, std::string_view text) { out.putIndented(text.data(), text.size()); }
+};
+
+}  // namespace Xml
