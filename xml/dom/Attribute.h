@@ -1,0 +1,46 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/dom/Object.h"
+#include "xml/text/DataHolder.h"
+#include <memory>
+#include <string>
+
+namespace Xml {
+
+// An attribute: a name and a value, which is held unescaped.
+class ORVXML_API Attribute : public Object {
+public:
+    Attribute();
+
+    // A name that is no name is reported ("<Attribute::Attribute> not a valid name") and kept.
+    Attribute(const std::string& name, const DataHolder& value);
+    Attribute(const Attribute& other);
+    ~Attribute() override;
+
+    const std::string& getName() const;
+    const DataHolder& getValue() const;
+
+    // Does not mark anything as changed.
+    void setValue(const DataHolder& value);
+
+    // Whether the name is not empty.
+    bool isOk() const;
+
+    Object* clone() const override;
+
+    // name="value", the value escaped.
+    const std::string& toString() const override;
+    bool isAttribute() const override;
+    void write(OutStream& out) const override;
+
+private:
+    friend struct NodeAccess;
+    friend struct NodeTestAccess;
+
+    std::string name;
+    DataHolder value;
+    mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
+};
+
+}  // namespace Xml

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/dom/Object.h"
+#include "xml/text/DataHolder.h"
+#include <memory>
+#include <string>
+
+namespace Xml {
+
+class Entity;
+
+// A run of text among the children of an element. It is held as it is written: the five special characters as
+// references, or a reference to an entity.
+class ORVXML_API CharData : public Object {
+public:
+    CharData();
+
+    // Escapes the text.
+    explicit CharData(const DataHolder& text);
+
+    // Holds the reference.
+    explicit CharData(const Entity& entity);
+    CharData(const CharData& other);
+    ~CharData() override;
+
+    // As the constructors; they mark the node and its ancestors as changed.
+    void setData(const DataHolder& text);
+    void setData(const Entity& entity);
+
+    // The decoded text: references replaced by the entities of the Dtd that the node links to, where it links to one.
+    // Decoded anew at every call; the reference is to a text in the node, good until the next call.
+    const DataHolder& getData() const;
+    void getData(DataHolder* text) const;
+
+    // The text as it is held. Changing it marks nothing as changed.
+    DataHolder& data();
+    const DataHolder& data() const;
+
+    Object* clone() const override;
+
+    // The decoded text.
+    const std::string& toString() const override;
+    bool isCharData() const override;
+    void write(OutStream& out) const override;
+
+private:
+    friend struct NodeAccess;
+    friend struct NodeTestAccess;
+
+    DataHolder data_;
+    mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for
+};
+
+}  // namespace Xml

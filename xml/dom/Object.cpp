@@ -1,0 +1,105 @@
+#include "xml/dom/Object.h"
+
+#include "xml/dom/Attribute.h"
+#include "xml/dom/CharData.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dtd/Dtd.h"
+#include "xml/stream/internal/OutStreamAccess.h"
+#include "xml/text/Message.h"
+
+namespace Xml {
+
+namespace {
+
+// `node` as what it is; null and a diagnostic when it is something else.
+template <class Target, class Node>
+Target* castTo(Node* node, bool is, const char* failure) {
+    if (is) return static_cast<Target*>(node);
+    Message(std::string(failure));
+    return nullptr;
+}
+
+// Whether all that the node's write does to the sink goes through the stream. Code of others may reach the sink in its own way;
+// the models in a Dtd may be theirs.
+bool writesBytesOnly(const Object& node) {
+    return isExactly<Element>(node) || isExactly<CharData>(node) || isExactly<Attribute>(node) ||
+           isExactly<Document>(node);
+}
+
+}  // namespace
+
+bool Object::useRWOptimization = false;
+
+Object::Object() = default;
+
+Object::Object(const Object& other) : dtd(other.dtd) {}
+
+Object::~Object() = default;
+
+void Object::setDtd(const Dtd* newDtd) { dtd = newDtd; }
+
+bool Object::isElement() const { return false; }
+bool Object::isAttribute() const { return false; }
+bool Object::isCharData() const { return false; }
+bool Object::isDtd() const { return false; }
+bool Object::isDocument() const { return false; }
+
+Element* Object::toElement() { return castTo<Element>(this, isElement(), "<Object::toElement> Not a Element"); }
+const Element* Object::toElement() const {
+    return castTo<const Element>(this, isElement(), "<Object::toElement> Not a Element");
+}
+
+Attribute* Object::toAttribute() {
+    return castTo<Attribute>(this, isAttribute(), "<Object::toAttribute> Not an Attribute");
+}
+const Attribute* Object::toAttribute() const {
+    return castTo<const Attribute>(this, isAttribute(), "<Object::toAttribute> Not an Attribute");
+}
+
+CharData* Object::toCharData() { return castTo<CharData>(this, isCharData(), "<Object::toCharData> Not a CharData"); }
+const CharData* Object::toCharData() const {
+    return castTo<const CharData>(this, isCharData(), "<Object::toCharData> Not a CharData");
+}
+
+Dtd* Object::toDtd() { return castTo<Dtd>(this, isDtd(), "<Object::toDtd> Not a Dtd"); }
+const Dtd* Object::toDtd() const { return castTo<const Dtd>(this, isDtd(), "<Object::toDtd> Not a Dtd"); }
+
+Document* Object::toDocument() { return castTo<Document>(this, isDocument(), "<Object::toDocument> Not a Document"); }
+const Document* Object::toDocument() const {
+    return castTo<const Document>(this, isDocument(), "<Object::toDocument> Not a Document");
+}
+
+void Object::setParent(Object* newParent) { parent = newParent; }
+Object* Object::getParent() { return parent; }
+const Object* Object::getParent() const { return parent; }
+
+void Object::touch() {
+    for (Object* node = this; node != nullptr; node = node->parent) {
+        node->dirty = true;
+        node->dtd = nullptr;
+    }
+}
+
+void Object::toStream(OutStream& out) const {
+    const OutStreamAccess::Counting counting(out);
+    const int position = OutStreamAccess::position(out);
+    if (useRWOptimization && !dirty && writeStart == position && position != OutStreamAccess::kUnrecordable) {
+        out.setPosition(writeEnd);
+        return;
+    }
+    writeStart = position;
+    write(out);
+    if (!writesBytesOnly(*this)) OutStreamAccess::resume(out);
+    writeEnd = OutStreamAccess::position(out);
+    dirty = false;
+}
+
+bool Object::setRWOptimization(bool use) {
+    const bool before = useRWOptimization;
+    useRWOptimization = use;
+    return before;
+}
+
+}  // namespace Xml
