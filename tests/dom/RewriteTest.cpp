@@ -1,0 +1,637 @@
+#include "dom/EditingWorld.h"
+#include "dom/NaiveSink.h"
+#include "dom/Settings.h"
+#include "dom/Sinks.h"
+#include "orvsys/Files.h"
+#include "support/NodeTestAccess.h"
+#include "support/Sources.h"
+#include "support/Trees.h"
+#include "xml/dom/Attribute.h"
+#include "xml/dom/CharData.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/stream/FileOutStream.h"
+#include "xml/stream/FileSpecOutStream.h"
+#include <cstdio>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Xml::test {
+namespace {
+
+std::string record(const Object& node) {
+    return std::to_string(NodeTestAccess::writeStart(node)) + "-" + std::to_string(NodeTestAccess::writeEnd(node)) +
+           (NodeTestAccess::dirty(node) ? "*" : "");
+}
+
+// <r>, <a>one</a>, <b/>, <c>, <d>two</d>, </c>, </r>, a line each.
+std::unique_ptr<Element> sampleTree() {
+    auto root = std::make_unique<Element>("r");
+    root->addElement("a", "one");
+    root->addChild(new Element("b"));
+    auto* c = new Element("c");
+    root->addChild(c);
+    c->addElement("d", "two");
+    return root;
+}
+const char* const kSampleText = "<r>\n\t<a>one</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</r>";
+const int kSampleLength = 50;
+
+TEST(RewriteTest, TheSwitchIsOffAtFirstAndSettingItReturnsWhatWasSet) {
+    EXPECT_FALSE(Object::useRWOptimization);
+    EXPECT_FALSE(Object::setRWOptimization(true));
+    EXPECT_TRUE(Object::useRWOptimization);
+    EXPECT_TRUE(Object::setRWOptimization(true));
+    EXPECT_TRUE(Object::setRWOptimization(false));
+    EXPECT_FALSE(Object::setRWOptimization(false));
+    EXPECT_FALSE(Object::useRWOptimization);
+}
+
+TEST(RewriteTest, AnUnchangedTreeIsPassedOverByOneMoveOfThePosition) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    BareOutStream out;
+    root->toStream(out);
+    EXPECT_EQ(out.bytes, kSampleText);
+    EXPECT_EQ(out.putCount, kSampleLength);
+    EXPECT_TRUE(out.movedTo.empty());
+
+    out.setPosition(0);
+    out.reset();
+    root->toStream(out);
+    EXPECT_EQ(out.putCount, 0);
+    EXPECT_EQ(out.movedTo, std::vector<int>{kSampleLength});
+    EXPECT_EQ(out.getPosition(), kSampleLength);
+    EXPECT_EQ(out.bytes, kSampleText);
+}
+
+TEST(RewriteTest, RecordsWhereEachNodeBeginsBeforeItsTabsAndWhereItEnds) {
+    for (bool use : {false, true}) {
+        SCOPED_TRACE(use);
+        RewriteSetting rewrite(use);
+        auto root = sampleTree();
+        BareOutStream out;
+        root->toStream(out);
+        EXPECT_EQ(record(*root), "0-50");
+        EXPECT_EQ(record(*root->getElement("a")), "4-15");
+        EXPECT_EQ(record(*root->getElement("a")->getChild(0)), "8-11");
+        EXPECT_EQ(record(*root->getElement("b")), "16-21");
+        EXPECT_EQ(record(*root->getElement("c")), "22-45");
+        EXPECT_EQ(record(*root->findElement("d")), "27-39");
+        EXPECT_EQ(record(*root->findElement("d")->getChild(0)), "32-35");
+    }
+}
+
+TEST(RewriteTest, WithTheSwitchOffEverythingIsWrittenAgainAndRecordedAnew) {
+    RewriteSetting rewrite(false);
+    auto root = sampleTree();
+    BareOutStream out;
+    root->toStream(out);
+    out.setPosition(0);
+    out.reset();
+    root->toStream(out);
+    EXPECT_EQ(out.putCount, kSampleLength);
+    EXPECT_TRUE(out.movedTo.empty());
+    root->toStream(out);
+    EXPECT_EQ(record(*root), "50-100");
+    EXPECT_EQ(record(*root->getElement("b")), "66-71");
+}
+
+struct EditCase {
+    const char* name;
+    void (*edit)(Element& root);
+    int written;               // bytes put by the second write
+    std::vector<int> movedTo;  // where it moved to
+    const char* text;          // what the sink holds then
+};
+
+TEST(RewriteTest, TheChangedPathIsWrittenAgainAndUnchangedSubtreesAreSkippedWhereTheyStandAtTheirPlace) {
+    const EditCase kCases[] = {
+        {"text of the same length",
+         [](Element& root) { root.findAndSetElementCharData("d", "TWO"); },
+         4 + 1 + 1 + 23 + 1 + 4,
+         {15, 21},
+         "<r>\n\t<a>one</a>\n\t<b/>\n\t<c>\n\t\t<d>TWO</d>\n\t</c>\n</r>"},
+        {"an earlier text of the same length",
+         [](Element& root) { root.setElementCharData("a", "ONE"); },
+         4 + 11 + 1 + 1 + 1 + 4,
+         {21, 45},
+         "<r>\n\t<a>ONE</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</r>"},
+        {"a longer text moves what is behind it",
+         [](Element& root) { root.setElementCharData("a", "longer"); },
+         kSampleLength + 3,
+         {},
+         "<r>\n\t<a>longer</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</r>"},
+        {"a node at the end",
+         [](Element& root) { root.addChild(new Element("e")); },
+         4 + 1 + 1 + 1 + 5 + 1 + 4,
+         {15, 21, 45},
+         "<r>\n\t<a>one</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n\t<e/>\n</r>"},
+        {"only the root is touched", [](Element& root) { root.touch(); }, 4 + 1 + 1 + 1 + 4, {15, 21, 45}, kSampleText},
+        {"a shorter name of the root moves all",
+         [](Element& root) { root.setName("rr"); },
+         kSampleLength + 2,
+         {},
+         "<rr>\n\t<a>one</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</rr>"},
+        {"an attribute more",
+         [](Element& root) { root.getElement("b")->setAttribute("x", "1"); },
+         4 + 1 + 11 + 1 + 23 + 1 + 4,
+         {15},
+         "<r>\n\t<a>one</a>\n\t<b x=\"1\"/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</r>"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        RewriteSetting rewrite(true);
+        auto root = sampleTree();
+        BareOutStream out;
+        root->toStream(out);
+        c.edit(*root);
+        out.setPosition(0);
+        out.reset();
+        root->toStream(out);
+        EXPECT_EQ(out.putCount, c.written);
+        EXPECT_EQ(out.movedTo, c.movedTo);
+        EXPECT_EQ(out.bytes, c.text);
+        EXPECT_EQ(textOf(Element(*root)), c.text);
+    }
+}
+
+TEST(RewriteTest, ValuesChangedBehindTheMarksAreNotNoticed) {
+    RewriteSetting rewrite(true);
+    Element root("r");
+    root.setAttribute("x", "1");
+    root.addChild(new CharData(DataHolder("text")));
+    BareOutStream out;
+    root.toStream(out);
+    root.getAttribute("x")->setValue("2");
+    root.getChild(0)->toCharData()->data() = "TEXT";
+    out.setPosition(0);
+    root.toStream(out);
+    EXPECT_EQ(out.bytes, "<r x=\"1\">text</r>");
+
+    // Once the element is marked its attributes are written, for they are never taken for written; the text is not.
+    root.touch();
+    out.setPosition(0);
+    root.toStream(out);
+    EXPECT_EQ(out.bytes, "<r x=\"2\">text</r>");
+}
+
+TEST(RewriteTest, ACleanTreeAtAnotherPositionIsWritten) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    BareOutStream out;
+    root->toStream(out);
+    out.reset();
+    root->toStream(out);
+    EXPECT_EQ(out.putCount, kSampleLength);
+    EXPECT_TRUE(out.movedTo.empty());
+    EXPECT_EQ(out.bytes, std::string(kSampleText) + kSampleText);
+    EXPECT_EQ(record(*root), "50-100");
+}
+
+TEST(RewriteTest, TheRecordHoldsAPositionAndNotASink) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    BareOutStream first;
+    root->toStream(first);
+    BareOutStream second;
+    root->toStream(second);
+    EXPECT_EQ(second.bytes, "");
+    EXPECT_EQ(second.movedTo, std::vector<int>{kSampleLength});
+
+    // A subtree that stands on its own at the place of its record is passed over as well.
+    BareOutStream third;
+    third.setPosition(22);
+    third.reset();
+    root->getElement("c")->toStream(third);
+    EXPECT_EQ(third.putCount, 0);
+    EXPECT_EQ(third.movedTo, std::vector<int>{45});
+}
+
+TEST(RewriteTest, AWriteThatIsNotByToStreamNeitherSkipsNorRecordsTheNodeItself) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    BareOutStream out;
+    root->write(out);
+    EXPECT_EQ(record(*root), "-1--1*");
+    EXPECT_EQ(record(*root->getElement("a")), "4-15");
+    EXPECT_EQ(record(*root->findElement("d")), "27-39");
+    out.setPosition(0);
+    out.reset();
+    root->write(out);
+    EXPECT_EQ(out.movedTo, (std::vector<int>{15, 21, 45}));
+}
+
+TEST(RewriteTest, AnAttributeWrittenByItselfIsPassedOverLikeAnyNode) {
+    RewriteSetting rewrite(true);
+    const Attribute attribute("x", "1");
+    BareOutStream out;
+    attribute.toStream(out);
+    EXPECT_EQ(record(attribute), "0-5");
+    out.setPosition(0);
+    out.reset();
+    attribute.toStream(out);
+    EXPECT_EQ(out.putCount, 0);
+    EXPECT_EQ(out.movedTo, std::vector<int>{5});
+}
+
+TEST(RewriteTest, AnElementWithACleanAttributeWritesIt) {
+    RewriteSetting rewrite(true);
+    Element root("r");
+    root.setAttribute("x", "1");
+    BareOutStream attributeOut;
+    attributeOut.setPosition(3);
+    root.getAttribute("x")->toStream(attributeOut);
+    ASSERT_EQ(record(*root.getAttribute("x")), "3-8");
+    BareOutStream out;
+    root.toStream(out);
+    EXPECT_EQ(out.bytes, "<r x=\"1\"/>");
+    EXPECT_EQ(record(*root.getAttribute("x")), "3-8");
+}
+
+TEST(RewriteTest, ASinkWithoutPositionsRecordsMinusOneAndThenCountsAsTheSamePlace) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    PositionlessOutStream out;
+    root->toStream(out);
+    EXPECT_EQ(out.bytes, kSampleText);
+    EXPECT_TRUE(out.movedTo.empty());
+    EXPECT_EQ(record(*root), "-1--1");
+    EXPECT_EQ(record(*root->findElement("d")), "-1--1");
+
+    root->toStream(out);
+    EXPECT_EQ(out.bytes, kSampleText);
+    EXPECT_EQ(out.movedTo, std::vector<int>{-1});
+
+    root->findElement("d")->touch();
+    root->toStream(out);
+    EXPECT_EQ(out.bytes, std::string(kSampleText) + "<r>\n\n\n\t<c>\n\t\t<d></d>\n\t</c>\n</r>");
+    EXPECT_EQ(out.movedTo, (std::vector<int>{-1, -1, -1, -1}));
+
+    RewriteSetting off(false);
+    out.bytes.clear();
+    root->toStream(out);
+    EXPECT_EQ(out.bytes, kSampleText);
+}
+
+TEST(RewriteTest, TheStandardStreamWithoutPositionsIsTreatedAlike) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    OddBuffer buffer;
+    buffer.hasPositions = false;
+    std::ostream stream(&buffer);
+    FileOutStream out(&stream);
+    root->toStream(out);
+    EXPECT_EQ(buffer.bytes, kSampleText);
+    EXPECT_EQ(record(*root), "-1--1");
+    EXPECT_EQ(record(*root->findElement("d")), "-1--1");
+}
+
+TEST(RewriteTest, AStandardStreamThatStoresMoreThanItIsGivenGivesItsOwnPositions) {
+    RewriteSetting rewrite(true);
+    auto root = sampleTree();
+    OddBuffer buffer;
+    buffer.expandsLines = true;
+    std::ostream stream(&buffer);
+    FileOutStream out(&stream);
+    root->toStream(out);
+    EXPECT_EQ(record(*root), "0-56");
+    EXPECT_EQ(record(*root->getElement("a")), "5-16");
+    EXPECT_EQ(record(*root->findElement("d")), "31-43");
+    const std::string once = buffer.bytes;
+
+    root->findAndSetElementCharData("d", "TWO");
+    out.setPosition(0);
+    root->toStream(out);
+    EXPECT_EQ(buffer.bytes.size(), once.size());
+    EXPECT_NE(buffer.bytes.find("<d>TWO</d>"), std::string::npos);
+}
+
+TEST(RewriteTest, AStreamThatFailsInTheMiddleLeavesMinusOneFromThereOn) {
+    for (bool exceptions : {false, true}) {
+        for (int limit = 0; limit <= kSampleLength; ++limit) {
+            SCOPED_TRACE(limit);
+            auto root = sampleTree();
+            OddBuffer buffer;
+            buffer.limit = static_cast<std::size_t>(limit);
+            std::ostream stream(&buffer);
+            if (exceptions) stream.exceptions(std::ios::badbit | std::ios::failbit | std::ios::eofbit);
+            FileOutStream out(&stream);
+            EXPECT_NO_THROW(root->toStream(out));
+            EXPECT_EQ(buffer.bytes, std::string(kSampleText).substr(0, static_cast<std::size_t>(limit)));
+
+            auto expected = [limit](int start, int end) {
+                return std::to_string(start <= limit ? start : -1) + "-" + std::to_string(end <= limit ? end : -1);
+            };
+            EXPECT_EQ(record(*root), expected(0, 50));
+            EXPECT_EQ(record(*root->getElement("a")), expected(4, 15));
+            EXPECT_EQ(record(*root->getElement("a")->getChild(0)), expected(8, 11));
+            EXPECT_EQ(record(*root->getElement("b")), expected(16, 21));
+            EXPECT_EQ(record(*root->getElement("c")), expected(22, 45));
+            EXPECT_EQ(record(*root->findElement("d")), expected(27, 39));
+            EXPECT_EQ(record(*root->findElement("d")->getChild(0)), expected(32, 35));
+        }
+    }
+}
+
+TEST(RewriteTest, APlatformFileThatCouldNotBeOpenedGivesMinusOne) {
+    auto root = sampleTree();
+    FileSpecOutStream out{OrvSys::FileSpec("/nowhere/at/all")};
+    ASSERT_FALSE(out.isValid());
+    root->toStream(out);
+    EXPECT_EQ(record(*root), "-1--1");
+    EXPECT_EQ(record(*root->getElement("b")), "-1--1");
+}
+
+// A node of a caller that does something to the sink while it is written.
+class Meddler : public Object {
+public:
+    explicit Meddler(std::function<void(OutStream&)> whenWritten) : meddle(std::move(whenWritten)) {}
+
+    Object* clone() const override { return new Meddler(meddle); }
+    const std::string& toString() const override { return name; }
+    void write(OutStream& out) const override { meddle(out); }
+
+private:
+    std::function<void(OutStream&)> meddle;
+    std::string name = "meddler";
+};
+
+TEST(RewriteTest, PositionsAreTheSinksOwnWhateverHappensToItWhileTheTreeIsWritten) {
+    std::ostringstream stream;
+    struct Case {
+        const char* name;
+        std::function<void(OutStream&)> meddle;
+        const char* records;  // of the meddler, of the element behind it, of the root
+    } const kCases[] = {
+        {"nothing", [](OutStream&) {}, "4-4 5-10 0-15"},
+        {"writes by the sink", [](OutStream& out) { out << std::string("12345"); }, "4-10 11-16 0-21"},
+        {"writes raw bytes", [](OutStream& out) { out.putChar('1'); }, "4-5 6-11 0-16"},
+        {"writes raw data", [](OutStream& out) { out.writeDataHolder("1\n2"); }, "4-7 8-13 0-18"},
+        {"moves the sink", [](OutStream& out) { out.setPosition(1); }, "4-1 2-7 0-12"},
+        {"writes behind the sink's back", [&stream](OutStream&) { stream << "123"; }, "4-7 8-13 0-18"},
+        {"moves behind the sink's back", [&stream](OutStream&) { stream.seekp(0); }, "4-0 1-6 0-11"},
+        {"makes the stream fail", [&stream](OutStream&) { stream.setstate(std::ios::failbit); }, "4--1 -1--1 0--1"},
+        {"makes the stream fail and recover",
+         [&stream](OutStream& out) {
+             stream.setstate(std::ios::failbit);
+             out << std::string("lost");
+             stream.clear();
+         },
+         "4-4 5-10 0-15"},
+        {"writes another tree",
+         [](OutStream& out) {
+             const Element other("other", "x");
+             other.toStream(out);
+         },
+         "4-21 22-27 0-32"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        stream.clear();
+        stream.str("");
+        Element root("r");
+        auto* meddler = new Meddler(c.meddle);
+        root.addChild(meddler);
+        root.addChild(new Element("b"));
+        FileOutStream out(&stream);
+        root.toStream(out);
+        EXPECT_EQ(record(*meddler) + " " + record(*root.getElement("b")) + " " + record(root), c.records);
+    }
+}
+
+// A class of a caller over a sink of the library: its own operations count.
+class EveryOther : public FileOutStream {
+public:
+    using FileOutStream::FileOutStream;
+
+    int puts = 0;
+
+    void putChar(char c) override {
+        ++puts;
+        FileOutStream::putChar(c);
+    }
+    int getPosition() const override { return puts * 2; }
+};
+
+TEST(RewriteTest, AClassDerivedFromALibrarySinkGetsItsOwnPutCharAndGetPosition) {
+    auto root = sampleTree();
+    std::ostringstream stream;
+    EveryOther out(&stream);
+    root->toStream(out);
+    EXPECT_EQ(stream.str(), kSampleText);
+    EXPECT_EQ(out.puts, kSampleLength);
+    EXPECT_EQ(record(*root), "0-100");
+    EXPECT_EQ(record(*root->getElement("a")), "8-30");
+    EXPECT_EQ(record(*root->findElement("d")), "54-78");
+}
+
+TEST(RewriteTest, AStreamThatWasWrittenBeforeCountsFromWhereItStands) {
+    std::ostringstream stream;
+    stream << "before";
+    FileOutStream out(&stream);
+    Element root("r");
+    root.toStream(out);
+    EXPECT_EQ(record(root), "6-10");
+    stream << "between";
+    root.toStream(out);
+    EXPECT_EQ(record(root), "17-21");
+    EXPECT_EQ(stream.str(), "before<r/>between<r/>");
+}
+
+// --- The naive writer over random trees ---
+
+// A sink of the library and the naive one of the same kind, in the same state.
+class SinkPair {
+public:
+    virtual ~SinkPair() = default;
+
+    OutStream& real() { return *realSink; }
+    NaiveSink& naive() { return *naiveSink; }
+
+    virtual std::string realBytes() = 0;
+    virtual std::string naiveBytes() = 0;
+    virtual void recover() {}
+
+protected:
+    std::unique_ptr<OutStream> realSink;
+    std::unique_ptr<NaiveSink> naiveSink;
+};
+
+class StreamPair : public SinkPair {
+public:
+    StreamPair() {
+        realSink = std::make_unique<FileOutStream>(&realStream);
+        naiveSink = std::make_unique<NaiveStreamSink>(naiveStream);
+    }
+    std::string realBytes() override { return realStream.str(); }
+    std::string naiveBytes() override { return naiveStream.str(); }
+    void recover() override {
+        realStream.clear();
+        naiveStream.clear();
+    }
+
+private:
+    std::stringstream realStream;
+    std::stringstream naiveStream;
+};
+
+class OddPair : public SinkPair {
+public:
+    explicit OddPair(const std::function<void(OddBuffer&)>& set) : realStream(&realBuffer), naiveStream(&naiveBuffer) {
+        set(realBuffer);
+        set(naiveBuffer);
+        realSink = std::make_unique<FileOutStream>(&realStream);
+        naiveSink = std::make_unique<NaiveStreamSink>(naiveStream);
+    }
+    std::string realBytes() override { return realBuffer.bytes; }
+    std::string naiveBytes() override { return naiveBuffer.bytes; }
+    void recover() override {
+        realStream.clear();
+        naiveStream.clear();
+    }
+
+private:
+    OddBuffer realBuffer;
+    OddBuffer naiveBuffer;
+    std::ostream realStream;
+    std::ostream naiveStream;
+};
+
+class FilePair : public SinkPair {
+public:
+    FilePair() : path(scratchPath("rewrite")) {
+        realSink = std::make_unique<FileSpecOutStream>(OrvSys::FileSpec(path));
+        auto sink = std::make_unique<NaiveFileSink>();
+        naiveFile = sink.get();
+        naiveSink = std::move(sink);
+    }
+    ~FilePair() override {
+        realSink.reset();
+        std::remove(path.c_str());
+    }
+    // Closes the file: for the end.
+    std::string realBytes() override {
+        realSink.reset();
+        return readFile(path);
+    }
+    std::string naiveBytes() override { return naiveFile->bytes; }
+
+private:
+    std::string path;
+    NaiveFileSink* naiveFile;
+};
+
+class BarePair : public SinkPair {
+public:
+    BarePair() {
+        auto bare = std::make_unique<BareOutStream>();
+        realBare = bare.get();
+        realSink = std::move(bare);
+        auto sink = std::make_unique<NaiveFileSink>();
+        naiveFile = sink.get();
+        naiveSink = std::move(sink);
+    }
+    std::string realBytes() override { return realBare->bytes; }
+    std::string naiveBytes() override { return naiveFile->bytes; }
+
+private:
+    BareOutStream* realBare;
+    NaiveFileSink* naiveFile;
+};
+
+struct SinkCase {
+    const char* name;
+    std::function<std::unique_ptr<SinkPair>()> make;
+};
+
+const SinkCase kSinks[] = {
+    {"string stream", [] { return std::make_unique<StreamPair>(); }},
+    {"platform file", [] { return std::make_unique<FilePair>(); }},
+    {"bare sink", [] { return std::make_unique<BarePair>(); }},
+    {"failing stream", [] { return std::make_unique<OddPair>([](OddBuffer& buffer) { buffer.limit = 300; }); }},
+    {"line expanding stream",
+     [] { return std::make_unique<OddPair>([](OddBuffer& buffer) { buffer.expandsLines = true; }); }},
+    {"stream without positions",
+     [] { return std::make_unique<OddPair>([](OddBuffer& buffer) { buffer.hasPositions = false; }); }},
+};
+
+const Object& randomNodeBelow(const Object& node, Dice& dice) {
+    if (node.isDocument()) {
+        const Element* root = node.toDocument()->getRoot();
+        return root != nullptr && dice.chance(40) ? randomNodeBelow(*root, dice) : node;
+    }
+    if (!node.isElement() || node.toElement()->getChildCount() == 0 || dice.chance(60)) return node;
+    return randomNodeBelow(*node.toElement()->getChild(dice.below(node.toElement()->getChildCount())), dice);
+}
+
+ModelNode* modelOf(ModelNode& model, const Object& node) {
+    if (model.real == &node) return &model;
+    for (auto& child : model.children) {
+        if (ModelNode* found = modelOf(*child, node)) return found;
+    }
+    return nullptr;
+}
+
+void compareWithNaiveWriter(const SinkCase& sink) {
+    constexpr unsigned kPrograms = 60;
+    constexpr int kWrites = 40;
+    for (unsigned seed = 1; seed <= kPrograms; ++seed) {
+        EditingWorld world(seed * 7919);
+        Dice& dice = world.dice;
+        ASSERT_EQ(world.difference(), "");
+        for (int i = 0; i < 40; ++i) ASSERT_EQ(world.edit(), "");
+        ASSERT_EQ(world.difference(), "") << "seed " << seed;
+        auto pair = sink.make();
+        std::size_t favourite = static_cast<std::size_t>(dice.below(static_cast<int>(world.tops.size())));
+        for (int i = 0; i < kWrites; ++i) {
+            RewriteSetting rewrite(dice.chance(70));
+            ShortNotation notation(dice.chance(70));
+            for (int edits = dice.chance(40) ? 0 : dice.below(4); edits > 0; --edits) ASSERT_EQ(world.edit(), "");
+            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", before write " << i;
+
+            if (favourite >= world.tops.size() || dice.chance(10)) {
+                favourite = static_cast<std::size_t>(dice.below(static_cast<int>(world.tops.size())));
+            }
+            if (dice.chance(30)) pair->recover();
+            if (dice.chance(60)) {
+                pair->real().setPosition(0);
+                pair->naive().setPosition(0);
+            } else if (dice.chance(30)) {
+                const int place = dice.below(400);
+                pair->real().setPosition(place);
+                pair->naive().setPosition(place);
+            }
+            if (dice.chance(5)) {
+                pair->real().incTab();
+                pair->naive().incTab();
+            } else if (dice.chance(10)) {
+                pair->real().decTab();
+                pair->naive().decTab();
+            }
+            EditingWorld::Top& top = world.tops[favourite];
+            const Object& node = dice.chance(75) ? *top.real : randomNodeBelow(*top.real, dice);
+            ModelNode* model = modelOf(*top.model, node);
+            ASSERT_NE(model, nullptr);
+            node.toStream(pair->real());
+            model->toStream(pair->naive());
+            ASSERT_EQ(pair->real().getPosition(), pair->naive().getPosition()) << "seed " << seed << ", write " << i;
+            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", behind write " << i;
+        }
+        ASSERT_EQ(pair->realBytes(), pair->naiveBytes()) << "seed " << seed;
+    }
+}
+
+TEST(RewriteTest, BytesPositionsAndMarksAreThoseOfTheNaiveWriterOverRandomTreesEditsAndSeeks) {
+    for (const SinkCase& sink : kSinks) {
+        SCOPED_TRACE(sink.name);
+        compareWithNaiveWriter(sink);
+    }
+}
+
+}  // namespace
+}  // namespace Xml::test
