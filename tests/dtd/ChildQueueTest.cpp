@@ -1,0 +1,51 @@
+#include "xml/dtd/ChildQueue.h"
+
+#include "dtd/Models.h"
+#include <gtest/gtest.h>
+
+namespace Xml::test {
+
+TEST(ChildQueueTest, GivesTheNodesInTheirOrder) {
+    const NodeList nodes("a 'text' b");
+    ChildQueue queue(nodes.list());
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_FALSE(queue.empty());
+        EXPECT_EQ(queue.size(), 3 - i);
+        EXPECT_EQ(queue.front(), nodes.list()[i]);
+        queue.pop();
+    }
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(queue.size(), 0U);
+}
+
+TEST(ChildQueueTest, IsEmptyOverNoNodes) {
+    const std::vector<Object*> none;
+    EXPECT_TRUE(ChildQueue(none).empty());
+    EXPECT_EQ(ChildQueue(none).size(), 0U);
+}
+
+TEST(ChildQueueTest, ACopyIsASnapshotThatCanBePutBack) {
+    const NodeList nodes("a b c");
+    ChildQueue queue(nodes.list());
+    queue.pop();
+    const ChildQueue snapshot = queue;
+    queue.pop();
+    queue.pop();
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(snapshot.size(), 2U);
+    EXPECT_EQ(snapshot.front(), nodes.list()[1]);
+    queue = snapshot;
+    EXPECT_EQ(queue.size(), 2U);
+    EXPECT_EQ(queue.front(), nodes.list()[1]);
+}
+
+TEST(ChildQueueTest, LeavesTheListAsItIs) {
+    const NodeList nodes("a b");
+    const std::vector<Object*> before = nodes.list();
+    ChildQueue queue(nodes.list());
+    queue.pop();
+    queue.pop();
+    EXPECT_EQ(nodes.list(), before);
+}
+
+}  // namespace Xml::test

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "xml/Export.h"
+#include <cstddef>
+#include <vector>
+
+namespace Xml {
+
+class Object;
+
+// The child nodes of one element still waiting to be matched: a cursor over the element's own list.
+//
+// A copy is a snapshot: matching takes one before it tries an alternative and assigns it back when that fails. Copying
+// costs two words, whatever the number of children. The list must outlive the queue and must not change under it.
+class ORVXML_API ChildQueue {
+public:
+    // An empty queue.
+    ChildQueue() = default;
+
+    explicit ChildQueue(const std::vector<Object*>& children);
+
+    bool empty() const { return head == end; }
+
+    // How many nodes are waiting.
+    std::size_t size() const { return static_cast<std::size_t>(end - head); }
+
+    // The node at the head. The queue must not be empty.
+    Object* front() const { return *head; }
+    void pop() { ++head; }
+
+    // Whether both wait at the same place of the same list.
+    bool operator==(const ChildQueue& other) const { return head == other.head && end == other.end; }
+
+private:
+    Object* const* head = nullptr;
+    Object* const* end = nullptr;
+};
+
+}  // namespace Xml

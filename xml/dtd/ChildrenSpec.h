@@ -1,0 +1,56 @@
+#pragma once
+
+#include "xml/dtd/ChildQueue.h"
+#include "xml/dtd/ContentSpec.h"
+#include "xml/dtd/RepType.h"
+#include <cstdint>
+#include <string>
+
+namespace Xml {
+
+class CpSpec;
+
+// A content particle with its repetition: the children model of an element, or a member of a choice or sequence.
+class ORVXML_API ChildrenSpec : public ContentSpec {
+public:
+    // Takes ownership of the particle.
+    ChildrenSpec(Dtd* dtd, CpSpec* particle, RepType repetition);
+
+    // Around a new NameSpec.
+    ChildrenSpec(Dtd* dtd, const std::string& name, RepType repetition);
+
+    // A deep copy that belongs to the same Dtd.
+    ChildrenSpec(const ChildrenSpec& other);
+    ~ChildrenSpec() override;
+
+    // Whether the particle matches and takes every child.
+    bool validate(const std::vector<Object*>& children) const override;
+
+    // Takes what matches from the head of the queue, as the particle alone would; by the repetition as often as it
+    // matches. A repetition ends with a pass that took nothing.
+    bool validate(ChildQueue& children) const;
+
+    void toStream(OutStream& out) const override;
+    void toStream(OutStream& out, bool outermost) const;
+    ContentSpec* clone(Dtd* dtd) const override;
+
+private:
+    friend class GroupSpec;
+    friend class Matcher;
+    friend struct SpecAccess;
+    friend struct NodeTestAccess;
+
+    CpSpec* releaseParticle();
+
+    RepType repetition;
+    CpSpec* particle;
+
+    // Where a repetition found nothing more to take, and what came of trying: repetitions within repetitions try again there, each
+    // of them, and would go through all those within them. Of one run of validation.
+    mutable std::uint64_t triedRun = 0;
+    mutable ChildQueue triedAt;
+    mutable ChildQueue triedLeft;
+    mutable bool triedMatched = false;
+};
+
+}  // namespace Xml

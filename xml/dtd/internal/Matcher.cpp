@@ -1,0 +1,367 @@
+#include "xml/dtd/internal/Matcher.h"
+
+#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dtd/AnySpec.h"
+#include "xml/dtd/CharSpec.h"
+#include "xml/dtd/Dtd.h"
+#include "xml/dtd/EmptySpec.h"
+#include "xml/dtd/MixedSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
+#include <atomic>
+
+namespace Xml {
+
+namespace {
+
+// What an element keeps of a run: its number in the upper bits, and these.
+constexpr std::uint64_t kValid = 1;
+constexpr std::uint64_t kLinked = 2;  // with its whole subtree
+constexpr int kRunShift = 2;
+
+// Runs of different threads, over trees of their own, need not agree on anything but on being different.
+std::uint64_t newRun() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+// Of the models without steps of their own here.
+bool isOwn(const ContentSpec& model) {
+    return isExactlySpec<EmptySpec>(model) || isExactlySpec<AnySpec>(model) || isExactlySpec<CharSpec>(model);
+}
+
+}  // namespace
+
+Matcher::~Matcher() {
+    for (const Dtd* dtd : runs) dtd->validationRun = 0;
+}
+
+std::uint64_t Matcher::runOf(const Dtd& dtd) {
+    if (dtd.validationRun == 0) {
+        runs.push_back(&dtd);
+        dtd.validationRun = newRun();
+    }
+    return dtd.validationRun;
+}
+
+// --- Ways in ---
+
+bool Matcher::validateElement(const Dtd& dtd, Element& element) {
+    return beginElement(&dtd, element) ? matched : run();
+}
+
+bool Matcher::matchModel(const MixedSpec& model, const std::vector<Object*>& children) {
+    push(Step::Mixed, &model, ChildQueue(children));
+    return run();
+}
+
+bool Matcher::matchModel(const ChildrenSpec& model, const std::vector<Object*>& children) {
+    ChildQueue all(children);
+    return matchRepeated(model, all) && all.empty();
+}
+
+bool Matcher::matchParticle(const NameSpec& name, ChildQueue& children) {
+    queue = children;
+    const bool outcome = beginName(name) ? matched : run();
+    if (outcome) children.pop();
+    return outcome;
+}
+
+bool Matcher::matchParticle(const ChoiceSpec& choice, ChildQueue& children) {
+    return matchGroup(Step::Choice, choice, children);
+}
+
+bool Matcher::matchParticle(const SeqSpec& sequence, ChildQueue& children) {
+    return matchGroup(Step::Sequence, sequence, children);
+}
+
+bool Matcher::matchGroup(Step step, const GroupSpec& group, ChildQueue& children) {
+    queue = children;
+    push(step, &group, queue);
+    const bool outcome = run();
+    children = queue;
+    return outcome;
+}
+
+bool Matcher::matchRepeated(const ChildrenSpec& spec, ChildQueue& children) {
+    queue = children;
+    const bool outcome = beginRepeated(spec) ? matched : run();
+    children = queue;
+    return outcome;
+}
+
+// --- The stack ---
+
+bool Matcher::run() {
+    while (!frames.empty()) resume();
+    return matched;
+}
+
+void Matcher::push(Step step, const void* subject, const ChildQueue& itsQueue) {
+    frames.push_back({step, false, false, subject, {}, itsQueue});
+}
+
+bool Matcher::resume() {
+    switch (frames.back().step) {
+    case Step::Element: return resumeElement();
+    case Step::Mixed: return resumeMixed();
+    case Step::Repeated: return resumeRepeated();
+    case Step::Choice: return resumeChoice();
+    case Step::Sequence: break;
+    }
+    return resumeSequence();
+}
+
+bool Matcher::finish(bool outcome) {
+    frames.pop_back();
+    matched = outcome;
+    return true;
+}
+
+// --- Elements ---
+
+bool Matcher::beginElement(const Dtd* dtd, Element& element) {
+    matched = false;
+    if (dtd == nullptr) return true;
+    const std::uint64_t verdict = NodeAccess::verdict(element);
+    if (verdict >> kRunShift == runOf(*dtd)) {
+        matched = (verdict & kValid) != 0;
+        return true;
+    }
+    const auto declaration = dtd->elements.find(element.getName());
+    if (declaration == dtd->elements.end()) return decide(*dtd, element, false);
+
+    const ContentSpec& model = *declaration->second;
+    const auto& children = NodeAccess::children(element);
+    const bool isMixed = isExactlySpec<MixedSpec>(model);
+    if (!isMixed && !isExactlySpec<ChildrenSpec>(model)) {
+        if (!isOwn(model)) foreign = true;
+        return decide(*dtd, element, model.validate(children));
+    }
+    push(Step::Element, &element, queue);
+    frames.back().dtd = dtd;
+    if (isMixed) {
+        queue = ChildQueue();
+        push(Step::Mixed, &static_cast<const MixedSpec&>(model), ChildQueue(children));
+    } else {
+        queue = ChildQueue(children);
+        push(Step::Repeated, &static_cast<const ChildrenSpec&>(model), queue);
+    }
+    return false;
+}
+
+bool Matcher::resumeElement() {
+    const Frame frame = frames.back();
+    const bool fits = matched && queue.empty();
+    queue = frame.queue;
+    frames.pop_back();
+    return decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
+}
+
+// The content has come out as `fits`: what remains are the attributes, and the verdict.
+bool Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
+    matched = fits && attributesFit(dtd, element);
+    // The link that has just been set, if any, marked the element as linked.
+    const std::uint64_t linked =
+        NodeAccess::verdict(element) >> kRunShift == runOf(dtd) ? NodeAccess::verdict(element) & kLinked : 0;
+    NodeAccess::verdict(element) = runOf(dtd) << kRunShift | linked | (matched ? kValid : 0);
+    return true;
+}
+
+// Both lists are in the order of names: one pass over both.
+bool Matcher::attributesFit(const Dtd& dtd, Element& element) {
+    const auto& attributes = NodeAccess::attributes(element);
+    const auto list = dtd.attributeLists.find(element.getName());
+    if (list == dtd.attributeLists.end()) return attributes.empty();
+
+    auto attribute = attributes.begin();
+    for (const auto& [name, definition] : list->second) {
+        const int order = attribute != attributes.end() ? (*attribute)->getName().compare(name) : 1;
+        if (order < 0) return false;  // not defined
+        if (order == 0) {
+            ++attribute;
+        } else if (definition->isRequired()) {
+            return false;
+        }
+    }
+    if (attribute != attributes.end()) return false;
+    NodeAccess::verdict(element) = runOf(dtd) << kRunShift;
+    link(element, &dtd);
+    return true;
+}
+
+// --- Links ---
+
+void Matcher::link(Object& node, const Dtd* dtd) {
+    if (!isExactly<Element>(node) || dtd == nullptr) {
+        node.setDtd(dtd);
+    } else {
+        linkSubtree(static_cast<Element&>(node), dtd);
+    }
+}
+
+// As Element::setDtd, but for the subtrees that have all their links already.
+void Matcher::linkSubtree(Element& top, const Dtd* dtd) {
+    const std::uint64_t run = runOf(*dtd);
+    const bool linksStay = !foreign;
+    NodeAccess::setDtdBelow(top, dtd, [dtd, run, linksStay](Element& element) {
+        std::uint64_t& verdict = NodeAccess::verdict(element);
+        const bool mine = verdict >> kRunShift == run;
+        if (mine && linksStay && (verdict & kLinked) != 0) return false;
+        verdict = mine ? verdict | kLinked : 0;  // a verdict of another run may speak of links that are no more
+        NodeAccess::setOwnDtd(element, dtd);
+        return true;
+    });
+}
+
+// --- The mixed model ---
+
+bool Matcher::resumeMixed() {
+    const auto& model = *static_cast<const MixedSpec*>(frames.back().subject);
+    const Dtd* const dtd = SpecAccess::dtd(model);
+    const std::size_t mine = frames.size() - 1;
+    if (frames[mine].started) {
+        if (!matched) return finish(false);
+        link(*frames[mine].queue.front(), dtd);
+        frames[mine].queue.pop();
+    }
+    frames[mine].started = true;
+    while (!frames[mine].queue.empty()) {
+        Object* const child = frames[mine].queue.front();
+        if (child->isElement()) {
+            auto& element = static_cast<Element&>(*child);
+            if (!model.hasName(element.getName())) return finish(false);
+            if (!beginElement(dtd, element)) return false;
+            if (!matched) return finish(false);
+            link(element, dtd);
+        } else {
+            if (!child->isCharData()) return finish(false);
+            child->setDtd(dtd);
+        }
+        frames[mine].queue.pop();
+    }
+    return finish(true);
+}
+
+// --- Particles ---
+
+bool Matcher::beginParticle(const CpSpec& particle) {
+    if (isExactlySpec<NameSpec>(particle)) return beginName(static_cast<const NameSpec&>(particle));
+    if (const GroupSpec* group = SpecAccess::asGroup(particle)) {
+        push(isExactlySpec<ChoiceSpec>(particle) ? Step::Choice : Step::Sequence, group, queue);
+        return false;
+    }
+    foreign = true;
+    matched = particle.validate(queue);
+    return true;
+}
+
+// Does not take the child: who asked does when it matched.
+bool Matcher::beginName(const NameSpec& spec) {
+    matched = false;
+    const std::string& name = SpecAccess::name(spec);
+    if (name.empty() || queue.empty() || !queue.front()->isElement()) return true;
+    auto& element = static_cast<Element&>(*queue.front());
+    return element.getName() != name || beginElement(SpecAccess::dtd(spec), element);
+}
+
+bool Matcher::beginRepeated(const ChildrenSpec& spec) {
+    push(Step::Repeated, &spec, queue);
+    return resumeRepeated();
+}
+
+bool Matcher::resumeRepeated() {
+    const auto& spec = *static_cast<const ChildrenSpec*>(frames.back().subject);
+    const CpSpec& particle = SpecAccess::particle(spec);
+    const RepType repetition = SpecAccess::repetition(spec);
+    const bool isName = isExactlySpec<NameSpec>(particle);
+    const std::size_t mine = frames.size() - 1;
+    const bool repeats = repetition == REP_ZERO_OR_MORE || repetition == REP_ONE_OR_MORE;
+    if (!frames[mine].started) {
+        if (repeats && wasTried(spec)) return finish(matched);
+        frames[mine].started = true;
+        if (!beginParticle(particle)) return false;
+    }
+    for (;;) {
+        Frame& frame = frames[mine];
+        if (!matched) {
+            if (repeats) noteTried(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
+            if (repetition == REP_ONCE || (repetition == REP_ONE_OR_MORE && frame.number == 0)) return finish(false);
+            queue = frame.queue;
+            return finish(true);
+        }
+        if (isName) queue.pop();
+        if (repetition == REP_ONCE || repetition == REP_OPTIONAL) return finish(true);
+        ++frame.number;
+        if (queue.empty()) return finish(true);
+        if (queue.size() == frame.queue.size()) {  // a pass that took nothing would go on for ever
+            noteTried(spec, frame.queue, true);
+            return finish(true);
+        }
+        frame.queue = queue;
+        if (!beginParticle(particle)) return false;
+    }
+}
+
+// Whether trying the repetition here is known to take nothing; the outcome is in `matched` and `queue` then.
+bool Matcher::wasTried(const ChildrenSpec& spec) {
+    const Dtd* const dtd = SpecAccess::dtd(spec);
+    if (foreign || dtd == nullptr || spec.triedRun != runOf(*dtd) || !(spec.triedAt == queue)) return false;
+    matched = spec.triedMatched;
+    queue = spec.triedLeft;
+    return true;
+}
+
+void Matcher::noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool outcome) {
+    const Dtd* const dtd = SpecAccess::dtd(spec);
+    if (foreign || dtd == nullptr) return;
+    spec.triedRun = runOf(*dtd);
+    spec.triedAt = at;
+    spec.triedLeft = outcome ? at : queue;
+    spec.triedMatched = outcome;
+}
+
+bool Matcher::resumeSequence() {
+    const auto& members = SpecAccess::members(*static_cast<const GroupSpec*>(frames.back().subject));
+    const std::size_t mine = frames.size() - 1;
+    for (;;) {
+        if (frames[mine].started && !matched) return finish(false);
+        frames[mine].started = true;
+        if (frames[mine].number == members.size()) return finish(true);
+        if (!beginRepeated(*members[frames[mine].number++])) return false;
+    }
+}
+
+bool Matcher::resumeChoice() {
+    const auto& choice = *static_cast<const ChoiceSpec*>(static_cast<const GroupSpec*>(frames.back().subject));
+    const auto& members = SpecAccess::members(choice);
+    const std::size_t mine = frames.size() - 1;
+    for (;;) {
+        Frame& frame = frames[mine];
+        if (!frame.started) {
+            // Of the leading names only the one that the next child has can match.
+            frame.started = true;
+            frame.number = choice.leadingCount;
+            if (!queue.empty() && queue.front()->isElement()) {
+                const auto found = choice.leadingNames.find(static_cast<const Element*>(queue.front())->getName());
+                if (found != choice.leadingNames.end()) {
+                    frame.number = found->second;
+                    frame.alone = true;
+                }
+            }
+        } else {
+            if (matched) return finish(true);
+            queue = frame.queue;
+            frame.number = frame.alone ? choice.leadingCount : frame.number + 1;
+            frame.alone = false;
+        }
+        if (frame.number == members.size()) break;
+        if (!beginRepeated(*members[frame.number])) return false;
+    }
+    if (!SpecAccess::charData(choice)) return finish(false);
+    if (queue.empty()) return finish(true);
+    if (!queue.front()->isCharData()) return finish(false);
+    queue.pop();
+    return finish(true);
+}
+
+}  // namespace Xml
