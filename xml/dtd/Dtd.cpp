@@ -1,0 +1,235 @@
+#include "xml/dtd/Dtd.h"
+
+#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dtd/AttStringType.h"
+#include "xml/dtd/ChildrenSpec.h"
+#include "xml/dtd/CpSpec.h"
+#include "xml/dtd/MixedSpec.h"
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/Matcher.h"
+#include "xml/stream/OutStream.h"
+#include "xml/text/Entities.h"
+#include "xml/text/Message.h"
+#include "xml/text/internal/EmptyData.h"
+#include <memory>
+#include <utility>
+
+namespace Xml {
+
+namespace {
+
+std::int64_t growthLimit = std::int64_t{64} << 20;
+
+void reportDuplicateElement(const std::string& name) { Message("<Dtd::addElementDecl> already added " + name); }
+
+void reportDuplicateAttribute(const std::string& element, const std::string& attribute) {
+    Message("<Dtd::addAttlistDecl> alraedy added " + element + " " + attribute);
+}
+
+// Puts an owned object into a map, over the one that is there or where there is none.
+template <class Owned>
+void put(std::map<std::string, Owned*>& map, const std::string& name, std::unique_ptr<Owned> made) {
+    Owned*& place = map[name];
+    delete place;
+    place = made.release();
+}
+
+}  // namespace
+
+std::int64_t DtdAccess::entityGrowthLimit() { return growthLimit; }
+
+std::int64_t Dtd::setEntityGrowthLimit(std::int64_t bytes) {
+    const std::int64_t before = growthLimit;
+    growthLimit = bytes;
+    return before;
+}
+
+Dtd::Dtd(const std::string& itsName) : name(itsName) {}
+
+Dtd::Dtd(const Dtd& other) : Dtd(other.name) {
+    NodeAccess::setOwnDtd(*this, NodeAccess::dtd(other));
+    merge(other, true);
+}
+
+Dtd::~Dtd() {
+    for (const auto& [element, model] : elements) delete model;
+    for (const auto& [element, list] : attributeLists) {
+        for (const auto& [attribute, definition] : list) delete definition;
+    }
+}
+
+// --- Declarations ---
+
+void Dtd::addElementDecl(const std::string& element, ContentSpec* model) {
+    if (elements.emplace(element, model).second) {
+        touch();
+    } else {
+        reportDuplicateElement(element);
+    }
+}
+
+void Dtd::addElementDecl(const std::string& element, CpSpec* particle, RepType repetition) {
+    if (elements.find(element) != elements.end()) {
+        reportDuplicateElement(element);
+        return;
+    }
+    ContentSpec*& place = elements[element];
+    try {
+        place = new ChildrenSpec(this, particle, repetition);
+    } catch (...) {
+        elements.erase(element);
+        throw;
+    }
+    touch();
+}
+
+void Dtd::addElementDecl(const std::string& element, const std::string& child, RepType repetition) {
+    declareOwn(element, std::make_unique<ChildrenSpec>(this, child, repetition));
+}
+
+void Dtd::addElementDecl(const std::string& element) { declareOwn(element, std::make_unique<MixedSpec>(this)); }
+
+void Dtd::declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model) {
+    if (elements.find(element) != elements.end()) {
+        reportDuplicateElement(element);
+        return;
+    }
+    addElementDecl(element, model.get());
+    model.release();
+}
+
+void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttDef* definition) {
+    const auto list = attributeLists.find(element);
+    if (list == attributeLists.end()) {
+        // A list that could not take its first definition must not stay behind: it would say something about the element.
+        AttributeList made;
+        made.emplace(attribute, definition);
+        attributeLists.emplace(element, std::move(made));
+    } else if (!list->second.emplace(attribute, definition).second) {
+        reportDuplicateAttribute(element, attribute);
+        return;
+    }
+    touch();
+}
+
+void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttType rule) {
+    if (findDefinition(element, attribute) != nullptr) {
+        reportDuplicateAttribute(element, attribute);
+        return;
+    }
+    auto definition = std::make_unique<AttStringType>(rule);
+    addAttDecl(element, attribute, definition.get());
+    definition.release();
+}
+
+void Dtd::merge(const Dtd& other, bool replace) {
+    if (&other == this) return;
+    for (const auto& [element, model] : other.elements) {
+        if (!replace && elements.find(element) != elements.end()) continue;
+        put(elements, element, std::unique_ptr<ContentSpec>(model->clone(this)));
+    }
+    for (const auto& [element, list] : other.attributeLists) {
+        if (list.empty()) continue;
+        AttributeList& own = attributeLists[element];
+        for (const auto& [attribute, definition] : list) {
+            if (!replace && own.find(attribute) != own.end()) continue;
+            put(own, attribute, std::unique_ptr<AttDef>(definition->clone()));
+        }
+    }
+    for (const auto& [entity, value] : other.entities) {
+        if (replace) {
+            entities[entity] = value;
+        } else {
+            entities.emplace(entity, value);
+        }
+    }
+}
+
+// --- Queries ---
+
+bool Dtd::validate(Element* element) const { return element != nullptr && Matcher().validateElement(*this, *element); }
+
+const AttDef* Dtd::findDefinition(const std::string& element, const std::string& attribute) const {
+    const auto list = attributeLists.find(element);
+    if (list == attributeLists.end()) return nullptr;
+    const auto definition = list->second.find(attribute);
+    return definition != list->second.end() ? definition->second : nullptr;
+}
+
+bool Dtd::hasDefaultValue(const std::string& element, const std::string& attribute) const {
+    const AttDef* const definition = findDefinition(element, attribute);
+    return definition != nullptr && definition->hasDefault();
+}
+
+const DataHolder& Dtd::getDefaultValue(const std::string& element, const std::string& attribute) const {
+    const AttDef* const definition = findDefinition(element, attribute);
+    return definition != nullptr ? definition->getDefault() : emptyData();
+}
+
+// --- Entities ---
+
+void Dtd::setEntity(const std::string& entity, const DataHolder& value) { entities[entity] = value; }
+
+bool Dtd::isEntityName(const std::string& entity) const { return entities.find(entity) != entities.end(); }
+
+const std::string* Dtd::findEntityByValue(const DataHolder& value) const {
+    for (const auto& [entity, itsValue] : entities) {
+        if (itsValue == value) return &entity;
+    }
+    return nullptr;
+}
+
+bool Dtd::isEntityValue(const DataHolder& value) const { return findEntityByValue(value) != nullptr; }
+
+const DataHolder& Dtd::getEntityValue(const std::string& entity) const {
+    const auto found = entities.find(entity);
+    if (found != entities.end()) return found->second;
+    Message("<Xml::Dtd::getEntityValue> unkown entity name: " + entity);
+    unknownEntityValue = "&" + entity + ";";
+    return unknownEntityValue;
+}
+
+const std::string& Dtd::getEntityName(const DataHolder& value) const {
+    if (const std::string* entity = findEntityByValue(value)) return *entity;
+    // The text names the other look-up; it is the same for both.
+    Message("<Xml::Dtd::getEntityValue> unkown entity value: " + value);
+    unknownEntityName = value;
+    return unknownEntityName;
+}
+
+// --- As a node ---
+
+Object* Dtd::clone() const { return new Dtd(*this); }
+
+const std::string& Dtd::toString() const {
+    static const std::string text = "<Document Type Description>";
+    return text;
+}
+
+bool Dtd::isDtd() const { return true; }
+
+void Dtd::write(OutStream& out) const {
+    out << "<!DOCTYPE " << name << " [" << '\n';
+    for (const auto& [element, model] : elements) {
+        out << "<!ELEMENT " << element << ' ';
+        model->toStream(out);
+        out << '>' << '\n';
+        const auto list = attributeLists.find(element);
+        if (list == attributeLists.end() || list->second.empty()) continue;
+        out << "<!ATTLIST " << element << '\n';
+        out.incTab();
+        for (const auto& [attribute, definition] : list->second) {
+            out << attribute << ' ';
+            definition->toStream(out);
+            out << '\n';
+        }
+        out.decTab();
+        out << '>' << '\n';
+    }
+    for (const auto& [entity, value] : entities) {
+        out << "<!ENTITY " << entity << ' ' << toXmlString(value) << '>' << '\n';
+    }
+    out << "]>" << '\n';
+}
+
+}  // namespace Xml

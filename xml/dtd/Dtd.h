@@ -1,0 +1,126 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/dom/Object.h"
+#include "xml/dtd/AttDef.h"
+#include "xml/dtd/RepType.h"
+#include "xml/text/DataHolder.h"
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace Xml {
+
+class ContentSpec;
+class CpSpec;
+class Element;
+
+// A document type description: element declarations, attribute lists and general entities. It owns the content models and
+// attribute definitions in it, and outlives every node that links to it.
+//
+// Validation is const but sets links in what it validates, and the look-ups of unknown entities keep a scratch text: a Dtd
+// is used by one thread at a time.
+class ORVXML_API Dtd : public Object {
+public:
+    // `name` is the document type name: the one behind <!DOCTYPE.
+    explicit Dtd(const std::string& name);
+
+    // Deep copies of all declarations, which belong to the copy.
+    Dtd(const Dtd& other);
+    ~Dtd() override;
+
+    // --- Declarations ---
+
+    // Declares an element and takes ownership of the model. An element that is declared already keeps its declaration:
+    // "<Dtd::addElementDecl> already added " and the name are reported, and what was offered stays the caller's.
+    void addElementDecl(const std::string& name, ContentSpec* model);
+
+    // With a new children model around the particle.
+    void addElementDecl(const std::string& name, CpSpec* particle, RepType repetition);
+
+    // With a new children model around the name of a child.
+    void addElementDecl(const std::string& name, const std::string& child, RepType repetition);
+
+    // With character data only.
+    void addElementDecl(const std::string& name);
+
+    // Defines an attribute and takes ownership of the definition. One that is defined already keeps its definition:
+    // "<Dtd::addAttlistDecl> alraedy added ", the element's and the attribute's name are reported, and what was offered
+    // stays the caller's. The element need not be declared.
+    void addAttDecl(const std::string& element, const std::string& attribute, AttDef* definition);
+
+    // With a new definition of string type without default value.
+    void addAttDecl(const std::string& element, const std::string& attribute, AttType rule);
+
+    // Copies the declarations of the other. Where both have one, `replace` decides whether the other's wins. Reports
+    // nothing, and marks nothing as changed.
+    void merge(const Dtd& other, bool replace);
+
+    // --- Queries ---
+
+    // Whether the element is declared, its content fits its model, its attributes fit its attribute list, and so all
+    // elements in it that the models look at. Elements that fit get links to this Dtd: those with an attribute list
+    // together with their whole subtree, as do element children of mixed models, and character data in them. Stops at
+    // the first thing that does not fit, without a message; links set before stay. Null is invalid.
+    bool validate(Element* element) const;
+
+    // Whether the attribute is defined with a default or fixed value.
+    bool hasDefaultValue(const std::string& element, const std::string& attribute) const;
+
+    // The default value in the definition; empty without one.
+    const DataHolder& getDefaultValue(const std::string& element, const std::string& attribute) const;
+
+    // --- Entities: of this Dtd alone; the standard ones are not known here ---
+
+    // Adds the entity or replaces its value.
+    void setEntity(const std::string& name, const DataHolder& value);
+    bool isEntityName(const std::string& name) const;
+    bool isEntityValue(const DataHolder& value) const;
+
+    // The value of the entity. An unknown name is reported ("<Xml::Dtd::getEntityValue> unkown entity name: ", the name) and
+    // gives the reference "&name;", good until the next unknown name.
+    const DataHolder& getEntityValue(const std::string& name) const;
+
+    // The first name, in name order, of an entity with this value. An unknown value is reported ("<Xml::Dtd::getEntityValue>
+    // unkown entity value: ", the value) and gives the value itself, good until the next unknown value.
+    const std::string& getEntityName(const DataHolder& value) const;
+
+    // Readers bound the text that they make from references to entities: past this many bytes, and more than a hundred
+    // times what they have read, they fail. 64 MiB at first, 0 lifts the bound; for the whole process. Returns what was
+    // set before.
+    static std::int64_t setEntityGrowthLimit(std::int64_t bytes);
+
+    // --- As a node ---
+
+    Object* clone() const override;
+    const std::string& toString() const override;
+    bool isDtd() const override;
+
+    // Writes the whole document type declaration. Attribute lists of elements without declaration are not written.
+    void write(OutStream& out) const override;
+
+private:
+    friend class Matcher;
+    friend struct DtdAccess;
+    friend struct NodeTestAccess;
+
+    using AttributeList = std::map<std::string, AttDef*>;
+
+    void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);
+    const AttDef* findDefinition(const std::string& element, const std::string& attribute) const;
+    const std::string* findEntityByValue(const DataHolder& value) const;
+
+    std::map<std::string, ContentSpec*> elements;
+    std::map<std::string, AttributeList> attributeLists;
+    std::string name;
+    std::map<std::string, DataHolder> entities;
+    mutable DataHolder unknownEntityValue;
+    mutable std::string unknownEntityName;
+
+    mutable std::uint64_t validationRun = 0;  // while a validation is under way: its number
+    std::int64_t entityGrowth = 0;            // bytes that readers made from references to these entities
+    std::int64_t bytesRead = 0;               // bytes of external subsets behind this Dtd
+};
+
+}  // namespace Xml
