@@ -1,0 +1,64 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/dom/Object.h"
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Xml {
+
+class Dtd;
+class Element;
+
+// The XML declaration that every document is written with.
+ORVXML_API extern const char* const _xmlHeader;
+
+// The top of a tree: owns the root element and the document type description, where there are such.
+class ORVXML_API Document : public Object {
+public:
+    // Takes ownership of both, either of which may be null; the tree below the root gets the link to the Dtd.
+    Document(Element* root, Dtd* dtd);
+
+    // Copies root and Dtd; the tree of the copy links to the copy's Dtd.
+    Document(const Document& other);
+    ~Document() override;
+
+    Element* getRoot();
+    const Element* getRoot() const;
+    Dtd* getDtd();
+    const Dtd* getDtd() const;
+
+    // Takes the root out: its tree has no links to the Dtd any more, and the caller owns it. Null without a root.
+    Element* extractRoot();
+
+    // Takes the Dtd out; nothing links to it any more. Null without a Dtd, and then nothing changes.
+    Dtd* extractDtd();
+
+    // True without a Dtd; else whether there is a root and the Dtd finds it valid.
+    bool validate();
+
+    // The n-th element of that name in document order, the root included; null when there is none.
+    Element* find(const std::string& name, int n = 0);
+    const Element* find(const std::string& name, int n = 0) const;
+
+    // All elements of that name in document order, the root included.
+    std::vector<Element*> findAll(const std::string& name);
+    std::vector<const Element*> findAll(const std::string& name) const;
+
+    Object* clone() const override;
+
+    // "<Document> " and the name of the root.
+    const std::string& toString() const override;
+    bool isDocument() const override;
+    void write(OutStream& out) const override;
+
+private:
+    friend struct NodeTestAccess;
+
+    Dtd* dtd = nullptr;
+    Element* root = nullptr;
+    mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
+};
+
+}  // namespace Xml
