@@ -1,0 +1,908 @@
+#include "NaiveTokenizer.h"
+#include "support/Sources.h"
+#include "xml/stream/InStream.h"
+#include <gtest/gtest.h>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+using Xml::DataHolder;
+using Xml::InStream;
+using Xml::test::kAllSources;
+using Xml::test::kPromptSources;
+using Xml::test::NaiveTokenizer;
+using Xml::test::Source;
+using Xml::test::withSource;
+
+const std::string kEnd = "Unexpected end of stream";
+
+using Tokens = std::vector<std::string>;
+
+// Calls `use` with the library's stream and with the naive tokenizer, over every given kind of source.
+template <class Sources, class Use>
+void overSources(const Sources& sources, const std::string& text, const Use& use) {
+    for (const Source source : sources) {
+        SCOPED_TRACE(source);
+        withSource(source, text, [&use](InStream& in) { use(in); });
+        SCOPED_TRACE("naive tokenizer");
+        withSource(source, text, [&use](InStream& in) {
+            NaiveTokenizer naive(in);
+            use(naive);
+        });
+    }
+}
+
+template <class Use>
+void everywhere(const std::string& text, const Use& use) {
+    overSources(kAllSources, text, use);
+}
+
+// For what depends on where the data end: the kinds whose end shows at once.
+template <class Use>
+void whereTheEndIsPrompt(const std::string& text, const Use& use) {
+    overSources(kPromptSources, text, use);
+}
+
+template <class Use>
+void overFileStream(const std::string& text, const Use& use) {
+    const Source kOnly[] = {Source::FileStream};
+    overSources(kOnly, text, use);
+}
+
+// The tokens up to one that is "." alone or a failure.
+template <class Tokenizer>
+Tokens tokensOf(Tokenizer& in) {
+    Tokens tokens;
+    std::string token;
+    while (in.getToken(token) && token != ".") tokens.push_back(token);
+    return tokens;
+}
+
+// Whether the parse buffer holds exactly the text.
+template <class Tokenizer>
+bool holds(const Tokenizer& in, const std::string& text) {
+    const int length = static_cast<int>(text.size());
+    return in.StorePosition().second == length && in.CheckParseBufferEnd(text.data(), length);
+}
+
+TEST(InStreamTest, StartsWithoutTextErrorOrBreaks) {
+    everywhere("<a/>", [](auto& in) {
+        EXPECT_EQ(in.getErrorMessage(), "");
+        EXPECT_EQ(in.StorePosition(), std::make_pair(0, 0));
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), 0);
+    });
+}
+
+TEST(InStreamTest, CannotBeCopied) {
+    EXPECT_FALSE(std::is_copy_constructible_v<Xml::test::BareInStream>);
+    EXPECT_FALSE(std::is_copy_assignable_v<Xml::test::BareInStream>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<InStream>);
+    EXPECT_TRUE(std::is_abstract_v<InStream>);
+}
+
+// Each text is followed by " . " so that no token meets the end of the data.
+TEST(InStreamTest, SplitsTextIntoTokens) {
+    const struct {
+        const char* name;
+        std::string text;
+        Tokens tokens;
+    } kCases[] = {
+        {"nothing", "", {}},
+        {"white space alone", " \t\r\n ", {}},
+        {"comment opener behind blanks", "  <!-- x -->", {"<!--", "x", "--", ">"}},
+        {"CDATA opener", "<![CDATA[abc", {"<![CDATA[", "abc"}},
+        {"CDATA opener with blanks", "<![ CDATA [x", {"<![CDATA[", "x"}},
+        {"CDATA opener with breaks and tabs", "<!\n[\r\nCDATA\t[", {"<![CDATA["}},
+        {"conditional section", "<![INCLUDE[", {"<![", "INCLUDE", "["}},
+        {"conditional section behind blank", "<! [ IGNORE [", {"<![", "IGNORE", "["}},
+        {"CDATA without its bracket", "<![CDATA x", {"<![", "CDATA", "x"}},
+        {"word that ends in CDATA", "<![XCDATA[", {"<![XCDATA["}},
+        {"declaration", "<!DOCTYPE a", {"<!DOCTYPE", "a"}},
+        {"declaration names", "<!ELEMENT<!ATTLIST<!ENTITY", {"<!ELEMENT", "<!ATTLIST", "<!ENTITY"}},
+        {"blank before the declaration's name", "<! \n ENTITY %", {"<!ENTITY", "%"}},
+        {"mark before no name", "<!1a", {"<!", "1a"}},
+        {"mark before punctuation", "<!>", {"<!", ">"}},
+        {"mark before one dash", "<!-x", {"<!", "-x"}},
+        {"mark before dashes apart", "<!- -", {"<!", "-", "-"}},
+        {"comment opener takes its dashes alone", "<!--->", {"<!--", "-", ">"}},
+        {"blank before the dashes", "<! --", {"<!", "--"}},
+        {"mark before a quoted bracket", "<!\"[\"", {"<!", "\"[\""}},
+        {"mark before a mark", "<!<!", {"<!", "<!"}},
+        {"marks before a bracket go with it", "<!<!<![x", {"<!<!<![", "x"}},
+        {"declaration behind a mark", "<!<!x", {"<!", "<!x"}},
+        {"xml declaration", "<?xml version", {"<?xml", "version"}},
+        {"blank before xml", "<? \r\n xml version", {"<?xml", "version"}},
+        {"other instruction", "<?php", {"<?", "php"}},
+        {"name that ends in xml", "<?my.xml x", {"<?my.xml", "x"}},
+        {"name that begins with xml", "<?xml-x", {"<?", "xml-x"}},
+        {"xml in other case", "<?XML", {"<?", "XML"}},
+        {"instruction without name", "<? ?>", {"<?", "?", ">"}},
+        {"instruction in instruction", "<?<?xml", {"<?", "<?xml"}},
+        {"end tag", "</a>", {"</", "a", ">"}},
+        {"start tag", "<a>", {"<", "a", ">"}},
+        {"less-than before a blank", "< a", {"<", "a"}},
+        {"less-than twice", "<<", {"<", "<"}},
+        {"less-than before a quote", "<'a'", {"<", "'a'"}},
+        {"end of an empty tag", "/>", {"/>"}},
+        {"slash and greater-than apart", "/ >", {"/", ">"}},
+        {"slash before a word", "/a", {"/", "a"}},
+        {"slashes", "///>", {"/", "/", "/>"}},
+        {"attribute", "abc=\"d e\"", {"abc", "=", "\"d e\""}},
+        {"words at an equals sign", "a=b", {"a", "=", "b"}},
+        {"other quote in quotes", "\"it's\" 'a \"b\"'", {"\"it's\"", "'a \"b\"'"}},
+        {"markup in quotes", "'<a & b\r\n>'", {"'<a & b\r\n>'"}},
+        {"no escape in quotes", "'a\\'b", {"'a\\'", "b"}},
+        {"empty string", "\"\"''", {"\"\"", "''"}},
+        {"quote ends a word", "a'b'", {"a", "'b'"}},
+        {"reference", "&amp; x", {"&amp;", "x"}},
+        {"references side by side", "&a;&b;", {"&a;", "&b;"}},
+        {"reference over blanks and markup", "&a <b>\r\n;x", {"&a <b>\r\n;", "x"}},
+        {"empty reference", "&;", {"&;"}},
+        {"reference inside a word", "a&b;c", {"a&b;c"}},
+        {"quote in a reference", "&';x", {"&';", "x"}},
+        {"word bytes",
+         "#PCDATA #REQUIRED %p; a-b.c:d_e 1.5 ;",
+         {"#PCDATA", "#REQUIRED", "%p;", "a-b.c:d_e", "1.5", ";"}},
+        {"bytes above 127", "caf\xc3\xa9 \xff\x80=", {"caf\xc3\xa9", "\xff\x80", "="}},
+        {"zero bytes", "a\0b \0="s, {"a\0b"s, "\0"s, "="}},
+        {"other odd bytes", "a\fb\v$@^`{}~", {"a\fb\v$@^`{}~"}},
+        {"punctuation, a token a byte",
+         "!()*+,=>?[\\]|",
+         {"!", "(", ")", "*", "+", ",", "=", ">", "?", "[", "\\", "]", "|"}},
+        {"content model", "(#PCDATA|b)*", {"(", "#PCDATA", "|", "b", ")", "*"}},
+        {"each kind of blank ends a word", "a b\tc\nd\re", {"a", "b", "c", "d", "e"}},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        everywhere(c.text + " . ", [&c](auto& in) { EXPECT_EQ(tokensOf(in), c.tokens); });
+    }
+}
+
+TEST(InStreamTest, EndsAWordAtEachPunctuationByteAndAtWhiteSpaceOnly) {
+    const std::string kPunctuation = "!\"'()*+,/<=>?[\\]|";
+    const std::string kWhite = "\t\n\r ";
+    std::string text;
+    for (int byte = 0; byte < 256; ++byte) {
+        text += 'w';
+        text += static_cast<char>(byte);
+        text += "x.\"'\n";
+    }
+    everywhere(text + " ", [&](auto& in) {
+        for (int byte = 0; byte < 256; ++byte) {
+            SCOPED_TRACE(byte);
+            const char c = static_cast<char>(byte);
+            const bool ends = kPunctuation.find(c) != std::string::npos || kWhite.find(c) != std::string::npos;
+            in.setPosition(byte * 7);
+            std::string token;
+            ASSERT_TRUE(in.getToken(token));
+            EXPECT_EQ(token, ends ? "w"s : "w"s + c + "x.");
+            EXPECT_EQ(in.getPosition(), byte * 7 + static_cast<int>(token.size()));
+        }
+    });
+}
+
+TEST(InStreamTest, StandsRightBehindTheToken) {
+    const struct {
+        const char* text;
+        int position;
+    } kCases[] = {
+        {"  word x", 6}, {"<!-- x", 4},  {"<![CDATA[x", 9}, {"<![ CDATA [x", 11}, {"<![X[ ", 3},
+        {"<! [X ", 4},   {"<?xml x", 5}, {"<?php x", 2},    {"<? php x", 2},      {"<!DOCTYPE x", 9},
+        {"<!  1 x", 2},  {"</a ", 2},    {"<a ", 1},        {"/> ", 2},           {"/ > ", 1},
+        {"'a b' ", 5},   {"&a b; ", 5},  {"= ", 1},         {"\r\n\r\nab= ", 6},  {"<!-x ", 2},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere(c.text, [&c](auto& in) {
+            std::string token;
+            EXPECT_TRUE(in.getToken(token));
+            EXPECT_EQ(in.getPosition(), c.position);
+        });
+    }
+}
+
+// What the end of the data does to a token: shown at once, and by a file stream, which hands over one zero byte first and
+// has no position any more from then on.
+TEST(InStreamTest, MeetsTheEndOfTheDataInEachKindOfToken) {
+    struct Ending {
+        bool ok;
+        std::string token;  // what a string holds behind it that held "before"
+        std::string message;
+        std::string buffer;
+    };
+    const std::string zero(1, '\0');
+    const struct {
+        const char* text;
+        Ending prompt;
+        Ending fileStream;
+    } kCases[] = {
+        {"", {false, "before", kEnd, ""}, {false, "before", kEnd, ""}},
+        {" \t\r\n", {false, "before", kEnd, ""}, {false, "before", kEnd, ""}},
+        {"word", {true, "word", kEnd, "word"}, {true, "word" + zero, kEnd, "word" + zero}},
+        {"&amp", {false, "before", kEnd, "&amp"}, {false, "before", kEnd, "&amp" + zero}},
+        {"&", {false, "before", kEnd, "&"}, {false, "before", kEnd, "&" + zero}},
+        {"&amp;", {true, "&amp;", "", "&amp;"}, {true, "&amp;", "", "&amp;"}},
+        {"'a", {false, "before", kEnd, "'a"}, {false, "before", kEnd, "'a" + zero}},
+        {"\"", {false, "before", kEnd, "\""}, {false, "before", kEnd, "\"" + zero}},
+        {"'a'", {true, "'a'", "", "'a'"}, {true, "'a'", "", "'a'"}},
+        {"/", {true, "/", kEnd, "/"}, {true, "/", "", "/"}},
+        {"/>", {true, "/>", "", "/>"}, {true, "/>", "", "/>"}},
+        {"<", {true, "<", kEnd, "<"}, {true, "<", "", "<"}},
+        {"</", {true, "</", "", "</"}, {true, "</", "", "</"}},
+        {"=", {true, "=", "", "="}, {true, "=", "", "="}},
+        {"<!", {false, "before", kEnd, "<!"}, {false, "before", kEnd, "<!"}},
+        {"<!-", {false, "before", kEnd, "<!"}, {false, "before", kEnd, "<!"}},
+        {"<!--", {true, "<!--", "\"[\" expected", "<!--"}, {false, "before", kEnd, "<!"}},
+        {"<!x", {true, "<!x", kEnd, "<!x"}, {false, "before", kEnd, "<!"}},
+        {"<![", {true, "<![", kEnd, "<!["}, {true, "<![", kEnd, "<!["}},
+        {"<![CDATA", {true, "<![", kEnd, "<!["}, {true, "<![", "\"CDATA\" expected", "<!["}},
+        {"<![CDATA[",
+         {true, "<![CDATA[", "not a name: [", "<![CDATA["},
+         {true, "<![CDATA[", "not a name: [", "<![CDATA["}},
+        {"<!1", {true, "<!", "\"[\" expected", "<!"}, {false, "before", kEnd, "<!"}},
+        {"<?", {true, "<?", kEnd, "<?"}, {true, "<?", kEnd, "<?"}},
+        {"<?xml", {true, "<?xml", kEnd, "<?xml"}, {true, "<?", "not a name: xml" + zero, "<?"}},
+        {"<?php", {true, "<?", kEnd, "<?"}, {true, "<?", "not a name: php" + zero, "<?"}},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        const auto check = [](const Ending& wanted) {
+            return [wanted](auto& in) {
+                std::string token = "before";
+                EXPECT_EQ(in.getToken(token), wanted.ok);
+                EXPECT_EQ(token, wanted.token);
+                EXPECT_EQ(in.getErrorMessage(), wanted.message);
+                EXPECT_TRUE(holds(in, wanted.buffer));
+            };
+        };
+        whereTheEndIsPrompt(c.text, check(c.prompt));
+        overFileStream(c.text, check(c.fileStream));
+    }
+}
+
+TEST(InStreamTest, HasNoPositionOnceAFileStreamMetItsEnd) {
+    overFileStream("word", [](auto& in) {
+        std::string token;
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(in.getPosition(), -1);
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), -1);
+        in.RestorePosition({0, 0});
+        EXPECT_FALSE(in.getToken(token));
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+TEST(InStreamTest, LeavesTheMessagesOfAttemptsBehindASuccess) {
+    const struct {
+        const char* text;
+        const char* token;
+        const char* message;
+    } kCases[] = {
+        {"<!-- ", "<!--", "\"[\" expected"},
+        {"<!1 ", "<!", "\"[\" expected"},
+        {"<![CDATA[ ", "<![CDATA[", "not a name: ["},
+        {"<![X[ ", "<![", "\"CDATA\" expected"},
+        {"<![CDATA] ", "<![", "\"[\" expected"},
+        {"<?1 ", "<?", "not a name: 1"},
+        {"<?php ", "<?", ""},
+        {"<!DOCTYPE ", "<!DOCTYPE", ""},
+        {"<?xml ", "<?xml", ""},
+        {"<a ", "<", ""},
+        {"word ", "word", ""},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere(c.text, [&c](auto& in) {
+            std::string token;
+            EXPECT_TRUE(in.getToken(token));
+            EXPECT_EQ(token, c.token);
+            EXPECT_EQ(in.getErrorMessage(), c.message);
+        });
+    }
+}
+
+TEST(InStreamTest, KeepsTheMessageOfAFailureUntilTheNext) {
+    everywhere("1a b 2c 'x' ", [](auto& in) {
+        std::string text;
+        EXPECT_FALSE(in.getName(text));
+        EXPECT_TRUE(in.getName(text));
+        EXPECT_EQ(in.getErrorMessage(), "not a name: 1a");
+        EXPECT_FALSE(in.getName(text));
+        EXPECT_EQ(in.getErrorMessage(), "not a name: 2c");
+        EXPECT_TRUE(in.getString(text));
+        EXPECT_EQ(in.getErrorMessage(), "not a name: 2c");
+    });
+}
+
+TEST(InStreamTest, TakesNamesAndNothingElseForNames) {
+    const struct {
+        std::string text;
+        bool ok;
+        std::string token;  // the name, or what is no name
+    } kCases[] = {
+        {"abc ", true, "abc"},    {" _ ", true, "_"},         {":a-b.c_1=", true, ":a-b.c_1"},
+        {"1abc ", false, "1abc"}, {"-a ", false, "-a"},       {".a ", false, ".a"},
+        {"= ", false, "="},       {"'a' ", false, "'a'"},     {"&a; ", false, "&a;"},
+        {"<a ", false, "<"},      {"<!a ", false, "<!a"},     {"a\xc3\xa9 ", false, "a\xc3\xa9"},
+        {"/> ", false, "/>"},     {"a\0b "s, false, "a\0b"s}, {"#PCDATA ", false, "#PCDATA"},
+        {"a;b ", false, "a;b"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere(c.text, [&c](auto& in) {
+            std::string name = "before";
+            EXPECT_EQ(in.getName(name), c.ok);
+            EXPECT_EQ(name, c.ok ? c.token : "before");
+            EXPECT_EQ(in.getErrorMessage(), c.ok ? "" : "not a name: " + c.token);
+            EXPECT_TRUE(holds(in, c.token));
+        });
+    }
+    everywhere(" ", [](auto& in) {
+        std::string name;
+        EXPECT_FALSE(in.getName(name));
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+TEST(InStreamTest, TestsOnlyTheAppendedPartForAName) {
+    everywhere("1 a 2 ", [](auto& in) {
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(in.getNameInParseBuffer());
+        EXPECT_TRUE(holds(in, "1a"));
+        EXPECT_FALSE(in.getNameInParseBuffer());
+        EXPECT_EQ(in.getErrorMessage(), "not a name: 2");
+        EXPECT_TRUE(holds(in, "1a2"));
+    });
+}
+
+TEST(InStreamTest, ReadsQuotedStringsWithTheirQuotes) {
+    const struct {
+        const char* text;
+        bool ok;
+        const char* result;
+        const char* message;
+        int position;
+    } kCases[] = {
+        {" \r\n'a b' ", true, "'a b'", "", 8},
+        {"\"it's <&>\r\n\" ", true, "\"it's <&>\r\n\"", "", 12},
+        {"'' ", true, "''", "", 2},
+        {"  abc ", false, "before", "\"\"\" or \"'\" expected", 3},
+        {"< ", false, "before", "\"\"\" or \"'\" expected", 1},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere(c.text, [&c](auto& in) {
+            std::string text = "before";
+            EXPECT_EQ(in.getString(text), c.ok);
+            EXPECT_EQ(text, c.result);
+            EXPECT_EQ(in.getErrorMessage(), c.message);
+            EXPECT_EQ(in.getPosition(), c.position);
+        });
+    }
+    for (const char* text : {"", "  ", "'abc", "\"a'"}) {
+        SCOPED_TRACE(text);
+        everywhere(text, [](auto& in) {
+            std::string result = "before";
+            EXPECT_FALSE(in.getString(result));
+            EXPECT_EQ(result, "before");
+            EXPECT_EQ(in.getErrorMessage(), kEnd);
+        });
+    }
+}
+
+TEST(InStreamTest, AppendsToTheParseBufferOrEmptiesItFirst) {
+    everywhere("a 'b' c d 'e' f g -x- ", [](auto& in) {
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(in.getStringInParseBuffer());
+        EXPECT_TRUE(in.getNameInParseBuffer());
+        EXPECT_TRUE(holds(in, "a'b'c"));
+        std::string text;
+        EXPECT_TRUE(in.getToken(text));
+        EXPECT_EQ(text, "d");
+        EXPECT_TRUE(holds(in, "d"));
+        EXPECT_TRUE(in.getString(text));
+        EXPECT_TRUE(holds(in, "'e'"));
+        EXPECT_TRUE(in.getName(text));
+        EXPECT_TRUE(holds(in, "f"));
+        EXPECT_TRUE(in.checkTokenInParseBuffer("fg", 2));
+        EXPECT_TRUE(in.skip("x"));
+        EXPECT_TRUE(holds(in, "fg -x"));
+        EXPECT_TRUE(in.checkToken("-"));
+        EXPECT_TRUE(holds(in, "-"));
+    });
+}
+
+TEST(InStreamTest, GoesOnBehindALessThanThatIsInTheBuffer) {
+    const struct {
+        const char* text;
+        const char* added;
+    } kCases[] = {{"!--x", "!--"}, {"?xml ", "?xml"}, {"/a", "/"}, {"a>", ""}, {" a", ""}, {"![CDATA[", "![CDATA["}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere("="s + c.text + " ", [&c](auto& in) {
+            EXPECT_TRUE(in.getTokenInParseBuffer());
+            EXPECT_TRUE(in.getTokenltInParseBuffer());
+            EXPECT_TRUE(holds(in, "="s + c.added));
+        });
+    }
+}
+
+TEST(InStreamTest, ChecksTheEndOfTheParseBufferAgainstTheExpectedToken) {
+    const struct {
+        const char* text;
+        std::string expected;
+        bool ok;
+        std::string message;
+    } kCases[] = {
+        {"> ", ">", true, ""},
+        {"x ", ">", false, "\">\" expected"},
+        {"/> ", ">", true, ""},
+        {"DOCTYPE ", "TYPE", true, ""},
+        {"TYPE ", "DOCTYPE", false, "\"DOCTYPE\" expected"},
+        {"TYPEX ", "TYPE", false, "\"TYPE\" expected"},
+        {"type ", "TYPE", false, "\"TYPE\" expected"},
+        {"'a b' ", "b'", true, ""},
+        {"anything ", "", true, ""},
+        {"a ", "a\0b"s, false, "\"a\0b\" expected"s},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(std::string(c.text) + c.expected);
+        everywhere(c.text, [&c](auto& in) {
+            EXPECT_EQ(in.checkToken(c.expected), c.ok);
+            EXPECT_EQ(in.getErrorMessage(), c.message);
+        });
+    }
+    everywhere("\r\n", [](auto& in) {
+        EXPECT_FALSE(in.checkToken(""));
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+TEST(InStreamTest, MatchesAcrossTokensInTheParseBuffer) {
+    everywhere("AB CD E ", [](auto& in) {
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(in.checkTokenInParseBuffer("BCD", 3));
+        EXPECT_FALSE(in.checkTokenInParseBuffer("DEF", 3));
+        EXPECT_EQ(in.getErrorMessage(), "\"DEF\" expected");
+        EXPECT_TRUE(holds(in, "ABCDE"));
+    });
+    everywhere("AB ", [](auto& in) { EXPECT_TRUE(in.checkTokenInParseBuffer("xyz", 0)); });
+}
+
+TEST(InStreamTest, AppendsCharacterDataUpToTheNextTagAsItStands) {
+    const struct {
+        std::string text;
+        std::string data;
+    } kCases[] = {
+        {"<", ""},
+        {" a &amp; \"b\" > ]]>\r\n<a", " a &amp; \"b\" > ]]>\r\n"},
+        {"\0\xff\t<"s, "\0\xff\t"s},
+    };
+    for (const auto& c : kCases) {
+        everywhere(c.text + " ", [&c](auto& in) {
+            DataHolder data("before ");
+            EXPECT_TRUE(in.getCharData(data));
+            EXPECT_EQ(data, "before " + c.data);
+            EXPECT_EQ(in.getPosition(), static_cast<int>(c.data.size()));
+            char next = 0;
+            EXPECT_TRUE(in.get(next));
+            EXPECT_EQ(next, '<');
+        });
+    }
+    const auto check = [](const std::string& wanted) {
+        return [wanted](auto& in) {
+            DataHolder data("x");
+            EXPECT_FALSE(in.getCharData(data));
+            EXPECT_EQ(data, wanted);
+            EXPECT_EQ(in.getErrorMessage(), kEnd);
+        };
+    };
+    whereTheEndIsPrompt(" a ", check("x a "));
+    overFileStream(" a ", check("x a \0"s));
+}
+
+TEST(InStreamTest, LeavesTheParseBufferAloneWhenItReadsCharacterData) {
+    everywhere("a bc<", [](auto& in) {
+        std::string token;
+        DataHolder data;
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_TRUE(in.getCharData(data));
+        EXPECT_EQ(data, " bc");
+        EXPECT_TRUE(holds(in, "a"));
+    });
+}
+
+TEST(InStreamTest, GetsSingleBytesAndPutsThemBack) {
+    everywhere("ab ", [](auto& in) {
+        char c = 0;
+        EXPECT_TRUE(in.get(c));
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(c, 'b');
+        in.putBackChar();
+        EXPECT_EQ(in.getPosition(), 1);
+        in.putBackChar();
+        in.putBackChar();
+        EXPECT_EQ(in.getPosition(), 0);
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(c, 'a');
+        EXPECT_EQ(in.getErrorMessage(), "");
+    });
+}
+
+TEST(InStreamTest, LeavesTheCallersByteAsItWasAtTheEnd) {
+    whereTheEndIsPrompt("a", [](auto& in) {
+        char c = 'Z';
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(c, 'a');
+        c = 'Z';
+        EXPECT_FALSE(in.get(c));
+        EXPECT_EQ(c, 'Z');
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+    overFileStream("a", [](auto& in) {
+        char c = 0;
+        EXPECT_TRUE(in.get(c));
+        c = 'Z';
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(c, 'Z');
+        EXPECT_EQ(in.getErrorMessage(), "");
+        EXPECT_FALSE(in.get(c));
+        EXPECT_EQ(c, 'Z');
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+TEST(InStreamTest, EatsBlanksTabsAndBreaksOnly) {
+    const struct {
+        const char* text;
+        int position;
+    } kCases[] = {{"a", 0}, {" a", 1}, {" \t\r\n a", 5}, {"\fa", 0}, {"\va", 0}, {"\xa0", 0}, {"   <", 3}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        everywhere(std::string(c.text) + " ", [&c](auto& in) {
+            in.eatWhite();
+            EXPECT_EQ(in.getPosition(), c.position);
+            EXPECT_EQ(in.getErrorMessage(), "");
+            EXPECT_TRUE(holds(in, ""));
+        });
+    }
+    whereTheEndIsPrompt("  ", [](auto& in) {
+        in.eatWhite();
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+        EXPECT_EQ(in.getPosition(), 2);
+    });
+    overFileStream("  ", [](auto& in) {
+        in.eatWhite();
+        EXPECT_EQ(in.getErrorMessage(), "");
+        EXPECT_EQ(in.getPosition(), -1);
+        in.eatWhite();
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+TEST(InStreamTest, SkipsThroughTheFirstTerminator) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string terminator;
+        std::string buffer;
+    } kCases[] = {
+        {"comment", " x - y --> z", "-->", " x - y -->"},
+        {"at once", "-->-->", "-->", "-->"},
+        {"terminator that repeats itself", "aaab", "aab", "aaab"},
+        {"dashes before the terminator", "---->", "-->", "---->"},
+        {"breaks and quotes", "'\r\n\"?>x", "?>", "'\r\n\"?>"},
+        {"zero bytes", "a\0\0\1b"s, "\0\1"s, "a\0\0\1"s},
+        {"empty terminator", "abc", "", ""},
+        {"one byte", "abc", "a", "a"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        everywhere(c.text, [&c](auto& in) {
+            EXPECT_TRUE(in.skip(c.terminator));
+            EXPECT_TRUE(holds(in, c.buffer));
+            EXPECT_EQ(in.getPosition(), static_cast<int>(c.buffer.size()));
+            EXPECT_EQ(in.getErrorMessage(), "");
+        });
+    }
+    whereTheEndIsPrompt("a--", [](auto& in) {
+        EXPECT_FALSE(in.skip("-->"));
+        EXPECT_TRUE(holds(in, "a--"));
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+        EXPECT_TRUE(in.skip(""));
+        EXPECT_FALSE(in.skip("x"));
+    });
+    overFileStream("a--", [](auto& in) {
+        EXPECT_FALSE(in.skip("-->"));
+        EXPECT_TRUE(holds(in, "a--\0"s));
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+    });
+}
+
+// As many bytes as the terminator has are read before the buffer is looked at.
+TEST(InStreamTest, SkipsOnWhereTheBufferEndsWithTheTerminatorAlready) {
+    everywhere("-->> x-->--> ", [](auto& in) {
+        EXPECT_TRUE(in.skip("-->"));
+        EXPECT_TRUE(in.skip(">"));
+        EXPECT_TRUE(holds(in, "-->>"));
+        EXPECT_TRUE(in.skip("-->"));
+        EXPECT_TRUE(holds(in, "-->> x-->"));
+        EXPECT_TRUE(in.skip("-->"));
+        EXPECT_TRUE(holds(in, "-->> x-->-->"));
+    });
+}
+
+TEST(InStreamTest, ComparesTheEndOfTheParseBuffer) {
+    everywhere("abc ", [](auto& in) {
+        EXPECT_TRUE(in.CheckParseBufferEnd("x", 0));
+        EXPECT_TRUE(in.CheckParseBufferEnd("x", -1));
+        EXPECT_FALSE(in.CheckParseBufferEnd("x", 1));
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(in.CheckParseBufferEnd("abc", 3));
+        EXPECT_TRUE(in.CheckParseBufferEnd("bcx", 2));
+        EXPECT_TRUE(in.CheckParseBufferEnd("c", 1));
+        EXPECT_FALSE(in.CheckParseBufferEnd("b", 1));
+        EXPECT_FALSE(in.CheckParseBufferEnd("aabc", 4));
+    });
+}
+
+TEST(InStreamTest, ComesBackToAStoredPosition) {
+    everywhere("a b c ", [](auto& in) {
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        const std::pair<int, int> saved = in.StorePosition();
+        EXPECT_EQ(saved, std::make_pair(1, 1));
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(in.getTokenInParseBuffer());
+        EXPECT_TRUE(holds(in, "abc"));
+        in.RestorePosition(saved);
+        EXPECT_EQ(in.StorePosition(), saved);
+        EXPECT_TRUE(holds(in, "a"));
+        EXPECT_TRUE(in.checkTokenInParseBuffer("ab", 2));
+        in.RestorePosition({4, 5});
+        EXPECT_TRUE(holds(in, "ab\0\0\0"s));
+        EXPECT_TRUE(in.checkToken("c"));
+    });
+}
+
+struct Place {
+    int position;
+    int line;
+    int column;
+};
+
+// Reads the text byte by byte and asks for line and column behind each.
+template <class Tokenizer>
+void expectPlaces(Tokenizer& in, const std::vector<Place>& places) {
+    for (const Place& place : places) {
+        SCOPED_TRACE(place.position);
+        char c;
+        while (in.getPosition() < place.position) ASSERT_TRUE(in.get(c));
+        in.setPosition(place.position);
+        EXPECT_EQ(in.getLine(), place.line);
+        EXPECT_EQ(in.getColumn(), place.column);
+    }
+}
+
+TEST(InStreamTest, RecordsABreakAtTheSecondByteOfAPairOnly) {
+    const struct {
+        const char* name;
+        const char* text;
+        std::vector<Place> places;  // of the whole text read once, in this order
+    } kCases[] = {
+        {"line feeds", "ab\nc\n\nd ", {{2, 1, 2}, {3, 1, 3}, {5, 1, 5}, {6, 1, 6}, {7, 1, 7}}},
+        {"single carriage returns", "a\rb\rc ", {{2, 1, 2}, {4, 1, 4}, {5, 1, 5}}},
+        {"CR LF",
+         "ab\r\ncd\r\ne ",
+         {{2, 1, 2},
+          {3, 1, 3},
+          {4, 1, 4},
+          {5, 1, 1},
+          {6, 1, 2},
+          {7, 1, 3},
+          {8, 2, 4},
+          {9, 2, 1},
+          {4, 1, 4},
+          {2, 2, 2},
+          {6, 2, 2}}},
+        {"CR CR", "\r\ra ", {{1, 1, 1}, {2, 1, 2}, {3, 1, 1}}},
+        {"CR CR LF", "\r\r\na ", {{2, 1, 2}, {3, 2, 1}, {4, 2, 1}}},
+        {"CR CR CR", "\r\r\ra ", {{2, 1, 2}, {3, 2, 1}, {4, 2, 1}}},
+        {"LF CR", "\n\ra ", {{1, 1, 1}, {2, 1, 2}, {3, 1, 3}}},
+        {"CR LF LF", "\r\n\na ", {{2, 1, 2}, {3, 1, 1}, {4, 1, 2}}},
+        {"tabs count as one", "\r\n\t\ta ", {{3, 1, 1}, {4, 1, 2}}},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        everywhere(c.text, [&c](auto& in) { expectPlaces(in, c.places); });
+    }
+}
+
+TEST(InStreamTest, CountsEachBreakOnceHoweverOftenItIsRead) {
+    everywhere("'a'\r\n'b'\r\n'c' ", [](auto& in) {
+        for (int round = 0; round < 3; ++round) {
+            in.setPosition(0);
+            std::string text;
+            for (int i = 0; i < 3; ++i) EXPECT_TRUE(in.getString(text));
+            EXPECT_EQ(text, "'c'");
+            EXPECT_EQ(in.getLine(), 2);
+            EXPECT_EQ(in.getColumn(), 3);
+        }
+    });
+}
+
+// The carriage return is read, stepped back over and read again: two in a row for the tracking.
+TEST(InStreamTest, BreaksTwiceWhereAWordEndsAtCarriageReturnLineFeed) {
+    everywhere("a\r\nb ", [](auto& in) {
+        std::string token;
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "b");
+        EXPECT_EQ(in.getLine(), 2);
+        EXPECT_EQ(in.getColumn(), 1);
+        in.setPosition(2);
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), 2);
+        in.setPosition(3);
+        EXPECT_EQ(in.getLine(), 2);
+        EXPECT_EQ(in.getColumn(), 1);
+    });
+}
+
+TEST(InStreamTest, TracksBreaksInTokensStringsReferencesDataAndWhatIsSkipped) {
+    everywhere("'\r\n'&\r\n; \r\n<\r\n<\r\n-->  ", [](auto& in) {
+        std::string token;
+        DataHolder data;
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), 1);
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "&\r\n;");
+        EXPECT_EQ(in.getLine(), 2);
+        EXPECT_TRUE(in.getCharData(data));
+        EXPECT_EQ(in.getLine(), 3);
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_TRUE(in.getCharData(data));
+        EXPECT_EQ(in.getLine(), 5);
+        EXPECT_TRUE(in.skip("-->"));
+        EXPECT_EQ(in.getLine(), 6);
+        EXPECT_EQ(in.getColumn(), 3);
+    });
+}
+
+TEST(InStreamTest, DoesNotTrackTheSourcesOwnReads) {
+    everywhere("\r\n\r\n x ", [](auto& in) {
+        char c;
+        for (int i = 0; i < 5; ++i) EXPECT_TRUE(in.getChar(c));
+        EXPECT_EQ(in.getColumn(), 5);
+        in.setPosition(0);
+        in.eatWhite();
+        EXPECT_EQ(in.getLine(), 2);
+        EXPECT_EQ(in.getColumn(), 1);
+    });
+}
+
+// Going back restores neither the breaks nor what the last byte was.
+TEST(InStreamTest, RemembersACarriageReturnAcrossGoingBack) {
+    everywhere("\ra\n ", [](auto& in) {
+        char c;
+        EXPECT_TRUE(in.get(c));
+        in.setPosition(2);
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), 3);
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(in.getColumn(), 1);
+    });
+    everywhere("\r x", [](auto& in) {
+        char c;
+        EXPECT_TRUE(in.get(c));
+        in.putBackChar();
+        EXPECT_TRUE(in.get(c));
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(in.getPosition(), 2);
+        EXPECT_EQ(in.getColumn(), 1);
+    });
+}
+
+// Met in another order than they lie in, breaks are looked for from the first one met.
+TEST(InStreamTest, LooksForBreaksInTheOrderTheyWereMet) {
+    everywhere("'\r\n' '\r\n' '\r\n' ", [](auto& in) {
+        std::string text;
+        for (const int position : {10, 0, 5}) {
+            in.setPosition(position);
+            EXPECT_TRUE(in.getString(text));
+        }
+        const Place kPlaces[] = {{2, 3, 2}, {3, 2, 3},   {4, 3, 4},  {8, 3, 8},
+                                 {9, 3, 9}, {13, 1, 13}, {14, 3, 6}, {15, 3, 7}};
+        for (const Place& place : kPlaces) {
+            SCOPED_TRACE(place.position);
+            in.setPosition(place.position);
+            EXPECT_EQ(in.getLine(), place.line);
+            EXPECT_EQ(in.getColumn(), place.column);
+        }
+    });
+}
+
+TEST(InStreamTest, ReadsNothingAtPositionsOutsideTheText) {
+    for (const int position : {4, 5, 1000, 2'147'483'647, -1, -2'147'483'647 - 1}) {
+        SCOPED_TRACE(position);
+        const Source kFixed[] = {Source::String, Source::Bare};
+        overSources(kFixed, "abc ", [position](auto& in) {
+            std::string token = "before";
+            in.setPosition(position);
+            EXPECT_FALSE(in.getToken(token));
+            EXPECT_EQ(token, "before");
+            EXPECT_EQ(in.getErrorMessage(), kEnd);
+            EXPECT_EQ(in.getPosition(), position);
+            in.setPosition(0);
+            EXPECT_TRUE(in.getToken(token));
+            EXPECT_EQ(token, "abc");
+        });
+    }
+}
+
+// A source of a caller: the only thing that the tokenizer has is what it overrides.
+TEST(InStreamTest, TakesAZeroByteWhereASourceSaysTrueWithoutOne) {
+    class Empty : public InStream {
+    public:
+        bool getChar(char&) override { return calls++ < 3; }
+        int getPosition() const override { return calls; }
+        void setPosition(int) override {}
+        bool eof() override { return false; }
+
+    private:
+        int calls = 0;
+    };
+    Empty in;
+    std::string token;
+    // One zero byte ends the white space, two make the word.
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "\0\0"s);
+    EXPECT_EQ(in.getErrorMessage(), kEnd);
+}
+
+// Marks in marks are attempts in attempts: each is tried in up to three ways, and must not be tried again in each of the
+// ways of the one around it.
+TEST(InStreamTest, ReadsRunsOfMarksOnceAndWithoutDepth) {
+    const int kCount = 100'000;
+    std::string declarations;
+    std::string instructions;
+    for (int i = 0; i < kCount; ++i) {
+        declarations += "<!";
+        instructions += "<?";
+    }
+    const struct {
+        const char* name;
+        std::string text;
+        std::string token;
+        const char* message;
+    } kCases[] = {
+        {"declarations", declarations + "1 ", "<!", "\"[\" expected"},
+        {"declarations before a name", declarations + "a ", "<!", "\"[\" expected"},
+        {"declarations before a bracket", declarations + "[ ", declarations + "[", "Unexpected end of stream"},
+        {"instructions", instructions + "1 ", "<?", "not a name: <?"},
+        {"instructions before xml", instructions + "xml ", "<?", "not a name: <?"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        for (const Source source : kPromptSources) {
+            SCOPED_TRACE(source);
+            withSource(source, c.text, [&c](InStream& in) {
+                std::string token;
+                EXPECT_TRUE(in.getToken(token));
+                EXPECT_TRUE(token == c.token) << token.size();
+                EXPECT_EQ(in.getErrorMessage(), c.message);
+                EXPECT_EQ(in.getPosition(), static_cast<int>(c.token.size()));
+            });
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "xml/stream/InStream.h"
+#include <string>
+
+namespace Xml {
+
+class InStream::Use {
+public:
+    explicit Use(InStream& stream) : in(stream) { ++in.uses; }
+    ~Use() {
+        if (--in.uses > 0) return;
+        in.releaseWindow();
+        if (!in.readMarkups.empty()) in.readMarkups.clear();
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+private:
+    InStream& in;
+};
+
+// What the readers use of a stream beside its public operations.
+struct StreamAccess {
+    // Lets the stream keep its window over many operations. The positions below cost no look at the source then.
+    using Session = InStream::Use;
+
+    static int tell(const InStream& in) { return in.tell(); }
+    static void seek(InStream& in, int position) { in.seek(position); }
+
+    // As InStream::getToken, with the token left in the parse buffer; good until the next operation.
+    static bool getToken(InStream& in) {
+        in.parseBuffer.clear();
+        return in.getTokenInParseBuffer();
+    }
+    static void clear(InStream& in) { in.parseBuffer.clear(); }
+    static const std::string& token(const InStream& in) { return in.parseBuffer; }
+
+    // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';', so
+    // that many '&' before a far one would be read over and over: one that begins before `referenceEnd`, the end of the last
+    // reference read, is not read again, and the token is "&" alone.
+    static bool getContentToken(InStream& in, int& referenceEnd);
+};
+
+}  // namespace Xml
