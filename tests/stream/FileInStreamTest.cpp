@@ -1,0 +1,390 @@
+#include "TextBuffer.h"
+#include "support/Messages.h"
+#include "support/Sources.h"
+#include "xml/stream/FileInStream.h"
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+using Xml::FileInStream;
+using Xml::test::MessageCollector;
+using Xml::test::scratchPath;
+using Xml::test::TextStream;
+using Xml::test::writeFile;
+
+const std::string kEnd = "Unexpected end of stream";
+constexpr auto kAllExceptions = std::ios::badbit | std::ios::failbit | std::ios::eofbit;
+
+// A file in the scratch folder that goes with the object.
+class ScratchFile {
+public:
+    ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) { writeFile(path, bytes); }
+    ~ScratchFile() { std::remove(path.c_str()); }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string path;
+};
+
+TEST(FileInStreamTest, IsMadeFromAStreamOrAPathExplicitly) {
+    EXPECT_TRUE((std::is_constructible_v<FileInStream, std::istream*>));
+    EXPECT_FALSE((std::is_convertible_v<std::istream*, FileInStream>));
+    EXPECT_TRUE((std::is_constructible_v<FileInStream, const std::string&, std::ifstream*>));
+    EXPECT_TRUE((std::is_base_of_v<Xml::InStream, FileInStream>));
+    EXPECT_FALSE(std::is_copy_constructible_v<FileInStream>);
+}
+
+TEST(FileInStreamTest, ShowsTheEndOneReadLate) {
+    std::istringstream stream("ab");
+    FileInStream in(&stream);
+    char c = 0;
+    EXPECT_EQ(in.getPosition(), 0);
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, 'a');
+    EXPECT_EQ(in.getPosition(), 1);
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, 'b');
+    EXPECT_FALSE(in.eof());
+    EXPECT_EQ(in.getPosition(), 2);
+    c = 'Z';
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, 'Z');
+    EXPECT_TRUE(in.eof());
+    EXPECT_FALSE(in.getChar(c));
+    EXPECT_EQ(c, 'Z');
+    EXPECT_EQ(in.getPosition(), -1);
+}
+
+TEST(FileInStreamTest, ReadsEveryByteOfAFileAsItIs) {
+    std::string bytes;
+    for (int i = 0; i < 20'000; ++i) bytes += static_cast<char>(i * 7 % 256);
+    const ScratchFile scratch("bytes", bytes);
+    std::ifstream file;
+    FileInStream in(scratch.path, &file);
+    std::string read;
+    char c = 0;
+    while (read.size() < bytes.size() && in.getChar(c)) read += c;
+    EXPECT_TRUE(read == bytes);
+    in.setPosition(9000);
+    EXPECT_EQ(in.getPosition(), 9000);
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, bytes[9000]);
+}
+
+TEST(FileInStreamTest, BeginsWhereTheCallersStreamStands) {
+    std::istringstream stream("skipped read ");
+    stream.seekg(8);
+    FileInStream in(&stream);
+    std::string token;
+    EXPECT_EQ(in.getPosition(), 8);
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "read");
+    EXPECT_EQ(stream.tellg(), 12);
+}
+
+TEST(FileInStreamTest, LeavesTheCallersStreamRightBehindEachToken) {
+    const std::string text = "<a b='c'>one &two; <!-- x -->/> ";
+    const ScratchFile scratch("tokens", text);
+    std::ifstream file(scratch.path, std::ios::binary);
+    std::istringstream memory(text);
+    for (std::istream* stream : {static_cast<std::istream*>(&file), static_cast<std::istream*>(&memory)}) {
+        FileInStream in(stream);
+        const struct {
+            const char* token;
+            int position;
+        } kTokens[] = {{"<", 1},      {"a", 2},     {"b", 4},  {"=", 5},   {"'c'", 8}, {">", 9},  {"one", 12},
+                       {"&two;", 18}, {"<!--", 23}, {"x", 25}, {"--", 28}, {">", 29},  {"/>", 31}};
+        for (const auto& wanted : kTokens) {
+            SCOPED_TRACE(wanted.token);
+            std::string token;
+            EXPECT_TRUE(in.getToken(token));
+            EXPECT_EQ(token, wanted.token);
+            EXPECT_EQ(stream->tellg(), wanted.position);
+        }
+    }
+}
+
+TEST(FileInStreamTest, GoesOnWhereTheCallerMovedTheStream) {
+    const std::string text = "one two three four ";
+    const ScratchFile scratch("moved", text);
+    std::ifstream file(scratch.path, std::ios::binary);
+    std::istringstream memory(text);
+    for (std::istream* stream : {static_cast<std::istream*>(&file), static_cast<std::istream*>(&memory)}) {
+        FileInStream in(stream);
+        std::string token;
+        EXPECT_TRUE(in.getToken(token));
+        stream->seekg(8);
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "three");
+        EXPECT_EQ(stream->get(), ' ');
+        EXPECT_EQ(stream->get(), 'f');
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "our");
+        std::string word;
+        stream->seekg(0);
+        EXPECT_TRUE(*stream >> word);
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "two");
+    }
+}
+
+TEST(FileInStreamTest, FollowsTheStreamToAnotherText) {
+    std::istringstream stream("one two ");
+    FileInStream in(&stream);
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    stream.str("three four ");
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "three");
+    std::stringbuf other("five six ");
+    stream.std::istream::rdbuf(&other);
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "five");
+    EXPECT_EQ(in.getPosition(), 4);
+    stream.std::istream::rdbuf(stream.rdbuf());
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "four");
+}
+
+TEST(FileInStreamTest, SeeksAsTheStreamDoes) {
+    std::istringstream stream("abc");
+    FileInStream in(&stream);
+    char c = 0;
+    in.setPosition(2);
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, 'c');
+    // An end that the caller has seen is forgotten by moving; a failure is not.
+    stream.clear(std::ios::eofbit);
+    EXPECT_TRUE(in.eof());
+    EXPECT_FALSE(in.getChar(c));
+    in.setPosition(0);
+    EXPECT_FALSE(in.eof());
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_EQ(c, 'a');
+    stream.setstate(std::ios::failbit);
+    in.setPosition(1);
+    EXPECT_EQ(in.getPosition(), -1);
+    EXPECT_FALSE(in.getChar(c));
+    EXPECT_FALSE(in.eof());
+    stream.clear();
+    EXPECT_EQ(in.getPosition(), 1);
+    in.setPosition(-5);
+    EXPECT_TRUE(stream.fail());
+    EXPECT_EQ(in.getPosition(), -1);
+}
+
+TEST(FileInStreamTest, OpensAPathAndClosesItAtTheEnd) {
+    const ScratchFile scratch("opened", "text ");
+    std::ifstream file;
+    {
+        FileInStream in(scratch.path, &file);
+        EXPECT_TRUE(file.is_open());
+        std::string token;
+        EXPECT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, "text");
+    }
+    EXPECT_FALSE(file.is_open());
+}
+
+TEST(FileInStreamTest, ClosesWhatTheCallersStreamHadOpen) {
+    const ScratchFile before("before", "before ");
+    const ScratchFile scratch("opened", "opened ");
+    const MessageCollector messages;
+    std::ifstream file(before.path);
+    FileInStream in(scratch.path, &file);
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "opened");
+    EXPECT_TRUE(messages.texts().empty());
+}
+
+TEST(FileInStreamTest, LeavesTheCallersOwnStreamOpen) {
+    const ScratchFile scratch("callers", "one two ");
+    std::ifstream file(scratch.path);
+    {
+        FileInStream in(&file);
+        std::string token;
+        EXPECT_TRUE(in.getToken(token));
+    }
+    EXPECT_TRUE(file.is_open());
+    EXPECT_EQ(file.tellg(), 3);
+}
+
+TEST(FileInStreamTest, LeavesAFileAloneThatTheCallerClosed) {
+    const ScratchFile scratch("closed", "text");
+    std::ifstream file;
+    {
+        FileInStream in(scratch.path, &file);
+        file.close();
+    }
+    EXPECT_TRUE(file.good());
+}
+
+TEST(FileInStreamTest, ReportsAPathThatCannotBeOpenedAndReadsNothing) {
+    for (const auto exceptions : {std::ios::goodbit, kAllExceptions}) {
+        MessageCollector messages;
+        const std::string path = scratchPath("missing");
+        std::ifstream file;
+        file.exceptions(exceptions);
+        FileInStream in(path, &file);
+        EXPECT_EQ(messages.texts(),
+                  std::vector<std::string>{"<Xml::FileInStream::FileInStream> Could not open file: " + path});
+        char c = 'Z';
+        std::string token = "before";
+        EXPECT_FALSE(in.getChar(c));
+        EXPECT_EQ(in.getPosition(), -1);
+        EXPECT_FALSE(in.eof());
+        in.setPosition(0);
+        EXPECT_FALSE(in.get(c));
+        EXPECT_EQ(c, 'Z');
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+        EXPECT_FALSE(in.getToken(token));
+        EXPECT_EQ(token, "before");
+        EXPECT_EQ(in.getLine(), 1);
+        EXPECT_EQ(in.getColumn(), -1);
+        EXPECT_EQ(file.exceptions(), exceptions);
+    }
+}
+
+TEST(FileInStreamTest, ThrowsNothingWhereTheStreamsExceptionsAreOn) {
+    const ScratchFile scratch("strict", "one");
+    std::ifstream file(scratch.path);
+    std::istringstream memory("one");
+    TextStream pipe("one", {2, false});
+    for (std::istream* stream :
+         {static_cast<std::istream*>(&file), static_cast<std::istream*>(&memory), static_cast<std::istream*>(&pipe)}) {
+        stream->exceptions(kAllExceptions);
+        FileInStream in(stream);
+        std::string token;
+        char c = 'Z';
+        EXPECT_NO_THROW(while (in.getToken(token)){});
+        EXPECT_NO_THROW(in.getChar(c));
+        EXPECT_NO_THROW(in.setPosition(0));
+        EXPECT_NO_THROW(in.setPosition(-7));
+        EXPECT_NO_THROW(in.eof());
+        EXPECT_NO_THROW(in.getLine());
+        EXPECT_EQ(in.getPosition(), -1);
+        EXPECT_EQ(in.getErrorMessage(), kEnd);
+        EXPECT_EQ(stream->exceptions(), kAllExceptions);
+        EXPECT_TRUE(stream->fail());
+    }
+}
+
+// A buffer of the caller's that throws by itself, however the stream takes it.
+TEST(FileInStreamTest, ThrowsNothingWhereTheBufferDoes) {
+    for (const auto exceptions : {std::ios::goodbit, kAllExceptions}) {
+        for (const std::size_t chunk : {0U, 3U}) {
+            TextStream stream("one two", {chunk, true, 4});
+            stream.exceptions(exceptions);
+            FileInStream in(&stream);
+            std::string token;
+            EXPECT_NO_THROW(while (in.getToken(token)){});
+            EXPECT_TRUE(stream.bad());
+            EXPECT_EQ(in.getErrorMessage(), kEnd);
+            EXPECT_EQ(in.getPosition(), -1);
+        }
+    }
+}
+
+TEST(FileInStreamTest, HasNoPositionsWhereTheStreamHasNone) {
+    TextStream stream("ab", {4, false});
+    FileInStream in(&stream);
+    char c = 0;
+    EXPECT_EQ(in.getPosition(), -1);
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 'a');
+    in.putBackChar();
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 'b');
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_FALSE(in.getChar(c));
+}
+
+TEST(FileInStreamTest, HasADerivedClasssPrimitivesCalled) {
+    class Counting : public FileInStream {
+    public:
+        using FileInStream::FileInStream;
+        bool getChar(char& c) override {
+            ++reads;
+            if (!FileInStream::getChar(c)) return false;
+            if (c == 'o') c = '0';
+            return true;
+        }
+        int reads = 0;
+    };
+    const ScratchFile scratch("derived", "one two ");
+    std::ifstream file;
+    Counting in(scratch.path, &file);
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "0ne");
+    EXPECT_TRUE(in.checkToken("tw0"));
+    EXPECT_GE(in.reads, 8);
+}
+
+// Files with a hole: they take no room.
+constexpr std::uintmax_t kMostBytes = 2'147'483'647;
+
+TEST(FileInStreamTest, RefusesAFileWhosePositionsAnIntCannotHold) {
+    const ScratchFile scratch("large", "<a>text</a> ");
+    std::filesystem::resize_file(scratch.path, kMostBytes + 1);
+    std::ifstream file;
+    FileInStream in(scratch.path, &file);
+    std::string token = "before";
+    char c = 'Z';
+    EXPECT_FALSE(in.getToken(token));
+    EXPECT_EQ(token, "before");
+    EXPECT_EQ(in.getErrorMessage(), "Source too large");
+    EXPECT_FALSE(in.get(c));
+    EXPECT_EQ(c, 'Z');
+    EXPECT_EQ(in.getErrorMessage(), "Source too large");
+    EXPECT_FALSE(in.checkToken("<"));
+    EXPECT_EQ(in.getErrorMessage(), "Source too large");
+
+    std::ifstream callers(scratch.path);
+    FileInStream over(&callers);
+    EXPECT_FALSE(over.get(c));
+    EXPECT_EQ(over.getErrorMessage(), "Source too large");
+}
+
+TEST(FileInStreamTest, ReadsAFileWhosePositionsAnIntJustHolds) {
+    const ScratchFile scratch("most", "<a>text</a> ");
+    std::filesystem::resize_file(scratch.path, kMostBytes);
+    std::ifstream file;
+    FileInStream in(scratch.path, &file);
+    EXPECT_TRUE(in.checkToken("<"));
+    EXPECT_TRUE(in.checkToken("a"));
+    constexpr int kLast = std::numeric_limits<int>::max() - 1;
+    in.setPosition(kLast);
+    EXPECT_EQ(in.getPosition(), kLast);
+    char c = 'Z';
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 0);
+    EXPECT_EQ(in.getPosition(), kLast + 1);
+    EXPECT_EQ(in.getColumn(), kLast + 1);
+    c = 'Z';
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 'Z');
+    EXPECT_FALSE(in.get(c));
+    EXPECT_EQ(in.getErrorMessage(), kEnd);
+}
+
+TEST(FileInStreamTest, NeverWrapsAPositionBeyondAnInt) {
+    TextStream stream("text ", {4, true, std::string::npos, std::streamoff{1} << 32});
+    FileInStream in(&stream);
+    std::string token;
+    EXPECT_FALSE(in.getToken(token));
+    EXPECT_EQ(in.getErrorMessage(), "Source too large");
+    EXPECT_EQ(in.getPosition(), -1);
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+#include "xml/stream/FileInStream.h"
+
+#include "xml/text/Message.h"
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <typeinfo>
+
+namespace Xml {
+
+namespace {
+
+using Position = std::streamoff;
+
+constexpr Position kMostPosition = std::numeric_limits<int>::max();
+
+// Standard stream operations set the stream's state first and throw afterwards, where the stream's exceptions are switched
+// on. The state is all that is needed.
+template <class Operation>
+void withoutExceptions(Operation operation) {
+    try {
+        operation();
+    } catch (const std::ios_base::failure&) {}
+}
+
+// The get area of a stream buffer, which only a class derived from it may name.
+struct GetArea : std::streambuf {
+    static const char* begin(const std::streambuf& buffer) { return (buffer.*&GetArea::eback)(); }
+    static const char* cursor(const std::streambuf& buffer) { return (buffer.*&GetArea::gptr)(); }
+    static const char* end(const std::streambuf& buffer) { return (buffer.*&GetArea::egptr)(); }
+    static void advance(std::streambuf& buffer, int count) { (buffer.*&GetArea::gbump)(count); }
+};
+
+// Whether no byte follows, also where the next one cannot be read. Fills the get area.
+bool isAtEnd(std::streambuf& buffer) {
+    bool atEnd = true;
+    withoutExceptions([&] { atEnd = buffer.sgetc() == std::streambuf::traits_type::eof(); });
+    return atEnd;
+}
+
+Position tellOf(std::streambuf& buffer) { return buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::in); }
+
+}  // namespace
+
+const InStream::WindowSource FileInStream::kWindowSource = {acquireWindow, returnWindow, windowBase};
+
+FileInStream::FileInStream(std::istream* source) : InStream(&kWindowSource), stream(source) {}
+
+FileInStream::FileInStream(const std::string& path, std::ifstream* file)
+    : InStream(&kWindowSource), stream(file), openedHere(file) {
+    withoutExceptions([&] {
+        if (file->is_open()) file->close();
+    });
+    withoutExceptions([&] { file->open(path, std::ios_base::in | std::ios_base::binary); });
+    if (!file->is_open()) Message("<Xml::FileInStream::FileInStream> Could not open file: " + path);
+}
+
+FileInStream::~FileInStream() {
+    releaseWindow();
+    withoutExceptions([&] {
+        if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
+    });
+}
+
+// Finds out, before the first byte is read, whether the positions of a file fit into an int. Only where a byte can be read:
+// what else can be opened, a directory say, has lengths of its own kind.
+void FileInStream::measure() {
+    measured = true;
+    withoutExceptions([&] {
+        std::streambuf& buffer = *stream->rdbuf();
+        if (typeid(buffer) != typeid(std::filebuf) || isAtEnd(buffer)) return;
+        const Position here = tellOf(buffer);
+        if (here < 0) return;
+        tooLarge = buffer.pubseekoff(0, std::ios_base::end, std::ios_base::in) > kMostPosition;
+        buffer.pubseekpos(here, std::ios_base::in);
+    });
+}
+
+bool FileInStream::getChar(char& c) {
+    releaseWindow();
+    if (!stream->good()) return false;
+    if (!measured) measure();
+    if (tooLarge) return false;
+    withoutExceptions([&] { stream->get(c); });
+    return true;  // also when no byte came: the end shows one read late, and callers rely on it
+}
+
+int FileInStream::getPosition() const {
+    releaseWindow();
+    Position position = -1;
+    withoutExceptions([&] { position = stream->tellg(); });
+    return position <= kMostPosition ? static_cast<int>(position) : -1;
+}
+
+void FileInStream::setPosition(int position) {
+    releaseWindow();
+    withoutExceptions([&] { stream->seekg(position); });
+}
+
+bool FileInStream::eof() {
+    releaseWindow();
+    return stream->eof();
+}
+
+// The get area serves as the window where reading from it cannot be told from reading by get, tellg and seekg: a sound
+// stream that nothing is tied to, with one of the standard's own buffers, whose source has positions.
+bool FileInStream::acquireWindow(InStream& stream) {
+    if (typeid(stream) != typeid(FileInStream)) return false;
+    auto& self = static_cast<FileInStream&>(stream);
+    std::istream& source = *self.stream;
+    if (!source.good() || source.tie() != nullptr || source.exceptions() != std::ios_base::goodbit) return false;
+    std::streambuf& buffer = *source.rdbuf();
+    if (typeid(buffer) != typeid(std::filebuf) && typeid(buffer) != typeid(std::stringbuf)) return false;
+
+    if (!self.measured) self.measure();
+    if (self.tooLarge) return false;
+    if (GetArea::cursor(buffer) == GetArea::end(buffer)) {
+        self.checkedBuffer = nullptr;
+        if (isAtEnd(buffer)) return false;  // the primitive shows it as it should
+    }
+    if (self.checkedBuffer != &buffer) {
+        const Position position = tellOf(buffer);
+        const Position last = position + (GetArea::end(buffer) - GetArea::cursor(buffer));
+        if (position < 0 || last > kMostPosition) return false;
+        self.checkedBuffer = &buffer;
+    }
+    self.window = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, true};
+    return true;
+}
+
+void FileInStream::returnWindow(const InStream& stream) {
+    const auto& self = static_cast<const FileInStream&>(stream);
+    std::streambuf& buffer = *self.stream->rdbuf();
+    GetArea::advance(buffer, static_cast<int>(self.window.cursor - GetArea::cursor(buffer)));
+}
+
+int FileInStream::windowBase(const InStream& stream) {
+    std::streambuf& buffer = *static_cast<const FileInStream&>(stream).stream->rdbuf();
+    return static_cast<int>(tellOf(buffer) - (GetArea::cursor(buffer) - GetArea::begin(buffer)));
+}
+
+}  // namespace Xml

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "xml/stream/InStream.h"
+#include <iosfwd>
+
+namespace Xml {
+
+// Reads from a standard input stream, which must support positions (a pipe has none: backtracking then fails).
+//
+// The end shows one read late: the read that meets it still returns true and stores nothing, the next one returns false.
+// The stream never throws on this object's account, also when its exceptions are switched on. A source of more than
+// 2^31 - 1 bytes cannot be read: "Source too large".
+class ORVXML_API FileInStream : public InStream {
+public:
+    // Reads from the caller's stream, which must outlive this object and is never closed by it.
+    explicit FileInStream(std::istream* stream);
+
+    // Opens the caller's `file` on `path` for binary reading, closing it first if it is open, and closes it at the end.
+    // When it cannot be opened "<Xml::FileInStream::FileInStream> Could not open file: " and the path is reported, and
+    // every read fails.
+    FileInStream(const std::string& path, std::ifstream* file);
+    ~FileInStream() override;
+
+    bool getChar(char& c) override;
+
+    // -1 once the stream has failed.
+    int getPosition() const override;
+    void setPosition(int position) override;
+
+    // The stream's own end-of-file flag.
+    bool eof() override;
+
+private:
+    static const WindowSource kWindowSource;
+    static bool acquireWindow(InStream& stream);
+    static void returnWindow(const InStream& stream);
+    static int windowBase(const InStream& stream);
+
+    void measure();
+
+    std::istream* stream;
+    std::ifstream* openedHere = nullptr;
+    bool measured = false;
+    const void* checkedBuffer = nullptr;  // the stream buffer that was last seen to have positions
+};
+
+}  // namespace Xml

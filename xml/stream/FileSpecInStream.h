@@ -1,0 +1,41 @@
+#pragma once
+
+#include "orvsys/Files.h"
+#include "xml/stream/InStream.h"
+#include <cstdint>
+#include <memory>
+
+namespace Xml {
+
+// Reads from a file of the platform layer. The length is taken once, when the source is made: bytes that the file grows
+// by are not read. A file of more than 2^31 - 1 bytes cannot be read: "Source too large".
+class ORVXML_API FileSpecInStream : public InStream {
+public:
+    // Reads from the caller's open file, from where it stands; it must outlive this object.
+    explicit FileSpecInStream(OrvSys::FileIO& file);
+
+    // Opens the file and closes it at the end. One that cannot be opened reads as an empty source.
+    explicit FileSpecInStream(const OrvSys::FileSpec& spec);
+    ~FileSpecInStream() override;
+
+    bool getChar(char& c) override;
+
+    // -1 without a file.
+    int getPosition() const override;
+    void setPosition(int position) override;
+    bool eof() override;
+
+private:
+    static const WindowSource kWindowSource;
+    static bool acquireWindow(InStream& stream);
+    static void returnWindow(const InStream& stream);
+    static int windowBase(const InStream& stream);
+
+    void takeLength();
+
+    std::unique_ptr<OrvSys::FileIO> owned;
+    OrvSys::FileIO* file = nullptr;
+    std::int64_t length = 0;
+};
+
+}  // namespace Xml
