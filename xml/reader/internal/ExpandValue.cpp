@@ -1,0 +1,25 @@
+#include "xml/reader/internal/ExpandValue.h"
+
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include "xml/text/internal/Expansion.h"
+#include <algorithm>
+
+namespace Xml {
+
+bool expandValue(const InStream& in, DataHolder& value, Dtd* dtd) {
+    Expansion expansion;
+    if (dtd == nullptr) return expandReferences(value, dtd, expansion);
+
+    // Honest documents may be large; only text that is out of all proportion to what was read is refused.
+    constexpr std::int64_t kHonestFactor = 100;
+    expansion.made = DtdAccess::entityGrowth(*dtd);
+    if (const std::int64_t limit = DtdAccess::entityGrowthLimit(); limit > 0) {
+        expansion.most = std::max(limit, kHonestFactor * (DtdAccess::bytesReadBefore(*dtd) + StreamAccess::tell(in)));
+    }
+    if (!expandReferences(value, dtd, expansion)) return false;
+    DtdAccess::entityGrowth(*dtd) = expansion.made;
+    return true;
+}
+
+}  // namespace Xml
