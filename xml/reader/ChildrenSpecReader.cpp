@@ -1,0 +1,203 @@
+#include "xml/reader/ChildrenSpecReader.h"
+
+#include "xml/dtd/ChildrenSpec.h"
+#include "xml/dtd/ChoiceSpec.h"
+#include "xml/dtd/NameSpec.h"
+#include "xml/dtd/SeqSpec.h"
+#include "xml/reader/internal/Repetition.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include "xml/text/Message.h"
+#include "xml/text/Names.h"
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Groups may be nested as deep as a text is long, so the readers that would run each other for them are levels on a stack. As in
+// the element reader a nested one reports under the plain class's name.
+
+namespace Xml {
+
+class ChildrenSpecReader::Run {
+public:
+    Run(ChildrenSpecReader& outerReader, InStream& stream) : reader(outerReader), in(stream), session(stream) {}
+
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    bool run() {
+        if (!beginGroup()) return false;
+        while (!levels.empty()) {
+            if (!readItem()) return false;
+        }
+        return true;
+    }
+
+private:
+    // A group being read. At most one of the lists is open, and is the current particle then.
+    struct Level {
+        std::unique_ptr<CpSpec> current;
+        std::unique_ptr<ChildrenSpec> pending;  // an item with a repetition, or a group, that no list has taken yet
+        SeqSpec* sequence = nullptr;
+        ChoiceSpec* choice = nullptr;
+    };
+
+    bool failWith(const std::string& text) {
+        if (levels.size() == 1) return reader.fail(in, text);
+        ChildrenSpecReader nested(reader.dtd);
+        nested.message(in, text);
+        return reader.failAs(nested);
+    }
+
+    bool fail() { return failWith(in.getErrorMessage()); }
+
+    bool failUnexpected() { return failWith("unexpected \"" + token + "\""); }
+
+    bool nextToken() {
+        position = StreamAccess::tell(in);
+        return in.getToken(token) || fail();
+    }
+
+    RepType readMark() {
+        RepType repetition = REP_ONCE;
+        // Only the outermost reader's note is ever seen: that of a nested one goes with it when it succeeds.
+        if (!readRepetition(in, repetition) && levels.size() == 1) fail();
+        return repetition;
+    }
+
+    bool beginGroup() {
+        levels.emplace_back();
+        if (!in.checkToken("(")) return fail();
+        return nextToken();
+    }
+
+    // One item, whose first token has been read, and the token behind it.
+    bool readItem() {
+        Level& level = levels.back();
+        if (token == "(") {
+            StreamAccess::seek(in, position);
+            return beginGroup();
+        }
+        if (isName(token)) {
+            const std::string name = token;
+            addName(level, name, readMark());
+        } else if (token == "#PCDATA" && level.choice != nullptr) {
+            level.choice->addCharDataAsChoice(true);
+        } else {
+            return failUnexpected();
+        }
+        return goOn();
+    }
+
+    void addName(Level& level, const std::string& name, RepType repetition) {
+        if (level.sequence != nullptr) {
+            level.sequence->add(name, repetition);
+        } else if (level.choice != nullptr) {
+            level.choice->addChoice(name, repetition);
+        } else if (repetition != REP_ONCE) {
+            level.pending = std::make_unique<ChildrenSpec>(reader.dtd, name, repetition);
+        } else {
+            level.current = std::make_unique<NameSpec>(reader.dtd, name);
+        }
+    }
+
+    // What follows an item: a separator, the end of the group (and perhaps of those around it), or, without a separator, the
+    // next item.
+    bool goOn() {
+        for (;;) {
+            if (!nextToken()) return false;
+            Level& level = levels.back();
+            if (token == ")") {
+                endGroup();
+                if (levels.empty()) return true;
+                continue;
+            }
+            if (token == ",") {
+                if (level.choice != nullptr) return failUnexpected();
+                if (level.sequence == nullptr) openSequence(level);
+                return nextToken();
+            }
+            if (token == "|") {
+                if (level.sequence != nullptr) return failUnexpected();
+                if (level.choice == nullptr) openChoice(level);
+                return nextToken();
+            }
+            return true;
+        }
+    }
+
+    void openSequence(Level& level) {
+        auto sequence = std::make_unique<SeqSpec>(reader.dtd);
+        level.sequence = sequence.get();
+        fill(level, *sequence, &SeqSpec::add, &SeqSpec::add);
+        level.current = std::move(sequence);
+    }
+
+    void openChoice(Level& level) {
+        auto choice = std::make_unique<ChoiceSpec>(reader.dtd);
+        level.choice = choice.get();
+        fill(level, *choice, &ChoiceSpec::addChoice, &ChoiceSpec::addChoice);
+        level.current = std::move(choice);
+    }
+
+    // Moves what stands before the first separator into the list.
+    template <class List>
+    static void fill(Level& level, List& list, void (List::*addParticle)(CpSpec*, RepType),
+                     void (List::*addMember)(ChildrenSpec*)) {
+        if (level.current) {
+            (list.*addParticle)(level.current.get(), REP_ONCE);
+            level.current.release();
+        }
+        if (level.pending) {
+            (list.*addMember)(level.pending.get());
+            level.pending.release();
+        }
+    }
+
+    // The innermost group is complete: an item of the one around it, or the model.
+    void endGroup() {
+        Level& level = levels.back();
+        if (level.pending) {
+            if (level.current) Message(std::string("<ChildrenSpecReader::parse> cur not 0"));
+            auto sequence = std::make_unique<SeqSpec>(reader.dtd);
+            sequence->add(level.pending.get());
+            level.pending.release();
+            level.current = std::move(sequence);
+        }
+        const RepType repetition = readMark();
+        auto group = std::make_unique<ChildrenSpec>(reader.dtd, level.current.get(), repetition);
+        level.current.release();
+        levels.pop_back();
+        if (levels.empty()) {
+            delete std::exchange(reader.model, group.release());
+            return;
+        }
+        Level& outer = levels.back();
+        if (outer.sequence != nullptr) {
+            outer.sequence->add(group.get());
+            group.release();
+        } else if (outer.choice != nullptr) {
+            outer.choice->addChoice(group.get());
+            group.release();
+        } else {
+            outer.pending = std::move(group);
+        }
+    }
+
+    ChildrenSpecReader& reader;
+    InStream& in;
+    StreamAccess::Session session;
+    std::vector<Level> levels;  // outermost first
+    std::string token;
+    int position = 0;  // where the token was read, for a nested group to read it again
+};
+
+ChildrenSpecReader::ChildrenSpecReader(Dtd* itsDtd) : dtd(itsDtd) {}
+
+ChildrenSpecReader::~ChildrenSpecReader() { delete model; }
+
+bool ChildrenSpecReader::parse(InStream& in) { return Run(*this, in).run(); }
+
+ChildrenSpec* ChildrenSpecReader::extractChildrenSpec() { return std::exchange(model, nullptr); }
+
+}  // namespace Xml
