@@ -1,0 +1,56 @@
+#include "xml/reader/DTDReader.h"
+
+#include "xml/dtd/Dtd.h"
+#include "xml/reader/AttListReader.h"
+#include "xml/reader/CommentReader.h"
+#include "xml/reader/ElementDeclReader.h"
+#include "xml/reader/EntityReader.h"
+#include "xml/reader/internal/Tokens.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include <utility>
+
+namespace Xml {
+
+DTDReader::DTDReader(const std::string& name) : dtd(new Dtd(name)) {}
+
+DTDReader::~DTDReader() { delete dtd; }
+
+void DTDReader::setInternal(bool isInternal) { internal = isInternal; }
+
+bool DTDReader::parse(InStream& in) {
+    const StreamAccess::Session session(in);
+    std::string token;
+    int position = StreamAccess::tell(in);
+    if (!getToken(in, token)) return false;
+    // The first token is never taken for the end: an empty internal subset is refused.
+    for (;;) {
+        StreamAccess::seek(in, position);
+        if (!readDeclaration(in, token)) return false;
+        in.eatWhite();
+        if (in.eof()) return endOfData(in);
+        position = StreamAccess::tell(in);
+        if (!getToken(in, token)) return false;
+        if (internal && token == "]") return true;
+        if (in.eof()) return endOfData(in);
+    }
+}
+
+// External subsets end with the data, internal ones must not.
+bool DTDReader::endOfData(InStream& in) { return !internal || fail(in); }
+
+bool DTDReader::readDeclaration(InStream& in, const std::string& token) {
+    const auto run = [this, &in](auto&& reader) { return reader.parse(in) || failAs(reader); };
+    if (token == kBeginComment) return run(CommentReader());
+    if (token == "<!ELEMENT") return run(ElementDeclReader(dtd));
+    if (token == "<!ATTLIST") return run(AttListReader(dtd));
+    if (token == "<!ENTITY") return run(EntityReader(dtd));
+    return fail(in, "unexpected token \"" + token + "\"");
+}
+
+Dtd* DTDReader::getDtd() { return dtd; }
+
+const Dtd* DTDReader::getDtd() const { return dtd; }
+
+Dtd* DTDReader::extractDtd() { return std::exchange(dtd, nullptr); }
+
+}  // namespace Xml

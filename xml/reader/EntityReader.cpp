@@ -1,0 +1,23 @@
+#include "xml/reader/EntityReader.h"
+
+#include "xml/dtd/Dtd.h"
+#include "xml/reader/internal/ExpandValue.h"
+#include "xml/reader/internal/Tokens.h"
+#include "xml/stream/InStream.h"
+
+namespace Xml {
+
+EntityReader::EntityReader(Dtd* itsDtd) : dtd(itsDtd) {}
+
+bool EntityReader::parse(InStream& in) {
+    std::string name;
+    std::string literal;
+    if (!checkToken(in, "<!ENTITY") || !getName(in, name) || !getString(in, literal) || !checkToken(in, kGreaterThen))
+        return false;
+    DataHolder value(literal, 1, literal.size() - 2);
+    if (!expandValue(in, value, dtd)) return fail(in, kEntityTextTooLarge);
+    dtd->setEntity(name, value);
+    return true;
+}
+
+}  // namespace Xml
