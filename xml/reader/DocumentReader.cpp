@@ -1,0 +1,105 @@
+#include "xml/reader/DocumentReader.h"
+
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/dtd/Dtd.h"
+#include "xml/reader/CommentReader.h"
+#include "xml/reader/DoctypeReader.h"
+#include "xml/reader/ElementReader.h"
+#include "xml/reader/PIReader.h"
+#include "xml/reader/VersionInfoReader.h"
+#include "xml/reader/internal/Tokens.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace Xml {
+
+DocumentReader::DocumentReader() = default;
+
+DocumentReader::~DocumentReader() {
+    delete document;
+    delete dtd;
+}
+
+bool DocumentReader::parse(InStream& in) {
+    const StreamAccess::Session session(in);
+    return parseProlog(in) && parseElement(in) && parseMisc(in);
+}
+
+// Reads a token and comes back to where it began.
+bool DocumentReader::peekToken(InStream& in, std::string& token) {
+    const int position = StreamAccess::tell(in);
+    if (!getToken(in, token)) return false;
+    StreamAccess::seek(in, position);
+    return true;
+}
+
+bool DocumentReader::parseProlog(InStream& in) {
+    const StreamAccess::Session session(in);
+    std::string token;
+    if (!peekToken(in, token)) return false;
+    if (token == "<?xml") {
+        VersionInfoReader reader;
+        if (!reader.parse(in)) return failAs(reader);
+        if (!reader.getErrorMessage().empty()) setMessage(reader.getErrorMessage());  // a note, no failure
+    }
+    if (!parseMisc(in)) return false;
+
+    const int position = StreamAccess::tell(in);
+    if (!peekToken(in, token)) return false;
+    if (token != "<!DOCTYPE") return true;
+    for (int i = 0; i < 3; ++i) {
+        if (!getToken(in, token)) return false;
+    }
+    if (token == "PUBLIC") {
+        while (token != kGreaterThen) {
+            if (!getToken(in, token)) return false;
+        }
+        return true;
+    }
+    StreamAccess::seek(in, position);
+    DoctypeReader reader;
+    if (!reader.parse(in)) return failAs(reader);
+    delete std::exchange(dtd, reader.extractDtd());
+    return parseMisc(in);
+}
+
+bool DocumentReader::parseElement(InStream& in) {
+    const StreamAccess::Session session(in);
+    ElementReader reader(dtd);
+    if (!reader.parse(in)) return failAs(reader);
+    delete std::exchange(document, nullptr);
+    document = new Document(reader.getRoot(), dtd);
+    reader.extractRoot();
+    dtd = nullptr;
+    return document->validate() || fail(in, "Doc could not be validated");
+}
+
+bool DocumentReader::parseMisc(InStream& in) {
+    const StreamAccess::Session session(in);
+    in.eatWhite();
+    if (in.eof()) return true;
+    for (;;) {
+        std::string token;
+        // Running out of data is no failure here, although it leaves its message.
+        if (!peekToken(in, token)) return in.eof();
+        const auto run = [this, &in](auto&& reader) { return reader.parse(in) || failAs(reader); };
+        if (token == kBeginComment) {
+            if (!run(CommentReader())) return false;
+        } else if (token == kBeginPI) {
+            if (!run(PIReader())) return false;
+        } else {
+            return true;
+        }
+    }
+}
+
+Document* DocumentReader::getDocument() { return document; }
+
+const Document* DocumentReader::getDocument() const { return document; }
+
+Document* DocumentReader::extractDocument() { return std::exchange(document, nullptr); }
+
+}  // namespace Xml

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "xml/reader/Reader.h"
+#include <string>
+
+namespace Xml {
+
+class Document;
+class Dtd;
+
+// Reads a whole document and validates it when it brings a document type description.
+//
+//     Xml::StringInStream in("<greeting>Hello</greeting>");
+//     Xml::DocumentReader reader;
+//     if (!reader.parse(in)) std::cerr << reader.getErrorMessage() << '\n';
+//     std::unique_ptr<Xml::Document> document(reader.extractDocument());
+//
+// A document that is not valid is reported as "Doc could not be validated" and can be taken all the same. A DOCTYPE with a
+// PUBLIC identifier is skipped. After a success the error message may still hold a note: an encoding that is not supported,
+// or the end of the data behind the root element.
+class ORVXML_API DocumentReader : public Reader {
+public:
+    DocumentReader();
+    ~DocumentReader() override;
+
+    // The three steps below, up to the first that fails.
+    bool parse(InStream& in);
+
+    // XML declaration, comments, processing instructions, document type declaration.
+    bool parseProlog(InStream& in);
+
+    // The root element; validates the document.
+    bool parseElement(InStream& in);
+
+    // Comments and processing instructions, up to the end of the data or anything else.
+    bool parseMisc(InStream& in);
+
+    // The document read, owned by the reader until it is extracted; null when the root element could not be read.
+    Document* getDocument();
+    const Document* getDocument() const;
+    Document* extractDocument();
+
+private:
+    bool peekToken(InStream& in, std::string& token);
+
+    Document* document = nullptr;
+    Dtd* dtd = nullptr;
+};
+
+}  // namespace Xml
