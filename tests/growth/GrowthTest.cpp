@@ -1,0 +1,629 @@
+// Work grows as the input does. The first part counts the work at n and at 8n, all else being equal. What a test cannot
+// count, such as comparisons in the library, the second part shows by size: where it is quadratic, these tests would take
+// minutes to days and end with their time limit.
+#include "growth/Work.h"
+#include "support/Messages.h"
+#include "support/Sources.h"
+#include "support/Trees.h"
+#include "xml/xml.h"
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Xml::test {
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kScale = 20;
+#else
+constexpr int kScale = 1;
+#endif
+constexpr int kMillion = 1'000'000 / kScale;
+
+// One with a window and one without, where that is all the difference that a source can make.
+constexpr Source kMemorySources[] = {Source::String, Source::Bare};
+
+// A name of the same length for every number: names that grow would be work that does too.
+std::string numbered(const std::string& name, int number) { return name + std::to_string(10'000'000 + number); }
+
+// The pieces for 0 to count - 1, one behind the other.
+std::string pieces(int count, const std::function<std::string(int)>& piece) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += piece(i);
+    return all;
+}
+
+std::string repeated(const char* text, int count) {
+    return pieces(count, [text](int) { return text; });
+}
+
+// Makes the job for a size; making it is not counted.
+using Jobs = std::function<std::function<void()>(int)>;
+
+// At 8n every kind of work may be eight times that at n and a tenth, for what doubles as it grows; beside that, `fixed`
+// is for what does not depend on the size. `kind` is what the job is about: it must have been counted.
+void expectLinear(const Jobs& jobs, Kind kind, int n = 1'000, long long fixed = 64) {
+    const Work small = workOf(jobs(n));
+    const Work large = workOf(jobs(8 * n));
+    EXPECT_GE(large[kind], 4 * n) << kKindNames[kind] << ": not counted";
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        EXPECT_LE(large[i], small[i] * 88 / 10 + (i == AllocatedBytes ? 64 * fixed : fixed))
+            << kKindNames[i] << ": " << small[i] << " at n = " << n << ", " << large[i] << " at 8n";
+    }
+}
+
+void expectSame(const Jobs& jobs, Kind kind, int n) {
+    const Work small = workOf(jobs(n));
+    const Work large = workOf(jobs(8 * n));
+    EXPECT_GT(small[kind], 0) << kKindNames[kind] << ": not counted";
+    EXPECT_LE(large[kind], small[kind] * 11 / 10) << kKindNames[kind];
+}
+
+std::function<void()> reading(std::string text, bool ok = true) {
+    return [text = std::move(text), ok] {
+        CountingSource in(text);
+        DocumentReader reader;
+        EXPECT_EQ(reader.parse(in), ok) << reader.getErrorMessage();
+    };
+}
+
+std::unique_ptr<Element> readElement(const std::string& text) {
+    StringInStream in(text);
+    ElementReader reader;
+    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
+    return std::unique_ptr<Element>(reader.extractRoot());
+}
+
+std::unique_ptr<Dtd> readDtd(const std::string& declarations) {
+    StringInStream in(declarations);
+    DTDReader reader("r");
+    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
+    return std::unique_ptr<Dtd>(reader.extractDtd());
+}
+
+// --- Counted ---
+
+TEST(GrowthTest, TheCountersSeeQuadraticWork) {
+    const auto nested = [](int n) {
+        auto root = std::make_shared<Element>("a");
+        Element* inner = root.get();
+        for (int i = 0; i < n; ++i) {
+            inner->addChild(new Element("a"));
+            inner = inner->getElement(0);
+        }
+        return [root] {
+            CountingSink out;
+            root->toStream(out);  // indentation is quadratic in the depth by rule
+        };
+    };
+    const Work small = workOf(nested(100));
+    const Work large = workOf(nested(800));
+    EXPECT_GT(large[SinkCalls], small[SinkCalls] * 40);
+}
+
+struct TextCase {
+    const char* name;
+    std::function<std::string(int)> text;
+};
+
+TEST(GrowthTest, ReadingIsLinearInWhateverADocumentHasManyOf) {
+    const auto in = [](const std::string& content) { return "<r>" + content + "</r>"; };
+    const TextCase kCases[] = {
+        {"siblings", [&](int n) { return in(repeated("<a/>", n)); }},
+        {"indented siblings", [&](int n) { return in(repeated("\n\t\t\t\t<a></a>", n) + "\n"); }},
+        {"siblings with text", [&](int n) { return in(repeated("<a>x y</a>z", n)); }},
+        {"attributes in order",
+         [](int n) { return "<r" + pieces(n, [](int i) { return numbered(" a", i) + "='v'"; }) + "/>"; }},
+        {"attributes in reverse",
+         [](int n) { return "<r" + pieces(n, [](int i) { return numbered(" a", 1'000'000 - i) + "='v'"; }) + "/>"; }},
+        {"one attribute again and again", [](int n) { return "<r" + repeated(" a='v'", n) + "/>"; }},
+        {"references in an attribute", [](int n) { return "<r a='" + repeated("&lt;&#65;&b;", n) + "'/>"; }},
+        {"ampersands in an attribute", [](int n) { return "<r a='" + repeated("&", n) + "'/>"; }},
+        {"lines that end with CR LF", [&](int n) { return in(repeated("\r\n<a/>", n)); }},
+        {"empty lines that end with CR LF", [&](int n) { return in(repeated("\r\n", n)); }},
+        {"text of lines that end with CR LF", [&](int n) { return in("x" + repeated("line\r\n", n)); }},
+        {"carriage returns", [&](int n) { return in("x" + repeated("\r", n)); }},
+        {"comments", [&](int n) { return in(repeated("<!-- c -->", n)); }},
+        {"comments in front", [](int n) { return repeated("<!-- c -->", n) + "<r/>"; }},
+        {"comments behind", [](int n) { return "<r/>" + repeated("<!-- c -->", n); }},
+        {"instructions in front", [](int n) { return repeated("<?p i?>", n) + "<r/>"; }},
+        {"a long comment", [&](int n) { return in("<!--" + repeated(" - -- ", n) + "-->"); }},
+        {"a comment of dashes", [&](int n) { return in("<!--" + repeated("-", n) + "-->"); }},
+        {"a long text", [&](int n) { return in(repeated("some words ", n)); }},
+        {"a text of references", [&](int n) { return in(repeated("&amp;&x;&#10;", n)); }},
+        {"a text of quotes", [&](int n) { return in("x" + repeated("'\"", n)); }},
+        {"a long word", [&](int n) { return in(repeated("word", n)); }},
+        {"a long name", [](int n) { return "<" + repeated("name", n) + "/>"; }},
+        {"a long value", [](int n) { return "<r a='" + repeated("value", n) + "'/>"; }},
+        // An ampersand or a quote is a token up to its end, wherever that is: the reader looks for it in front of every
+        // text that begins so.
+        {"ampersands whose semicolon is far", [&](int n) { return in(repeated("&<b/>", n) + ";"); }},
+        {"ampersands and lines whose semicolon is far", [&](int n) { return in(repeated("&\r\n<b/>", n) + ";"); }},
+        {"ampersands with their semicolons", [&](int n) { return in(repeated("&a;<b/>", n)); }},
+        {"ampersands, half of them far from the end",
+         [&](int n) { return in(repeated("&<b/>", n) + ";<b/>" + repeated("&<b/>", n) + ";"); }},
+        {"quotes", [&](int n) { return in(repeated("\"<b/>", n) + "x\""); }},
+        {"apostrophes", [&](int n) { return in(repeated("'<b/>", n) + "x'"); }},
+        {"quotes and apostrophes in turn", [&](int n) { return in(repeated("\"<b/>'<b/>", n) + "x'\""); }},
+        {"apostrophes between far quotes", [&](int n) { return in("\"<b/>" + repeated("'<b/>", n) + "x'\""); }},
+        {"quotes and ampersands in turn", [&](int n) { return in(repeated("\"<b/>&<b/>'<b/>", n) + "x'\";"); }},
+        {"quotes and lines", [&](int n) { return in(repeated("\"\r\n<b/>'\r\n<b/>", n) + "x'\""); }},
+    };
+    for (const TextCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear([&](int n) { return reading(c.text(n)); }, SourceCalls);
+    }
+}
+
+TEST(GrowthTest, ReadingThatFailsIsLinearToo) {
+    const TextCase kCases[] = {
+        {"no end", [](int n) { return "<r>" + repeated("<a>x</a>", n); }},
+        {"ampersands without a semicolon", [](int n) { return "<r>" + repeated("<b/>&", n) + "</r>"; }},
+        {"a lone quote", [](int n) { return "<r>" + repeated("<b/>'", n) + "<b/>x'<b/>\"</r>"; }},
+        {"a wrong end behind many lines", [](int n) { return "<r>" + repeated("\r\n<a/>", n) + "</s>"; }},
+        {"text behind the ampersands", [](int n) { return "<r>" + repeated("&<b/>", n) + ";"; }},
+        {"no document", [](int n) { return repeated("<!-- c -->\r\n", n); }},
+    };
+    for (const TextCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear([&](int n) { return reading(c.text(n), false); }, SourceCalls);
+    }
+}
+
+TEST(GrowthTest, ReadingADocumentTypeIsLinearInItsDeclarations) {
+    const auto in = [](const std::string& declarations) { return "<!DOCTYPE r [" + declarations + "]><r/>"; };
+    const std::string root = "<!ELEMENT r ANY>";
+    const TextCase kCases[] = {
+        {"elements",
+         [&](int n) { return in(root + pieces(n, [](int i) { return numbered("<!ELEMENT e", i) + " EMPTY>"; })); }},
+        {"elements with attribute lists",
+         [&](int n) {
+             return in(root + pieces(n, [](int i) {
+                           return numbered("<!ELEMENT e", i) + " (a, b?)>" + numbered("<!ATTLIST e", i) +
+                                  " k CDATA 'v' l CDATA #IMPLIED>";
+                       }));
+         }},
+        {"attributes of one element",
+         [&](int n) {
+             return in(root + "<!ATTLIST r" + pieces(n, [](int i) { return numbered(" a", i) + " CDATA #IMPLIED"; }) +
+                       ">");
+         }},
+        {"attribute lists of one element",
+         [&](int n) {
+             return in(root + pieces(n, [](int i) { return numbered("<!ATTLIST r a", i) + " CDATA #IMPLIED>"; }));
+         }},
+        {"names of a mixed model",
+         [&](int n) {
+             return in("<!ELEMENT r (#PCDATA" + pieces(n, [](int i) { return numbered("|e", i); }) + ")*>");
+         }},
+        {"members of a choice",
+         [&](int n) { return in("<!ELEMENT r (e" + pieces(n, [](int i) { return numbered("|e", i); }) + ")*>"); }},
+        {"members of a sequence",
+         [&](int n) {
+             return in("<!ELEMENT r (e?" + pieces(n, [](int i) { return numbered(",e", i) + "?"; }) + ")>");
+         }},
+        {"groups beside each other", [&](int n) { return in("<!ELEMENT r ((a,b)?" + repeated(",(a|b)?", n) + ")>"); }},
+        {"groups in each other",
+         [&](int n) { return in("<!ELEMENT r (" + repeated("(", n) + "e" + repeated("|f)", n) + ")?>"); }},
+        {"entities",
+         [&](int n) { return in(root + pieces(n, [](int i) { return numbered("<!ENTITY e", i) + " 'value'>"; })); }},
+        {"an entity again and again", [&](int n) { return in(root + repeated("<!ENTITY e 'value'>", n)); }},
+        {"an entity of many references",
+         [&](int n) { return in(root + "<!ENTITY e 'v'><!ENTITY f '" + repeated("&e;&lt;&g;", n) + "'>"); }},
+        {"comments", [&](int n) { return in(root + repeated("<!-- c -->", n)); }},
+        {"lines", [&](int n) { return in(root + repeated("\r\n", n)); }},
+    };
+    for (const TextCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear([&](int n) { return reading(c.text(n)); }, SourceCalls);
+    }
+}
+
+// A tree of a caller's own nodes: n children, in turn an element with a text and an attribute, and a text.
+std::shared_ptr<Element> countingTree(int n) {
+    auto root = std::make_shared<CountingElement>("r");
+    for (int i = 0; i < n; i += 2) {
+        auto* element = new CountingElement("a");
+        element->setAttribute("k", "v");
+        element->addChild(new CountingCharData("t & u"));
+        root->addChild(element);
+        root->addChild(new CountingCharData(" "));
+    }
+    return root;
+}
+
+TEST(GrowthTest, WorkOnAWideTreeIsLinearInItsNodes) {
+    const auto dtd = std::make_shared<Dtd>("r");
+    const struct {
+        const char* name;
+        std::function<void(Element&)> use;
+    } kCases[] = {
+        {"linking", [&](Element& root) { root.setDtd(dtd.get()); }},
+        {"copying", [](Element& root) { delete root.clone(); }},
+        {"finding nothing", [](Element& root) { EXPECT_EQ(root.findElement("b"), nullptr); }},
+        {"finding no value", [](Element& root) { EXPECT_EQ(root.findElementByAttribute("k", "w"), nullptr); }},
+        {"finding all",
+         [](Element& root) {
+             std::vector<Element*> found;
+             root.findAllElements("a", found);
+         }},
+        {"no such child", [](Element& root) { EXPECT_EQ(root.getElement("b"), nullptr); }},
+        {"the last child", [](Element& root) { EXPECT_NE(root.getElement(root.getChildCount() / 2 - 1), nullptr); }},
+        {"replacing the text", [](Element& root) { root.setCharData("x"); }},
+        {"destroying the children", [](Element& root) { root.killChildren(); }},
+        {"writing",
+         [](Element& root) {
+             CountingSink out;
+             root.toStream(out);
+         }},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear([&](int n) { return [tree = countingTree(n), &c] { c.use(*tree); }; }, NodeCalls);
+    }
+}
+
+TEST(GrowthTest, WritingIsLinearInWhateverIsWritten) {
+    const struct {
+        const char* name;
+        std::function<std::string(int)> text;
+    } kCases[] = {
+        {"siblings", [](int n) { return "<r>" + repeated("<a/>", n) + "</r>"; }},
+        {"attributes", [](int n) { return "<r" + pieces(n, [](int i) { return numbered(" a", i) + "='v'"; }) + "/>"; }},
+        {"escapes in an attribute", [](int n) { return "<r a='" + repeated("&lt;\"", n) + "'/>"; }},
+        {"lines of text", [](int n) { return "<r>" + repeated("line\n", n) + "</r>"; }},
+        {"texts", [](int n) { return "<r>" + repeated("x<a/>", n) + "</r>"; }},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear(
+            [&](int n) {
+                return [root = std::shared_ptr<Element>(readElement(c.text(n)))] {
+                    CountingSink out;
+                    root->toStream(out);
+                };
+            },
+            SinkCalls);
+    }
+}
+
+TEST(GrowthTest, WritingADocumentTypeIsLinearInItsDeclarations) {
+    expectLinear(
+        [](int n) {
+            const auto dtd = std::shared_ptr<Dtd>(readDtd(pieces(n, [](int i) {
+                return numbered("<!ELEMENT e", i) + " (a | b | c)*>" + numbered("<!ATTLIST e", i) +
+                       " k CDATA 'v'><!ENTITY " + numbered("n", i) + " '&lt;'>";
+            })));
+            return [dtd] {
+                CountingSink out;
+                dtd->toStream(out);
+            };
+        },
+        SinkCalls);
+}
+
+TEST(GrowthTest, CopyingADocumentTypeIsLinearInItsDeclarations) {
+    expectLinear(
+        [](int n) {
+            const auto dtd = std::shared_ptr<Dtd>(readDtd(pieces(n, [](int i) {
+                return numbered("<!ELEMENT e", i) + " (a | (b, c))*>" + numbered("<!ATTLIST e", i) +
+                       " k CDATA 'v'><!ENTITY " + numbered("n", i) + " '&lt;'>";
+            })));
+            return [dtd] {
+                Dtd copy(*dtd);
+                copy.merge(*dtd, false);
+                copy.merge(*dtd, true);
+            };
+        },
+        Allocations);
+}
+
+TEST(GrowthTest, ValidatingIsLinearInTheChildren) {
+    const char* const kModels[] = {
+        "(a*)",
+        "(a+)",
+        "(a)*",
+        "((a | b)*)",
+        "((a?, b?)*, c?)",
+        "((a, a)*)",
+        "(((a, b) | (a, c) | a)*)",
+        "((b | (a, (c | a))) | c)*",
+        "(#PCDATA | a | b)*",
+    };
+    for (const char* model : kModels) {
+        SCOPED_TRACE(model);
+        const auto dtd = readDtd(std::string("<!ELEMENT r ") + model +
+                                 "><!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT c EMPTY>"
+                                 "<!ATTLIST a k CDATA #IMPLIED>");
+        expectLinear(
+            [&](int n) {
+                auto root = std::make_shared<Element>("r");
+                for (int i = 0; i < n; ++i) root->addChild(new CountingElement("a"));
+                return [root, &dtd] { EXPECT_TRUE(dtd->validate(root.get())); };
+            },
+            NodeCalls);
+    }
+}
+
+TEST(GrowthTest, ValidatingAsksAChildNoMoreOftenWhereAChoiceIsWider) {
+    // A choice among plain names is looked up, not tried one by one: neither a match nor a miss costs its width.
+    for (const std::string& name : {numbered("e", 0), std::string("last"), std::string("other")}) {
+        for (const bool mixed : {false, true}) {
+            SCOPED_TRACE(name + (mixed ? " in a mixed model" : " in a choice"));
+            expectSame(
+                [&](int n) {
+                    auto root = std::make_shared<Element>("r");
+                    for (int i = 0; i < 100; ++i) root->addChild(new CountingElement(name));
+                    const auto dtd = std::shared_ptr<Dtd>(
+                        readDtd(std::string(mixed ? "<!ELEMENT r (#PCDATA" : "<!ELEMENT r (first") +
+                                pieces(n, [](int i) { return numbered("|e", i); }) + "|last)*>" +
+                                numbered("<!ELEMENT e", 0) + " EMPTY><!ELEMENT last EMPTY>"));
+                    const bool valid = name != "other";
+                    return [root, dtd, valid] { EXPECT_EQ(dtd->validate(root.get()), valid); };
+                },
+                NodeCalls, 100);
+        }
+    }
+}
+
+TEST(GrowthTest, ValidatingIsLinearInTheWidthOfAChoiceOfGroups) {
+    // Groups are tried one by one, so a wider choice may cost its width, and no more.
+    expectLinear(
+        [](int n) {
+            auto root = std::make_shared<Element>("r");
+            for (int i = 0; i < 50; ++i) root->addChild(new CountingElement("last"));
+            const auto dtd = std::shared_ptr<Dtd>(
+                readDtd("<!ELEMENT r ((e, f)" + pieces(n, [](int i) { return numbered(" | (last, e", i) + ")"; }) +
+                        " | last)*><!ELEMENT last EMPTY>"));
+            return [root, dtd] { EXPECT_TRUE(dtd->validate(root.get())); };
+        },
+        NodeCalls, 200);
+}
+
+TEST(GrowthTest, EveryEditCostsTheSameHoweverManyWentBefore) {
+    const struct {
+        const char* name;
+        Kind kind;
+        std::function<void(Element&, int)> edit;
+    } kCases[] = {
+        {"adding a child", NodeCalls, [](Element& e, int) { e.addChild(new CountingElement("a")); }},
+        {"adding a text", NodeCalls, [](Element& e, int) { e.addChild(new CountingCharData("t")); }},
+        {"adding an element", Allocations, [](Element& e, int) { e.addElement("a", "t"); }},
+        {"inserting at the end", NodeCalls, [](Element& e, int) { e.insertChild(nullptr, new CountingElement("a")); }},
+        {"inserting in front", NodeCalls,
+         [](Element& e, int) { e.insertChild(e.getChild(0), new CountingElement("a")); }},
+        {"adding and taking out", NodeCalls,
+         [](Element& e, int) {
+             e.addChild(new CountingElement("a"));
+             e.addChild(new CountingElement("b"));
+             delete e.extractChild(e.getChildCount() - 1);
+         }},
+        {"setting a new attribute", Allocations, [](Element& e, int i) { e.setAttribute(numbered("a", i), "value"); }},
+        {"setting the same attribute", Allocations,
+         [](Element& e, int) { e.setAttribute("a", "a value on the heap"); }},
+        {"setting and removing", Allocations,
+         [](Element& e, int i) {
+             e.setAttribute(numbered("a", i), "value");
+             if (i % 2 == 0) e.removeAttribute(0);
+         }},
+        {"replacing the text", Allocations, [](Element& e, int) { e.setCharData("another"); }},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear(
+            [&c](int n) {
+                // Some levels down: the marks of change go up.
+                auto root = std::make_shared<Element>("r");
+                root->addChild(new Element("s"));
+                auto* edited = new CountingElement("t");
+                root->getElement(0)->addChild(edited);
+                return [root, edited, n, &c] {
+                    for (int i = 0; i < n; ++i) c.edit(*edited, i);
+                };
+            },
+            c.kind);
+    }
+}
+
+TEST(GrowthTest, EscapingAndDecodingAreLinearInTheText) {
+    const struct {
+        const char* name;
+        const char* piece;
+    } kCases[] = {
+        {"plain", "plain text "}, {"escaped", "<&>'\""},      {"references", "&lt;&#x41;"},
+        {"unknown", "&unknown;"}, {"ampersands", "&"},        {"one character in many", "a long run of text &lt; "},
+        {"digits", "&#1234567;"}, {"own entities", "&e;&e;"},
+    };
+    const auto dtd = readDtd("<!ENTITY e 'an entity'>");
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        expectLinear(
+            [&](int n) {
+                return [text = DataHolder(repeated(c.piece, n)), &dtd] {
+                    DataHolder value = text;
+                    insertStdEntities(value);
+                    value = text;
+                    replaceEntities(value, dtd.get());
+                    EXPECT_GE(toXmlString(text).size(), text.size());
+                };
+            },
+            AllocatedBytes);
+    }
+}
+
+// --- By size ---
+
+TEST(GrowthTest, AMillionAttributesOfOneElementAreReadFoundAndWritten) {
+    // In an order that is neither that of their names nor its reverse.
+    const auto name = [](int i) { return numbered("a", static_cast<int>(i * 7'919LL % kMillion)); };
+    const std::string text = "<r" + pieces(kMillion, [&](int i) { return " " + name(i) + "='v'"; }) + "/>";
+    for (const Source source : kMemorySources) {
+        SCOPED_TRACE(source);
+        const Outcome outcome = readDocument(text, source);
+        ASSERT_TRUE(outcome.ok) << outcome.error;
+        const Element& root = *outcome.document->getRoot();
+        ASSERT_EQ(root.getAttributeCount(), kMillion);
+        if (source != Source::String) continue;
+        int found = 0;
+        for (int i = 0; i < kMillion; i += 10) {
+            if (root.getAttributeValue(name(i)) == "v") ++found;
+        }
+        EXPECT_EQ(found, kMillion / 10);
+        EXPECT_EQ(root.getAttribute("a"), nullptr);
+        int rising = 0;
+        for (int i = 1; i < kMillion; ++i) {
+            if (root.getAttribute(i - 1)->getName() < root.getAttribute(i)->getName()) ++rising;
+        }
+        EXPECT_EQ(rising, kMillion - 1);
+        const Element copy(root);
+        EXPECT_EQ(copy.getAttributeCount(), kMillion);
+        EXPECT_EQ(textOf(copy).size(), text.size());
+    }
+}
+
+TEST(GrowthTest, OfAMillionAttributesOfOneNameTheLastStays) {
+    const std::string text = "<r" + pieces(kMillion, [](int i) { return numbered(" a='", i) + "'"; }) + "/>";
+    EXPECT_EQ(treeOf(text), numbered("r[a=", kMillion - 1) + "]");
+}
+
+TEST(GrowthTest, AHundredThousandAttributesAreSetByHandInReverse) {
+    Element element("r");
+    const int count = kMillion / 10;
+    for (int i = count; i-- > 0;) element.setAttribute(numbered("a", i), "v");
+    EXPECT_EQ(element.getAttributeCount(), count);
+    EXPECT_EQ(element.getAttribute(0)->getName(), numbered("a", 0));
+}
+
+TEST(GrowthTest, AMillionAmpersandsWhoseSemicolonIsFarAreRead) {
+    const std::string text = "<r>" + repeated("&<b/>", kMillion) + ";</r>";
+    for (const Source source : kAllSources) {
+        SCOPED_TRACE(source);
+        const Outcome outcome = readDocument(text, source);
+        ASSERT_TRUE(outcome.ok) << outcome.error;
+        const Element& root = *outcome.document->getRoot();
+        ASSERT_EQ(root.getChildCount(), 2 * kMillion + 1);
+        EXPECT_EQ(dump(root.getChild(2 * kMillion - 2)), "'&'");
+        EXPECT_EQ(dump(root.getChild(2 * kMillion)), "';'");
+    }
+}
+
+TEST(GrowthTest, AMillionQuotesInFrontOfTextsAreRead) {
+    const std::string text = "<r>\"<b/>" + repeated("'<b/>", kMillion) + "\"<b/>'<b/>x'\"</r>";
+    for (const Source source : kAllSources) {
+        SCOPED_TRACE(source);
+        const Outcome outcome = readDocument(text, source);
+        ASSERT_TRUE(outcome.ok) << outcome.error;
+        EXPECT_EQ(outcome.document->getRoot()->getChildCount(), 2 * (kMillion + 3) + 1);
+    }
+}
+
+TEST(GrowthTest, AMillionLinesAreCounted) {
+    const struct {
+        const char* name;
+        std::string lines;
+    } kCases[] = {
+        {"between elements", repeated("\r\n<b/>", kMillion)},
+        // The lines are met when the reader looks for the semicolon, and once more as it reads on.
+        {"behind ampersands", repeated("&\r\n<b/>", kMillion) + ";"},
+        {"in quotes", repeated("\"\r\n<b/>'\r\n<b/>", kMillion / 2) + "x'\""},
+    };
+    for (const auto& c : kCases) {
+        for (const Source source : kMemorySources) {
+            SCOPED_TRACE(c.name);
+            SCOPED_TRACE(source);
+            const std::string error = errorOf("<r>" + c.lines + "</s>", source);
+            EXPECT_EQ(error.find("(line = " + std::to_string(kMillion) + ", column = "), std::size_t{0}) << error;
+        }
+    }
+}
+
+TEST(GrowthTest, AMillionSiblingsAreReadValidatedCopiedSearchedAndWritten) {
+    const std::string text = "<r>" + repeated("<a/>", kMillion) + "<z/></r>";
+    const std::unique_ptr<Element> root = readElement(text);
+    ASSERT_EQ(root->getChildCount(), kMillion + 1);
+    const char* const kModels[] = {
+        "(a*, z)",  "(a+, z)",           "((a | b)*, z)", "((a?, b?)+, z)", "((a, (b | a))*, a?, z)",
+        "(a | z)*", "(#PCDATA | z | a)*"};
+    for (const char* model : kModels) {
+        SCOPED_TRACE(model);
+        const auto dtd = readDtd(std::string("<!ELEMENT r ") + model +
+                                 "><!ELEMENT a EMPTY><!ELEMENT z EMPTY><!ATTLIST r k CDATA #IMPLIED>");
+        EXPECT_TRUE(dtd->validate(root.get()));
+        root->setDtd(nullptr);
+    }
+    EXPECT_EQ(root->findElement("z"), root->getChild(kMillion));
+    EXPECT_EQ(root->findElement("a", kMillion - 1), root->getChild(kMillion - 1));
+    const Element copy(*root);
+    EXPECT_EQ(copy.getChildCount(), kMillion + 1);
+    EXPECT_EQ(textOf(copy).size(), text.size() + 2 * (static_cast<std::size_t>(kMillion) + 1) + 1);
+}
+
+TEST(GrowthTest, AMillionCommentsAreDropped) {
+    const std::string text = "<r>" + repeated("<!-- -->", kMillion) + "</r>";
+    for (const Source source : kAllSources) EXPECT_EQ(treeOf(text, source), "r") << source;
+    EXPECT_EQ(treeOf("<r><!--" + repeated("- ->", kMillion) + "--></r>"), "r");
+    EXPECT_EQ(treeOf("<r><!--" + repeated("-", kMillion) + "--></r>"), "r");
+}
+
+TEST(GrowthTest, AWideModelIsMatchedByAsManyChildren) {
+    // Each child is the one that stands last in the model.
+    const int width = 300'000 / kScale;
+    const std::string names = pieces(width, [](int i) { return numbered("|e", i); });
+    const std::string last = "<" + numbered("e", width - 1) + "/>";
+    const std::string leaf = numbered("<!ELEMENT e", width - 1) + " EMPTY>";
+    const std::unique_ptr<Element> root = readElement("<r>" + pieces(width, [&](int) { return last; }) + "</r>");
+    for (const std::string& model :
+         {"(#PCDATA" + names + ")*", "(e" + names + ")*", "((e" + names + "), x?)*", "(e" + names + "|#PCDATA)+"}) {
+        SCOPED_TRACE(model.substr(0, 10));
+        EXPECT_TRUE(readDtd("<!ELEMENT r " + model + ">" + leaf)->validate(root.get()));
+        EXPECT_FALSE(readDtd("<!ELEMENT r " + model + ">")->validate(root.get()));
+    }
+    // In a model that lists them all in order each is looked at once.
+    const std::string sequence = pieces(width, [](int i) { return numbered(",e", i) + "?"; });
+    EXPECT_FALSE(readDtd("<!ELEMENT r (x?" + sequence + ")>" + leaf)->validate(root.get()));
+}
+
+TEST(GrowthTest, AHundredThousandDeclarationsAreReadUsedAndWritten) {
+    const int count = kMillion / 10;
+    const std::string declarations = pieces(count, [](int i) {
+        const std::string number = std::to_string(i * 7'919LL % 1'000'003);
+        return "<!ELEMENT e" + number + " EMPTY><!ATTLIST e" + number + " k CDATA 'v'><!ENTITY n" + number + " 'w'>";
+    });
+    const std::string attributes = pieces(count, [](int i) { return numbered(" a", i) + " CDATA 'v'"; });
+    const std::string text = "<!DOCTYPE r [" + declarations + "<!ELEMENT r ANY><!ATTLIST r" + attributes + ">]><r x='" +
+                             pieces(count, [](int i) { return "&n" + std::to_string(i * 7'919LL % 1'000'003) + ";"; }) +
+                             "'" + numbered(" a", 7) + "='u'/>";
+    const MessageCollector messages;
+    const Outcome outcome = readDocument(text);
+    EXPECT_FALSE(outcome.ok) << "x is not declared";
+    ASSERT_NE(outcome.document, nullptr);
+    Element& root = *outcome.document->getRoot();
+    EXPECT_EQ(root.getAttributeValue("x"), std::string(static_cast<std::size_t>(count), 'w'));
+    root.removeAttribute("x");
+    EXPECT_TRUE(outcome.document->validate());
+    EXPECT_EQ(root.getAttributeValue(numbered("a", count - 1)), "v");
+    EXPECT_TRUE(messages.texts().empty());
+
+    const Dtd copy(*outcome.document->getDtd());
+    EXPECT_TRUE(textOf(copy) == textOf(*outcome.document->getDtd()));
+}
+
+TEST(GrowthTest, NamesOf16MegabytesAndATextOf64MegabytesAreHeld) {
+    const std::string name(16'000'000 / kScale, 'n');
+    EXPECT_TRUE(treeOf("<" + name + " " + name + "='v'></" + name + ">") == name + "[" + name + "=v]");
+
+    const std::string content = repeated("some text &lt; more; ", 64'000'000 / 21 / kScale);
+    for (const Source source : kAllSources) {
+        SCOPED_TRACE(source);
+        const Outcome outcome = readDocument("<r>" + content + "</r>", source);
+        ASSERT_TRUE(outcome.ok) << outcome.error;
+        EXPECT_TRUE(outcome.document->getRoot()->getChild(0)->toCharData()->data() == content);
+        EXPECT_EQ(outcome.document->getRoot()->getCharData().size(), content.size() / 21 * 18);
+    }
+}
+
+}  // namespace
+}  // namespace Xml::test
