@@ -1,0 +1,295 @@
+// Reads a document, checks it against its document type, shows what it holds, changes it and writes it to another file.
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iomanip>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+#include <xml/xml.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const char kHelp[] = R"(Usage: demo [--data FOLDER] [FILE ...]
+
+Reads each FILE, checks it, shows what it holds, changes it and writes the changed document to NAME-changed.ENDING in
+the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml in the folder of the examples' data.
+
+A document is checked against the document type in its DOCTYPE (a file named there is looked for in the working
+directory); one without a DOCTYPE against NAME.dtd, if there is such a file beside it.
+
+Exit status: 0, or 1 if a FILE could not be read, is not well-formed or not valid, or could not be written.
+)";
+
+class Stopwatch {
+public:
+    std::string elapsed() const {
+        const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+        return Xml::toString(time.count()) + " ms";
+    }
+
+private:
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+// 2125952 -> "2,125,952".
+std::string grouped(std::uintmax_t number) {
+    std::string text = std::to_string(number);
+    for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, 1, ',');
+    return text;
+}
+
+// The beginning of a text, on one line.
+std::string brief(std::string text, std::size_t length = 84) {
+    std::replace_if(text.begin(), text.end(), Xml::isWhite, ' ');
+    return text.size() <= length ? text : text.substr(0, length - 3) + "...";
+}
+
+// --- Reading ---
+
+// Says where in the file reading stopped, by lines as editors count them.
+void tellPlace(const fs::path& path, int position) {
+    std::ifstream file(path, std::ios::binary);
+    std::string before{std::istreambuf_iterator<char>(file), {}};
+    if (position >= 0) before.resize(std::min(before.size(), static_cast<std::size_t>(position)));
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    before.erase(0, before.rfind('\n') + 1);
+    std::cerr << "  Reading stopped in line " << line << " of the file, behind byte " << before.size() << " of it";
+    if (before.size() > 60) before.erase(0, before.size() - 60);
+    std::cerr << (before.empty() ? "" : ":\n  " + brief(before)) << '\n';
+}
+
+// Says which element makes a tree invalid: the first from the top whose children are all valid in themselves.
+void tellMisfit(const Xml::Dtd& dtd, Xml::Element* element) {
+    std::string path;
+    for (Xml::Element* next = element; next != nullptr;) {
+        element = next;
+        next = nullptr;
+        path += "/" + element->getName();
+        for (int i = 0; i < element->getChildCount() && next == nullptr; ++i) {
+            Xml::Object* child = element->getChild(i);
+            if (child->isElement() && !dtd.validate(child->toElement())) next = child->toElement();
+        }
+    }
+    std::cerr << "  The document type does not allow " << path << ", or not what is in it:\n  <"
+              << brief(element->toString()) << ">\n";
+}
+
+// The document in a file, with the document type that belongs to it; null, and why on standard error.
+std::unique_ptr<Xml::Document> read(const fs::path& path) {
+    if (std::error_code error; !fs::is_regular_file(path, error)) {
+        std::cerr << path.string() << (fs::exists(path, error) ? ": not a regular file\n" : ": no such file\n");
+        return nullptr;
+    }
+    const Stopwatch watch;
+    std::ifstream file;
+    Xml::FileInStream in(path.string(), &file);
+    Xml::DocumentReader reader;
+    const bool read = reader.parse(in);
+    std::unique_ptr<Xml::Document> document(reader.extractDocument());
+    if (!read) {
+        std::cerr << path.string() << (document ? ": not valid\n" : ": not well-formed\n");
+        if (!reader.getErrorMessage().empty()) std::cerr << "  " << reader.getErrorMessage() << '\n';
+        if (!document || document->validate()) {
+            tellPlace(path, in.getPosition());
+        } else {
+            tellMisfit(*document->getDtd(), document->getRoot());
+        }
+        return nullptr;
+    }
+    std::cout << path.filename().string() << ": " << grouped(fs::file_size(path)) << " bytes, read in "
+              << watch.elapsed();
+
+    const fs::path dtdPath = fs::path(path).replace_extension(".dtd");
+    if (document->getDtd() != nullptr) {
+        std::cout << ", valid by the document type in it\n";
+    } else if (!fs::is_regular_file(dtdPath)) {
+        std::cout << ", well-formed; no document type\n";
+    } else {
+        std::ifstream dtdFile;
+        Xml::FileInStream dtdIn(dtdPath.string(), &dtdFile);
+        Xml::DTDReader dtdReader(document->getRoot()->getName());
+        if (!dtdReader.parse(dtdIn)) {
+            std::cerr << '\n' << dtdPath.string() << ": not well-formed\n  " << dtdReader.getErrorMessage() << '\n';
+            tellPlace(dtdPath, dtdIn.getPosition());
+            return nullptr;
+        }
+        document = std::make_unique<Xml::Document>(document->extractRoot(), dtdReader.extractDtd());
+        const Stopwatch validation;
+        if (!document->validate()) {
+            std::cerr << '\n' << path.string() << ": not valid by " << dtdPath.filename().string() << '\n';
+            tellMisfit(*document->getDtd(), document->getRoot());
+            return nullptr;
+        }
+        std::cout << ", valid by " << dtdPath.filename().string() << " in " << validation.elapsed() << '\n';
+    }
+    return document;
+}
+
+// --- What it holds ---
+
+// All elements of one name.
+struct Kind {
+    std::size_t count = 0;
+    Xml::Element* last = nullptr;
+};
+
+// Elements by name, the most frequent first.
+using Kinds = std::vector<std::pair<std::string, Kind>>;
+
+Kinds show(Xml::Document& document) {
+    std::map<std::string, Kind> byName;
+    std::size_t elements = 0, attributes = 0, texts = 0, textBytes = 0, deepest = 0;
+
+    // A stack of our own: a document may be nested deeper than a recursion could go.
+    std::vector<std::pair<Xml::Element*, std::size_t>> waiting = {{document.getRoot(), 1}};
+    while (!waiting.empty()) {
+        const auto [element, depth] = waiting.back();
+        waiting.pop_back();
+        ++elements;
+        attributes += static_cast<std::size_t>(element->getAttributeCount());
+        deepest = std::max(deepest, depth);
+        Kind& kind = byName[element->getName()];
+        ++kind.count;
+        kind.last = element;
+        for (int i = element->getChildCount(); i-- > 0;) {
+            Xml::Object* child = element->getChild(i);
+            if (child->isElement()) {
+                waiting.emplace_back(child->toElement(), depth + 1);
+            } else {
+                ++texts;
+                textBytes += child->toString().size();
+            }
+        }
+    }
+    std::cout << "\nIt holds\n"
+              << "  root        <" << document.getRoot()->getName() << ">\n"
+              << "  elements    " << grouped(elements) << " of " << byName.size() << " names, nested " << deepest
+              << (deepest == 1 ? " level deep\n" : " levels deep\n")  //
+              << "  attributes  " << grouped(attributes) << '\n'
+              << "  text        " << grouped(textBytes) << " bytes in " << grouped(texts) << " runs\n"
+              << "\nMost often, with the last of each\n";
+
+    Kinds kinds(byName.begin(), byName.end());
+    std::stable_sort(kinds.begin(), kinds.end(),
+                     [](const auto& a, const auto& b) { return a.second.count > b.second.count; });
+    for (std::size_t i = 0; i < std::min<std::size_t>(kinds.size(), 5); ++i) {
+        const Kind& kind = kinds[i].second;
+        const std::string& text = kind.last->getCharData();
+        std::cout << std::setw(9) << grouped(kind.count) << "  <" << brief(kind.last->toString()) << '>'
+                  << (text.empty() ? "" : " " + brief(text, 40)) << '\n';
+    }
+    return kinds;
+}
+
+// --- Changing it ---
+
+// Tries a change and takes it back when the document type does not allow it.
+void tryChange(Xml::Document& document, const std::string& what, const std::function<void()>& change,
+               const std::function<void()>& takeBack) {
+    change();
+    const bool valid = document.validate();
+    if (!valid) {
+        takeBack();
+        document.validate();
+    }
+    std::cout << (valid ? "  done     " : "  refused  ") << what << '\n';
+}
+
+void change(Xml::Document& document, const Kinds& kinds) {
+    std::cout << "\nChanges, kept where the document stays valid\n";
+    Xml::Element* root = document.getRoot();
+    if (root->getAttribute("edited") == nullptr) {
+        tryChange(
+            document, "an attribute: edited=\"by demo\" in <" + root->getName() + ">",
+            [root] { root->setAttribute("edited", "by demo"); }, [root] { root->removeAttribute("edited"); });
+    }
+    for (const auto& [name, kind] : kinds) {
+        Xml::Element* element = kind.last;
+        if (element->getChildCount() != 1 || !element->getChild(0)->isCharData()) continue;
+        const Xml::DataHolder before = element->getCharData();
+        tryChange(
+            document, "a text: " + brief(before, 40) + " & Co. in the last <" + name + ">",
+            [&] { element->setCharData(before + " & Co."); }, [&] { element->setCharData(before); });
+        break;
+    }
+    for (const auto& [name, kind] : kinds) {
+        if (kind.last == root) continue;
+        Xml::Element* parent = kind.last->getParent()->toElement();
+        Xml::Object* copy = kind.last->clone();
+        tryChange(
+            document, "an element: a copy of the last <" + name + "> beside it",
+            [&, last = kind.last] { parent->insertChild(last, copy); }, [&] { delete parent->extractChild(copy); });
+        break;
+    }
+}
+
+// --- Writing it ---
+
+bool write(const Xml::Document& document, const fs::path& path) {
+    const Stopwatch watch;
+    std::ofstream file;
+    {
+        Xml::FileOutStream out(path.string(), &file);
+        document.toStream(out);
+    }
+    if (!file) {
+        std::cerr << path.string() << ": could not be written\n";
+        return false;
+    }
+    std::cout << "\nWrote " << path.string() << ": " << grouped(fs::file_size(path)) << " bytes in " << watch.elapsed()
+              << (document.getDtd() != nullptr ? ", its document type included\n" : "\n");
+
+    std::ifstream written;
+    Xml::FileInStream in(path.string(), &written);
+    Xml::DocumentReader reader;
+    if (!reader.parse(in)) {
+        std::cerr << path.string() << ": does not read back\n  " << reader.getErrorMessage() << '\n';
+        return false;
+    }
+    std::cout << "Read it again: " << (document.getDtd() != nullptr ? "valid\n" : "well-formed\n");
+    return true;
+}
+
+bool demonstrate(const fs::path& path) {
+    const std::unique_ptr<Xml::Document> document = read(path);
+    if (!document) return false;
+    change(*document, show(*document));
+    return write(*document, path.stem().string() + "-changed" + path.extension().string());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<fs::path> files;
+    fs::path data = "examples/data";
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--help" || argument == "-h") {
+            std::cout << kHelp;
+            return 0;
+        }
+        if (argument == "--data" && i + 1 < argc) {
+            data = argv[++i];
+        } else {
+            files.emplace_back(argument);
+        }
+    }
+    if (files.empty()) files = {data / "vk.xml"};
+
+    bool all = true;
+    for (const fs::path& file : files) {
+        if (&file != &files.front()) std::cout << '\n';
+        all = demonstrate(file) && all;
+    }
+    return all ? 0 : 1;
+}
