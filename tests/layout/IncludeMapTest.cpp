@@ -66,7 +66,7 @@ std::string faultOf(const std::string& file, char bracket, const std::string& in
     if (!ours) {
         if (bracket == '"') return "is not a path from the root";
         const bool standard = included.find_first_of("./") == std::string::npos;
-        return standard || !isHeader(file) ? "" : "is not of the standard library";
+        return standard || !isHeader(file) || isInternal(file) ? "" : "is not of the standard library";
     }
     if (bracket == '<') return "is ours and wants quotes";
     if (isHeader(file) && !isInternal(file) && isInternal(included)) return "is internal, the header is public";

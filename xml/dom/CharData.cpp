@@ -4,6 +4,7 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/stream/OutStream.h"
 #include "xml/text/Entities.h"
+#include <utility>
 
 namespace Xml {
 
@@ -18,8 +19,9 @@ CharData::CharData(const CharData& other) : Object(other), data_(other.data_) {}
 CharData::~CharData() = default;
 
 void CharData::setData(const DataHolder& text) {
-    data_ = text;
-    insertStdEntities(data_);
+    DataHolder escaped = text;
+    insertStdEntities(escaped);
+    data_ = std::move(escaped);
     touch();
 }
 

@@ -3,6 +3,7 @@
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
+#include <utility>
 
 namespace Xml {
 
@@ -10,21 +11,20 @@ const char* const _xmlHeader = "<?xml version = \"1.0\" ?>";
 
 Document::Document(Element* itsRoot, Dtd* itsDtd) : dtd(itsDtd), root(itsRoot) {
     if (root != nullptr) {
-        root->setParent(this);
         root->setDtd(dtd);
+        root->setParent(this);
     }
     if (dtd != nullptr) dtd->setParent(this);
 }
 
 // The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first.
-Document::Document(const Document& other) : Object() {
-    std::unique_ptr<Object> rootCopy(other.root != nullptr ? other.root->clone() : nullptr);
+Document::Document(const Document& other) : Document(nullptr, nullptr) {
     if (other.dtd != nullptr) {
         dtd = other.dtd->clone()->toDtd();
         dtd->setParent(this);
     }
-    if (rootCopy) {
-        root = rootCopy.release()->toElement();
+    if (other.root != nullptr) {
+        root = other.root->clone()->toElement();
         root->setParent(this);
         root->setDtd(dtd);
     }
@@ -41,25 +41,19 @@ Dtd* Document::getDtd() { return dtd; }
 const Dtd* Document::getDtd() const { return dtd; }
 
 Element* Document::extractRoot() {
-    Element* const extracted = root;
-    root = nullptr;
-    if (extracted != nullptr) {
-        extracted->setParent(nullptr);
-        extracted->setDtd(nullptr);
-    }
-    return extracted;
+    if (root == nullptr) return nullptr;
+    root->setDtd(nullptr);  // first: it may need memory, and a root taken out would be lost then
+    root->setParent(nullptr);
+    return std::exchange(root, nullptr);
 }
 
 Dtd* Document::extractDtd() {
-    Dtd* const extracted = dtd;
-    dtd = nullptr;
-    if (extracted != nullptr) {
-        extracted->setParent(nullptr);
-        extracted->setDtd(nullptr);
-        setDtd(nullptr);
-        if (root != nullptr) root->setDtd(nullptr);
-    }
-    return extracted;
+    if (dtd == nullptr) return nullptr;
+    if (root != nullptr) root->setDtd(nullptr);  // first, as above
+    setDtd(nullptr);
+    dtd->setDtd(nullptr);
+    dtd->setParent(nullptr);
+    return std::exchange(dtd, nullptr);
 }
 
 bool Document::validate() {

@@ -20,7 +20,7 @@ public:
     // Takes ownership of both, either of which may be null; the tree below the root gets the link to the Dtd.
     Document(Element* root, Dtd* dtd);
 
-    // Copies root and Dtd; the tree of the copy links to the copy's Dtd.
+    // Copies root and Dtd; the tree of the copy links to the copy's Dtd. The document node's own link starts null.
     Document(const Document& other);
     ~Document() override;
 
@@ -35,7 +35,7 @@ public:
     // Takes the Dtd out; nothing links to it any more. Null without a Dtd, and then nothing changes.
     Dtd* extractDtd();
 
-    // True without a Dtd; else whether there is a root and the Dtd finds it valid.
+    // True without a Dtd; else whether there is a root and the Dtd finds it valid. The document node links to the Dtd then.
     bool validate();
 
     // The n-th element of that name in document order, the root included; null when there is none.
@@ -48,7 +48,7 @@ public:
 
     Object* clone() const override;
 
-    // "<Document> " and the name of the root.
+    // "<Document> " and the name of the root, if any; kept in the node until the next call.
     const std::string& toString() const override;
     bool isDocument() const override;
     void write(OutStream& out) const override;

@@ -191,8 +191,8 @@ Object* Element::getChild(int i) { return const_cast<Object*>(static_cast<const 
 
 void Element::insertAt(std::size_t place, Object* child) {
     makeRoom(children);
-    child->setParent(this);
     child->setDtd(NodeAccess::dtd(*this));
+    child->setParent(this);
     children.insert(children.begin() + static_cast<std::ptrdiff_t>(place), child);
     touch();
 }
@@ -218,10 +218,10 @@ bool Element::isChild(const Object* node) const { return placeOfChild(node) < ch
 Object* Element::extractChild(int i) {
     if (!inRange(i, children.size())) return nullptr;
     Object* const child = children[static_cast<std::size_t>(i)];
+    child->setDtd(nullptr);  // first: it may need memory, and a child taken out would be lost then
+    child->setParent(nullptr);
     children.erase(children.begin() + i);
     touch();
-    child->setParent(nullptr);
-    child->setDtd(nullptr);
     return child;
 }
 

@@ -90,7 +90,8 @@ public:
     Attribute* getAttribute(int i);
     const Attribute* getAttribute(int i) const;
 
-    // The value of the attribute; without one the default value from the Dtd, where the element links to one; else empty.
+    // The value of the attribute; without one the default value from the Dtd, where the element links to one; else empty. Good
+    // as long as the attribute, or the Dtd, is there and unchanged.
     const DataHolder& getAttributeValue(const std::string& name) const;
 
     // Absent names and indices change nothing.
@@ -131,7 +132,7 @@ public:
     // --- Character data ---
 
     // The decoded text of the first child that is character data, of this element, of its first child element of that
-    // name, of the first element of that name below it; else empty.
+    // name, of the first element of that name below it; else empty. Good until the text of that node is asked for again.
     const DataHolder& getCharData() const;
     const DataHolder& getElementCharData(const std::string& name) const;
     const DataHolder& findElementCharData(const std::string& name) const;

@@ -85,7 +85,7 @@ void Object::touch() {
 void Object::toStream(OutStream& out) const {
     const OutStreamAccess::Counting counting(out);
     const int position = OutStreamAccess::position(out);
-    if (useRWOptimization && !dirty && writeStart == position && position != OutStreamAccess::kUnrecordable) {
+    if (useRWOptimization && !dirty && OutStreamAccess::standsAt(position, writeStart, writeEnd)) {
         out.setPosition(writeEnd);
         return;
     }

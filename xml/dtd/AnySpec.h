@@ -8,6 +8,7 @@ namespace Xml {
 class ORVXML_API AnySpec : public ContentSpec {
 public:
     explicit AnySpec(Dtd* dtd);
+    AnySpec(const AnySpec&) = delete;
 
     bool validate(const std::vector<Object*>& children) const override;
     void toStream(OutStream& out) const override;

@@ -12,6 +12,9 @@ public:
     void typeToStream(OutStream& out) const override;
     bool validate(const DataHolder& value) const override;
     AttDef* clone() const override;
+
+protected:
+    AttStringType(const AttStringType&) = default;
 };
 
 }  // namespace Xml

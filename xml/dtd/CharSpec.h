@@ -8,6 +8,7 @@ namespace Xml {
 class ORVXML_API CharSpec : public ContentSpec {
 public:
     explicit CharSpec(Dtd* dtd);
+    CharSpec(const CharSpec&) = delete;
 
     bool validate(const std::vector<Object*>& children) const override;
     void toStream(OutStream& out) const override;

@@ -26,6 +26,8 @@ public:
 
     // The node at the head. The queue must not be empty.
     Object* front() const { return *head; }
+
+    // Takes the node at the head. The queue must not be empty.
     void pop() { ++head; }
 
     // Whether both wait at the same place of the same list.

@@ -101,15 +101,19 @@ void Dtd::declareOwn(const std::string& element, std::unique_ptr<ContentSpec> mo
 void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttDef* definition) {
     const auto list = attributeLists.find(element);
     if (list == attributeLists.end()) {
-        // A list that could not take its first definition must not stay behind: it would say something about the element.
-        AttributeList made;
-        made.emplace(attribute, definition);
-        attributeLists.emplace(element, std::move(made));
+        addAttributeList(element, attribute, definition);
     } else if (!list->second.emplace(attribute, definition).second) {
         reportDuplicateAttribute(element, attribute);
         return;
     }
     touch();
+}
+
+// A list that could not take its first definition must not stay behind: it would say something about the element.
+void Dtd::addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition) {
+    AttributeList made;
+    made.emplace(attribute, definition);
+    attributeLists.emplace(element, std::move(made));
 }
 
 void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttType rule) {
@@ -129,19 +133,19 @@ void Dtd::merge(const Dtd& other, bool replace) {
         put(elements, element, std::unique_ptr<ContentSpec>(model->clone(this)));
     }
     for (const auto& [element, list] : other.attributeLists) {
-        if (list.empty()) continue;
-        AttributeList& own = attributeLists[element];
         for (const auto& [attribute, definition] : list) {
-            if (!replace && own.find(attribute) != own.end()) continue;
-            put(own, attribute, std::unique_ptr<AttDef>(definition->clone()));
+            if (!replace && findDefinition(element, attribute) != nullptr) continue;
+            std::unique_ptr<AttDef> copy(definition->clone());
+            if (const auto own = attributeLists.find(element); own != attributeLists.end()) {
+                put(own->second, attribute, std::move(copy));
+            } else {
+                addAttributeList(element, attribute, copy.get());
+                copy.release();
+            }
         }
     }
     for (const auto& [entity, value] : other.entities) {
-        if (replace) {
-            entities[entity] = value;
-        } else {
-            entities.emplace(entity, value);
-        }
+        if (replace || !isEntityName(entity)) setEntity(entity, value);
     }
 }
 
@@ -168,7 +172,10 @@ const DataHolder& Dtd::getDefaultValue(const std::string& element, const std::st
 
 // --- Entities ---
 
-void Dtd::setEntity(const std::string& entity, const DataHolder& value) { entities[entity] = value; }
+void Dtd::setEntity(const std::string& entity, const DataHolder& value) {
+    DataHolder copy = value;  // first: an entity whose value could not be copied must not stay behind empty
+    entities[entity] = std::move(copy);
+}
 
 bool Dtd::isEntityName(const std::string& entity) const { return entities.find(entity) != entities.end(); }
 

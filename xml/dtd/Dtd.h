@@ -107,6 +107,7 @@ private:
 
     using AttributeList = std::map<std::string, AttDef*>;
 
+    void addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition);
     void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);
     const AttDef* findDefinition(const std::string& element, const std::string& attribute) const;
     const std::string* findEntityByValue(const DataHolder& value) const;

@@ -8,6 +8,7 @@ namespace Xml {
 class ORVXML_API EmptySpec : public ContentSpec {
 public:
     explicit EmptySpec(Dtd* dtd);
+    EmptySpec(const EmptySpec&) = delete;
 
     bool validate(const std::vector<Object*>& children) const override;
     void toStream(OutStream& out) const override;

@@ -11,6 +11,7 @@ namespace Xml {
 class ORVXML_API MixedSpec : public ContentSpec {
 public:
     explicit MixedSpec(Dtd* dtd);
+    MixedSpec(const MixedSpec&) = delete;
 
     // A name that is there already is reported ("<MixedSpec::MixedSpec> name already added ", the name) and not added again.
     void addName(const std::string& name);

@@ -9,6 +9,7 @@ namespace Xml {
 class ORVXML_API NameSpec : public CpSpec {
 public:
     NameSpec(Dtd* dtd, const std::string& name);
+    NameSpec(const NameSpec&) = delete;
 
     bool validate(ChildQueue& children) const override;
     void toStream(OutStream& out, bool outermost) const override;

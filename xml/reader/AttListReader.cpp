@@ -3,7 +3,7 @@
 #include "xml/dtd/AttStringType.h"
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/internal/Tokens.h"
-#include "xml/stream/InStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Message.h"
 #include "xml/text/Names.h"
 #include <memory>
@@ -33,6 +33,7 @@ bool AttListReader::parse(InStream& in) {
         DataHolder value;
         if (rule == DEFAULT || rule == FIXED) {
             if (token[0] != '"' && token[0] != '\'') {
+                StreamAccess::release(in);
                 Message("<AttListReader::parse> string   " + token);
                 return false;
             }
@@ -40,6 +41,7 @@ bool AttListReader::parse(InStream& in) {
         }
 
         auto definition = std::make_unique<AttStringType>(rule, value);
+        StreamAccess::release(in);  // a duplicate is reported to the caller's handler
         const bool refused = DtdAccess::isDefined(*dtd, element, attribute);
         dtd->addAttDecl(element, attribute, definition.get());
         if (!refused) definition.release();

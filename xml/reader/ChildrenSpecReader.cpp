@@ -158,7 +158,10 @@ private:
     void endGroup() {
         Level& level = levels.back();
         if (level.pending) {
-            if (level.current) Message(std::string("<ChildrenSpecReader::parse> cur not 0"));
+            if (level.current) {
+                StreamAccess::release(in);
+                Message(std::string("<ChildrenSpecReader::parse> cur not 0"));
+            }
             auto sequence = std::make_unique<SeqSpec>(reader.dtd);
             sequence->add(level.pending.get());
             level.pending.release();

@@ -27,11 +27,11 @@ bool DTDReader::parse(InStream& in) {
         StreamAccess::seek(in, position);
         if (!readDeclaration(in, token)) return false;
         in.eatWhite();
-        if (in.eof()) return endOfData(in);
+        if (StreamAccess::atEnd(in)) return endOfData(in);
         position = StreamAccess::tell(in);
         if (!getToken(in, token)) return false;
         if (internal && token == "]") return true;
-        if (in.eof()) return endOfData(in);
+        if (StreamAccess::atEnd(in)) return endOfData(in);
     }
 }
 

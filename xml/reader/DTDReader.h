@@ -7,7 +7,7 @@ namespace Xml {
 
 class Dtd;
 
-// Reads a run of declarations (elements, attribute lists, entities) and comments into one Dtd.
+// Reads a run of declarations (elements, attribute lists, entities) and comments into one Dtd. Used once.
 class ORVXML_API DTDReader : public Reader {
 public:
     // `name` is the document type name.

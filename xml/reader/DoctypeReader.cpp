@@ -53,11 +53,11 @@ bool DoctypeReader::readExternalSubset(InStream& in, DTDReader& reader) {
     std::ifstream file;
     if (probe.OpenForReading()) file.open(path, std::ios_base::in | std::ios_base::binary);
     if (!file.is_open()) return fail(in, "Could not open file: " + path);
-    DtdAccess::bytesReadBefore(*reader.getDtd()) = probe.GetLength();
-    probe.Close();
-
     FileInStream subset(&file);
-    return reader.parse(subset) || failAs(reader);
+    StreamAccess::release(in);
+    if (!reader.parse(subset)) return failAs(reader);
+    DtdAccess::bytesReadBefore(*reader.getDtd()) = probe.GetLength();
+    return true;
 }
 
 Dtd* DoctypeReader::extractDtd() { return std::exchange(dtd, nullptr); }

@@ -80,7 +80,7 @@ bool DocumentReader::parseElement(InStream& in) {
 bool DocumentReader::parseMisc(InStream& in) {
     const StreamAccess::Session session(in);
     in.eatWhite();
-    if (in.eof()) return true;
+    if (StreamAccess::atEnd(in)) return true;
     for (;;) {
         std::string token;
         // Running out of data is no failure here, although it leaves its message.

@@ -16,7 +16,8 @@ namespace Xml {
 
 namespace {
 
-void declare(Dtd& dtd, const std::string& name, std::unique_ptr<ContentSpec> model) {
+void declare(const InStream& in, Dtd& dtd, const std::string& name, std::unique_ptr<ContentSpec> model) {
+    StreamAccess::release(in);  // a duplicate is reported to the caller's handler
     const bool refused = DtdAccess::isDeclared(dtd, name);
     dtd.addElementDecl(name, model.get());
     if (!refused) model.release();
@@ -35,22 +36,23 @@ bool ElementDeclReader::parse(InStream& in) {
     if (!getToken(in, token)) return false;
 
     if (token == "EMPTY") {
-        declare(*dtd, name, std::make_unique<EmptySpec>(dtd));
+        declare(in, *dtd, name, std::make_unique<EmptySpec>(dtd));
     } else if (token == "ANY") {
-        declare(*dtd, name, std::make_unique<AnySpec>(dtd));
+        declare(in, *dtd, name, std::make_unique<AnySpec>(dtd));
     } else if (token == "(") {
         if (!getToken(in, token)) return false;
         StreamAccess::seek(in, position);
         if (token == "#PCDATA") {
             MixedSpecReader reader(dtd);
             if (!reader.parse(in)) return failAs(reader);
-            declare(*dtd, name, std::unique_ptr<ContentSpec>(reader.extractMixedSpec()));
+            declare(in, *dtd, name, std::unique_ptr<ContentSpec>(reader.extractMixedSpec()));
         } else {
             ChildrenSpecReader reader(dtd);
             if (!reader.parse(in)) return failAs(reader);
-            declare(*dtd, name, std::unique_ptr<ContentSpec>(reader.extractChildrenSpec()));
+            declare(in, *dtd, name, std::unique_ptr<ContentSpec>(reader.extractChildrenSpec()));
         }
     } else {
+        StreamAccess::release(in);
         Message("<ElementDeclReader::parse> don't know what to do " + token);
         return false;
     }

@@ -64,10 +64,7 @@ private:
         StreamAccess::clear(in);
         if (!in.getNameInParseBuffer()) return fail();
         addElement();
-        Element& element = *open.back();
-        const bool read = readAttributes(element);
-        sortAttributes(element);
-        if (!read) return false;
+        if (!readAttributes(*open.back())) return false;
         if (StreamAccess::token(in) == kSlashGreaterThen) {
             endElement();
             return true;
@@ -85,6 +82,7 @@ private:
 
     // Up to the token behind the attributes, which stays in the parse buffer.
     bool readAttributes(Element& element) {
+        const Sorting sorting{element};
         auto& attributes = NodeAccess::attributes(element);
         std::string name;
         while (true) {
@@ -102,6 +100,12 @@ private:
             attribute.release();
         }
     }
+
+    // Puts the attributes in order however reading them ends.
+    struct Sorting {
+        Element& element;
+        ~Sorting() { sortAttributes(element); }
+    };
 
     // Attributes are kept in the order of their names; of several with one name the last one counts.
     static void sortAttributes(Element& element) {

@@ -2,7 +2,7 @@
 
 #include "xml/dtd/MixedSpec.h"
 #include "xml/reader/internal/Repetition.h"
-#include "xml/stream/InStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <utility>
 
 namespace Xml {
@@ -28,6 +28,7 @@ bool MixedSpecReader::parse(InStream& in) {
         if (token != "|") return fail(in, "\"|\" expected");
         std::string name;
         if (!getName(in, name)) return false;
+        StreamAccess::release(in);  // a repeated name is reported to the caller's handler
         model->addName(name);
         if (!getToken(in, token)) return false;
     }

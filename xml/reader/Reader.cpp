@@ -1,9 +1,10 @@
 #include "xml/reader/Reader.h"
 
-#include "xml/stream/InStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <algorithm>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 namespace Xml {
 
@@ -13,10 +14,12 @@ Reader::~Reader() = default;
 
 void Reader::message(InStream& in, const std::string& text) {
     constexpr std::size_t kMostCharacters = 255;
-    errorMessage = "(line = " + std::to_string(in.getLine()) + ", column = " + std::to_string(in.getColumn()) + ") ";
-    errorMessage.append(text, 0, std::min(text.find('\0'), kMostCharacters));
-    errorMessage.append(" <").append(typeid(*this).name()).append(">");
-    if (errorMessage.size() > kMostCharacters) errorMessage.resize(kMostCharacters);
+    std::string made =
+        "(line = " + std::to_string(in.getLine()) + ", column = " + std::to_string(in.getColumn()) + ") ";
+    made.append(text, 0, std::min(text.find('\0'), kMostCharacters));
+    made.append(" <").append(typeid(*this).name()).append(">");
+    if (made.size() > kMostCharacters) made.resize(kMostCharacters);
+    errorMessage = std::move(made);
 }
 
 void Reader::setMessage(const std::string& text) { errorMessage = text; }
@@ -38,6 +41,7 @@ bool Reader::getCharData(InStream& in, DataHolder& data) { return in.getCharData
 bool Reader::fail(InStream& in) { return fail(in, in.getErrorMessage()); }
 
 bool Reader::fail(InStream& in, const std::string& text) {
+    StreamAccess::release(in);  // message() may be a caller's
     message(in, text);
     return false;
 }

@@ -1,8 +1,10 @@
 #include "xml/stream/FileInStream.h"
 
 #include "xml/text/Message.h"
+#include "xml/text/internal/StreamState.h"
 #include <fstream>
 #include <limits>
+#include <locale>
 #include <sstream>
 #include <typeinfo>
 
@@ -13,15 +15,6 @@ namespace {
 using Position = std::streamoff;
 
 constexpr Position kMostPosition = std::numeric_limits<int>::max();
-
-// Standard stream operations set the stream's state first and throw afterwards, where the stream's exceptions are switched
-// on. The state is all that is needed.
-template <class Operation>
-void withoutExceptions(Operation operation) {
-    try {
-        operation();
-    } catch (const std::ios_base::failure&) {}
-}
 
 // The get area of a stream buffer, which only a class derived from it may name.
 struct GetArea : std::streambuf {
@@ -42,37 +35,41 @@ Position tellOf(std::streambuf& buffer) { return buffer.pubseekoff(0, std::ios_b
 
 }  // namespace
 
-const InStream::WindowSource FileInStream::kWindowSource = {acquireWindow, returnWindow, windowBase};
+const InStream::WindowSource FileInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, false};
 
 FileInStream::FileInStream(std::istream* source) : InStream(&kWindowSource), stream(source) {}
 
 FileInStream::FileInStream(const std::string& path, std::ifstream* file)
     : InStream(&kWindowSource), stream(file), openedHere(file) {
-    withoutExceptions([&] {
+    withoutFailures([&] {
         if (file->is_open()) file->close();
     });
-    withoutExceptions([&] { file->open(path, std::ios_base::in | std::ios_base::binary); });
+    withoutFailures([&] { file->open(path, std::ios_base::in | std::ios_base::binary); });
     if (!file->is_open()) Message("<Xml::FileInStream::FileInStream> Could not open file: " + path);
 }
 
 FileInStream::~FileInStream() {
-    releaseWindow();
-    withoutExceptions([&] {
+    withoutFailures([&] {
         if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
     });
 }
 
-// Finds out, before the first byte is read, whether the positions of a file fit into an int. Only where a byte can be read:
-// what else can be opened, a directory say, has lengths of its own kind.
+// Finds out, before the first byte is read, whether the positions of the source fit into an int. The length of a file counts
+// only where a byte can be read: what else can be opened, a directory say, has lengths of its own kind.
 void FileInStream::measure() {
     measured = true;
     withoutExceptions([&] {
         std::streambuf& buffer = *stream->rdbuf();
-        if (typeid(buffer) != typeid(std::filebuf) || isAtEnd(buffer)) return;
+        const bool isFile = typeid(buffer) == typeid(std::filebuf);
+        if (isFile && isAtEnd(buffer)) return;
         const Position here = tellOf(buffer);
         if (here < 0) return;
-        tooLarge = buffer.pubseekoff(0, std::ios_base::end, std::ios_base::in) > kMostPosition;
-        buffer.pubseekpos(here, std::ios_base::in);
+        Position end = here;
+        if (isFile) {
+            end = buffer.pubseekoff(0, std::ios_base::end, std::ios_base::in);
+            buffer.pubseekpos(here, std::ios_base::in);
+        }
+        tooLarge = end > kMostPosition;
     });
 }
 
@@ -89,7 +86,9 @@ int FileInStream::getPosition() const {
     releaseWindow();
     Position position = -1;
     withoutExceptions([&] { position = stream->tellg(); });
-    return position <= kMostPosition ? static_cast<int>(position) : -1;
+    if (position <= kMostPosition) return static_cast<int>(position);
+    tooLarge = true;
+    return -1;
 }
 
 void FileInStream::setPosition(int position) {
@@ -121,7 +120,8 @@ bool FileInStream::acquireWindow(InStream& stream) {
     if (self.checkedBuffer != &buffer) {
         const Position position = tellOf(buffer);
         const Position last = position + (GetArea::end(buffer) - GetArea::cursor(buffer));
-        if (position < 0 || last > kMostPosition) return false;
+        const auto& codes = std::use_facet<std::codecvt<char, char, std::mbstate_t>>(buffer.getloc());
+        if (position < 0 || last > kMostPosition || !codes.always_noconv()) return false;
         self.checkedBuffer = &buffer;
     }
     self.window = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, true};

@@ -15,7 +15,8 @@ public:
     // Reads from the caller's stream, which must outlive this object and is never closed by it.
     explicit FileInStream(std::istream* stream);
 
-    // Opens the caller's `file` on `path` for binary reading, closing it first if it is open, and closes it at the end.
+    // Opens the caller's `file` on `path` for binary reading, closing it first if it is open, and closes it at the end: it must
+    // outlive this object.
     // When it cannot be opened "<Xml::FileInStream::FileInStream> Could not open file: " and the path is reported, and
     // every read fails.
     FileInStream(const std::string& path, std::ifstream* file);

@@ -1,6 +1,7 @@
 #include "xml/stream/FileOutStream.h"
 
 #include "xml/text/Message.h"
+#include "xml/text/internal/StreamState.h"
 #include <fstream>
 #include <limits>
 #include <ostream>
@@ -9,30 +10,18 @@
 
 namespace Xml {
 
-namespace {
-
-// See FileInStream: the stream's state is all that is needed.
-template <class Operation>
-void withoutExceptions(Operation operation) {
-    try {
-        operation();
-    } catch (const std::ios_base::failure&) {}
-}
-
-}  // namespace
-
 FileOutStream::FileOutStream(std::ostream* target) : stream(target) {}
 
 FileOutStream::FileOutStream(const std::string& path, std::ofstream* file) : stream(file), openedHere(file) {
-    withoutExceptions([&] {
+    withoutFailures([&] {
         if (file->is_open()) file->close();
     });
-    withoutExceptions([&] { file->open(path, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc); });
+    withoutFailures([&] { file->open(path, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc); });
     if (!file->is_open()) Message("<Xml::FileOutStream::FileOutStream> Could not open file: " + path);
 }
 
 FileOutStream::~FileOutStream() {
-    withoutExceptions([&] {
+    withoutFailures([&] {
         if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
     });
 }
@@ -46,9 +35,18 @@ void FileOutStream::putChar(char c) {
     }
 }
 
-int FileOutStream::getPosition() const {
+namespace {
+
+std::int64_t tellOf(std::ostream& stream) {
     std::streamoff position = -1;
-    withoutExceptions([&] { position = stream->tellp(); });
+    withoutExceptions([&] { position = stream.tellp(); });
+    return position;
+}
+
+}  // namespace
+
+int FileOutStream::getPosition() const {
+    const std::int64_t position = tellOf(*stream);
     return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
 }
 
@@ -77,10 +75,11 @@ void FileOutStream::putChars(const char* bytes, std::size_t count) {
 }
 
 // Only in the standard's own buffers is the position known to be the number of bytes.
-bool FileOutStream::countsPositions() const {
+std::int64_t FileOutStream::countFrom() const {
     const std::streambuf* const buffer = stream->rdbuf();
-    return typeid(*this) == typeid(FileOutStream) && buffer != nullptr &&
-           (typeid(*buffer) == typeid(std::stringbuf) || typeid(*buffer) == typeid(std::filebuf));
+    const bool known = typeid(*this) == typeid(FileOutStream) && buffer != nullptr &&
+                       (typeid(*buffer) == typeid(std::stringbuf) || typeid(*buffer) == typeid(std::filebuf));
+    return known ? tellOf(*stream) : -1;
 }
 
 }  // namespace Xml

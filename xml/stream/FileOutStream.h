@@ -20,7 +20,7 @@ public:
 
     void putChar(char c) override;
 
-    // -1 once the stream has failed.
+    // -1 once the stream has failed, and behind 2^31 - 1.
     int getPosition() const override;
 
     // Does nothing on a stream that is not good.
@@ -28,7 +28,7 @@ public:
 
 protected:
     void putChars(const char* bytes, std::size_t count) override;
-    bool countsPositions() const override;
+    std::int64_t countFrom() const override;
 
 private:
     std::ostream* stream;

@@ -6,7 +6,7 @@
 
 namespace Xml {
 
-const InStream::WindowSource FileSpecInStream::kWindowSource = {acquireWindow, returnWindow, windowBase};
+const InStream::WindowSource FileSpecInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, false};
 
 FileSpecInStream::FileSpecInStream(OrvSys::FileIO& openFile) : InStream(&kWindowSource), file(&openFile) {
     takeLength();
@@ -22,7 +22,7 @@ FileSpecInStream::FileSpecInStream(const OrvSys::FileSpec& spec)
     takeLength();
 }
 
-FileSpecInStream::~FileSpecInStream() { releaseWindow(); }
+FileSpecInStream::~FileSpecInStream() = default;
 
 void FileSpecInStream::takeLength() {
     length = file->GetLength();
@@ -30,7 +30,7 @@ void FileSpecInStream::takeLength() {
 }
 
 bool FileSpecInStream::getChar(char& c) {
-    if (tooLarge || eof()) return false;
+    if (tooLarge || file == nullptr || beforeStart < 0 || eof()) return false;
     const std::int64_t before = file->GetPosition();
     c = static_cast<char>(file->ReadUInt8());
     return file->GetPosition() != before;  // a file that was cut meanwhile has no more bytes
@@ -39,12 +39,14 @@ bool FileSpecInStream::getChar(char& c) {
 int FileSpecInStream::getPosition() const {
     releaseWindow();
     if (file == nullptr) return -1;
+    if (beforeStart < 0) return beforeStart;
     const std::int64_t position = file->GetPosition();
     return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
 }
 
 void FileSpecInStream::setPosition(int position) {
     releaseWindow();
+    beforeStart = std::min(position, 0);
     if (file != nullptr) file->Seek(position, OrvSys::FromStart);
 }
 
@@ -56,7 +58,7 @@ bool FileSpecInStream::eof() {
 bool FileSpecInStream::acquireWindow(InStream& stream) {
     if (typeid(stream) != typeid(FileSpecInStream)) return false;
     auto& self = static_cast<FileSpecInStream&>(stream);
-    if (self.tooLarge || self.file == nullptr || !self.file->IsOpen()) return false;
+    if (self.tooLarge || self.file == nullptr || self.beforeStart < 0 || !self.file->IsOpen()) return false;
     const std::int64_t left = self.length - self.file->GetPosition();
     if (left <= 0) return false;
     std::size_t count = 0;

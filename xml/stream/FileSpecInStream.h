@@ -22,6 +22,8 @@ public:
 
     // -1 without a file.
     int getPosition() const override;
+
+    // Any position is accepted; at one outside the file nothing is read.
     void setPosition(int position) override;
     bool eof() override;
 
@@ -36,6 +38,7 @@ private:
     std::unique_ptr<OrvSys::FileIO> owned;
     OrvSys::FileIO* file = nullptr;
     std::int64_t length = 0;
+    int beforeStart = 0;  // the position that was set, where it is negative: a file has none
 };
 
 }  // namespace Xml

@@ -31,7 +31,7 @@ bool FileSpecOutStream::isValid() const { return file != nullptr; }
 void FileSpecOutStream::putChar(char c) {
     if (!isValid()) return;
     file->WriteUInt8(static_cast<std::uint8_t>(c));
-    wrote(1);
+    movedTo(file->GetPosition());
 }
 
 int FileSpecOutStream::getPosition() const {
@@ -43,7 +43,7 @@ int FileSpecOutStream::getPosition() const {
 void FileSpecOutStream::setPosition(int position) {
     if (!isValid()) return;
     file->Seek(position, OrvSys::FromStart);
-    movedTo(getPosition());
+    movedTo(file->GetPosition());
 }
 
 void FileSpecOutStream::putChars(const char* bytes, std::size_t count) {
@@ -51,10 +51,12 @@ void FileSpecOutStream::putChars(const char* bytes, std::size_t count) {
         OutStream::putChars(bytes, count);
     } else if (file != nullptr) {
         file->WriteBytes(bytes, count);
-        wrote(count);
+        movedTo(file->GetPosition());
     }
 }
 
-bool FileSpecOutStream::countsPositions() const { return typeid(*this) == typeid(FileSpecOutStream); }
+std::int64_t FileSpecOutStream::countFrom() const {
+    return isValid() && typeid(*this) == typeid(FileSpecOutStream) ? file->GetPosition() : -1;
+}
 
 }  // namespace Xml

@@ -9,7 +9,8 @@ namespace Xml {
 // Writes to a file of the platform layer.
 class ORVXML_API FileSpecOutStream : public OutStream {
 public:
-    // Writes to the caller's open file, from where it stands; it must outlive this object.
+    // Writes to the caller's open file, from where it stands; it must outlive this object. The file buffers: what is written
+    // is in it for sure once the caller has closed it.
     explicit FileSpecOutStream(OrvSys::FileIO& file);
 
     // Creates the file, or empties the one that is there, and closes it at the end. When it cannot be opened isValid()
@@ -20,13 +21,13 @@ public:
     bool isValid() const override;
     void putChar(char c) override;
 
-    // -1 when not valid.
+    // -1 when not valid, and behind 2^31 - 1.
     int getPosition() const override;
     void setPosition(int position) override;
 
 protected:
     void putChars(const char* bytes, std::size_t count) override;
-    bool countsPositions() const override;
+    std::int64_t countFrom() const override;
 
 private:
     std::unique_ptr<OrvSys::FileIO> owned;

@@ -7,6 +7,7 @@
 #include "xml/text/internal/ByteClasses.h"
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 // The tokenizer. It reads a byte with line tracking, looks at it, and steps back where it went too far; everything is told in
 // these terms, and holds for every source. Where a source offers its bytes in memory (the window), runs of bytes are taken at
@@ -138,15 +139,53 @@ int InStream::getColumn() const {
 
 // --- Failures ---
 
-const std::string& InStream::getErrorMessage() const { return errorMessage; }
+const std::string& InStream::getErrorMessage() const {
+    if (errorReference.first >= 0) makeReferenceError();
+    return errorMessage;
+}
+
+void InStream::setError(const char* text) {
+    errorMessage = text;
+    errorReference = {-1, -1};
+    ++errorCount;
+}
+
+// "not a name: " and the reference that was met last. It may be as long as the source, and as often, and is mostly replaced before
+// anybody asks: it is made when somebody does.
+void InStream::setReferenceError() {
+    setError("not a name: ");
+    errorReference = {readReference.begin, readReference.end};
+}
+
+void InStream::makeReferenceError() const {
+    auto& self = const_cast<InStream&>(*this);
+    const Use use(self);
+    const auto [begin, end] = std::exchange(errorReference, {-1, -1});
+    const int here = tell();
+    self.seek(begin);
+    char c = 0;
+    for (int i = begin; i < end && self.readRaw(c); ++i) errorMessage += c;
+    self.seek(here);
+}
+
+// Whether the reference that begins there ends where the last one did, or does not end either.
+bool InStream::isKnownReference(int position) {
+    return readReference.begin >= 0 && position >= readReference.begin &&
+           (readReference.end < 0 || position < readReference.end);
+}
+
+void InStream::forgetWhatWasRead() {
+    if (!readMarkups.empty()) readMarkups.clear();
+    readReference = {};
+}
 
 bool InStream::endOfData() {
-    errorMessage = tooLarge ? "Source too large" : "Unexpected end of stream";
+    setError(tooLarge ? "Source too large" : "Unexpected end of stream");
     return false;
 }
 
 bool InStream::expected(const char* text, int length) {
-    errorMessage = '"';
+    setError("\"");
     if (length > 0) errorMessage.append(text, static_cast<std::size_t>(length));
     errorMessage += "\" expected";
     return false;
@@ -181,11 +220,7 @@ InStream::Plain InStream::readPlainToken() {
     }
     parseBuffer += c;
     if (c == '<') return Plain::Markup;
-    if (c == '&') {
-        if (appendThrough(parseBuffer, ';')) return Plain::Read;
-        endOfData();
-        return Plain::Failed;
-    }
+    if (c == '&') return readReferenceToken();
     if (c == '/') {
         if (!next(c)) {
             endOfData();
@@ -198,6 +233,25 @@ InStream::Plain InStream::readPlainToken() {
     }
     if (!ByteClass::is(c, ByteClass::kPunctuation)) readWord();
     return Plain::Read;
+}
+
+// The rest of a reference, whose '&' is in the parse buffer.
+InStream::Plain InStream::readReferenceToken() {
+    const bool mayRemember = !openMarkup.empty() && remembers();
+    const int begin = mayRemember ? tell() - 1 : -1;
+    if (mayRemember && begin >= 0 && isKnownReference(begin)) {
+        if (readReference.end < 0) {
+            endOfData();
+            return Plain::Failed;
+        }
+        readReference.begin = begin;
+        parseBuffer += ';';  // what is between decides nothing: no trial goes on with a reference
+        return Plain::Read;
+    }
+    const bool ends = appendThrough(parseBuffer, ';');
+    if (mayRemember) readReference = {begin, ends ? tell() : -1};
+    if (!ends) endOfData();
+    return ends ? Plain::Read : Plain::Failed;
 }
 
 // The rest of a word, whose first byte is in the parse buffer.
@@ -238,7 +292,7 @@ bool InStream::getNameInParseBuffer() {
     const char* const token = parseBuffer.data() + before;
     const std::size_t length = parseBuffer.size() - before;
     if (isName(token, static_cast<int>(length))) return true;
-    errorMessage = "not a name: ";
+    setError("not a name: ");
     errorMessage.append(token, length);
     return false;
 }
@@ -256,7 +310,7 @@ bool InStream::getStringInParseBuffer() {
     char quote;
     if (!next(quote)) return endOfData();
     if (quote != '"' && quote != '\'') {
-        errorMessage = "\"\"\" or \"'\" expected";
+        setError("\"\"\" or \"'\" expected");
         return false;
     }
     parseBuffer += quote;

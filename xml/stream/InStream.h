@@ -114,6 +114,7 @@ protected:
         bool (*acquire)(InStream&);  // sets `window` with at least one byte at the cursor; false: use the primitives
         void (*release)(const InStream&);  // makes the source stand where the cursor stands
         int (*base)(const InStream&);      // the position of `begin`
+        bool bytesStay;                    // nobody else can change the bytes
     };
 
     InStream();
@@ -127,7 +128,7 @@ protected:
     mutable Window window;
 
     // Set by a source whose bytes have positions that an int cannot hold: its reads fail, with a message of their own.
-    bool tooLarge = false;
+    mutable bool tooLarge = false;
 
 private:
     friend struct StreamAccess;
@@ -157,6 +158,8 @@ private:
     void seek(int position);
 
     Plain readPlainToken();
+    Plain readReferenceToken();
+    bool remembers() const { return uses > 1 || (window.held && windowSource->bytesStay); }
     bool readMarkup();
     Next resumeMarkup(OpenMarkup& open, bool& ok, int& failedTail);
     Next resumeAfterName(OpenMarkup& open, bool& ok, int& failedTail);
@@ -168,8 +171,16 @@ private:
     bool endOfData();
     bool expected(const char* text, int length);
 
-    std::string errorMessage;
-    std::vector<int> lineBreaks;  // positions, in the order met
+    void setError(const char* text);
+    void setReferenceError();
+    void makeReferenceError() const;
+    bool isKnownReference(int position);
+    void forgetWhatWasRead();
+
+    mutable std::string errorMessage;
+    mutable std::pair<int, int> errorReference{-1, -1};  // the message is still to be made of these bytes of the source
+    unsigned errorCount = 0;                             // of messages set, to tell whether an attempt left one
+    std::vector<int> lineBreaks;                         // positions, in the order met
     bool lineBreaksRise = true;
     std::unordered_set<int> lineBreakSet;  // the same positions, once they do not rise any more
     bool previousWasCR = false;
@@ -177,7 +188,7 @@ private:
     std::vector<OpenMarkup> openMarkup;  // empty between operations; kept for its memory
 
     // What came of a token begun with "<!" or "<?" that was read within a trial and given up again. Kept for as long as a
-    // reader is at work.
+    // reader is at work, and longer over bytes that stay.
     struct ReadMarkup {
         bool ok;
         bool previousWasCR;
@@ -186,6 +197,13 @@ private:
         std::string error;
     };
     std::unordered_map<int, ReadMarkup> readMarkups;  // by the position behind the '<'
+
+    // The last reference that a trial met: many that begin before one far ';' would each be read up to it. Kept as long.
+    struct ReadReference {
+        int begin = -1;
+        int end = -1;  // behind the ';', -1 when none is ahead
+    };
+    ReadReference readReference;
 
     const WindowSource* windowSource = nullptr;
     int uses = 0;  // operations under way, of this stream and of readers

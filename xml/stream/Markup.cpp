@@ -31,7 +31,7 @@ bool InStream::readMarkup() {
         } else if (c == '!' || c == '?') {
             const std::pair<int, int> begin(tell() - 1, static_cast<int>(parseBuffer.size()));
             parseBuffer += c;
-            openMarkup.push_back({c, OpenMarkup::Name, false, begin, StorePosition()});
+            openMarkup.push_back({c, OpenMarkup::Name, false, begin, StorePosition(), errorCount});
             what = Next::Token;
         } else {
             stepBack();
@@ -86,8 +86,10 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
         return Next::Done;
     }
     // Of a long token behind "<!" the text would be replaced by the next trial's before anybody could see it.
-    if (ok && (open.kind == '?' || length == 1)) {
-        errorMessage = "not a name: ";
+    if (ok && open.kind == '?' && token[0] == '&' && remembers() && readReference.begin >= 0) {
+        setReferenceError();
+    } else if (ok && (open.kind == '?' || length == 1)) {
+        setError("not a name: ");
         errorMessage.append(token, static_cast<std::size_t>(length));
     }
     if (open.kind == '?') {
@@ -97,9 +99,9 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
     }
 
     open.state = OpenMarkup::Bracket;
-    const int end = tell();
+    const int end = open.nested ? tell() : -1;
     seek(open.saved.first);
-    if (open.nested && tell() == open.saved.first) {
+    if (open.nested && open.saved.first >= 0 && tell() == open.saved.first) {
         trackAgain(open.saved.first);
         seek(end);
         return beginTail(open, ok, failedTail);
@@ -114,7 +116,7 @@ InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) 
     if (ok && (CheckParseBufferEnd("[", 1) || expected("[", 1))) {
         open.saved = StorePosition();
         open.state = OpenMarkup::Cdata;
-        if (open.saved.first == failedTail) {
+        if (open.saved.first >= 0 && open.saved.first == failedTail) {
             trackAgain(failedTail);
             return Next::Done;
         }
@@ -141,15 +143,16 @@ InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) 
 }
 
 // A nested token that is given up will mostly be read again as a token of its own, and those in it too: "<!<!<!" read token by
-// token would cost the square of its length. A reader at work reads nothing but the source as it is, so the outcome can be kept.
+// token would cost the square of its length. While a reader is at work, or over bytes that nobody can change, the outcome is kept.
 void InStream::rememberMarkup(const OpenMarkup& open, bool ok) {
     constexpr std::size_t kLongest = 64;  // long ones are not given up one by one
     const auto begin = static_cast<std::size_t>(open.begin.second) - 1;
-    const bool withinReader = uses > 1;
     const bool nested = openMarkup.size() > 1;
-    if (!withinReader || !nested || open.begin.first < 0) return;
-    if (parseBuffer.size() - begin > kLongest || errorMessage.size() > kLongest) return;
-    readMarkups[open.begin.first] = {ok, previousWasCR, tell(), parseBuffer.substr(begin), errorMessage};
+    if (!remembers() || !nested || open.begin.first < 0 || errorReference.first >= 0) return;
+    const bool hasError = errorCount != open.errorCount;
+    if (parseBuffer.size() - begin > kLongest || (hasError && errorMessage.size() > kLongest)) return;
+    readMarkups[open.begin.first] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),
+                                     hasError ? errorMessage : ""};
 }
 
 // The token whose '<' has just been read, from what is remembered.
@@ -160,7 +163,7 @@ bool InStream::recallMarkup(bool& ok) {
     const ReadMarkup& markup = found->second;
     ok = markup.ok;
     previousWasCR = markup.previousWasCR;
-    errorMessage = markup.error;
+    if (!markup.error.empty()) setError(markup.error.c_str());
     parseBuffer.append(markup.text, 1);
     seek(markup.end);
     return true;

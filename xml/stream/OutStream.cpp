@@ -46,7 +46,7 @@ void OutStream::putChars(const char* bytes, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) putChar(bytes[i]);
 }
 
-bool OutStream::countsPositions() const { return false; }
+std::int64_t OutStream::countFrom() const { return -1; }
 
 // Writes in runs: tabs are due only where a line begins, so a run reaches to the end of its line, or of the text when there
 // are no tabs to write.

@@ -50,15 +50,15 @@ protected:
     // Writes `count` bytes as they are; here by putChar, one at a time. A sink overrides it where it can do better.
     virtual void putChars(const char* bytes, std::size_t count);
 
-    // Whether positions may be counted from the bytes written instead of asked for a node: only a sink that knows all
-    // ways to it can say so, and a class derived from it no more.
-    virtual bool countsPositions() const;
+    // The position to count on from by the bytes written, instead of being asked for it at every node; -1 when it cannot be
+    // counted. Only a sink that knows all ways to it can say so, and a class derived from it no more.
+    virtual std::int64_t countFrom() const;
 
     // A counting sink tells what it wrote and where it was moved to, and says when its position cannot be known.
     void wrote(std::size_t count) {
         if (counting) counted += static_cast<std::int64_t>(count);
     }
-    void movedTo(int position) { counted = position; }
+    void movedTo(std::int64_t position) { counted = position; }
     void stopCounting() { counting = false; }
 
 private:

@@ -5,7 +5,7 @@
 
 namespace Xml {
 
-const InStream::WindowSource StringInStream::kWindowSource = {acquireWindow, returnWindow, windowBase};
+const InStream::WindowSource StringInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, true};
 
 StringInStream::StringInStream(const std::string& bytes) : InStream(&kWindowSource), text(bytes) {
     tooLarge = text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max());

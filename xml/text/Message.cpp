@@ -1,5 +1,6 @@
 #include "xml/text/Message.h"
 
+#include "xml/text/internal/StreamState.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -9,7 +10,9 @@ namespace Xml {
 
 namespace {
 
-void WriteToStdErr(const char* text, ...) { std::cerr << text << std::endl; }
+void WriteToStdErr(const char* text, ...) {
+    withoutExceptions([text] { std::cerr << text << std::endl; });
+}
 
 std::string& storedMessage() {
     static std::string text;

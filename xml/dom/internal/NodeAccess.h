@@ -64,6 +64,10 @@ struct NodeAccess {
     template <class Enter>
     static void setDtdBelow(Element& top, const Dtd* dtd, Enter enter);
 
+    static void linkAttributes(Element& element, const Dtd* dtd) {
+        for (Attribute* attribute : element.attributes) attribute->Object::dtd = dtd;
+    }
+
     // Deletes the children, whatever their depth, without recursion and without allocating.
     static void deleteChildren(Element& element);
 };
@@ -74,20 +78,28 @@ void NodeAccess::setDtdBelow(Element& top, const Dtd* dtd, Enter enter) {
         Element* element;
         std::size_t child;
     };
-    if (!enter(top)) return;
-    std::vector<Place> open{{&top, 0}};
+    std::vector<Place> open;
+    const auto begin = [&](Element& element) {
+        if (!enter(element)) return;
+        if (element.children.empty()) {
+            linkAttributes(element, dtd);
+        } else {
+            open.push_back({&element, 0});
+        }
+    };
+    begin(top);
     while (!open.empty()) {
         Element& here = *open.back().element;
         if (open.back().child == here.children.size()) {
-            for (Attribute* attribute : here.attributes) attribute->Object::dtd = dtd;
+            linkAttributes(here, dtd);
             open.pop_back();
             continue;
         }
         Object& child = *here.children[open.back().child++];
-        if (!isExactly<Element>(child)) {
+        if (isExactly<Element>(child)) {
+            begin(static_cast<Element&>(child));
+        } else {
             child.setDtd(dtd);
-        } else if (enter(static_cast<Element&>(child))) {
-            open.push_back({&static_cast<Element&>(child), 0});
         }
     }
 }

@@ -98,8 +98,8 @@ private:
             return;
         }
         const int position = OutStreamAccess::position(out);
-        if (Object::useRWOptimization && !NodeAccess::dirty(child) && NodeAccess::writeStart(child) == position &&
-            position != OutStreamAccess::kUnrecordable) {
+        if (Object::useRWOptimization && !NodeAccess::dirty(child) &&
+            OutStreamAccess::standsAt(position, NodeAccess::writeStart(child), NodeAccess::writeEnd(child))) {
             out.setPosition(NodeAccess::writeEnd(child));
             return;
         }

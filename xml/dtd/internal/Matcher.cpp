@@ -7,6 +7,7 @@
 #include "xml/dtd/EmptySpec.h"
 #include "xml/dtd/MixedSpec.h"
 #include "xml/dtd/internal/SpecAccess.h"
+#include <algorithm>
 #include <atomic>
 
 namespace Xml {
@@ -39,6 +40,8 @@ std::uint64_t Matcher::runOf(const Dtd& dtd) {
     if (dtd.validationRun == 0) {
         runs.push_back(&dtd);
         dtd.validationRun = newRun();
+    } else if (!foreign && std::find(runs.begin(), runs.end(), &dtd) == runs.end()) {
+        foreign = true;  // begun by the matcher that called a caller's code, which called this one
     }
     return dtd.validationRun;
 }
@@ -305,7 +308,7 @@ bool Matcher::resumeRepeated() {
 // Whether trying the repetition here is known to take nothing; the outcome is in `matched` and `queue` then.
 bool Matcher::wasTried(const ChildrenSpec& spec) {
     const Dtd* const dtd = SpecAccess::dtd(spec);
-    if (foreign || dtd == nullptr || spec.triedRun != runOf(*dtd) || !(spec.triedAt == queue)) return false;
+    if (dtd == nullptr || spec.triedRun != runOf(*dtd) || foreign || !(spec.triedAt == queue)) return false;
     matched = spec.triedMatched;
     queue = spec.triedLeft;
     return true;
@@ -313,8 +316,9 @@ bool Matcher::wasTried(const ChildrenSpec& spec) {
 
 void Matcher::noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool outcome) {
     const Dtd* const dtd = SpecAccess::dtd(spec);
-    if (foreign || dtd == nullptr) return;
+    if (dtd == nullptr) return;
     spec.triedRun = runOf(*dtd);
+    if (foreign) spec.triedRun = 0;
     spec.triedAt = at;
     spec.triedLeft = outcome ? at : queue;
     spec.triedMatched = outcome;

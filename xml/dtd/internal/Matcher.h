@@ -60,8 +60,8 @@ private:
         bool alone;  // Choice: the other leading names need not be tried
         const void* subject;
         union {
-            const Dtd* dtd;
             std::size_t number;
+            const Dtd* dtd;
         };
         ChildQueue queue;
     };

@@ -14,6 +14,7 @@ struct InStream::OpenMarkup {
     bool nested;                // the token just tried begins with '<' itself
     std::pair<int, int> begin;  // behind the '<'
     std::pair<int, int> saved;  // where to come back to
+    unsigned errorCount;        // when it was begun
 };
 
 }  // namespace Xml

@@ -17,7 +17,7 @@ struct OutStreamAccess {
     // outermost one counts.
     class Counting {
     public:
-        explicit Counting(OutStream& stream) : out(stream), outermost(!stream.counting && stream.countsPositions()) {
+        explicit Counting(OutStream& stream) : out(stream), outermost(!stream.counting) {
             if (outermost) resume(out);
         }
         ~Counting() {
@@ -33,14 +33,18 @@ struct OutStreamAccess {
 
     // Takes the count anew from the stream, behind code that may have moved it unseen.
     static void resume(OutStream& out) {
-        if (!out.countsPositions()) return;
-        out.counted = out.getPosition();
+        out.counted = out.countFrom();
         out.counting = out.counted >= 0;
     }
 
     static int position(const OutStream& out) {
         if (!out.counting) return out.getPosition();
         return out.counted <= std::numeric_limits<int>::max() ? static_cast<int>(out.counted) : kUnrecordable;
+    }
+
+    // Whether a node that has not changed and was last written from `writeStart` to `writeEnd` is there already.
+    static bool standsAt(int position, int writeStart, int writeEnd) {
+        return writeStart == position && position != kUnrecordable && writeEnd != kUnrecordable;
     }
 
     static void put(OutStream& out, std::string_view text) { out.putIndented(text.data(), text.size()); }

@@ -10,8 +10,9 @@ public:
     explicit Use(InStream& stream) : in(stream) { ++in.uses; }
     ~Use() {
         if (--in.uses > 0) return;
+        const bool bytesStay = in.window.held && in.windowSource->bytesStay;
         in.releaseWindow();
-        if (!in.readMarkups.empty()) in.readMarkups.clear();
+        if (!bytesStay) in.forgetWhatWasRead();
     }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
@@ -24,6 +25,12 @@ private:
 struct StreamAccess {
     // Lets the stream keep its window over many operations. The positions below cost no look at the source then.
     using Session = InStream::Use;
+
+    // Gives the window back before code of callers may look at the source.
+    static void release(const InStream& in) { in.releaseWindow(); }
+
+    // InStream::eof, without giving the window back where it shows that there is more.
+    static bool atEnd(InStream& in) { return in.window.cursor == in.window.end && in.eof(); }
 
     static int tell(const InStream& in) { return in.tell(); }
     static void seek(InStream& in, int position) { in.seek(position); }
