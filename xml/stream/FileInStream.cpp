@@ -79,6 +79,7 @@ bool FileInStream::getChar(char& c) {
     if (!measured) measure();
     if (tooLarge) return false;
     withoutExceptions([&] { stream->get(c); });
+    ended = !stream->good();
     return true;  // also when no byte came: the end shows one read late, and callers rely on it
 }
 
@@ -124,6 +125,7 @@ bool FileInStream::acquireWindow(InStream& stream) {
         if (position < 0 || last > kMostPosition || !codes.always_noconv()) return false;
         self.checkedBuffer = &buffer;
     }
+    self.ended = false;
     self.window = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, true};
     return true;
 }

@@ -144,7 +144,7 @@ const std::string& InStream::getErrorMessage() const {
     return errorMessage;
 }
 
-void InStream::setError(const char* text) {
+void InStream::setError(std::string_view text) {
     errorMessage = text;
     errorReference = {-1, -1};
     ++errorCount;

@@ -3,6 +3,7 @@
 #include "xml/Export.h"
 #include "xml/text/DataHolder.h"
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -130,6 +131,9 @@ protected:
     // Set by a source whose bytes have positions that an int cannot hold: its reads fail, with a message of their own.
     mutable bool tooLarge = false;
 
+    // Set by a source that has met its end in a way from which setPosition does not lead back.
+    bool ended = false;
+
 private:
     friend struct StreamAccess;
 
@@ -171,7 +175,7 @@ private:
     bool endOfData();
     bool expected(const char* text, int length);
 
-    void setError(const char* text);
+    void setError(std::string_view text);
     void setReferenceError();
     void makeReferenceError() const;
     bool isKnownReference(int position);

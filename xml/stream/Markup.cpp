@@ -99,9 +99,10 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
     }
 
     open.state = OpenMarkup::Bracket;
-    const int end = open.nested ? tell() : -1;
+    const bool readOnce = open.nested && !ended && open.saved.first >= 0;
+    const int end = readOnce ? tell() : -1;
     seek(open.saved.first);
-    if (open.nested && open.saved.first >= 0 && tell() == open.saved.first) {
+    if (readOnce && tell() == open.saved.first) {
         trackAgain(open.saved.first);
         seek(end);
         return beginTail(open, ok, failedTail);
@@ -148,7 +149,7 @@ void InStream::rememberMarkup(const OpenMarkup& open, bool ok) {
     constexpr std::size_t kLongest = 64;  // long ones are not given up one by one
     const auto begin = static_cast<std::size_t>(open.begin.second) - 1;
     const bool nested = openMarkup.size() > 1;
-    if (!remembers() || !nested || open.begin.first < 0 || errorReference.first >= 0) return;
+    if (!remembers() || !nested || ended || open.begin.first < 0 || errorReference.first >= 0) return;
     const bool hasError = errorCount != open.errorCount;
     if (parseBuffer.size() - begin > kLongest || (hasError && errorMessage.size() > kLongest)) return;
     readMarkups[open.begin.first] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),
@@ -163,7 +164,7 @@ bool InStream::recallMarkup(bool& ok) {
     const ReadMarkup& markup = found->second;
     ok = markup.ok;
     previousWasCR = markup.previousWasCR;
-    if (!markup.error.empty()) setError(markup.error.c_str());
+    if (!markup.error.empty()) setError(markup.error);
     parseBuffer.append(markup.text, 1);
     seek(markup.end);
     return true;
