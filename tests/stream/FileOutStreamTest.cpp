@@ -283,4 +283,14 @@ TEST_F(FileOutStreamTest, HandsEveryByteToADerivedClasssPutChar) {
     EXPECT_EQ(memory.str().size(), out.seen.size() - bare.bytes.size());
 }
 
+TEST_F(FileOutStreamTest, LosesABytePutOnAFailedStream) {
+    std::ostringstream memory;
+    FileOutStream out(&memory);
+    out.putChar('a');
+    memory.setstate(std::ios_base::failbit);
+    out.putChar('b');
+    EXPECT_EQ(out.getPosition(), -1);
+    EXPECT_EQ(memory.str(), "a");
+}
+
 }  // namespace

@@ -6,7 +6,7 @@
 
 namespace Xml {
 
-const InStream::WindowSource FileSpecInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, false};
+const InStream::WindowSource FileSpecInStream::kWindowSource = {acquireWindow, returnWindow, nullptr, false};
 
 FileSpecInStream::FileSpecInStream(OrvSys::FileIO& openFile) : InStream(&kWindowSource), file(&openFile) {
     takeLength();
@@ -72,10 +72,6 @@ bool FileSpecInStream::acquireWindow(InStream& stream) {
 void FileSpecInStream::returnWindow(const InStream& stream) {
     const auto& self = static_cast<const FileSpecInStream&>(stream);
     self.file->SkipBuffered(static_cast<std::size_t>(self.window.cursor - self.window.begin));
-}
-
-int FileSpecInStream::windowBase(const InStream& stream) {
-    return static_cast<const FileSpecInStream&>(stream).window.base;
 }
 
 }  // namespace Xml

@@ -31,7 +31,6 @@ private:
     static const WindowSource kWindowSource;
     static bool acquireWindow(InStream& stream);
     static void returnWindow(const InStream& stream);
-    static int windowBase(const InStream& stream);
 
     void takeLength();
 

@@ -114,7 +114,7 @@ protected:
     struct WindowSource {
         bool (*acquire)(InStream&);  // sets `window` with at least one byte at the cursor; false: use the primitives
         void (*release)(const InStream&);  // makes the source stand where the cursor stands
-        int (*base)(const InStream&);      // the position of `begin`
+        int (*base)(const InStream&);      // the position of `begin`, for a window that came without; null if none does
         bool bytesStay;                    // nobody else can change the bytes
     };
 

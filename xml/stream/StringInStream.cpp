@@ -5,7 +5,7 @@
 
 namespace Xml {
 
-const InStream::WindowSource StringInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, true};
+const InStream::WindowSource StringInStream::kWindowSource = {acquireWindow, returnWindow, nullptr, true};
 
 StringInStream::StringInStream(const std::string& bytes) : InStream(&kWindowSource), text(bytes) {
     tooLarge = text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max());
@@ -46,7 +46,5 @@ void StringInStream::returnWindow(const InStream& stream) {
     const auto& self = static_cast<const StringInStream&>(stream);
     self.position = static_cast<int>(self.window.cursor - self.window.begin);
 }
-
-int StringInStream::windowBase(const InStream&) { return 0; }
 
 }  // namespace Xml

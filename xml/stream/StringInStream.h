@@ -20,7 +20,6 @@ private:
     static const WindowSource kWindowSource;
     static bool acquireWindow(InStream& stream);
     static void returnWindow(const InStream& stream);
-    static int windowBase(const InStream& stream);
 
     std::string text;
     mutable int position = 0;  // the window's cursor is the truth while the window is held
