@@ -47,3 +47,4 @@
 #include "xml/text/Message.h"
 #include "xml/text/Names.h"
 #include "xml/text/Numbers.h"
+#include "xml/xpath/XPath.h"

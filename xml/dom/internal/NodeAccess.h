@@ -25,10 +25,6 @@ bool isExactly(const Object& node) {
 struct NodeAccess {
     static const Dtd* dtd(const Object& node) { return node.dtd; }
     static void setOwnDtd(Object& node, const Dtd* dtd) { node.dtd = dtd; }
-    static void clearMarks(Object& node) {
-        node.dirty = true;
-        node.dtd = nullptr;
-    }
     static bool dirty(const Object& node) { return node.dirty; }
     static int writeStart(const Object& node) { return node.writeStart; }
     static int writeEnd(const Object& node) { return node.writeEnd; }
@@ -53,6 +49,8 @@ struct NodeAccess {
     }
 
     static std::string& name(Element& element) { return element.name; }
+    static const std::string& name(const Element& element) { return element.name; }
+    static const std::string& name(const Attribute& attribute) { return attribute.name; }
     static std::vector<Object*>& children(Element& element) { return element.children; }
     static const std::vector<Object*>& children(const Element& element) { return element.children; }
     static std::vector<Attribute*>& attributes(Element& element) { return element.attributes; }

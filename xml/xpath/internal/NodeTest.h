@@ -1,0 +1,58 @@
+#pragma once
+
+#include "orvsys/Uni16.h"
+#include "xml/dom/internal/NodeAccess.h"
+#include "xml/xpath/internal/Characters.h"
+#include "xml/xpath/internal/PathError.h"
+#include <string>
+
+namespace Xml {
+
+class PathText;
+
+enum class KindTest { None, Node, Element, Attribute, Document, Text };
+
+// What a step asks of a node: its kind, its name, or both.
+//
+// Names are compared as the 8-bit text that nodes hold. That is the same as comparing 16-bit text, since a name test is never
+// narrowed to what a malformed name would be widened to.
+class NodeTest {
+public:
+    // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error told, where it is none of these; it
+    // stays untold where a name does not begin as names do.
+    bool read(const PathText& text, Unit begin, Unit end, PathError& error);
+
+    // Whether the node is of the kind and has the name.
+    bool accepts(const Object& node) const {
+        return node.isElement() ? accepts(static_cast<const Element&>(node)) : acceptsOther(node);
+    }
+    bool accepts(const Element& element) const {
+        return elements &&
+               (names == Names::Whole ? NodeAccess::name(element) == name : fits(NodeAccess::name(element)));
+    }
+
+    // The same of a node that is no element.
+    bool acceptsOther(const Object& node) const;
+
+    bool acceptsAll() const { return names == Names::All && (kind == KindTest::None || kind == KindTest::Node); }
+
+    // The name that an attribute must have; null where the test asks for more or less than one name.
+    const std::string* attributeName() const {
+        const bool attributes = kind == KindTest::None || kind == KindTest::Node || kind == KindTest::Attribute;
+        return attributes && names == Names::Whole ? &name : nullptr;
+    }
+
+private:
+    enum class Names { All, Whole, Local, Prefixed, Impossible };
+
+    bool readName(const PathText& text, Unit begin, Unit end, PathError& error);
+    void setName(Names which, Unit begin, Unit end);
+    bool fits(const std::string& nodeName) const;
+
+    KindTest kind = KindTest::None;
+    bool elements = true;  // whether the kind allows for elements
+    Names names = Names::All;
+    std::string name;  // whole, behind the first colon, or up to it
+};
+
+}  // namespace Xml

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "xml/xpath/internal/Characters.h"
+
+namespace Xml {
+
+enum class Operator {
+    LessThan,
+    LessOrEqual,
+    Equal,
+    GreaterThan,
+    GreaterOrEqual,
+    NotEqual,
+    Plus,
+    Minus,
+    Divide,
+    Multiply,
+    None
+};
+
+// The operator whose text stands at `at`, which moves behind it; None, and `at` unmoved, where there is none. Words and the
+// signs of arithmetic carry a blank on each side, so that `a - b` is apart from the name `a-b`.
+Operator ExtractOperator(Unit& at, Unit end);
+
+}  // namespace Xml

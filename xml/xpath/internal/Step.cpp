@@ -1,0 +1,104 @@
+#include "xml/xpath/internal/Step.h"
+
+#include "xml/xpath/internal/PathText.h"
+#include <algorithm>
+
+namespace Xml {
+
+namespace {
+
+struct AxisName {
+    const char* text;
+    Axis axis;
+};
+
+constexpr AxisName kAxisNames[] = {{"descendant-or-self", Axis::DescendantOrSelf},
+                                   {"ancestor-or-self", Axis::AncestorOrSelf},
+                                   {"attribute", Axis::Attribute},
+                                   {"child", Axis::Child},
+                                   {"descendant", Axis::Descendant},
+                                   {"parent", Axis::Parent},
+                                   {"ancestor", Axis::Ancestor},
+                                   {"following-sibling", Axis::FollowingSibling},
+                                   {"preceding-sibling", Axis::PrecedingSibling},
+                                   {"following", Axis::Following},
+                                   {"preceding", Axis::Preceding},
+                                   {"self", Axis::Self}};
+
+}  // namespace
+
+bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
+    for (; at != end && *at == u'/'; ++slashes) {
+        if (++at == end) return error.tell(XPath::DOUBLE_SLASH_AT_THE_END_NOT_ALLOWED, u"//");
+    }
+    return split(text, at, end, error) && extractPredicates(text, error) && extractAxis(text, error);
+}
+
+// A slash ends the step where as many brackets were closed as opened. A bracket that closes nothing counts too, so that no slash
+// behind it ends the step.
+bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
+    whole.begin = at;
+    long depthOfBrackets = 0;
+    while (at != end && !(*at == u'/' && depthOfBrackets == 0)) {
+        if (!text.isClosedBracket(at)) depthOfBrackets += *at == u'[' ? 1 : *at == u']' ? -1 : 0;
+        at = text.behind(at);
+    }
+    whole.end = at;
+    isLast = at == end;
+    if (isLast || ++at != end) return true;
+    return error.tell(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
+}
+
+bool Step::extractPredicates(const PathText& text, PathError& error) {
+    headEnd = whole.begin;
+    while (headEnd != whole.end && *headEnd != u'[') headEnd = text.behind(headEnd);
+
+    Unit last = headEnd;
+    for (Unit at = headEnd; at != whole.end; at = text.behind(at)) {
+        if (*at != u'[') {
+            return error.tell(XPath::ILLEGAL_CHAR_AFTER_PREDICATE, text.written(last, at));
+        }
+        if (!text.isClosedBracket(at)) {
+            return error.tell(XPath::MISSING_CLOSING_BRACKET_AFTER_PREDICATE, text.written(at, whole.end));
+        }
+        last = at;
+        predicates.push_back({at + 1, text.behind(at) - 1});
+    }
+    return true;
+}
+
+bool Step::extractAxis(const PathText& text, PathError& error) {
+    const bool parent = equals(whole.begin, headEnd, "..");
+    if (parent || equals(whole.begin, headEnd, ".")) {
+        axis = parent ? Axis::Parent : Axis::Self;
+        return true;  // tests for any node, as a test does that was not read
+    }
+    testBegin = whole.begin;
+    const OrvSys::uni16char colons[] = {u':', u':'};
+    const Unit separator = std::search(whole.begin, headEnd, std::begin(colons), std::end(colons));
+    if (separator != headEnd) {
+        const auto row = std::find_if(std::begin(kAxisNames), std::end(kAxisNames),
+                                      [&](const AxisName& name) { return equals(whole.begin, separator, name.text); });
+        if (row == std::end(kAxisNames)) return error.tell(XPath::NO_VALID_AXIS, text.written(whole.begin, headEnd));
+        axis = row->axis;
+        testBegin = separator + 2;
+    } else if (startsWith(whole.begin, headEnd, "@")) {
+        axis = Axis::Attribute;
+        testBegin = whole.begin + 1;
+    }
+    return test.read(text, testBegin, headEnd, error);
+}
+
+bool Step::isReverse() const {
+    return axis == Axis::Parent || axis == Axis::Ancestor || axis == Axis::PrecedingSibling ||
+           axis == Axis::Preceding || axis == Axis::AncestorOrSelf;
+}
+
+OrvSys::Uni16String Step::withAxis(const PathText& text) const { return text.written(whole.begin, headEnd); }
+
+OrvSys::Uni16String Step::withPredicates(const PathText& text) const {
+    const OrvSys::Uni16String behindAxis = testBegin == nullptr ? u"node()" : text.written(testBegin, headEnd);
+    return behindAxis + text.written(headEnd, whole.end);
+}
+
+}  // namespace Xml

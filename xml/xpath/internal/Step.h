@@ -1,0 +1,69 @@
+#pragma once
+
+#include "xml/xpath/internal/Characters.h"
+#include "xml/xpath/internal/NodeTest.h"
+#include "xml/xpath/internal/PathError.h"
+#include <cstddef>
+#include <vector>
+
+namespace Xml {
+
+class PathText;
+
+enum class Axis {
+    Attribute,
+    Child,
+    Descendant,
+    Parent,
+    Ancestor,
+    FollowingSibling,
+    PrecedingSibling,
+    Following,
+    Preceding,
+    DescendantOrSelf,
+    AncestorOrSelf,
+    Self
+};
+
+// A part of a path's text.
+struct Span {
+    Unit begin = nullptr;
+    Unit end = nullptr;
+};
+
+// One step of a path: an axis, a node test, and the texts of its predicates.
+struct Step {
+    // Reads the step that begins at `at`, with the slashes in front of it, and moves `at` behind it and the slash that ends
+    // it. False, and the error told, where there is none.
+    bool read(const PathText& text, Unit& at, Unit end, PathError& error);
+
+    // Whether it is "..", or the same in other words.
+    bool isParent() const { return axis == Axis::Parent && slashes == 0 && test.acceptsAll() && predicates.empty(); }
+
+    // Whether the first predicate counts positions from the end of what the step found. This fixed set is intended.
+    bool isReverse() const;
+
+    // The step as it is written: with its axis and without its predicates; and the other way round.
+    OrvSys::Uni16String withAxis(const PathText& text) const;
+    OrvSys::Uni16String withPredicates(const PathText& text) const;
+
+    // The slashes of "//" in front of it, behind the one that ended the step before. With any the step goes out from the context
+    // nodes and from all nodes below them.
+    unsigned slashes = 0;
+
+    Axis axis = Axis::Child;
+    NodeTest test;
+    std::vector<Span> predicates;  // without their brackets
+    bool isLast = false;
+
+private:
+    bool split(const PathText& text, Unit& at, Unit end, PathError& error);
+    bool extractPredicates(const PathText& text, PathError& error);
+    bool extractAxis(const PathText& text, PathError& error);
+
+    Span whole;
+    Unit headEnd = nullptr;    // where the predicates begin
+    Unit testBegin = nullptr;  // null where "." or ".." stands for the whole step
+};
+
+}  // namespace Xml

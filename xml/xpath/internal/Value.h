@@ -1,0 +1,91 @@
+#pragma once
+
+#include "orvsys/Uni16.h"
+#include "xml/xpath/internal/Operators.h"
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Xml {
+
+class Object;
+
+// A string of an expression, with its 8-bit text.
+struct Literal {
+    explicit Literal(const OrvSys::Uni16String& itsText);
+
+    OrvSys::Uni16String text;
+    std::string bytes;
+    bool faithful;  // whether `bytes` widen to `text` again: half of a surrogate pair does not
+};
+
+// What an expression computes with. It refers to its string or node and does not own it.
+struct Value {
+    enum class Kind : std::int32_t { Node, String, Number, Boolean };
+
+    static Value ofNode(std::int32_t tag, Object* node);
+    static Value ofString(std::int32_t tag, const Literal* string);
+    static Value ofNumber(std::int32_t tag, double number);
+    static Value ofBoolean(std::int32_t tag, bool boolean);
+
+    std::int32_t tag;  // the index of the context node that it was computed for; -1: for none
+    Kind kind;
+    union {
+        Object* node;
+        const Literal* string;
+        double number;
+        bool boolean;
+    };
+};
+
+// The value of an expression or of a part of one. All are of one kind, and in the order of their tags: paths and functions
+// give them so, and neither computing nor comparing changes it.
+using Values = std::vector<Value>;
+
+// The text of a node (see XPath::GetValue): as it stands in the node where it can, else in `buffer`. The tree is not touched.
+const std::string& textOf(const Object& node, std::string& buffer);
+
+// "2.000000". More than 255 characters are cut off.
+OrvSys::Uni16String textOf(double number);
+
+double ConvertToNumber(const Value& value);
+OrvSys::Uni16String ConvertToString(const Value& value);
+bool ConvertToBoolean(const Value& value);
+
+// A value as text, for comparing it again and again. It stays 8-bit text as long as that tells the order; 16-bit text is made
+// at most once. The value's string or node must stay.
+class ValueText {
+public:
+    explicit ValueText(const Value& value);
+    ValueText(const ValueText&) = delete;
+    ValueText& operator=(const ValueText&) = delete;
+
+    // -1, 0 or 1, by the values of 16-bit units.
+    int compare(ValueText& other);
+
+private:
+    const OrvSys::Uni16String& widened();
+
+    const std::string* bytes = nullptr;         // null where they would not tell the text
+    const OrvSys::Uni16String* wide = nullptr;  // null until it is made
+    std::string buffer;
+    OrvSys::Uni16String ownWide;
+};
+
+double CalculusOnValue(double left, double right, Operator op);
+
+// Whether `left op right` holds; for no operator but the six comparisons. Of booleans false is the lesser. Of texts what counts
+// is their order: -1, 0 or 1.
+bool CompareValue(double left, double right, Operator op);
+bool CompareBooleans(bool left, bool right, Operator op);
+bool CompareOrder(int order, Operator op);
+
+// What two values are compared as: as numbers where one is a number, else as texts where one is a string or both are nodes, else
+// as booleans, a node being true where its text is not empty.
+enum class Domain { Numbers, Texts, Booleans };
+Domain domainOf(Value::Kind left, Value::Kind right);
+
+// Whether `left op right` holds.
+bool CompareResultItems(const Value& left, const Value& right, Operator op);
+
+}  // namespace Xml
