@@ -12,6 +12,7 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/valid.h>
+#include <libxml/xpath.h>
 #include <memory>
 #include <pugixml.hpp>
 #include <sstream>
@@ -66,6 +67,10 @@ struct OrvXml {
         return static_cast<std::size_t>(text.tellp());
     }
     static Tree copy(const Tree& tree) { return std::make_unique<Xml::Document>(*tree); }
+    // How many nodes a path finds; taking the path apart is part of it, here and below.
+    static std::size_t find(const Tree& tree, const std::string& path) {
+        return Xml::XPath(tree.get()).GetValues(OrvSys::UTF8ToUni16Char(path));
+    }
 };
 
 // The same from a file of the platform layer.
@@ -108,6 +113,9 @@ struct PugiXml {
         copy->reset(*tree);
         return copy;
     }
+    static std::size_t find(const Tree& tree, const std::string& path) {
+        return tree->select_nodes(path.c_str()).size();
+    }
 };
 
 struct TinyXml2 {
@@ -141,6 +149,8 @@ struct LibXml2 {
         void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
         void operator()(xmlDtd* dtd) const { xmlFreeDtd(dtd); }
         void operator()(xmlValidCtxt* context) const { xmlFreeValidCtxt(context); }
+        void operator()(xmlXPathContext* context) const { xmlXPathFreeContext(context); }
+        void operator()(xmlXPathObject* object) const { xmlXPathFreeObject(object); }
     };
     using Tree = std::unique_ptr<xmlDoc, Free>;
     using Context = std::unique_ptr<xmlParserCtxt, Free>;
@@ -170,6 +180,12 @@ struct LibXml2 {
         return static_cast<std::size_t>(size);
     }
     static Tree copy(const Tree& tree) { return Tree(xmlCopyDoc(tree.get(), 1)); }
+    static std::size_t find(const Tree& tree, const std::string& path) {
+        const std::unique_ptr<xmlXPathContext, Free> context(xmlXPathNewContext(tree.get()));
+        const std::unique_ptr<xmlXPathObject, Free> found(
+            xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context.get()));
+        return found && found->nodesetval != nullptr ? static_cast<std::size_t>(found->nodesetval->nodeNr) : 0;
+    }
 };
 
 // --- What is measured ---
@@ -266,6 +282,71 @@ void validateLibXml2(benchmark::State& state, const std::string& name) {
     setBytes(state, text.size());
 }
 
+// A question asked by paths of equal meaning. `theirs` is XPath 1.0: it counts positions for each context node where we count
+// them over all that a step has found, and its * leaves out character data and the document.
+struct Question {
+    const char* name;
+    const char* document;
+    const char* ours;
+    const char* theirs;
+};
+
+const Question kQuestions[] = {
+    {"names", "vk.xml", "//type", "//type"},
+    {"names", "mame-nes.xml", "//rom", "//rom"},
+    {"names", "fugue1.mscx.xml", "//Note", "//Note"},
+    {"steps", "vk.xml", "/registry/commands/command", "/registry/commands/command"},
+    {"steps", "mame-nes.xml", "/softwarelist/software/part", "/softwarelist/software/part"},
+    {"steps", "fugue1.mscx.xml", "/museScore/Score/Staff/Measure", "/museScore/Score/Staff/Measure"},
+    {"attribute", "vk.xml", "//type[@category='bitmask']", "//type[@category='bitmask']"},
+    {"attribute", "mame-nes.xml", "//feature[@name='slot']", "//feature[@name='slot']"},
+    {"attribute", "fugue1.mscx.xml", "//Staff[@id='1']", "//Staff[@id='1']"},
+    {"number", "vk.xml", "//enum[@bitpos > 5]", "//enum[@bitpos > 5]"},
+    {"number", "mame-nes.xml", "//software[year > 1990]", "//software[year > 1990]"},
+    {"number", "fugue1.mscx.xml", "//program[@value > 40]", "//program[@value > 40]"},
+    {"last", "vk.xml", "//command[last()]", "(//command)[last()]"},
+    {"last", "mame-nes.xml", "//software[last()]", "(//software)[last()]"},
+    {"last", "fugue1.mscx.xml", "//Note[last()]", "(//Note)[last()]"},
+    {"second", "vk.xml", "//command[position() = 2]", "(//command)[2]"},
+    {"second", "mame-nes.xml", "//software[position() = 2]", "(//software)[2]"},
+    {"second", "fugue1.mscx.xml", "//Note[position() = 2]", "(//Note)[2]"},
+    {"following-siblings", "vk.xml", "//param/following-sibling::param", "//param/following-sibling::param"},
+    {"following-siblings", "mame-nes.xml", "//info/following-sibling::part", "//info/following-sibling::part"},
+    {"following-siblings", "fugue1.mscx.xml", "//Chord/following-sibling::Chord", "//Chord/following-sibling::Chord"},
+    {"ancestors", "vk.xml", "//name/ancestor::*", "//name/ancestor::node()"},
+    {"ancestors", "mame-nes.xml", "//rom/ancestor::*", "//rom/ancestor::node()"},
+    {"ancestors", "fugue1.mscx.xml", "//Note/ancestor::*", "//Note/ancestor::node()"},
+    {"nested", "vk.xml", "//types//type", "//types//type"},
+    {"nested", "mame-nes.xml", "//part//rom", "//part//rom"},
+    {"nested", "fugue1.mscx.xml", "//Measure//pitch", "//Measure//pitch"},
+    {"preceding-siblings", "vk.xml", "//param/preceding-sibling::*", "//param/preceding-sibling::node()"},
+    {"preceding-siblings", "mame-nes.xml", "//part/preceding-sibling::*", "//part/preceding-sibling::node()"},
+    {"preceding-siblings", "fugue1.mscx.xml", "//Chord/preceding-sibling::*", "//Chord/preceding-sibling::node()"},
+};
+
+// Over one parent of 4,530 children. libxml2 is not asked: it takes two minutes.
+const Question kWideQuestion = {"following-siblings-of-one-parent", "mame-nes.xml",
+                                "//software/following-sibling::software", "//software/following-sibling::software"};
+
+template <class Library>
+void find(benchmark::State& state, const Question& question) {
+    const bool isOurs = std::string(Library::kName) == OrvXml::kName;
+    const std::string text = readFile(pathOf(question.document));
+    const std::size_t expected = OrvXml::find(OrvXml::parse(text), question.ours);
+    const auto tree = Library::parse(text);
+    for (auto _ : state) {
+        const std::size_t found = Library::find(tree, isOurs ? question.ours : question.theirs);
+        if (found == 0 || found != expected) state.SkipWithError("found something else");
+    }
+    setBytes(state, text.size());
+}
+
+template <class Library>
+void addQuestion(const Question& question) {
+    const std::string name = std::string("find ") + question.name + "/" + question.document + "/" + Library::kName;
+    benchmark::RegisterBenchmark(name.c_str(), find<Library>, question)->Unit(benchmark::kMillisecond);
+}
+
 template <class Function>
 benchmark::internal::Benchmark* add(const std::string& operation, const std::string& document, const char* library,
                                     Function function) {
@@ -294,6 +375,13 @@ const bool registered = [] {
         add("validate", name, OrvXml::kName, validateOrvXml);
         add("validate", name, LibXml2::kName, validateLibXml2);
     }
+    for (const Question& question : kQuestions) {
+        addQuestion<OrvXml>(question);
+        addQuestion<PugiXml>(question);
+        addQuestion<LibXml2>(question);
+    }
+    addQuestion<OrvXml>(kWideQuestion);
+    addQuestion<PugiXml>(kWideQuestion);
     return true;
 }();
 
