@@ -355,9 +355,6 @@ void collect(const Step& step, const NodeList& from, Document* document, NodeLis
     found.nodes.clear();
     Taker taker(step.test, found.nodes, enough);
     const bool fromBelow = step.slashes > 0;
-    // Several context nodes may reach each other's regions.
-    found.nested = from.nested || from.nodes.size() > 1;
-
     if (fromBelow && step.axis == Axis::Child) {
         takeChildrenFromBelow(from, taker);
         found.nested = true;
@@ -376,6 +373,7 @@ void collect(const Step& step, const NodeList& from, Document* document, NodeLis
         below.nested = true;
     }
     const NodeList& contexts = fromBelow ? below : from;
+    found.nested = contexts.nested || contexts.nodes.size() > 1;  // they may reach each other's regions
 
     switch (step.axis) {
     case Axis::Attribute:

@@ -14,6 +14,9 @@ namespace {
 
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
+// As many nodes the outcomes of walks may hold, all together. Behind that walks are made again.
+constexpr std::size_t kMostStored = 4'000'000;
+
 enum class Rank { Product, Sum, Order, Equality, None };
 
 Rank rankOf(Operator op) {
@@ -54,6 +57,28 @@ void fold(std::vector<Values>& values, std::vector<Operator>& operators) {
 
 }  // namespace
 
+namespace {
+
+// Sets the book of steps that found nothing apart for what is to be kept as an outcome.
+struct Book {
+    void open(Absence& absence) {
+        isOpen = true;
+        before = std::exchange(absence, Absence());
+    }
+
+    // Puts it back, with what was recorded meanwhile behind it.
+    void close(Absence& absence) {
+        isOpen = false;
+        before.append(absence);
+        absence = before;
+    }
+
+    bool isOpen = false;
+    Absence before;
+};
+
+}  // namespace
+
 // An expression under evaluation.
 struct Evaluation::Frame {
     void begin(Expression& itsExpression, const std::vector<Object*>& itsContexts, bool itsReverse, unsigned itsDepth) {
@@ -63,7 +88,8 @@ struct Evaluation::Frame {
         depth = itsDepth;
         item = 0;
         isWalking = false;
-        inTail = false;
+        walkBook.isOpen = false;
+        tailBook.isOpen = false;
         isTogether = false;
         values.resize(expression->items.size());
         for (Values& ofItem : values) ofItem.clear();
@@ -86,11 +112,11 @@ struct Evaluation::Frame {
     bool isStepTaken = false;   // whether `list` is what that step has found
     std::size_t predicate = 0;  // of that step, the one to evaluate next
     NodeList list;
-    NodeList found;       // room for the next list
-    bool inTail = false;  // whether what comes of this walk is to be kept in Path::tail
-    Absence beforeTail;
+    NodeList found;           // room for the next list
     bool isTogether = false;  // whether all context nodes are walked from at once
     Absence beforeTogether;
+    Book walkBook;  // for an outcome in Path::outcomes
+    Book tailBook;  // for Path::tail
 };
 
 Evaluation::Evaluation(Expressions& itsExpressions, Document* itsDocument, bool itsCheck, const Absence& before)
@@ -102,12 +128,11 @@ bool Evaluation::run(Expression& expression, const std::vector<Object*>& context
     contextWithoutNodes = noNodes;
     push(expression, contexts, false, 1);
     if (go()) return true;
-    // What was recorded for the tails under way counts.
+    // What was recorded for outcomes under way counts.
     for (; height > 0; --height) {
         Frame& frame = *frames[height - 1];
-        if (!frame.inTail) continue;
-        frame.beforeTail.append(absence_);
-        absence_ = frame.beforeTail;
+        if (frame.tailBook.isOpen) frame.tailBook.close(absence_);
+        if (frame.walkBook.isOpen) frame.walkBook.close(absence_);
     }
     Frame& whole = *frames.front();
     if (whole.isTogether) {
@@ -195,9 +220,7 @@ bool Evaluation::walk(Frame& frame) {
     const std::size_t contexts = path.isAbsolute || check || frame.isTogether ? 1 : frame.contexts->size();
     while (frame.context < contexts) {
         if (!frame.isStepTaken) {
-            if (frame.step == 0) {
-                startFrom(frame, path);
-            }
+            if (frame.step == 0 && !startFrom(frame, path)) continue;
             const Path::Read* const read = path.step(frame.step, expressions, error_);
             if (read == nullptr) return false;
             if (!check && !takeStep(frame, path)) continue;
@@ -223,16 +246,39 @@ bool Evaluation::walk(Frame& frame) {
     return true;
 }
 
-// Puts the context that the walk is at into the frame's list.
-void Evaluation::startFrom(Frame& frame, const Path& path) const {
+// Puts the context that the walk is at into the frame's list. False where what comes of the walk is known already.
+//
+// It may be known within a predicate of a predicate, whose context nodes may come again and again: without that each level could
+// multiply the walks.
+bool Evaluation::startFrom(Frame& frame, Path& path) {
     frame.list.nested = frame.isTogether;
     frame.list.nodes.clear();
-    if (check) return;
+    if (check) return true;
     if (frame.isTogether) {
         frame.list.nodes = *frame.contexts;
-    } else {
-        frame.list.nodes.push_back(path.isAbsolute ? document : (*frame.contexts)[frame.context]);
+        return true;
     }
+    if (path.isAbsolute) {
+        frame.list.nodes.push_back(document);
+        return true;
+    }
+    Object* const context = (*frame.contexts)[frame.context];
+    const bool mayComeAgain = height > 2 || (height == 2 && frames.front()->contexts->size() > 1);
+    if (mayComeAgain && absence_.canAppend()) {
+        if (const std::uint32_t* const known = path.walkedFrom.find(context)) {
+            useOutcome(frame, path, path.outcomes[*known]);
+            return false;
+        }
+        if (stored < kMostStored) frame.walkBook.open(absence_);
+    }
+    frame.list.nodes.push_back(context);
+    return true;
+}
+
+void Evaluation::useOutcome(Frame& frame, Path& path, const Path::Outcome& outcome) {
+    absence_.append(outcome.absence);
+    frame.list.nodes = outcome.found;
+    endContext(frame, path);
 }
 
 // Walking from all context nodes at once finds the same nodes in the same order as walking from one after the other, as long
@@ -244,34 +290,37 @@ bool Evaluation::mayWalkTogether(const Frame& frame) const {
 }
 
 // Records what walks from one context node after the other would have recorded: what comes of the last one whose first step finds
-// something, and that the first step finds nothing behind it. Whether a number of last context nodes finds something is asked with
-// numbers that double, and then halve, so that it costs a few walks.
+// something, and that the first step finds nothing behind it. It is looked for from the end, in blocks that double; in the
+// block that has it, by halves. All of them together are hardly more context nodes than there are.
 void Evaluation::recordOneByOne(const Frame& frame, Path& path) {
+    const bool anyFound = absence_.anyFound;
     absence_ = frame.beforeTogether;
-    const std::vector<Object*>& contexts = *frame.contexts;
-    NodeList from;
-    NodeList found;
-    const auto lastFind = [&](std::size_t count) {
-        from.nodes.assign(contexts.end() - static_cast<std::ptrdiff_t>(count), contexts.end());
-        from.nested = true;
-        collect(path.steps.front()->step, from, document, found, 1, path.steps.front()->hint);
-        return !found.nodes.empty();
-    };
-    std::size_t none = 0;  // as many last ones find nothing
-    std::size_t some = 1;
-    while (some < contexts.size() && !lastFind(some)) {
-        none = some;
-        some = std::min(2 * some, contexts.size());
-    }
-    if (some == contexts.size() && !lastFind(some)) {
-        absence_.foundNothing(path.steps.front()->step, frame.depth, false);
+    Path::Read& first = *path.steps.front();
+    if (!anyFound) {
+        absence_.foundNothing(first.step, frame.depth, false);
         return;
     }
-    while (some - none > 1) {
-        const std::size_t middle = none + (some - none) / 2;
-        (lastFind(middle) ? some : none) = middle;
+    NodeList from;
+    NodeList found;
+    const auto lastOnes = frame.contexts->rbegin();
+    const auto anyFinds = [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        from.nodes.assign(lastOnes + begin, lastOnes + end);
+        from.nested = true;
+        collect(first.step, from, document, found, 1, first.hint);
+        return !found.nodes.empty();
+    };
+    const auto count = static_cast<std::ptrdiff_t>(frame.contexts->size());
+    std::ptrdiff_t begin = 0;  // as many last ones find nothing
+    std::ptrdiff_t end = 1;    // one of as many last ones does
+    while (end < count && !anyFinds(begin, end)) {
+        begin = end;
+        end = std::min(2 * end, count);
     }
-    from.nodes.assign(1, contexts[contexts.size() - some]);
+    while (end - begin > 1) {
+        const std::ptrdiff_t middle = begin + (end - begin) / 2;
+        (anyFinds(begin, middle) ? end : begin) = middle;
+    }
+    from.nodes.assign(1, lastOnes[begin]);
     from.nested = false;
     for (const auto& read : path.steps) {
         collect(read->step, from, document, found, kAll, read->hint);
@@ -279,7 +328,7 @@ void Evaluation::recordOneByOne(const Frame& frame, Path& path) {
         record(from, frame.depth, *read, false);
         if (from.nodes.empty()) break;
     }
-    if (some > 1) absence_.foundNothing(path.steps.front()->step, frame.depth, false);
+    if (begin > 0) absence_.foundNothing(first.step, frame.depth, false);
 }
 
 // Puts what the step finds into the frame's list. False where the rest of the walk was taken from the last one instead, and so the
@@ -288,16 +337,12 @@ bool Evaluation::takeStep(Frame& frame, Path& path) {
     Path::Read& read = *path.steps[frame.step];
     const bool isTail = path.isAbsolute ? frame.step == 0 : frame.step > 0 && frame.step == path.parents;
     if (isTail && frame.list.nodes.size() == 1 && absence_.canAppend()) {
-        Path::Tail& tail = path.tail;
-        if (tail.from == frame.list.nodes.front()) {
-            absence_.append(tail.absence);
-            frame.list.nodes = tail.found;
-            endContext(frame, path);
+        const Object* const from = std::exchange(path.tailFrom, frame.list.nodes.front());
+        if (from == path.tailFrom) {
+            useOutcome(frame, path, path.tail);
             return false;
         }
-        tail.from = frame.list.nodes.front();
-        frame.inTail = true;
-        frame.beforeTail = std::exchange(absence_, Absence());
+        frame.tailBook.open(absence_);
     }
     // A predicate that is just a path asks only whether there is a node.
     const bool oneIsEnough = read.step.isLast && read.predicates.empty() && frame.isBarePath() && !isWhole(frame);
@@ -309,19 +354,23 @@ bool Evaluation::takeStep(Frame& frame, Path& path) {
 
 // Adds what the walk from a context node has found to the operand's values.
 void Evaluation::endContext(Frame& frame, Path& path) {
-    const std::vector<Object*>& found = frame.list.nodes;
-    if (frame.inTail) {
-        frame.inTail = false;
-        path.tail.found = found;
-        path.tail.absence = absence_;
-        absence_ = frame.beforeTail;
-        absence_.append(path.tail.absence);
+    std::vector<Object*>& found = frame.list.nodes;
+    if (!isWhole(frame) && frame.isBarePath() && found.size() > 1) found.resize(1);
+    if (frame.tailBook.isOpen) {
+        path.tail = {found, absence_};
+        frame.tailBook.close(absence_);
+    }
+    if (frame.walkBook.isOpen) {
+        stored += found.size() + 1;
+        path.walkedFrom.insert((*frame.contexts)[frame.context], static_cast<std::uint32_t>(path.outcomes.size()));
+        path.outcomes.push_back({found, absence_});
+        frame.walkBook.close(absence_);
     }
     if (!isWhole(frame) || !frame.isBarePath()) {
         const std::int32_t tag = path.isAbsolute ? -1 : static_cast<std::int32_t>(frame.context);
         for (Object* const node : found) frame.values[frame.item].push_back(Value::ofNode(tag, node));
     } else if (frame.isTogether || frame.contexts->size() == 1) {
-        nodes.swap(frame.list.nodes);
+        nodes.swap(found);
     } else {
         for (Object* const node : found) {
             if (taken.insert(node).second) nodes.push_back(node);

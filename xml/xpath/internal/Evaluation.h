@@ -45,19 +45,23 @@ private:
     bool isWhole(const Frame& frame) const { return &frame == frames.front().get(); }
     bool beginItem(Frame& frame);
     void callFunction(const Frame& frame, ExpressionItem::Kind function, Values& result) const;
+
     bool walk(Frame& frame);
-    void startFrom(Frame& frame, const Path& path) const;
+    bool startFrom(Frame& frame, Path& path);
     bool takeStep(Frame& frame, Path& path);
+    void endContext(Frame& frame, Path& path);
+    void useOutcome(Frame& frame, Path& path, const Path::Outcome& outcome);
+    void filter(Frame& frame, const Values& outcome);
+
     bool mayWalkTogether(const Frame& frame) const;
     void recordOneByOne(const Frame& frame, Path& path);
-    void endContext(Frame& frame, Path& path);
     void record(const NodeList& list, unsigned depth, const Path::Read& read, bool withPredicates);
-    void filter(Frame& frame, const Values& outcome);
 
     Expressions& expressions;
     Document* const document;
     const bool check;
     bool contextWithoutNodes = false;  // of the whole query; within predicates there are only nodes
+    std::size_t stored = 0;            // how many nodes the outcomes of paths hold
     NodeMap taken;                     // those of `nodes`, where several context nodes may find the same
     Absence absence_;
     PathError error_;

@@ -2,6 +2,7 @@
 
 #include "xml/xpath/internal/Absence.h"
 #include "xml/xpath/internal/Axes.h"
+#include "xml/xpath/internal/NodeMap.h"
 #include "xml/xpath/internal/Operators.h"
 #include "xml/xpath/internal/PathError.h"
 #include "xml/xpath/internal/Step.h"
@@ -37,14 +38,20 @@ struct Path {
     std::vector<std::unique_ptr<Read>> steps;
     std::size_t parents = 0;  // how many of the first steps are just ".."
 
-    // What came of the last walk from the step behind those, or of an absolute path from its first one, and the one node that it
-    // began at. Context nodes often share a parent, and always the document.
-    struct Tail {
-        const Object* from = nullptr;
+    // What came of a walk, or of the rest of one.
+    struct Outcome {
         std::vector<Object*> found;
         Absence absence;
     };
-    Tail tail;
+
+    // Of the last walk from the step behind those, or of an absolute path from its first one, and the one node that it began
+    // at: context nodes often share a parent, and always the document.
+    const Object* tailFrom = nullptr;
+    Outcome tail;
+
+    // Of walks from context nodes that may come again, the number of each in `outcomes`.
+    NodeMap walkedFrom;
+    std::vector<Outcome> outcomes;
 };
 
 // One operand of an expression, and the operator behind it.

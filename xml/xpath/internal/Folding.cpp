@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace Xml {
@@ -123,6 +124,10 @@ private:
     std::vector<std::unique_ptr<ValueText>> sorted;
 };
 
+// As many numbers arithmetic may make of pairs. Pairs multiply with every operand, so that a short path could ask for more
+// than any memory holds; it is told so at once.
+constexpr std::size_t kMostPairs = 16'000'000;
+
 // Comparing each with each is quicker than sorting up to about this many.
 constexpr std::ptrdiff_t kFew = 4;
 
@@ -164,6 +169,9 @@ void CalculusOnExpressionItems(Values& left, const Values& right, Operator op) {
         Values pairs;
         std::vector<double> numbers;
         forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
+            if (static_cast<std::size_t>(to - from) >
+                (kMostPairs - pairs.size()) / static_cast<std::size_t>(rightTo - rightFrom))
+                throw std::bad_alloc();
             numbers.clear();
             std::transform(rightFrom, rightTo, std::back_inserter(numbers), ConvertToNumber);
             for (; from != to; ++from) {

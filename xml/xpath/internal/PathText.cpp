@@ -40,13 +40,14 @@ void PathText::findEnds() {
 void PathText::removeWhiteSpace() {
     text.reserve(source.size());
     next.reserve(source.size());
-    std::vector<std::size_t> open;  // numbers of brackets
+    std::vector<std::size_t> open;  // the places of brackets in the text
     const Unit sourceBegin = source.data();
     const Unit sourceEnd = sourceBegin + source.size();
     const auto copy = [this](std::size_t from, std::size_t to) {
-        for (std::size_t i = from; i < to; ++i) {
-            text += source[i];
+        for (; from < to; ++from) {
+            text += source[from];
             next.push_back(text.size());
+            sourcePlace.push_back(from);
         }
     };
     for (std::size_t at = 0; at < source.size();) {
@@ -65,10 +66,9 @@ void PathText::removeWhiteSpace() {
         } else {
             copy(at, behind);
             if (source[at] == u'[' && sourceNext[at] > behind) {
-                open.push_back(brackets.size());
-                brackets.push_back({place, at});
-            } else if (source[at] == u']' && !open.empty() && sourceNext[brackets[open.back()].sourcePlace] == behind) {
-                next[brackets[open.back()].place] = text.size();
+                open.push_back(place);
+            } else if (source[at] == u']' && !open.empty() && sourceNext[sourcePlace[open.back()]] == behind) {
+                next[open.back()] = text.size();
                 open.pop_back();
             }
         }
@@ -78,17 +78,16 @@ void PathText::removeWhiteSpace() {
 
 OrvSys::Uni16String PathText::written(Unit from, Unit to) const {
     OrvSys::Uni16String result;
-    while (from < to) {
+    for (Unit behindThis = from; from < to; from = behindThis) {
+        behindThis = behind(from);
         if (isClosedBracket(from)) {
-            const auto place = static_cast<std::size_t>(from - begin());
-            const auto bracket =
-                std::lower_bound(brackets.begin(), brackets.end(), place,
-                                 [](const Bracket& b, std::size_t wanted) { return b.place < wanted; });
-            result.append(source, bracket->sourcePlace, sourceNext[bracket->sourcePlace] - bracket->sourcePlace);
+            const std::size_t begin = sourcePlace[static_cast<std::size_t>(from - this->begin())];
+            const std::size_t end =
+                behindThis <= to ? sourceNext[begin] : sourcePlace[static_cast<std::size_t>(to - this->begin())];
+            result.append(source, begin, end - begin);
         } else {
-            result.append(from, behind(from));
+            result.append(from, std::min(behindThis, to));
         }
-        from = behind(from);
     }
     return result;
 }

@@ -25,18 +25,14 @@ public:
     Unit behind(Unit at) const { return begin() + next[static_cast<std::size_t>(at - begin())]; }
     bool isClosedBracket(Unit at) const { return *at == u'[' && behind(at) > at + 1; }
 
-    // A part of the text, with what stands in its outermost brackets as it was written.
+    // A part of the text, with what stands in its outermost brackets as it was written. It may end within a
+    // bracket or a literal.
     OrvSys::Uni16String written(Unit from, Unit to) const;
 
     // The greatest number of brackets that are open at one place.
     std::size_t nesting() const { return nesting_; }
 
 private:
-    struct Bracket {
-        std::size_t place;        // of "[" in the text
-        std::size_t sourcePlace;  // of "[" in the source
-    };
-
     void findEnds();
     void removeWhiteSpace();
 
@@ -46,8 +42,8 @@ private:
     std::size_t nesting_ = 0;
 
     OrvSys::Uni16String text;
-    std::vector<std::size_t> next;  // for each unit the place behind what begins there
-    std::vector<Bracket> brackets;  // the closed ones, in the order of their places
+    std::vector<std::size_t> next;         // for each unit the place behind what begins there
+    std::vector<std::size_t> sourcePlace;  // of each unit
 };
 
 }  // namespace Xml

@@ -34,14 +34,19 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
     return split(text, at, end, error) && extractPredicates(text, error) && extractAxis(text, error);
 }
 
-// A slash ends the step where as many brackets were closed as opened. A bracket that closes nothing counts too, so that no slash
-// behind it ends the step.
+// A slash ends the step where as many brackets were closed as opened. One that is closed without being opened counts too: behind it
+// it takes an open bracket for a slash to end the step.
 bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.begin = at;
-    long depthOfBrackets = 0;
-    while (at != end && !(*at == u'/' && depthOfBrackets == 0)) {
-        if (!text.isClosedBracket(at)) depthOfBrackets += *at == u'[' ? 1 : *at == u']' ? -1 : 0;
-        at = text.behind(at);
+    long open = 0;
+    while (at != end && !(*at == u'/' && open == 0)) {
+        if (*at == u'[' && (open < 0 || !text.isClosedBracket(at))) {
+            ++open;
+            ++at;
+        } else {
+            if (*at == u']') --open;
+            at = text.behind(at);
+        }
     }
     whole.end = at;
     isLast = at == end;
@@ -58,7 +63,7 @@ bool Step::extractPredicates(const PathText& text, PathError& error) {
         if (*at != u'[') {
             return error.tell(XPath::ILLEGAL_CHAR_AFTER_PREDICATE, text.written(last, at));
         }
-        if (!text.isClosedBracket(at)) {
+        if (!text.isClosedBracket(at) || text.behind(at) > whole.end) {
             return error.tell(XPath::MISSING_CLOSING_BRACKET_AFTER_PREDICATE, text.written(at, whole.end));
         }
         last = at;
