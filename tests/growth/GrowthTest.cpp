@@ -40,21 +40,6 @@ std::string repeated(const char* text, int count) {
     return pieces(count, [text](int) { return text; });
 }
 
-// Makes the job for a size; making it is not counted.
-using Jobs = std::function<std::function<void()>(int)>;
-
-// At 8n every kind of work may be eight times that at n and a tenth, for what doubles as it grows; beside that, `fixed`
-// is for what does not depend on the size. `kind` is what the job is about: it must have been counted.
-void expectLinear(const Jobs& jobs, Kind kind, int n = 1'000, long long fixed = 64) {
-    const Work small = workOf(jobs(n));
-    const Work large = workOf(jobs(8 * n));
-    EXPECT_GE(large[kind], 4 * n) << kKindNames[kind] << ": not counted";
-    for (std::size_t i = 0; i < kKinds; ++i) {
-        EXPECT_LE(large[i], small[i] * 88 / 10 + (i == AllocatedBytes ? 64 * fixed : fixed))
-            << kKindNames[i] << ": " << small[i] << " at n = " << n << ", " << large[i] << " at 8n";
-    }
-}
-
 void expectSame(const Jobs& jobs, Kind kind, int n) {
     const Work small = workOf(jobs(n));
     const Work large = workOf(jobs(8 * n));

@@ -1,6 +1,7 @@
 #include "growth/Work.h"
 
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <new>
 
 namespace Xml::test {
@@ -13,6 +14,23 @@ Work workOf(const std::function<void()>& job) {
     Work work = totals;
     for (std::size_t i = 0; i < work.size(); ++i) work[i] -= before[i];
     return work;
+}
+
+void expectLinear(const Jobs& jobs, Kind kind, int n, long long fixed) {
+    const Work small = workOf(jobs(n));
+    const Work large = workOf(jobs(8 * n));
+    EXPECT_GE(large[kind], 4 * n) << kKindNames[kind] << ": not counted";
+    for (std::size_t i = 0; i < kKinds; ++i) {
+        EXPECT_LE(large[i], small[i] * 88 / 10 + (i == AllocatedBytes ? 64 * fixed : fixed))
+            << kKindNames[i] << ": " << small[i] << " at n = " << n << ", " << large[i] << " at 8n";
+    }
+}
+
+void expectLinearIn(const Jobs& jobs, Kind kind, int n, long long least) {
+    const long long small = workOf(jobs(n))[kind];
+    const long long large = workOf(jobs(8 * n))[kind];
+    EXPECT_GE(large, least) << kKindNames[kind] << ": not counted";
+    EXPECT_LE(large, small * 88 / 10 + 64) << kKindNames[kind] << ": " << small << " at n = " << n;
 }
 
 }  // namespace Xml::test

@@ -24,6 +24,16 @@ extern Work totals;
 // What `job` took.
 Work workOf(const std::function<void()>& job);
 
+// Makes the job for a size; making it is not counted.
+using Jobs = std::function<std::function<void()>(int)>;
+
+// At 8n every kind of work may be eight times that at n and a tenth, for what doubles as it grows; beside that, `fixed`
+// is for what does not depend on the size. `kind` is what the job is about: it must have been counted.
+void expectLinear(const Jobs& jobs, Kind kind, int n = 1'000, long long fixed = 64);
+
+// The same of one kind of work alone. It must be at least `least`, at 8n.
+void expectLinearIn(const Jobs& jobs, Kind kind, int n, long long least);
+
 // A source with only the four primitives.
 class CountingSource : public InStream {
 public:
