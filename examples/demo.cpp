@@ -1,4 +1,5 @@
-// Reads a document, checks it against its document type, shows what it holds, changes it and writes it to another file.
+// Reads a document, checks it against its document type, shows what it holds, asks it by paths, changes it and writes it to
+// another file.
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -19,15 +20,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char kHelp[] = R"(Usage: demo [--data FOLDER] [FILE ...]
+const char kHelp[] = R"(Usage: demo [--data FOLDER] [FILE [PATH ...]]
 
-Reads each FILE, checks it, shows what it holds, changes it and writes the changed document to NAME-changed.ENDING in
-the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml in the folder of the examples' data.
+Without a PATH: reads FILE, checks it, shows what it holds, asks it a few paths, changes it and writes the changed document to
+NAME-changed.ENDING in the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml in the folder of the
+examples' data.
+
+With a PATH: prints what it finds in FILE, one result a line, or the text of its error. A PATH that does not begin with / goes
+out from the document, or from what the PATH before it has found.
 
 A document is checked against the document type in its DOCTYPE (a file named there is looked for in the working
 directory); one without a DOCTYPE against NAME.dtd, if there is such a file beside it.
 
-Exit status: 0, or 1 if a FILE could not be read, is not well-formed or not valid, or could not be written.
+Exit status: 0, or 1 if FILE could not be read, is not well-formed or not valid, or could not be written, or if a PATH found
+nothing.
 )";
 
 class Stopwatch {
@@ -84,8 +90,8 @@ void tellMisfit(const Xml::Dtd& dtd, Xml::Element* element) {
               << brief(element->toString()) << ">\n";
 }
 
-// The document in a file, with the document type that belongs to it; null, and why on standard error.
-std::unique_ptr<Xml::Document> read(const fs::path& path) {
+// The document in a file, with the document type that belongs to it, and a line about it to `out`; null, and why on standard error.
+std::unique_ptr<Xml::Document> read(const fs::path& path, std::ostream& out) {
     if (std::error_code error; !fs::is_regular_file(path, error)) {
         std::cerr << path.string() << (fs::exists(path, error) ? ": not a regular file\n" : ": no such file\n");
         return nullptr;
@@ -106,14 +112,13 @@ std::unique_ptr<Xml::Document> read(const fs::path& path) {
         }
         return nullptr;
     }
-    std::cout << path.filename().string() << ": " << grouped(fs::file_size(path)) << " bytes, read in "
-              << watch.elapsed();
+    out << path.filename().string() << ": " << grouped(fs::file_size(path)) << " bytes, read in " << watch.elapsed();
 
     const fs::path dtdPath = fs::path(path).replace_extension(".dtd");
     if (document->getDtd() != nullptr) {
-        std::cout << ", valid by the document type in it\n";
+        out << ", valid by the document type in it\n";
     } else if (!fs::is_regular_file(dtdPath)) {
-        std::cout << ", well-formed; no document type\n";
+        out << ", well-formed; no document type\n";
     } else {
         std::ifstream dtdFile;
         Xml::FileInStream dtdIn(dtdPath.string(), &dtdFile);
@@ -130,7 +135,7 @@ std::unique_ptr<Xml::Document> read(const fs::path& path) {
             tellMisfit(*document->getDtd(), document->getRoot());
             return nullptr;
         }
-        std::cout << ", valid by " << dtdPath.filename().string() << " in " << validation.elapsed() << '\n';
+        out << ", valid by " << dtdPath.filename().string() << " in " << validation.elapsed() << '\n';
     }
     return document;
 }
@@ -189,6 +194,63 @@ Kinds show(Xml::Document& document) {
                   << (text.empty() ? "" : " " + brief(text, 40)) << '\n';
     }
     return kinds;
+}
+
+// --- Asking it ---
+
+// A result on one line: <name attributes> text, name="value", text, number.
+std::string resultText(Xml::XPath& query, unsigned index) {
+    const Xml::Object* const node = query.GetResult(index).node;
+    const std::string text = brief(OrvSys::Uni16CharToPlatformCString(query.GetValue(index, -1)));
+    if (node == nullptr) return text;
+    if (node->isElement()) return "<" + brief(node->toString()) + ">" + (text.empty() ? "" : " " + text);
+    return node->isAttribute() || node->isDocument() ? brief(node->toString()) : text;
+}
+
+// Why a path found nothing. A few paths fail without saying why.
+std::string reasonText(Xml::XPath& query, bool ok) {
+    if (query.GetErrorCode() != Xml::XPath::NONE) return OrvSys::Uni16CharToPlatformCString(query.GetErrorString());
+    return ok ? "The expression has no value" : "This is not a path";
+}
+
+// Prints what the paths find; each goes on from what the one before it has found.
+bool ask(Xml::Document& document, const std::vector<std::string>& paths) {
+    Xml::XPath query(&document);
+    bool found = true;
+    for (const std::string& path : paths) {
+        const bool ok = query.FindNodes(OrvSys::UTF8ToUni16Char(path));
+        const unsigned count = query.GetNrOfResults();
+        for (unsigned i = 0; i < count; ++i) std::cout << resultText(query, i) << '\n';
+        if (count == 0) std::cerr << path << ": " << reasonText(query, ok) << '\n';
+        found = found && count > 0;
+    }
+    return found;
+}
+
+// Asks a few paths and shows the first result of each.
+void askSome(Xml::Document& document, const Kinds& kinds) {
+    const std::string& often = kinds.front().first;
+    std::vector<std::string> paths = {"//" + often, "//" + often + "[last()]/ancestor::*", "//@*",
+                                      "//" + often + "[nothing]"};
+    if (document.getRoot()->getName() == "registry") {
+        paths = {"//type[@category = 'bitmask']",
+                 "//command[proto/name = 'vkCreateInstance']/param/name",
+                 "//enum[@bitpos > 40]/@name",
+                 "//extension[position() = 3]/following-sibling::extension",
+                 "//param[type = 'VkInstance']/../proto/name",
+                 "/registry/extensions/extension[last()]/@name",
+                 "//command[@successcodes]/nothing",
+                 "//type[@category = 'bitmask'"};
+    }
+    std::cout << "\nAsked by path\n";
+    for (const std::string& path : paths) {
+        const Stopwatch watch;
+        Xml::XPath query(&document);
+        const unsigned count = query.GetValues(OrvSys::UTF8ToUni16Char(path));
+        const std::string time = watch.elapsed();
+        std::cout << std::setw(9) << grouped(count) << "  " << path << "  (" << time << ")\n           "
+                  << (count > 0 ? resultText(query, 0) : reasonText(query, true)) << '\n';
+    }
 }
 
 // --- Changing it ---
@@ -261,16 +323,18 @@ bool write(const Xml::Document& document, const fs::path& path) {
 }
 
 bool demonstrate(const fs::path& path) {
-    const std::unique_ptr<Xml::Document> document = read(path);
+    const std::unique_ptr<Xml::Document> document = read(path, std::cout);
     if (!document) return false;
-    change(*document, show(*document));
+    const Kinds kinds = show(*document);
+    askSome(*document, kinds);
+    change(*document, kinds);
     return write(*document, path.stem().string() + "-changed" + path.extension().string());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<fs::path> files;
+    std::vector<std::string> arguments;
     fs::path data = "examples/data";
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
@@ -281,15 +345,13 @@ int main(int argc, char** argv) {
         if (argument == "--data" && i + 1 < argc) {
             data = argv[++i];
         } else {
-            files.emplace_back(argument);
+            arguments.push_back(argument);
         }
     }
-    if (files.empty()) files = {data / "vk.xml"};
+    const fs::path file = arguments.empty() ? data / "vk.xml" : fs::path(arguments.front());
+    if (arguments.size() < 2) return demonstrate(file) ? 0 : 1;
 
-    bool all = true;
-    for (const fs::path& file : files) {
-        if (&file != &files.front()) std::cout << '\n';
-        all = demonstrate(file) && all;
-    }
-    return all ? 0 : 1;
+    std::ostream silent(nullptr);
+    const std::unique_ptr<Xml::Document> document = read(file, silent);
+    return document && ask(*document, {arguments.begin() + 1, arguments.end()}) ? 0 : 1;
 }
