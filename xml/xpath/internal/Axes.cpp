@@ -120,7 +120,7 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
     std::vector<Element*> open;  // the next one is the last
     const auto takeChildren = [&](NodeRange range) {
         const std::size_t first = open.size();
-        for (; !range.empty(); ++range.at) {
+        for (; !range.empty() && !taker.isEnough(); ++range.at) {
             Object& node = **range.at;
             if (!node.isElement()) {
                 taker.takeOther(node);
