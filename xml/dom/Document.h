@@ -15,6 +15,10 @@ class Element;
 ORVXML_API extern const char* const _xmlHeader;
 
 // The top of a tree: owns the root element and the document type description, where there are such.
+//
+// Trees that were read or built separately may be used in different threads at the same time, as long as no diagnostic is
+// issued and no setting is changed. One tree may be looked at, asked by path and copied by several threads while none changes it;
+// docs/threads.md says which operations that leaves out.
 class ORVXML_API Document : public Object {
 public:
     // Takes ownership of both, either of which may be null; the tree below the root gets the link to the Dtd.
