@@ -23,6 +23,8 @@ public:
         : test(itsTest), found(itsFound), enough(itsEnough) {}
 
     bool isEnough() const { return found.size() >= enough; }
+    bool wantsOne() const { return enough == 1; }
+    bool takes(const Object& node) const { return test.accepts(node); }
 
     void take(Object& node) {
         if (test.accepts(node)) found.push_back(&node);
@@ -348,6 +350,36 @@ void takePreceding(const NodeList& from, Document* document, Taker& taker) {
     }
 }
 
+// Whether anything that the taker takes lies before the context node: then it takes one such node, not far from the document's
+// beginning, without going through all that lies before. What contains the context node does not count; a node is known not
+// to once the walk has left it.
+void takeAnyPreceding(Object& context, Document* document, Taker& taker) {
+    Element* const root = document != nullptr ? document->getRoot() : nullptr;
+    if (root == nullptr || &context == root) return;
+    const Object* const anchor = context.isAttribute() ? context.getParent() : &context;
+    struct Candidate {
+        Object* node;
+        std::size_t depth;
+    };
+    std::vector<Candidate> open;  // each below the one before it
+    bool mayContain = !context.isDocument();
+    PreorderWalk walk;
+    walk.start(*root);
+    if (anchor == root) mayContain = false;
+    while (Object* const node = walk.next()) {
+        if (!open.empty() && walk.depth() <= open.back().depth) return taker.take(*open.back().node);
+        if (node == anchor) {
+            if (anchor == &context) return;
+            open.clear();
+            mayContain = false;
+        } else if (taker.takes(*node)) {
+            if (!mayContain || walk.children().empty()) return taker.take(*node);
+            open.push_back({node, walk.depth()});
+        }
+    }
+    if (!open.empty()) taker.take(*open.back().node);
+}
+
 }  // namespace
 
 void collect(const Step& step, const NodeList& from, Document* document, NodeList& found, std::size_t enough,
@@ -416,7 +448,11 @@ void collect(const Step& step, const NodeList& from, Document* document, NodeLis
         }
         break;
     case Axis::Preceding:
-        takePreceding(contexts, document, taker);
+        if (taker.wantsOne() && contexts.nodes.size() == 1) {
+            takeAnyPreceding(*contexts.nodes.front(), document, taker);
+        } else {
+            takePreceding(contexts, document, taker);
+        }
         found.nested = true;
         break;
     }

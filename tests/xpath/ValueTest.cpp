@@ -1,0 +1,115 @@
+#include "xml/xpath/internal/Value.h"
+
+#include "xml/dom/Attribute.h"
+#include "xml/dom/CharData.h"
+#include "xml/dom/Element.h"
+#include "xml/xpath/internal/Folding.h"
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Xml {
+namespace {
+
+constexpr Operator kComparisons[] = {Operator::LessThan,    Operator::LessOrEqual,    Operator::Equal,
+                                     Operator::GreaterThan, Operator::GreaterOrEqual, Operator::NotEqual};
+
+// Which of the six hold, in that order: "<", "<=" ... as 1 and 0.
+template <class Compare>
+std::string holding(Compare compare) {
+    std::string text;
+    for (const Operator op : kComparisons) text += compare(op) ? '1' : '0';
+    return text;
+}
+
+constexpr const char* kLess = "110001";
+constexpr const char* kEqual = "011010";
+constexpr const char* kGreater = "000111";
+
+std::string compared(const Value& left, const Value& right) {
+    return holding([&](Operator op) { return CompareResultItems(left, right, op); });
+}
+
+TEST(ValueTest, FalseIsLessThanTrue) {
+    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(false, true, op); }), kLess);
+    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(true, false, op); }), kGreater);
+    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(true, true, op); }), kEqual);
+    EXPECT_EQ(compared(Value::ofBoolean(-1, false), Value::ofBoolean(-1, true)), kLess);
+}
+
+TEST(ValueTest, NoOtherOperatorCompares) {
+    for (const Operator op : {Operator::Plus, Operator::Minus, Operator::Divide, Operator::Multiply, Operator::None}) {
+        EXPECT_FALSE(CompareValue(1.0, 1.0, op));
+        EXPECT_FALSE(CompareBooleans(true, true, op));
+        EXPECT_FALSE(CompareOrder(0, op));
+    }
+    for (const Operator op : kComparisons) EXPECT_EQ(CalculusOnValue(2, 3, op), 0.0);
+    EXPECT_EQ(CalculusOnValue(2, 3, Operator::None), 0.0);
+}
+
+TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
+    Attribute three("n", "3");
+    Attribute empty("e", "");
+    Element none("x");
+    const Literal textThree(u"3");
+    const Literal one(u"1");
+    const struct {
+        const char* name;
+        Value left, right;
+        const char* holds;
+    } kCases[] = {
+        {"a number and a boolean", Value::ofNumber(-1, 1), Value::ofBoolean(-1, true), kEqual},
+        {"a boolean and a number", Value::ofBoolean(-1, false), Value::ofNumber(-1, 0.5), kLess},
+        {"a node and a number", Value::ofNode(-1, &three), Value::ofNumber(-1, 2), kGreater},
+        {"a number and a string", Value::ofNumber(-1, 3), Value::ofString(-1, &textThree), kEqual},
+        {"a string and a boolean", Value::ofString(-1, &one), Value::ofBoolean(-1, true), kEqual},
+        {"a boolean and a string", Value::ofBoolean(-1, false), Value::ofString(-1, &textThree), kLess},
+        {"a node with a text and a boolean", Value::ofNode(-1, &three), Value::ofBoolean(-1, true), kEqual},
+        {"a node without and a boolean", Value::ofNode(-1, &empty), Value::ofBoolean(-1, true), kLess},
+        {"a boolean and an empty element", Value::ofBoolean(-1, true), Value::ofNode(-1, &none), kGreater},
+        {"a node and a string", Value::ofNode(-1, &three), Value::ofString(-1, &one), kGreater},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(compared(c.left, c.right), c.holds);
+    }
+}
+
+TEST(ValueTest, ConvertsBooleansToOneAndZero) {
+    EXPECT_EQ(ConvertToNumber(Value::ofBoolean(0, true)), 1.0);
+    EXPECT_EQ(ConvertToNumber(Value::ofBoolean(0, false)), 0.0);
+    EXPECT_EQ(ConvertToString(Value::ofBoolean(0, true)), u"1");
+    EXPECT_EQ(ConvertToString(Value::ofBoolean(0, false)), u"0");
+    EXPECT_EQ(ConvertToString(Value::ofNumber(0, 2)), u"2.000000");
+}
+
+TEST(ValueTest, OrdersTextsByTheir16BitUnits) {
+    // In UTF-8 U+10000 comes behind U+FFFF; its units, a surrogate pair, come before.
+    Attribute high("a", "\xF0\x90\x80\x80");
+    Attribute low("a", "\xEF\xBF\xBF");
+    EXPECT_EQ(compared(Value::ofNode(-1, &high), Value::ofNode(-1, &low)), kLess);
+    // Malformed bytes are all alike once widened.
+    Attribute bad("a", "x\xFFy");
+    Attribute alsoBad("a", "x\xC0y");
+    EXPECT_EQ(compared(Value::ofNode(-1, &bad), Value::ofNode(-1, &alsoBad)), kEqual);
+    // Half of a surrogate pair is in no node, also not where a node holds what it would be narrowed to.
+    const Literal half(u"\xD800");
+    Attribute replaced("a", "\xEF\xBF\xBD");
+    EXPECT_EQ(compared(Value::ofString(-1, &half), Value::ofNode(-1, &replaced)), kLess);
+}
+
+TEST(FoldingTest, ComparesBooleansByTheirTags) {
+    Values left = {Value::ofBoolean(0, true), Value::ofBoolean(1, false), Value::ofBoolean(2, true)};
+    const Values right = {Value::ofBoolean(0, true), Value::ofBoolean(1, true)};
+    CompareExpressionItems(left, right, Operator::Equal);
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].tag, 0);
+
+    Values scalar = {Value::ofBoolean(-1, false)};
+    CompareExpressionItems(scalar, right, Operator::LessThan);
+    ASSERT_EQ(scalar.size(), 2u);
+    EXPECT_EQ(scalar[1].tag, 1);
+    EXPECT_FALSE(scalar[1].boolean);
+}
+
+}  // namespace
+}  // namespace Xml
