@@ -1,6 +1,7 @@
 #include "xml/dom/Document.h"
 
 #include "xml/dom/Element.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
 #include <utility>
@@ -11,7 +12,7 @@ const char* const _xmlHeader = "<?xml version = \"1.0\" ?>";
 
 Document::Document(Element* itsRoot, Dtd* itsDtd) : dtd(itsDtd), root(itsRoot) {
     if (root != nullptr) {
-        root->setDtd(dtd);
+        NodeAccess::linkNew(*root, dtd);
         root->setParent(this);
     }
     if (dtd != nullptr) dtd->setParent(this);

@@ -191,7 +191,7 @@ Object* Element::getChild(int i) { return const_cast<Object*>(static_cast<const 
 
 void Element::insertAt(std::size_t place, Object* child) {
     makeRoom(children);
-    child->setDtd(NodeAccess::dtd(*this));
+    NodeAccess::linkNew(*child, NodeAccess::dtd(*this));
     child->setParent(this);
     children.insert(children.begin() + static_cast<std::ptrdiff_t>(place), child);
     touch();

@@ -84,12 +84,14 @@ void Object::touch() {
 
 void Object::toStream(OutStream& out) const {
     const OutStreamAccess::Counting counting(out);
+    const OutStreamAccess::Writing writing(out);
     const int position = OutStreamAccess::position(out);
-    if (useRWOptimization && !dirty && OutStreamAccess::standsAt(position, writeStart, writeEnd)) {
+    if (useRWOptimization && !dirty && OutStreamAccess::standsAt(out, position, writeStart, writeEnd)) {
         out.setPosition(writeEnd);
         return;
     }
     writeStart = position;
+    writeEnd = OutStreamAccess::kUnrecordable;  // not known before it is written, and never if it cannot be
     write(out);
     if (!writesBytesOnly(*this)) OutStreamAccess::resume(out);
     writeEnd = OutStreamAccess::position(out);

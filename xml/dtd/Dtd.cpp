@@ -8,6 +8,7 @@
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/dtd/internal/Matcher.h"
 #include "xml/stream/OutStream.h"
+#include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/Entities.h"
 #include "xml/text/Message.h"
 #include "xml/text/internal/EmptyData.h"
@@ -216,6 +217,7 @@ const std::string& Dtd::toString() const {
 bool Dtd::isDtd() const { return true; }
 
 void Dtd::write(OutStream& out) const {
+    const OutStreamAccess::Writing writing(out);
     out << "<!DOCTYPE " << name << " [" << '\n';
     for (const auto& [element, model] : elements) {
         out << "<!ELEMENT " << element << ' ';

@@ -44,12 +44,18 @@ FileInStream::FileInStream(const std::string& path, std::ifstream* file)
     withoutFailures([&] {
         if (file->is_open()) file->close();
     });
-    withoutFailures([&] { file->open(path, std::ios_base::in | std::ios_base::binary); });
-    if (!file->is_open()) Message("<Xml::FileInStream::FileInStream> Could not open file: " + path);
+    try {
+        withoutFailures([&] { file->open(path, std::ios_base::in | std::ios_base::binary); });
+        if (!file->is_open()) Message("<Xml::FileInStream::FileInStream> Could not open file: " + path);
+    } catch (...) {
+        // The file may be open all the same, and an object that was not made will not close it.
+        withoutExceptions([&] { file->close(); });
+        throw;
+    }
 }
 
 FileInStream::~FileInStream() {
-    withoutFailures([&] {
+    withoutExceptions([&] {
         if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
     });
 }

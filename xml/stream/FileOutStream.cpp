@@ -16,12 +16,18 @@ FileOutStream::FileOutStream(const std::string& path, std::ofstream* file) : str
     withoutFailures([&] {
         if (file->is_open()) file->close();
     });
-    withoutFailures([&] { file->open(path, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc); });
-    if (!file->is_open()) Message("<Xml::FileOutStream::FileOutStream> Could not open file: " + path);
+    try {
+        withoutFailures([&] { file->open(path, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc); });
+        if (!file->is_open()) Message("<Xml::FileOutStream::FileOutStream> Could not open file: " + path);
+    } catch (...) {
+        // The file may be open all the same, and an object that was not made will not close it.
+        withoutExceptions([&] { file->close(); });
+        throw;
+    }
 }
 
 FileOutStream::~FileOutStream() {
-    withoutFailures([&] {
+    withoutExceptions([&] {
         if (openedHere != nullptr && openedHere->is_open()) openedHere->close();
     });
 }

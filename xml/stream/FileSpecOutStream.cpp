@@ -14,9 +14,9 @@ constexpr std::uint32_t kTextType = 0x54455854;  // 'T', 'E', 'X', 'T'
 
 FileSpecOutStream::FileSpecOutStream(OrvSys::FileIO& openFile) : file(&openFile) {}
 
-FileSpecOutStream::FileSpecOutStream(const OrvSys::FileSpec& spec) {
-    OrvSys::FileSpecFunctions::CreateFile(spec, kTextType);
-    owned = std::make_unique<OrvSys::FileIO>(spec);
+FileSpecOutStream::FileSpecOutStream(const OrvSys::FileSpec& spec) : owned(std::make_unique<OrvSys::FileIO>(spec)) {
+    OrvSys::FileSpecFunctions::CreateFile(
+        spec, kTextType);  // last: a file must not be emptied for a sink that cannot be made
     if (owned->OpenForWriting()) {
         file = owned.get();
     } else {

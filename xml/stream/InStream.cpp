@@ -92,7 +92,8 @@ void InStream::recordBreak(int position) {
         lineBreakSet.insert(lineBreaks.begin(), lineBreaks.end());
         lineBreaksRise = false;
     }
-    if (lineBreakSet.insert(position).second) lineBreaks.push_back(position);
+    if (lineBreaks.size() == lineBreaks.capacity()) lineBreaks.reserve(2 * lineBreaks.size());
+    if (lineBreakSet.insert(position).second) lineBreaks.push_back(position);  // has room: both or none
 }
 
 int InStream::positionOf(const char* byte) const {
@@ -160,12 +161,16 @@ void InStream::setReferenceError() {
 void InStream::makeReferenceError() const {
     auto& self = const_cast<InStream&>(*this);
     const Use use(self);
-    const auto [begin, end] = std::exchange(errorReference, {-1, -1});
+    const auto [begin, end] = errorReference;
+    std::string made = errorMessage;
+    made.reserve(made.size() + static_cast<std::size_t>(std::max(end - begin, 0)));  // before the source is moved
     const int here = tell();
     self.seek(begin);
     char c = 0;
-    for (int i = begin; i < end && self.readRaw(c); ++i) errorMessage += c;
+    for (int i = begin; i < end && self.readRaw(c); ++i) made += c;
     self.seek(here);
+    errorMessage = std::move(made);
+    errorReference = {-1, -1};
 }
 
 // Whether the reference that begins there ends where the last one did, or does not end either.

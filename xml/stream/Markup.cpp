@@ -15,7 +15,12 @@
 namespace Xml {
 
 bool InStream::readMarkup() {
-    openMarkup.clear();
+    // Empty between operations, also where memory runs out in one: what reads a reference looks at it.
+    struct Closing {
+        std::vector<OpenMarkup>& open;
+        ~Closing() { open.clear(); }
+    };
+    const Closing closing{openMarkup};
     int failedTail =
         -1;  // where a trial for "CDATA[" failed last; enclosing trials come to the same place right after it
     for (;;) {

@@ -70,6 +70,7 @@ private:
     std::int32_t tabLevel = 0;
     bool atLineStart = true;
     bool counting = false;
+    bool cutShort = false;  // a node could not be written to its end: what nodes know of this stream may be wrong
     std::int64_t counted = 0;
 };
 

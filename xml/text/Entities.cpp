@@ -28,6 +28,8 @@ bool isCharReference(const std::string& name) { return name.size() >= 2 && name[
 unsigned extractNumber(const std::string& digits, bool hexadecimal) {
     unsigned number = 0;
     std::istringstream stream(digits);
+    stream.exceptions(
+        std::ios_base::badbit);  // memory that runs out within an extraction would be no more than a state
     stream >> (hexadecimal ? std::hex : std::dec) >> number;
     return stream.fail() ? 0 : number;
 }

@@ -17,6 +17,8 @@ template <class Number>
 Number extract(const std::string& text) {
     Number number = 0;
     std::istringstream stream(text);
+    stream.exceptions(
+        std::ios_base::badbit);  // memory that runs out within an extraction would be no more than a state
     stream >> number;
     return number;
 }

@@ -4,6 +4,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/Object.h"
+#include "xml/stream/internal/OutStreamAccess.h"
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,7 +29,10 @@ struct NodeAccess {
     static bool dirty(const Object& node) { return node.dirty; }
     static int writeStart(const Object& node) { return node.writeStart; }
     static int writeEnd(const Object& node) { return node.writeEnd; }
-    static void beginWriting(const Object& node, int position) { node.writeStart = position; }
+    static void beginWriting(const Object& node, int position) {
+        node.writeStart = position;
+        node.writeEnd = OutStreamAccess::kUnrecordable;  // not known before it is written, and never if it cannot be
+    }
     static void endWriting(const Object& node, int position) {
         node.writeEnd = position;
         node.dirty = false;
@@ -61,6 +65,19 @@ struct NodeAccess {
     // `enter` links the element itself and says whether to go on below it. Nodes of other classes get their setDtd called.
     template <class Enter>
     static void setDtdBelow(Element& top, const Dtd* dtd, Enter enter);
+
+    // Links a node that nobody owns yet, with all below it. Where memory runs out it has no links afterwards: it may outlive the
+    // Dtd. Taking them away goes the same way again, with the memory that was just given back.
+    static void linkNew(Object& node, const Dtd* dtd) {
+        try {
+            node.setDtd(dtd);
+        } catch (...) {
+            try {
+                node.setDtd(nullptr);
+            } catch (...) {}
+            throw;
+        }
+    }
 
     static void linkAttributes(Element& element, const Dtd* dtd) {
         for (Attribute* attribute : element.attributes) attribute->Object::dtd = dtd;

@@ -99,7 +99,7 @@ private:
         }
         const int position = OutStreamAccess::position(out);
         if (Object::useRWOptimization && !NodeAccess::dirty(child) &&
-            OutStreamAccess::standsAt(position, NodeAccess::writeStart(child), NodeAccess::writeEnd(child))) {
+            OutStreamAccess::standsAt(out, position, NodeAccess::writeStart(child), NodeAccess::writeEnd(child))) {
             out.setPosition(NodeAccess::writeEnd(child));
             return;
         }
@@ -122,6 +122,7 @@ private:
 
 void writeElement(const Element& element, OutStream& out) {
     const OutStreamAccess::Counting counting(out);
+    const OutStreamAccess::Writing writing(out);
     Writer(out).run(element);
 }
 

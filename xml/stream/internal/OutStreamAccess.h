@@ -2,6 +2,7 @@
 
 #include "xml/stream/OutStream.h"
 #include <cstddef>
+#include <exception>
 #include <limits>
 #include <string_view>
 
@@ -31,6 +32,25 @@ struct OutStreamAccess {
         bool outermost;
     };
 
+    // A write under way: one that is left by an exception leaves the level of tabs as it was.
+    class Writing {
+    public:
+        explicit Writing(OutStream& stream)
+            : out(stream), tabLevel(stream.tabLevel), exceptions(std::uncaught_exceptions()) {}
+        ~Writing() {
+            if (std::uncaught_exceptions() == exceptions) return;
+            out.tabLevel = tabLevel;
+            out.cutShort = true;
+        }
+        Writing(const Writing&) = delete;
+        Writing& operator=(const Writing&) = delete;
+
+    private:
+        OutStream& out;
+        std::int32_t tabLevel;
+        int exceptions;
+    };
+
     // Takes the count anew from the stream, behind code that may have moved it unseen.
     static void resume(OutStream& out) {
         out.counted = out.countFrom();
@@ -43,8 +63,8 @@ struct OutStreamAccess {
     }
 
     // Whether a node that has not changed and was last written from `writeStart` to `writeEnd` is there already.
-    static bool standsAt(int position, int writeStart, int writeEnd) {
-        return writeStart == position && position != kUnrecordable && writeEnd != kUnrecordable;
+    static bool standsAt(const OutStream& out, int position, int writeStart, int writeEnd) {
+        return !out.cutShort && writeStart == position && position != kUnrecordable && writeEnd != kUnrecordable;
     }
 
     static void put(OutStream& out, std::string_view text) { out.putIndented(text.data(), text.size()); }

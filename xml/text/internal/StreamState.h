@@ -16,7 +16,7 @@ void withoutExceptions(Operation operation) {
     } catch (...) {}
 }
 
-// For opening and closing, where memory that runs out is no affair of the stream's exceptions and reaches the caller.
+// For opening, where memory that runs out is no affair of the stream's exceptions and reaches the caller.
 template <class Operation>
 void withoutFailures(Operation operation) {
     try {
