@@ -141,45 +141,48 @@ bool XPath::FindNodes(const OrvSys::Uni16String& path) {
     return ok;
 }
 
-bool XPath::fail(ErrorCode code, const OrvSys::Uni16String& text) {
+bool XPath::fail(ErrorCode code, OrvSys::Uni16String&& text) {
     errorCode = code;
-    errorText = text;
+    errorText = std::move(text);
     return false;
 }
 
+// Texts are made before anything is set: where memory runs out for one, no code stands without it.
 void XPath::setError(const Evaluation& evaluation, const PathText& text) {
     const Absence& absence = evaluation.absence();
-    errorCode = absence.code;
+    const PathError& error = evaluation.error();
+    OrvSys::Uni16String made;
+    if (error.code != NONE) {
+        made = error.text;
+    } else if (absence.step != nullptr) {
+        made = absence.withPredicates ? absence.step->withPredicates(text) : absence.step->withAxis(text);
+    }
     errorDepth = absence.depth;
-    if (absence.step != nullptr)
-        errorText = absence.withPredicates ? absence.step->withPredicates(text) : absence.step->withAxis(text);
-    if (evaluation.error().code != NONE) fail(evaluation.error().code, evaluation.error().text);
+    errorCode = error.code != NONE ? error.code : absence.code;
+    if (error.code != NONE || absence.step != nullptr) errorText = std::move(made);
 }
 
-// Of nodes each is a result once, though it may be the value of several context nodes; values are results as they are.
+// Of nodes each is a result once, though it may be the value of several context nodes; values are results as they are. All or,
+// where memory runs out, none of them.
 void XPath::setResults(Evaluation& evaluation) {
-    nodes = std::move(evaluation.nodes);
-    if (evaluation.values.empty()) return;
-    if (evaluation.values.front().kind == Value::Kind::Node) {
-        NodeMap taken;
-        for (const Value& value : evaluation.values) {
-            if (taken.insert(value.node).second) nodes.push_back(value.node);
-        }
-        return;
-    }
-    results.reserve(evaluation.values.size());
+    std::vector<Object*> foundNodes = std::move(evaluation.nodes);
+    std::vector<ResultItem> foundValues;
+    NodeMap taken;
     for (const Value& value : evaluation.values) {
+        if (value.kind == Value::Kind::Node) {
+            if (taken.insert(value.node).second) foundNodes.push_back(value.node);
+            continue;
+        }
         ResultItem item;
         item.contextTag = value.tag;
         item.kind = static_cast<std::int32_t>(value.kind);
-        switch (value.kind) {
-        case Value::Kind::String: item.string = value.string->text; break;
-        case Value::Kind::Number: item.number = value.number; break;
-        case Value::Kind::Boolean: item.boolean = value.boolean; break;
-        case Value::Kind::Node: break;  // all are of one kind
-        }
-        results.push_back(item);
+        if (value.kind == Value::Kind::String) item.string = value.string->text;
+        if (value.kind == Value::Kind::Number) item.number = value.number;
+        if (value.kind == Value::Kind::Boolean) item.boolean = value.boolean;
+        foundValues.push_back(item);
     }
+    nodes = std::move(foundNodes);
+    results = std::move(foundValues);
 }
 
 unsigned XPath::GetNrOfResults() const { return static_cast<unsigned>(nodes.empty() ? results.size() : nodes.size()); }

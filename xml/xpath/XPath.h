@@ -117,7 +117,7 @@ public:
 
 private:
     void reset();
-    bool fail(ErrorCode code, const OrvSys::Uni16String& text);
+    bool fail(ErrorCode code, OrvSys::Uni16String&& text);
     void setError(const Evaluation& evaluation, const PathText& text);
     void setResults(Evaluation& evaluation);
 
