@@ -1,0 +1,141 @@
+#include "memory/Failing.h"
+
+#include "xml/text/Message.h"
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace Xml::test {
+
+namespace {
+
+long live = 0;  // allocations that were not given back
+
+bool counting = false;
+long counted = 0;
+long due = 0;            // the one to fail
+bool refused = false;    // it has failed
+bool mayShow = false;    // ... in the operation that has ended last
+bool tolerated = false;  // ... where the caller had said that it can do without
+
+int messages = 0;
+
+void countMessage(const char*, ...) { ++messages; }
+
+// The number that the next file would get: a file that was left open shows in it.
+int nextDescriptor() {
+    const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(descriptor);
+    return descriptor;
+}
+
+int failedParts() {
+    const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
+    return test->result()->total_part_count();
+}
+
+}  // namespace
+
+// Null when the allocation is to fail.
+void* allocate(std::size_t bytes, bool tolerant) noexcept {
+    if (counting && ++counted == due) {
+        refused = mayShow = true;
+        tolerated = tolerant;
+        return nullptr;
+    }
+    void* const memory = std::malloc(bytes > 0 ? bytes : 1);
+    if (memory != nullptr) ++live;
+    return memory;
+}
+
+void giveBack(void* memory) noexcept {
+    if (memory != nullptr) --live;
+    std::free(memory);
+}
+
+Attempt::Attempt(long failingAllocation) {
+    counted = 0;
+    due = failingAllocation;
+    refused = mayShow = tolerated = false;
+}
+
+bool Attempt::hasFailed() const { return refused; }
+
+void Attempt::begin() {
+    counting = true;
+    mayShow = false;
+}
+
+void Attempt::end() { counting = false; }
+
+void Attempt::judge(const std::string& thrown, bool mustShow) {
+    if (mayShow && mustShow && !tolerated) {
+        EXPECT_EQ(thrown, "std::bad_alloc") << "should have reached the caller";
+    } else {
+        EXPECT_EQ(thrown, "") << "came out although nothing had failed, or nothing that may show";
+    }
+}
+
+void forEachFailingAllocation(const std::function<void(Attempt&)>& scenario) {
+    constexpr long kMost = 100'000;
+    for (long number = 0; number <= kMost; ++number) {
+        const int before = failedParts();
+        bool hasFailed = false;
+        {
+            SCOPED_TRACE("allocation " + std::to_string(number) + " fails");
+            const long liveBefore = live;
+            const int descriptorBefore = nextDescriptor();
+            {
+                Attempt attempt(number);
+                scenario(attempt);
+                hasFailed = attempt.hasFailed();
+            }
+            if (failedParts() != before) return;  // the report has taken memory too
+            if (number > 0) {
+                EXPECT_EQ(live, liveBefore) << "memory was not given back";
+            }
+            EXPECT_EQ(nextDescriptor(), descriptorBefore) << "a file was left open";
+            if (failedParts() != before) return;
+        }
+        if (number == 0 || hasFailed) continue;
+        EXPECT_GT(number, 1) << "nothing was allocated that could fail";
+        return;
+    }
+    ADD_FAILURE() << "does not come to an end";
+}
+
+QuietMessages::QuietMessages() : handlerBefore(Message::mMessageHandler), outBefore(Message::disableOutput(true)) {
+    messages = 0;
+    Message::InstallMessageHandler(countMessage);
+}
+
+QuietMessages::~QuietMessages() {
+    Message::InstallMessageHandler(handlerBefore);
+    Message::disableOutput(outBefore);
+}
+
+int QuietMessages::count() const { return messages; }
+
+}  // namespace Xml::test
+
+namespace {
+
+void* allocateOrThrow(std::size_t bytes) {
+    if (void* const memory = Xml::test::allocate(bytes, false)) return memory;
+    throw std::bad_alloc();
+}
+
+}  // namespace
+
+// All forms but those for extended alignment, so that none meets another's memory.
+void* operator new(std::size_t bytes) { return allocateOrThrow(bytes); }
+void* operator new[](std::size_t bytes) { return allocateOrThrow(bytes); }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes, true); }
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes, true); }
+void operator delete(void* memory) noexcept { Xml::test::giveBack(memory); }
+void operator delete[](void* memory) noexcept { Xml::test::giveBack(memory); }
+void operator delete(void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
