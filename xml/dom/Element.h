@@ -112,7 +112,7 @@ public:
     Element* getElementByAttribute(const std::string& attribute, const DataHolder& value, int n = 0);
     const Element* getElementByAttribute(const std::string& attribute, const DataHolder& value, int n = 0) const;
 
-    // The forms with a pointer count `*n` down by one for each match that they pass.
+    // An n below 0 counts as 0. The forms with a pointer count `*n` down by one for each match that they pass.
     Element* findElement(const std::string& name, int n = 0);
     const Element* findElement(const std::string& name, int n = 0) const;
     Element* findElement(const std::string& name, int* n);

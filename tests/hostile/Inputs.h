@@ -1,0 +1,114 @@
+#pragma once
+
+#include "hostile/Guarded.h"
+#include "support/Sources.h"
+#include <functional>
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+namespace Xml {
+class Element;
+class InStream;
+}  // namespace Xml
+
+// Tables of hostile inputs: how each is made, what is asked of it, and what must come of it.
+namespace Xml::test {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kScale = 100;
+#else
+constexpr int kScale = 1;
+#endif
+constexpr int kMillion = 1'000'000 / kScale;
+constexpr int kGroups = 500'000 / kScale;
+constexpr int kBrackets = kScale > 1 ? 2'000 : 100'000;  // more than a path may have
+constexpr int kLongName = 16'000'000 / kScale;
+constexpr int kLongText = 64'000'000 / kScale;
+
+std::string repeated(const std::string& text, int count);
+
+// The pieces for 0 to count - 1, one behind the other.
+std::string pieces(int count, const std::function<std::string(int)>& piece);
+
+// What is told of an input: over a file stream, whose end shows one read late, it may be something else.
+struct Told {
+    std::string prompt;
+    std::string late;
+
+    Told(const char* text) : prompt(text), late(text) {}
+    Told(std::string text) : prompt(std::move(text)), late(prompt) {}
+    Told(std::string promptText, std::string lateText) : prompt(std::move(promptText)), late(std::move(lateText)) {}
+};
+
+// "(line = 1, column = 5) text <class>", cut as a reader cuts it.
+std::string located(int line, int column, const std::string& text, const char* readerClass);
+
+template <class R>
+std::string failed(int column, const std::string& text, int line = 1) {
+    return located(line, column, text, typeid(R).name());
+}
+
+// What a reader says of data that ends too early, `size` bytes in one line.
+template <class R>
+Told ended(int size) {
+    return {failed<R>(size, "Unexpected end of stream"), failed<R>(-1, "Unexpected end of stream")};
+}
+
+// How many elements there are below and with the root, how many levels of them, how many attributes, texts, and bytes in both.
+std::string factsOf(const Element& root);
+std::string facts(int elements, int levels, int attributes = 0, int texts = 0, int bytes = 0);
+
+// --- What is asked of a source ---
+
+using Ask = std::function<std::string(InStream&)>;
+
+// Reads a document: its facts, or the message; behind facts the note that a success may leave. "silent" without a message.
+std::string document(InStream& in);
+
+// The same, and whether what is written of it reads back as the same text: "..., written".
+std::string documentWritten(InStream& in);
+
+// Reads declarations into a Dtd, as an external subset: how much it writes, or the message.
+std::string declarations(InStream& in);
+
+// Reads a document: "valid", "not valid", or the message.
+std::string validity(InStream& in);
+
+struct ReadCase {
+    const char* name;
+    std::function<std::string()> input;
+    Ask ask;
+    Told told;
+    Bounds bounds = {};
+};
+
+// Every case from every kind of source, each in a process of its own.
+void expectTold(const std::vector<ReadCase>& cases);
+
+struct RunCase {
+    const char* name;
+    std::function<std::string()> run;
+    std::string told;
+    Bounds bounds = {};
+};
+
+// The same of what is not read from a source.
+void expectTold(const std::vector<RunCase>& cases);
+
+// A file of its own for the time of a test.
+class ScratchFile {
+public:
+    ScratchFile(const std::string& name, const std::string& bytes);
+    ~ScratchFile();
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string path;
+};
+
+// Calls `use` with a stream of that kind over the text, which must be what is in the file at the path.
+void overSource(Source source, const std::string& text, const std::string& path,
+                const std::function<void(InStream&)>& use);
+
+}  // namespace Xml::test

@@ -1,0 +1,177 @@
+// Paths that were written to break a query, over trees that were.
+#include "hostile/Inputs.h"
+#include "orvsys/Uni16.h"
+#include "support/Trees.h"
+#include "xml/xml.h"
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace Xml::test {
+namespace {
+
+using OrvSys::Uni16String;
+
+constexpr std::size_t kMiB = std::size_t{1} << 20;
+constexpr Bounds kLarge = {400 * kMiB};
+
+// A query keeps some 30 bytes a character.
+constexpr int kLong = kLongName / 8;
+
+constexpr int kMany = kMillion / 5;
+
+Uni16String wide(const std::string& text) { return Uni16String(text.begin(), text.end()); }
+
+// A query's results, or the code of the error; the same of the check of its syntax.
+std::string asked(const std::string& document, const Uni16String& path) {
+    const Outcome outcome = readDocument(document);
+    if (!outcome.ok) return "not read";
+    XPath query(outcome.document.get());
+    const unsigned count = query.GetValues(path);
+    const std::string results =
+        count > 0 ? std::to_string(count) + " results" : "error " + std::to_string(query.GetErrorCode());
+    XPath check(outcome.document.get());  // the failed query has no context for a relative path any more
+    const bool ok = check.SyntaxOK(path);
+    return results + (ok ? ", well-formed" : ", error " + std::to_string(check.GetErrorCode()));
+}
+
+std::function<std::string()> asking(const Uni16String& path, const std::string& document = "<r k='v'><r/>x</r>") {
+    return [path, document] { return asked(document, path); };
+}
+
+std::function<std::string()> asking(const std::string& path, const std::string& document = "<r k='v'><r/>x</r>") {
+    return asking(wide(path), document);
+}
+
+TEST(HostilePathTest, DepthOfAPathIsBounded) {
+    const std::string open = repeated("[", kBrackets);
+    const std::string close = repeated("]", kBrackets);
+    const auto predicates = [](int levels) { return "/r" + repeated("[.", levels) + repeated("]", levels); };
+    expectTold({
+        {"as many as are allowed", asking(predicates(1'000)), "1 results, well-formed"},
+        {"one more", asking(predicates(1'001)), "error 27, error 27"},
+        {"a hundred thousand", asking(predicates(kBrackets)), "error 27, error 27"},
+        {"that are never closed", asking("/r" + open), "error 27, error 27"},
+        {"that are never opened", asking("/r" + close), "error 12, error 12"},
+        {"in a literal", asking("'" + open + "'"), "1 results, well-formed"},
+        {"in a literal of a predicate", asking("/r[. = '" + open + close + "']"), "error 2, well-formed"},
+        {"with other things between", asking("/r" + repeated("[@k = 'v' ][r/", kBrackets)), "error 27, error 27"},
+        {"parentheses", asking("/r[" + repeated("(", kBrackets) + repeated(")", kBrackets) + "]"), "error 0, error 0"},
+        {"parentheses behind a name", asking("/r" + repeated("(", kBrackets)), "error 12, error 12"},
+    });
+}
+
+TEST(HostilePathTest, LengthOfAPathIsNone) {
+    expectTold({
+        {"steps", asking("/r" + repeated("/.", kMillion)), "1 results, well-formed", kLarge},
+        {"steps up and down", asking("/r" + repeated("/r/..", kBrackets)), "1 results, well-formed"},
+        {"steps that find nothing", asking("/r" + repeated("/x", kMillion)), "error 2, well-formed", kLarge},
+        {"double slashes", asking("/r" + repeated("//.", kBrackets)), "3 results, well-formed"},
+        {"slashes", asking(repeated("/", kMillion)), "error 4, error 4", kLarge},
+        {"predicates", asking("/r" + repeated("[@k]", kBrackets)), "1 results, well-formed"},
+        {"operands", asking("1" + repeated(" + 1", kBrackets)), "1 results, well-formed"},
+        {"operators", asking("1" + repeated(" + ", kBrackets)), "error 0, error 0"},
+        {"comparisons", asking("@k" + repeated(" = 'v'", kBrackets)), "error 2, well-formed"},
+        {"lone quotes", asking(repeated("'", kBrackets - 1)), "1 results, well-formed"},
+        {"colons", asking(repeated(":", kLong)), "error 15, error 15", kLarge},
+        {"blanks", asking(repeated(" ", kLong) + "r" + repeated("\t", kLong)), "1 results, well-formed", kLarge},
+        {"a name", asking(repeated("n", kLong)), "error 2, well-formed", kLarge},
+        {"a literal", asking("'" + repeated("n", kLong) + "'"), "1 results, well-formed", kLarge},
+        {"a number", asking(repeated("9", kLong)), "1 results, well-formed", kLarge},
+        {"nothing", asking(""), "error 5, error 5"},
+    });
+}
+
+TEST(HostilePathTest, EveryUnitOfAPathIsReadOrRefused) {
+    // Each of the 65,536 units in each of these places; what comes of it is none of this test's business.
+    const auto job = [] {
+        const Outcome outcome = readDocument("<r k='v'><r/>x</r>");
+        XPath query(outcome.document.get());
+        const char16_t* const kPlaces[][2] = {{u"", u""},       {u"/", u""},     {u"r", u"r"}, {u"'", u"'"},
+                                              {u"r[", u"]"},    {u"1 ", u" 1"},  {u"@", u""},  {u"r::", u""},
+                                              {u"text(", u")"}, {u"//r", u"//r"}};
+        int told = 0;
+        for (unsigned unit = 0; unit < 0x10000; unit += kScale) {
+            for (const auto& place : kPlaces) {
+                const Uni16String path = place[0] + Uni16String(1, static_cast<char16_t>(unit)) + place[1];
+                query.GetValues(u"/");
+                if (query.GetValues(path) > 0 || query.GetErrorCode() <= XPath::EXPRESSION_NESTED_TOO_DEEPLY) ++told;
+                query.GetErrorString();
+            }
+        }
+        return std::to_string(told);
+    };
+    expectTold({{"units", job, std::to_string((0xFFFF / kScale + 1) * 10)}});
+}
+
+TEST(HostilePathTest, ATreeOfAnyShapeIsWalkedInTurn) {
+    const auto deep = [](const std::string& path) {
+        return asking(path, repeated("<a>", kMany) + "<z k='v'/>" + repeated("</a>", kMany));
+    };
+    const auto flat = [](const std::string& path) {
+        return asking(path, "<a>" + repeated("<b/>x", kMany / 2) + "</a>");
+    };
+    const std::string all = std::to_string(kMany) + " results, well-formed";
+    const std::string half = std::to_string(kMany / 2) + " results, well-formed";
+    constexpr Bounds bounds = {400 * kMiB};
+    expectTold({
+        {"below", deep("//a"), all, bounds},
+        {"above", deep("//z/ancestor::a"), all, bounds},
+        {"beside", flat("//b/following-sibling::b"), std::to_string(kMany / 2 - 1) + " results, well-formed", bounds},
+        {"before", flat("//b/preceding::text()"), std::to_string(kMany / 2 - 1) + " results, well-formed", bounds},
+        {"with a predicate each", flat("//b[../b]"), half, bounds},
+        {"by position", flat("/a/b[position() = last()]"), "1 results, well-formed", bounds},
+        {"pairs of all", asking("/a/b + /a/b", "<a>" + repeated("<b/>", 5'000) + "</a>"), "threw std::bad_alloc",
+         bounds},
+    });
+}
+
+TEST(HostilePathTest, NumbersOfAnySizeAreNumbers) {
+    const auto valueOf = [](const std::string& path, const std::string& document = "<r/>") {
+        return [path, document] {
+            const Outcome outcome = readDocument(document);
+            XPath query(outcome.document.get());
+            return OrvSys::Uni16CharToPlatformCString(query.GetValue(wide(path), -1));
+        };
+    };
+    const std::string digits = repeated("9", 309);
+    expectTold({
+        {"300 digits", valueOf("1" + repeated("0", 22)), "1" + repeated("0", 22) + ".000000"},
+        {"more than there are numbers", valueOf(digits), "inf"},
+        {"of an attribute", valueOf("/r/@n + 0", "<r n='1" + repeated("0", 22) + "'/>"),
+         "1" + repeated("0", 22) + ".000000"},
+        {"more than there are, of an attribute", valueOf("/r/@n + 0", "<r n='-" + digits + "'/>"), "-inf"},
+        {"more than there are, of an exponent", valueOf("'1e999999999999' * 1"), "inf"},
+        {"neither", valueOf("'inf' - 'inf'"), "-nan"},
+        {"by nothing", valueOf("1 div 0"), "inf"},
+        {"digits behind the point", valueOf("0." + repeated("0", kBrackets) + "1"), "0.000000"},
+        {"a word that is far",
+         [] {
+             const Outcome outcome = readDocument("<r n='" + repeated("w ", 1'000) + "'/>");
+             XPath query(outcome.document.get());
+             query.GetValue(u"/r/@n", 2'000'000'000);
+             return std::to_string(query.GetErrorCode());
+         },
+         "1"},
+        {"a word below none",
+         [] {
+             const Outcome outcome = readDocument("<r n='a b'/>");
+             XPath query(outcome.document.get());
+             query.GetValue(u"/r/@n", -2'000'000'000);
+             return std::to_string(query.GetErrorCode());
+         },
+         "1"},
+        {"a result that is far",
+         [] {
+             const Outcome outcome = readDocument("<r/>");
+             XPath query(outcome.document.get());
+             query.GetValues(u"/r");
+             query.GetValue(4'294'967'295u, -1);
+             return std::to_string(query.GetErrorCode());
+         },
+         "1"},
+    });
+}
+
+}  // namespace
+}  // namespace Xml::test
