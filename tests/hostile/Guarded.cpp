@@ -78,18 +78,31 @@ void send(int pipe, const std::string& text) {
 
 void ignoreMessage(const char*, ...) {}
 
-void* runJob(void* argument) {
-    const Child& child = *static_cast<const Child*>(argument);
-    const std::size_t countBefore = liveCount;
+std::string outcomeOf(const Child& child) {
     mostBytes = liveBytes + child.bounds.memory;
+    std::string outcome;
     try {
-        send(child.pipe, child.job());
+        outcome = child.job();
     } catch (const std::bad_alloc&) {
-        send(child.pipe, "threw std::bad_alloc");
+        mostBytes = static_cast<std::size_t>(-1);
+        outcome = "threw std::bad_alloc";
     } catch (const std::exception& e) {
-        send(child.pipe, std::string("threw ") + e.what());
+        mostBytes = static_cast<std::size_t>(-1);
+        outcome = std::string("threw ") + e.what();
     }
     mostBytes = static_cast<std::size_t>(-1);
+    return outcome;
+}
+
+void* runJob(void* argument) {
+    const Child& child = *static_cast<const Child*>(argument);
+    std::size_t countBefore = liveCount;
+    send(child.pipe, outcomeOf(child));
+    if (liveCount != countBefore) {
+        // It may be something that is made only once, such as a standard facet's table: that is not made again.
+        countBefore = liveCount;
+        outcomeOf(child);
+    }
     if (liveCount != countBefore) send(child.pipe, " [memory was not given back]");
     return nullptr;
 }
