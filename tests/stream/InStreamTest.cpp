@@ -905,4 +905,19 @@ TEST(InStreamTest, ReadsRunsOfMarksOnceAndWithoutDepth) {
     }
 }
 
+TEST(InStreamTest, AReferenceThatIsOpenToTheEndLeavesItsLastByteToTheNextLineBreakEachTimeItIsTried) {
+    for (const Source source : kPromptSources) {
+        SCOPED_TRACE(source);
+        withSource(source, "<!<?\r&\r", [](InStream& in) {
+            std::string token;
+            EXPECT_TRUE(in.getToken(token));  // "<!": two trials of what follows read the reference
+            EXPECT_TRUE(in.getToken(token));  // "<?": one more
+            EXPECT_FALSE(in.getToken(token));
+            EXPECT_EQ(in.getPosition(), 7);
+            EXPECT_EQ(in.getLine(), 1);
+            EXPECT_EQ(in.getColumn(), 2) << "the return in front of the reference counts with the one at the end";
+        });
+    }
+}
+
 }  // namespace

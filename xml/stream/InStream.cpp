@@ -246,6 +246,7 @@ InStream::Plain InStream::readReferenceToken() {
     const int begin = mayRemember ? tell() - 1 : -1;
     if (mayRemember && begin >= 0 && isKnownReference(begin)) {
         if (readReference.end < 0) {
+            previousWasCR = readReference.endsInCR;  // as reading on to the end of the data leaves it
             endOfData();
             return Plain::Failed;
         }
@@ -254,7 +255,7 @@ InStream::Plain InStream::readReferenceToken() {
         return Plain::Read;
     }
     const bool ends = appendThrough(parseBuffer, ';');
-    if (mayRemember) readReference = {begin, ends ? tell() : -1};
+    if (mayRemember) readReference = {begin, ends ? tell() : -1, previousWasCR};
     if (!ends) endOfData();
     return ends ? Plain::Read : Plain::Failed;
 }

@@ -205,7 +205,8 @@ private:
     // The last reference that a trial met: many that begin before one far ';' would each be read up to it. Kept as long.
     struct ReadReference {
         int begin = -1;
-        int end = -1;  // behind the ';', -1 when none is ahead
+        int end = -1;           // behind the ';', -1 when none is ahead
+        bool endsInCR = false;  // whether the last byte that was read for it is a carriage return
     };
     ReadReference readReference;
 
