@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    long readsLeft = 20'000;
+    long readsLeft = 6'000;
 };
 
 }  // namespace Xml::fuzz

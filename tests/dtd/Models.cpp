@@ -118,6 +118,7 @@ std::vector<NodeValue> scanNodes(Scanner& scanner) {
             if (scanner.next() == '[') {
                 scanner.advance();
                 while (!scanner.take(']')) {
+                    if (scanner.done()) scanner.fail();
                     node.attributes.emplace(scanner.until("= ]"), kNoLink);
                     if (scanner.take('=')) scanner.until(" ]");
                 }
