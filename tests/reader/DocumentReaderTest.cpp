@@ -417,6 +417,16 @@ TEST(DocumentReaderTest, LeavesTheStreamsMessageWhenAnOpeningIsReadAgain) {
     }
 }
 
+// The end of a file stream leaves no way back to the bytes that the message tells of. It shows one read late, as a zero byte,
+// so that the document fails without a message of its own.
+TEST(DocumentReaderTest, LeavesTheStreamsMessageOfAReferenceWhereAFileEnds) {
+    withSource(Source::FileStream, "<!DOCTYPE a PUBLIC<?&<?&#65;><a/", [](InStream& in) {
+        DocumentReader reader;
+        EXPECT_FALSE(reader.parse(in));
+        EXPECT_EQ(in.getErrorMessage(), "not a name: &<?&#65;");
+    });
+}
+
 TEST(DocumentReaderTest, ReadsBackWhatADocumentWrites) {
     const char* const kTexts[] = {
         "<a/>",

@@ -141,36 +141,27 @@ int InStream::getColumn() const {
 // --- Failures ---
 
 const std::string& InStream::getErrorMessage() const {
-    if (errorReference.first >= 0) makeReferenceError();
+    if (errorReference != nullptr) {
+        errorMessage.append(*errorReference, errorReferenceFrom);
+        errorReference.reset();
+    }
     return errorMessage;
 }
 
 void InStream::setError(std::string_view text) {
     errorMessage = text;
-    errorReference = {-1, -1};
+    errorReference.reset();
     ++errorCount;
 }
 
 // "not a name: " and the reference that was met last. It may be as long as the source, and as often, and is mostly replaced before
-// anybody asks: it is made when somebody does.
+// anybody asks: it is put together when somebody does.
 void InStream::setReferenceError() {
     setError("not a name: ");
-    errorReference = {readReference.begin, readReference.end};
-}
-
-void InStream::makeReferenceError() const {
-    auto& self = const_cast<InStream&>(*this);
-    const Use use(self);
-    const auto [begin, end] = errorReference;
-    std::string made = errorMessage;
-    made.reserve(made.size() + static_cast<std::size_t>(std::max(end - begin, 0)));  // before the source is moved
-    const int here = tell();
-    self.seek(begin);
-    char c = 0;
-    for (int i = begin; i < end && self.readRaw(c); ++i) made += c;
-    self.seek(here);
-    errorMessage = std::move(made);
-    errorReference = {-1, -1};
+    errorReference = readReference.text;
+    const std::size_t size = errorReference->size();
+    const int length = std::max(readReference.end - readReference.begin, 0);
+    errorReferenceFrom = size - std::min(size, static_cast<std::size_t>(length));
 }
 
 // Whether the reference that begins there ends where the last one did, or does not end either.
@@ -254,8 +245,13 @@ InStream::Plain InStream::readReferenceToken() {
         parseBuffer += ';';  // what is between decides nothing: no trial goes on with a reference
         return Plain::Read;
     }
+    const std::size_t from = parseBuffer.size() - 1;
     const bool ends = appendThrough(parseBuffer, ';');
-    if (mayRemember) readReference = {begin, ends ? tell() : -1, previousWasCR};
+    if (mayRemember) {
+        std::shared_ptr<const std::string> text;
+        if (ends && begin >= 0) text = std::make_shared<const std::string>(parseBuffer, from);
+        readReference = {begin, ends ? tell() : -1, previousWasCR, std::move(text)};
+    }
     if (!ends) endOfData();
     return ends ? Plain::Read : Plain::Failed;
 }

@@ -2,6 +2,8 @@
 
 #include "xml/Export.h"
 #include "xml/text/DataHolder.h"
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -177,14 +179,14 @@ private:
 
     void setError(std::string_view text);
     void setReferenceError();
-    void makeReferenceError() const;
     bool isKnownReference(int position);
     void forgetWhatWasRead();
 
     mutable std::string errorMessage;
-    mutable std::pair<int, int> errorReference{-1, -1};  // the message is still to be made of these bytes of the source
-    unsigned errorCount = 0;                             // of messages set, to tell whether an attempt left one
-    std::vector<int> lineBreaks;                         // positions, in the order met
+    mutable std::shared_ptr<const std::string> errorReference;  // what is still to be added to the message ...
+    std::size_t errorReferenceFrom = 0;                         // ... from there on
+    unsigned errorCount = 0;                                    // of messages set, to tell whether an attempt left one
+    std::vector<int> lineBreaks;                                // positions, in the order met
     bool lineBreaksRise = true;
     std::unordered_set<int> lineBreakSet;  // the same positions, once they do not rise any more
     bool previousWasCR = false;
@@ -205,8 +207,9 @@ private:
     // The last reference that a trial met: many that begin before one far ';' would each be read up to it. Kept as long.
     struct ReadReference {
         int begin = -1;
-        int end = -1;           // behind the ';', -1 when none is ahead
-        bool endsInCR = false;  // whether the last byte that was read for it is a carriage return
+        int end = -1;                             // behind the ';', -1 when none is ahead
+        bool endsInCR = false;                    // whether the last byte that was read for it is a carriage return
+        std::shared_ptr<const std::string> text;  // ends with the ';', and begins with the first that was read up to it
     };
     ReadReference readReference;
 

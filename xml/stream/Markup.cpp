@@ -91,7 +91,7 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
         return Next::Done;
     }
     // Of a long token behind "<!" the text would be replaced by the next trial's before anybody could see it.
-    if (ok && open.kind == '?' && token[0] == '&' && remembers() && readReference.begin >= 0) {
+    if (ok && open.kind == '?' && token[0] == '&' && remembers() && readReference.text != nullptr) {
         setReferenceError();
     } else if (ok && (open.kind == '?' || length == 1)) {
         setError("not a name: ");
@@ -154,7 +154,7 @@ void InStream::rememberMarkup(const OpenMarkup& open, bool ok) {
     constexpr std::size_t kLongest = 64;  // long ones are not given up one by one
     const auto begin = static_cast<std::size_t>(open.begin.second) - 1;
     const bool nested = openMarkup.size() > 1;
-    if (!remembers() || !nested || ended || open.begin.first < 0 || errorReference.first >= 0) return;
+    if (!remembers() || !nested || ended || open.begin.first < 0 || errorReference != nullptr) return;
     const bool hasError = errorCount != open.errorCount;
     if (parseBuffer.size() - begin > kLongest || (hasError && errorMessage.size() > kLongest)) return;
     readMarkups[open.begin.first] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),
