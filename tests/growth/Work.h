@@ -7,9 +7,14 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
 // Counts what the library does where a caller can see it: the calls that it makes to a source, to a sink and to nodes of a
 // caller's own classes, and what it takes from the heap. The operators new of this program count.
+//
+// Work is counted at n, 2n, 4n and 8n, and a power of n is fitted to the four counts. The exponent must be at most
+// kMostExponent for every kind of work. `growth_tests --gtest_output=xml` gives the exponent of each case as a property of its
+// test, and the largest of all as the attribute `largest_exponent` of <testsuites>.
 namespace Xml::test {
 
 enum Kind { SourceCalls, SinkCalls, NodeCalls, Allocations, AllocatedBytes, kKinds };
@@ -27,12 +32,31 @@ Work workOf(const std::function<void()>& job);
 // Makes the job for a size; making it is not counted.
 using Jobs = std::function<std::function<void()>(int)>;
 
-// At 8n every kind of work may be eight times that at n and a tenth, for what doubles as it grows; beside that, `fixed`
-// is for what does not depend on the size. `kind` is what the job is about: it must have been counted.
-void expectLinear(const Jobs& jobs, Kind kind, int n = 1'000, long long fixed = 64);
+// The work of such jobs at n, 2n, 4n and 8n.
+using Growth = std::array<Work, 4>;
+Growth growthOf(const Jobs& jobs, int n);
 
-// The same of one kind of work alone. It must be at least `least`, at 8n.
-void expectLinearIn(const Jobs& jobs, Kind kind, int n, long long least);
+constexpr double kMostExponent = 1.1;
+
+// Of the kind that a job is about: below it the counter does not see what grows.
+constexpr double kLeastExponent = 0.9;
+
+// The exponent of n with which the work of a kind grows: the slope of the line of least squares through the logarithms. 0 is
+// the same at all sizes, 1 is linear, 2 is quadratic. Too little work to tell, such as the first blocks of a list that doubles, is 0.
+double exponentOf(const Growth& growth, Kind kind);
+
+// The kinds of work that grow faster than kMostExponent allows.
+std::vector<Kind> tooFast(const Growth& growth);
+
+// No kind of work may grow too fast, and the one that the job is about must grow. Cases have different names within a test:
+// failures and the properties of the test tell them apart by these.
+void expectLinear(const std::string& name, const Jobs& jobs, Kind kind, int n = 1'000);
+
+// No kind of work may grow too fast. Returns the exponent of the one that the job is about.
+double expectAtMostLinear(const std::string& name, const Jobs& jobs, Kind kind, int n);
+
+// That kind of work must be met and must not grow, but for a tenth from n to 8n. The others may grow linearly.
+void expectSame(const std::string& name, const Jobs& jobs, Kind kind, int n);
 
 // A source with only the four primitives.
 class CountingSource : public InStream {
@@ -111,6 +135,10 @@ public:
         ++totals[NodeCalls];
         return true;
     }
+    bool isCharData() const override {
+        ++totals[NodeCalls];
+        return false;
+    }
     void write(OutStream& out) const override {
         ++totals[NodeCalls];
         Element::write(out);
@@ -133,6 +161,10 @@ public:
     const std::string& toString() const override {
         ++totals[NodeCalls];
         return CharData::toString();
+    }
+    bool isElement() const override {
+        ++totals[NodeCalls];
+        return false;
     }
     bool isCharData() const override {
         ++totals[NodeCalls];

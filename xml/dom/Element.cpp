@@ -206,6 +206,7 @@ void Element::addChild(Object* child) { insertAt(children.size(), child); }
 
 // Looked for from the end, where lists are edited most and where taking out costs least.
 std::size_t Element::placeOfChild(const Object* child) const {
+    if (child == nullptr) return children.size();
     std::size_t place = children.size();
     while (place > 0 && children[place - 1] != child) --place;
     return place > 0 ? place - 1 : children.size();
@@ -227,7 +228,7 @@ Object* Element::extractChild(int i) {
 
 Object* Element::extractChild(Object* child) {
     const std::size_t place = placeOfChild(child);
-    return place < children.size() && child != nullptr ? extractChild(static_cast<int>(place)) : nullptr;
+    return place < children.size() ? extractChild(static_cast<int>(place)) : nullptr;
 }
 
 void Element::killChildren() {

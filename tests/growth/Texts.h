@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace Xml {
+class Dtd;
+class Element;
+}  // namespace Xml
+
+// Texts that grow, and what is read from them.
+namespace Xml::test {
+
+// Of what a test shows by size, a sanitizer sees a part.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kScale = 20;
+#else
+constexpr int kScale = 1;
+#endif
+
+// A name of the same length for every number: names that grow would be work that does too.
+std::string numbered(const std::string& name, int number);
+
+// The pieces for 0 to count - 1, one behind the other.
+std::string pieces(int count, const std::function<std::string(int)>& piece);
+std::string repeated(const std::string& text, int count);
+
+// One kind of text for each size.
+struct TextCase {
+    const char* name;
+    std::function<std::string(int)> text;
+};
+
+// The job of reading that document from a source that counts.
+std::function<void()> reading(std::string text, bool ok = true);
+
+std::unique_ptr<Element> readElement(const std::string& text);
+
+// From the declarations of the internal subset.
+std::unique_ptr<Dtd> readDtd(const std::string& declarations);
+
+}  // namespace Xml::test
