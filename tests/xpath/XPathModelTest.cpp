@@ -3,6 +3,7 @@
 // reads a step when the walk reaches it, collects nodes without looking them up, and stops predicates early; it must
 // find, number, report and keep what the plain rules do.
 #include "support/Messages.h"
+#include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
@@ -440,6 +441,35 @@ TEST(XPathModelTest, NestedPredicatesAreEvaluatedUpToTheLimit) {
                 EXPECT_EQ(queries.real.GetErrorCode(), c.code);
             }
         }
+    }
+}
+
+// Chains of steps along different axes find nodes more and more out of the order of the document.
+TEST(XPathModelTest, ChainsOfStepsKeepTheOrderOfTheRules) {
+    const std::vector<Text> axes = {u"following-sibling",
+                                    u"preceding-sibling",
+                                    u"following",
+                                    u"preceding",
+                                    u"ancestor",
+                                    u"ancestor-or-self",
+                                    u"parent",
+                                    u"child",
+                                    u"descendant",
+                                    u"self",
+                                    u"attribute",
+                                    u"descendant-or-self"};
+    const Outcome outcome = readDocument("<a><a><a/>t<c n=''/><b/></a><a><b>t</b><c><c/><b/></c></a><c/><a n=''/></a>");
+    Dice dice(7);
+    for (int chains = 0; chains < 3'000; ++chains) {
+        Text path = u"//*";
+        for (int steps = 2 + dice.below(7); steps > 0; --steps) {
+            path += u"/" + axes[static_cast<std::size_t>(dice.below(dice.chance(80) ? 6 : 12))] +
+                    (dice.chance(80) ? u"::node()" : u"::a");
+        }
+        XPath real(outcome.document.get());
+        NaiveXPath naive(outcome.document.get());
+        EXPECT_EQ(real.GetValues(path), naive.GetValues(path)) << literalOf(path);
+        ASSERT_TRUE(isSameState(real, naive)) << literalOf(path);
     }
 }
 

@@ -199,8 +199,8 @@ public:
         return {children.data() + begin, children.data() + std::max(place, begin)};
     }
 
-    // Context nodes mostly come in the order of the children, so the search goes on where the last one ended. Where they do not
-    // for a while, all places are noted. The number of children for a node that is none of them.
+    // Context nodes mostly come in the order of the children, so the search goes on where the last one ended. Where they turn
+    // back more than once, which takes some steps along different axes, all places are noted. The number of children for a node that is none of them.
     std::size_t placeOf(const Object* child) {
         if (turns > kTurns) {
             const std::uint32_t* const place = places.find(child);
@@ -222,7 +222,7 @@ public:
     }
 
 private:
-    static constexpr unsigned kTurns = 4;
+    static constexpr unsigned kTurns = 1;
 
     const std::vector<Object*>& children;
     std::size_t doneTo = 0;  // those before it were taken
