@@ -9,6 +9,7 @@
 #include "xml/dtd/internal/SpecAccess.h"
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 namespace Xml {
 
@@ -100,7 +101,7 @@ bool Matcher::run() {
 }
 
 void Matcher::push(Step step, const void* subject, const ChildQueue& itsQueue) {
-    frames.push_back({step, false, false, subject, {}, itsQueue});
+    frames.push_back({step, false, false, false, 0, subject, {}, itsQueue});
 }
 
 bool Matcher::resume() {
@@ -142,6 +143,7 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
     }
     push(Step::Element, &element, queue);
     frames.back().dtd = dtd;
+    enclosing.push_back({std::exchange(repetitions, 0), outcomes.size()});
     if (isMixed) {
         queue = ChildQueue();
         push(Step::Mixed, &static_cast<const MixedSpec&>(model), ChildQueue(children));
@@ -157,6 +159,9 @@ bool Matcher::resumeElement() {
     const bool fits = matched && queue.empty();
     queue = frame.queue;
     frames.pop_back();
+    repetitions = enclosing.back().repetitions;
+    if (outcomes.size() > enclosing.back().outcomes) outcomes.resize(enclosing.back().outcomes);
+    enclosing.pop_back();
     return decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
 }
 
@@ -280,29 +285,81 @@ bool Matcher::resumeRepeated() {
     const std::size_t mine = frames.size() - 1;
     const bool repeats = repetition == REP_ZERO_OR_MORE || repetition == REP_ONE_OR_MORE;
     if (!frames[mine].started) {
-        if (repeats && wasTried(spec)) return finish(matched);
+        if (repeats) {
+            if (wasTried(spec)) return finish(matched);
+            frames[mine].nested = repetitions > 0;
+            if (frames[mine].nested) {
+                if (const Outcome* outcome = known(spec)) {
+                    queue = outcome->left;
+                    return finish(outcome->matched);
+                }
+                frames[mine].firstPass = static_cast<std::uint32_t>(passes.size());
+                passes.push_back(queue);
+            }
+            ++repetitions;
+        }
         frames[mine].started = true;
         if (!beginParticle(particle)) return false;
     }
     for (;;) {
         Frame& frame = frames[mine];
         if (!matched) {
+            giveUp(frame.queue);
             if (repeats) noteTried(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
-            if (repetition == REP_ONCE || (repetition == REP_ONE_OR_MORE && frame.number == 0)) return finish(false);
-            queue = frame.queue;
-            return finish(true);
+            const bool fails = repetition == REP_ONCE || (repetition == REP_ONE_OR_MORE && frame.number == 0);
+            if (!fails) queue = frame.queue;
+            return repeats ? finishRepeated(!fails) : finish(!fails);
         }
         if (isName) queue.pop();
-        if (repetition == REP_ONCE || repetition == REP_OPTIONAL) return finish(true);
+        if (!repeats) return finish(true);
         ++frame.number;
-        if (queue.empty()) return finish(true);
+        if (queue.empty()) return finishRepeated(true);
         if (queue.size() == frame.queue.size()) {  // a pass that took nothing would go on for ever
             noteTried(spec, frame.queue, true);
-            return finish(true);
+            return finishRepeated(true);
         }
         frame.queue = queue;
+        if (frame.nested) {
+            if (const Outcome* outcome = known(spec)) {
+                if (outcome->matched) queue = outcome->left;
+                return finishRepeated(true);
+            }
+            passes.push_back(queue);
+        }
         if (!beginParticle(particle)) return false;
     }
+}
+
+// The repetition on top, which has come out so, would have from the start of each of its passes: but for the last one of "+",
+// which took nothing.
+bool Matcher::finishRepeated(bool outcome) {
+    --repetitions;
+    const Frame& frame = frames.back();
+    if (!frame.nested) return finish(outcome);
+    const auto& spec = *static_cast<const ChildrenSpec*>(frame.subject);
+    const bool needsOne = SpecAccess::repetition(spec) == REP_ONE_OR_MORE;
+    for (std::size_t i = frame.firstPass; i < passes.size() && !foreign; ++i) {
+        const ChildQueue& start = passes[i];
+        if (start.empty()) break;
+        const bool matches = outcome && !(needsOne && i - frame.firstPass >= frame.number);
+        if (matches || i == frame.firstPass) outcomes.push_back({{&spec, start.front()}, {matches, queue}});
+    }
+    passes.resize(frame.firstPass);
+    return finish(outcome);
+}
+
+// What is known to come of the repetition here, if anything.
+const Matcher::Outcome* Matcher::known(const ChildrenSpec& spec) const {
+    if (foreign || queue.empty() || outcomeOf.empty()) return nullptr;
+    const auto found = outcomeOf.find({&spec, queue.front()});
+    return found != outcomeOf.end() ? &found->second : nullptr;
+}
+
+// Who comes back to `before` may try again what has been tried since.
+void Matcher::giveUp(const ChildQueue& before) {
+    if (queue.size() == before.size()) return;
+    outcomeOf.insert(outcomes.begin(), outcomes.end());
+    outcomes.clear();
 }
 
 // Whether trying the repetition here is known to take nothing; the outcome is in `matched` and `queue` then.
@@ -354,6 +411,7 @@ bool Matcher::resumeChoice() {
             }
         } else {
             if (matched) return finish(true);
+            giveUp(frame.queue);
             queue = frame.queue;
             frame.number = frame.alone ? choice.leadingCount : frame.number + 1;
             frame.alone = false;

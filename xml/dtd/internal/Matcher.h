@@ -4,6 +4,9 @@
 #include "xml/dtd/ContentSpec.h"
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Xml {
@@ -29,6 +32,10 @@ class SeqSpec;
 // An element is decided once in a run (the outermost validation by one Dtd): its verdict stays with it until the run ends.
 // That keeps alternatives that try the same children again from costing 2^depth. Linking a subtree goes over it once for
 // the same reason: an element remembers that everything below it has been linked already.
+//
+// A repetition within another one is tried in front of a child once: "((a*, b) | a)*" would look at all that follows from
+// every "a" again, and nested ones would multiply. What came of it is noted for each place where a pass began, as it would
+// have come out the same from there; nobody asks for it before a group gives up something that it had taken.
 class Matcher {
 public:
     Matcher() = default;
@@ -57,13 +64,37 @@ private:
     struct Frame {
         Step step;
         bool started;
-        bool alone;  // Choice: the other leading names need not be tried
+        bool alone;               // Choice: the other leading names need not be tried
+        bool nested;              // Repeated: within another one
+        std::uint32_t firstPass;  // Repeated, nested: its first in `passes`
         const void* subject;
         union {
             std::size_t number;
             const Dtd* dtd;
         };
         ChildQueue queue;
+    };
+
+    // A repetition and the child in front of which it began.
+    struct Place {
+        const ChildrenSpec* spec;
+        const Object* child;
+        bool operator==(const Place& other) const { return spec == other.spec && child == other.child; }
+    };
+    struct PlaceHash {
+        std::size_t operator()(const Place& place) const {
+            return 31 * std::hash<const void*>()(place.spec) + std::hash<const void*>()(place.child);
+        }
+    };
+    struct Outcome {
+        bool matched;
+        ChildQueue left;
+    };
+
+    // What is to come back to behind an element's model.
+    struct Enclosing {
+        std::uint32_t repetitions;
+        std::size_t outcomes;
     };
 
     bool matchGroup(Step step, const GroupSpec& group, ChildQueue& children);
@@ -86,6 +117,9 @@ private:
     bool resumeChoice();
     bool resumeSequence();
     bool finish(bool outcome);
+    bool finishRepeated(bool outcome);
+    const Outcome* known(const ChildrenSpec& spec) const;
+    void giveUp(const ChildQueue& before);
     bool wasTried(const ChildrenSpec& spec);
     void noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool outcome);
 
@@ -98,6 +132,12 @@ private:
     std::vector<Frame> frames;
     ChildQueue queue;  // what the particles on the stack take from
     bool matched = false;
+
+    std::uint32_t repetitions = 0;                            // under way in the model of the innermost element
+    std::vector<Enclosing> enclosing;                         // one an element under way
+    std::vector<ChildQueue> passes;                           // where those of the nested repetitions under way began
+    std::vector<std::pair<Place, Outcome>> outcomes;          // of nested repetitions, while nobody gives up
+    std::unordered_map<Place, Outcome, PlaceHash> outcomeOf;  // the same, once somebody did
 
     // Whether code of callers has been called: what it does, and answers, may differ each time, so nothing is left out then.
     bool foreign = false;
