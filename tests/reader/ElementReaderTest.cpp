@@ -472,6 +472,19 @@ TEST(ElementReaderTest, NamesThePlainReaderWhenAChildMakesTooMuchText) {
         << reader.getErrorMessage();
 }
 
+TEST(ElementReaderTest, LetsEachDocumentOverASharedDtdMakeAsMuchText) {
+    const GrowthLimit limit(25000);
+    Dtd dtd("a");
+    dtd.setEntity("e", DataHolder(std::string(6000, 'x')));
+    for (int documents = 0; documents < 10; ++documents) {
+        StringInStream in("<a x='&e;' y='&e;'/>");
+        ElementReader reader(&dtd);
+        ASSERT_TRUE(reader.parse(in)) << reader.getErrorMessage() << " in document " << documents;
+    }
+    StringInStream in("<a b='&e;' c='&e;' d='&e;' e='&e;' f='&e;'/>");
+    EXPECT_FALSE(ElementReader(&dtd).parse(in));
+}
+
 TEST(ElementReaderTest, AllowsAHundredTimesTheBytesReadWhateverTheBound) {
     const GrowthLimit limit(1);
     Dtd dtd("a");

@@ -26,6 +26,9 @@ struct StreamAccess {
     // Lets the stream keep its window over many operations. The positions below cost no look at the source then.
     using Session = InStream::Use;
 
+    // Whether no other session or operation is under way around this one.
+    static bool isOutermost(const InStream& in) { return in.uses == 1; }
+
     // Gives the window back before code of callers may look at the source.
     static void release(const InStream& in) { in.releaseWindow(); }
 
