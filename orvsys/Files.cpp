@@ -47,18 +47,23 @@ ssize_t writeAt(int descriptor, const char* bytes, std::size_t count, std::int64
     return result;
 }
 
-// A descriptor of the regular file at the path, -1 when there is none or it may not be opened so. O_NONBLOCK keeps the
-// open of a pipe from waiting for its other end, and means nothing to a regular file.
+// A descriptor of the regular file at the path, -1 when there is none or it may not be opened so. It is looked at before,
+// since to open a device or a pipe may do something by itself, and again behind that, since it may have been exchanged.
+// O_NONBLOCK keeps the open of a pipe from waiting for its other end, and means nothing to a regular file.
 int openRegular(const std::string& path, int flags) {
     if (path.find('\0') != std::string::npos) {
         errno = ENOENT;
+        return -1;
+    }
+    struct stat info;
+    if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        errno = EINVAL;
         return -1;
     }
     int descriptor;
     do {
         descriptor = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
     } while (descriptor < 0 && errno == EINTR);
-    struct stat info;
     if (descriptor >= 0 && (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))) {
         ::close(descriptor);
         errno = EINVAL;

@@ -11,6 +11,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <type_traits>
@@ -172,6 +173,21 @@ TEST_F(FilesTest, ReadsTheBytesThatAFileGainsAtItsEnd) {
     patch(spec, 2, "c");
     EXPECT_EQ(file.GetLength(), 3);
     EXPECT_EQ(file.ReadUInt8(), 'c');
+}
+
+// To open a pipe lets go whoever waits at its other end.
+TEST_F(FilesTest, DoesNotOpenAPipeToSeeThatItIsNone) {
+    const std::string pipe = pathOf("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(::inotify_add_watch(watch, pipe.c_str(), IN_OPEN), 0);
+    FileIO file{FileSpec(pipe)};
+    EXPECT_FALSE(file.OpenForReading());
+    EXPECT_FALSE(file.OpenForWriting());
+    inotify_event event;
+    EXPECT_EQ(::read(watch, &event, sizeof event), -1) << "it was opened";
+    EXPECT_EQ(errno, EAGAIN);
+    ::close(watch);
 }
 
 TEST_F(FilesTest, OpensRegularFilesAndLinksToThemAndNothingElse) {
