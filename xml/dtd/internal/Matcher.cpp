@@ -104,7 +104,7 @@ void Matcher::push(Step step, const void* subject, const ChildQueue& itsQueue) {
     frames.push_back({step, false, false, false, 0, subject, {}, itsQueue});
 }
 
-bool Matcher::resume() {
+void Matcher::resume() {
     switch (frames.back().step) {
     case Step::Element: return resumeElement();
     case Step::Mixed: return resumeMixed();
@@ -115,10 +115,9 @@ bool Matcher::resume() {
     return resumeSequence();
 }
 
-bool Matcher::finish(bool outcome) {
+void Matcher::finish(bool outcome) {
     frames.pop_back();
     matched = outcome;
-    return true;
 }
 
 // --- Elements ---
@@ -154,7 +153,7 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
     return false;
 }
 
-bool Matcher::resumeElement() {
+void Matcher::resumeElement() {
     const Frame frame = frames.back();
     const bool fits = matched && queue.empty();
     queue = frame.queue;
@@ -162,7 +161,7 @@ bool Matcher::resumeElement() {
     repetitions = enclosing.back().repetitions;
     if (outcomes.size() > enclosing.back().outcomes) outcomes.resize(enclosing.back().outcomes);
     enclosing.pop_back();
-    return decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
+    decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
 }
 
 // The content has come out as `fits`: what remains are the attributes, and the verdict.
@@ -223,7 +222,7 @@ void Matcher::linkSubtree(Element& top, const Dtd* dtd) {
 
 // --- The mixed model ---
 
-bool Matcher::resumeMixed() {
+void Matcher::resumeMixed() {
     const auto& model = *static_cast<const MixedSpec*>(frames.back().subject);
     const Dtd* const dtd = SpecAccess::dtd(model);
     const std::size_t mine = frames.size() - 1;
@@ -238,7 +237,7 @@ bool Matcher::resumeMixed() {
         if (child->isElement()) {
             auto& element = static_cast<Element&>(*child);
             if (!model.hasName(element.getName())) return finish(false);
-            if (!beginElement(dtd, element)) return false;
+            if (!beginElement(dtd, element)) return;
             if (!matched) return finish(false);
             link(element, dtd);
         } else {
@@ -273,11 +272,13 @@ bool Matcher::beginName(const NameSpec& spec) {
 }
 
 bool Matcher::beginRepeated(const ChildrenSpec& spec) {
+    const std::size_t mine = frames.size();
     push(Step::Repeated, &spec, queue);
-    return resumeRepeated();
+    resumeRepeated();
+    return frames.size() == mine;
 }
 
-bool Matcher::resumeRepeated() {
+void Matcher::resumeRepeated() {
     const auto& spec = *static_cast<const ChildrenSpec*>(frames.back().subject);
     const CpSpec& particle = SpecAccess::particle(spec);
     const RepType repetition = SpecAccess::repetition(spec);
@@ -299,7 +300,7 @@ bool Matcher::resumeRepeated() {
             ++repetitions;
         }
         frames[mine].started = true;
-        if (!beginParticle(particle)) return false;
+        if (!beginParticle(particle)) return;
     }
     for (;;) {
         Frame& frame = frames[mine];
@@ -326,13 +327,13 @@ bool Matcher::resumeRepeated() {
             }
             passes.push_back(queue);
         }
-        if (!beginParticle(particle)) return false;
+        if (!beginParticle(particle)) return;
     }
 }
 
 // The repetition on top, which has come out so, would have from the start of each of its passes: but for the last one of "+",
 // which took nothing.
-bool Matcher::finishRepeated(bool outcome) {
+void Matcher::finishRepeated(bool outcome) {
     --repetitions;
     const Frame& frame = frames.back();
     if (!frame.nested) return finish(outcome);
@@ -381,18 +382,18 @@ void Matcher::noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool out
     spec.triedMatched = outcome;
 }
 
-bool Matcher::resumeSequence() {
+void Matcher::resumeSequence() {
     const auto& members = SpecAccess::members(*static_cast<const GroupSpec*>(frames.back().subject));
     const std::size_t mine = frames.size() - 1;
     for (;;) {
         if (frames[mine].started && !matched) return finish(false);
         frames[mine].started = true;
         if (frames[mine].number == members.size()) return finish(true);
-        if (!beginRepeated(*members[frames[mine].number++])) return false;
+        if (!beginRepeated(*members[frames[mine].number++])) return;
     }
 }
 
-bool Matcher::resumeChoice() {
+void Matcher::resumeChoice() {
     const auto& choice = *static_cast<const ChoiceSpec*>(static_cast<const GroupSpec*>(frames.back().subject));
     const auto& members = SpecAccess::members(choice);
     const std::size_t mine = frames.size() - 1;
@@ -417,7 +418,7 @@ bool Matcher::resumeChoice() {
             frame.alone = false;
         }
         if (frame.number == members.size()) break;
-        if (!beginRepeated(*members[frame.number])) return false;
+        if (!beginRepeated(*members[frame.number])) return;
     }
     if (!SpecAccess::charData(choice)) return finish(false);
     if (queue.empty()) return finish(true);

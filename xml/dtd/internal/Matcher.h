@@ -108,16 +108,16 @@ private:
     bool beginParticle(const CpSpec& particle);
     bool beginName(const NameSpec& name);
 
-    // These start the step on top, or go on with it when its inner step has come out as `matched`. True when the step has its
-    // own outcome, and its frame is gone.
-    bool resume();
-    bool resumeElement();
-    bool resumeMixed();
-    bool resumeRepeated();
-    bool resumeChoice();
-    bool resumeSequence();
-    bool finish(bool outcome);
-    bool finishRepeated(bool outcome);
+    // These start the step on top, or go on with it when its inner step has come out as `matched`. When the step has its own
+    // outcome, that is in `matched` and its frame is gone.
+    void resume();
+    void resumeElement();
+    void resumeMixed();
+    void resumeRepeated();
+    void resumeChoice();
+    void resumeSequence();
+    void finish(bool outcome);
+    void finishRepeated(bool outcome);
     const Outcome* known(const ChildrenSpec& spec) const;
     void giveUp(const ChildQueue& before);
     bool wasTried(const ChildrenSpec& spec);
