@@ -3,9 +3,12 @@
 #include "hostile/Inputs.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
+#include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -87,6 +90,18 @@ TEST(HostileDocumentTypeTest, AlternativesDoNotMultiply) {
         {"choices of optional items", levels(kMillion / 2, "((r, c?, c) | (r?, c) | (r, b?))?"), validity, "valid",
          kLarge},
         {"choices in sequences", levels(kMany, "((r, c) | (r, c, b))?"), validity, "not valid", kLarge},
+    });
+    const auto givenUp = [](int depth, int children) {
+        return [depth, children] {
+            const std::string model = "(" + repeated("((", depth) + "a" + repeated(")*, b) | a", depth) + ")*";
+            return with("<!ELEMENT r " + model + "><!ELEMENT a EMPTY><!ELEMENT b EMPTY>",
+                        "<r>" + repeated("<a/>", children) + "</r>");
+        };
+    };
+    expectTold({
+        {"repetitions in each other that are given up", givenUp(30, 30), validity, "valid"},
+        {"many of them, over many children", givenUp(400, 400), validity, "valid", kLarge},
+        {"one, over very many children", givenUp(1, kMillion), validity, "valid", kLarge},
     });
     const int width = 50'000 / kScale;
     expectTold({
@@ -284,6 +299,72 @@ TEST(HostileDocumentTypeTest, TheBoundIsMetToTheByte) {
         {"a byte more", [&] { return big; }, within(9'999'999, ask), "refused"},
         {"much more than a small bound, little for what was read",
          [&] { return "<!--" + repeated("-", 100'000) + "-->" + big; }, within(1, ask), "read"},
+    });
+}
+
+TEST(HostileDocumentTypeTest, TextIsReplacedWhenAskedForAndNothingIsKeptWhereMemoryRunsOut) {
+    // Nothing but the memory there is bounds what comes of a text: all its references times the largest entity.
+    constexpr int kValue = 100'000 / kScale;
+    using Question = std::function<std::size_t(Document&, XPath&)>;
+    const auto asked = [](int references, const Question& ask) {
+        return [references, ask]() -> std::string {
+            const Outcome outcome =
+                readDocument(with("<!ELEMENT r (#PCDATA | a)*><!ELEMENT a (#PCDATA)>"
+                                  "<!ENTITY e '" +
+                                      repeated("v", kValue) + "'>",
+                                  "<r>" + repeated("&e;", references) + "<a>&amp;</a></r>"));
+            if (!outcome.ok) return outcome.error;
+            Document& tree = *outcome.document;
+            const std::string before = factsOf(*tree.getRoot());
+            XPath query(&tree);
+            std::string told;
+            try {
+                told = std::to_string(ask(tree, query));
+            } catch (const std::bad_alloc&) {
+                const std::string room(48 * kMiB, 'x');  // of 64: throws again if what was made is still there
+                told = "memory ran out, nothing kept";
+            }
+            if (factsOf(*tree.getRoot()) != before) told += ", another tree";
+            if (query.GetValue(u"/r/a[. = '&']", -1) != u"&") told += ", not asked again";
+            tree.getRoot()->setCharData("x");
+            if (query.GetValues(u"/r[. = 'x']") != 1 || !tree.validate()) told += ", not changed";
+            return told;
+        };
+    };
+    const Question text = [](Document& tree, XPath&) { return tree.getRoot()->getCharData().size(); };
+    const Question textOfNode = [](Document& tree, XPath&) { return tree.getRoot()->getChild(0)->toString().size(); };
+    const Question textInto = [](Document& tree, XPath&) {
+        DataHolder held;
+        tree.getRoot()->getChild(0)->toCharData()->getData(&held);
+        return held.size();
+    };
+    const Question textByPath = [](Document&, XPath& query) { return query.GetValue(u"/r", -1).size(); };
+    const Question comparison = [](Document&, XPath& query) {
+        return static_cast<std::size_t>(query.GetValues(u"/r = 'x'"));
+    };
+    const Question predicate = [](Document&, XPath& query) {
+        return static_cast<std::size_t>(query.GetValues(u"//r[text() = 'x']"));
+    };
+
+    constexpr int kSome = 20;
+    const std::string some = std::to_string(std::int64_t{kSome} * kValue);
+    const auto all = [](const std::string& unbounded) {
+        return kMemoryIsBounded ? std::string("memory ran out, nothing kept") : unbounded;
+    };
+    const std::string product = std::to_string(std::int64_t{kMany} * kValue);
+    expectTold({
+        {"some text", asked(kSome, text), some},
+        {"some text of a node", asked(kSome, textOfNode), some},
+        {"some text into a variable", asked(kSome, textInto), some},
+        {"some text by a path", asked(kSome, textByPath), some},
+        {"some text compared by a path", asked(kSome, comparison), "0"},
+        {"some text compared in a predicate", asked(kSome, predicate), "0"},
+        {"text", asked(kMany, text), all(product)},
+        {"text of a node", asked(kMany, textOfNode), all(product)},
+        {"text into a variable", asked(kMany, textInto), all(product)},
+        {"text by a path", asked(kMany, textByPath), all(product)},
+        {"text compared by a path", asked(kMany, comparison), all("0")},
+        {"text compared in a predicate", asked(kMany, predicate), all("0")},
     });
 }
 

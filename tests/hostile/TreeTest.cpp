@@ -2,6 +2,7 @@
 #include "hostile/Inputs.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
@@ -32,6 +33,7 @@ std::unique_ptr<Element> deep(int levels) {
 
 TEST(HostileTreeTest, DeepTreesAreMadeCopiedChangedAndDestroyed) {
     constexpr int kLevels = kMillion / 2;
+    constexpr int kOuter = 2'000 - 1;  // elements around the innermost: <a> and </a>, each on a line of its own
     expectTold({
         {"read and copied",
          [] {
@@ -49,6 +51,14 @@ TEST(HostileTreeTest, DeepTreesAreMadeCopiedChangedAndDestroyed) {
          },
          "all", kLarge},
         {"made by hand", [] { return factsOf(*deep(2'000)); }, facts(2'000, 2'000)},
+        {"written with its indentation",
+         [] {
+             // A tab a level, in front of each tag: the square of the levels, by rule.
+             const std::string text = textOf(*deep(2'000));
+             const auto tabs = std::count(text.begin(), text.end(), '\t');
+             return std::to_string(text.size()) + " bytes, " + std::to_string(tabs) + " tabs";
+         },
+         std::to_string(kOuter * kOuter + kOuter * 9 + 4) + " bytes, " + std::to_string(kOuter * kOuter) + " tabs"},
         {"written and read again",
          [] {
              // With text on every level nothing is indented: indentation would be quadratic, by rule.

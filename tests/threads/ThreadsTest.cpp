@@ -1,13 +1,19 @@
 // What several threads may do at the same time. A test here proves little by passing; it is run under the thread sanitizer, which
 // reports every pair of accesses that nothing keeps apart.
+#include "dom/Settings.h"
+#include "orvsys/Files.h"
 #include "orvsys/Localization.h"
 #include "orvsys/Uni16.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
+#include <array>
 #include <atomic>
+#include <cstdio>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -87,6 +93,173 @@ TEST(ThreadsTest, OneTreeIsLookedAtAndAskedAndCopiedByAll) {
             failed += query.GetValues(u"//a[. = 'text & value']/following-sibling::*") != 3;
             failed += query.GetValues(u"//@k/ancestor::*") != 4 || query.GetValues(u"//b/preceding::a") != 2;
             failed += dump(Document(document).getRoot()) != tree;
+
+            const Element& root = *document.getRoot();
+            const std::unique_ptr<Object> whole(document.clone());
+            const std::unique_ptr<Object> part(root.clone());
+            failed += dump(whole.get()) != tree || dump(part.get()) != tree;
+            const Element* const last = root.getElementByAttribute("k", "3");
+            failed += last != root.getChild(3) || root.findElementByAttribute("k", "default", 1) != root.getChild(2);
+            std::vector<const Element*> found;
+            root.findAllElements("b", found);
+            failed += found != document.findAll("b") || found.size() != 2 || found.back() != last;
+        }
+    });
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
+}
+
+TEST(ThreadsTest, FilesAreWrittenAndReadByThreadsOfTheirOwn) {
+    const Outcome outcome = readDocument(kText);
+    const std::string expected = textOf(*outcome.document);
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        const std::string path = scratchPath("threads-" + std::to_string(number));
+        int& failed = failures[static_cast<std::size_t>(number)];
+        const auto read = [&](InStream& in) {
+            DocumentReader reader;
+            failed += !reader.parse(in) || textOf(*reader.getDocument()) != expected;
+        };
+        for (int round = 0; round < kRounds; ++round) {
+            const Outcome own = readDocument(kText);
+            if (round % 2 == 0) {
+                std::ofstream sink;
+                FileOutStream out(path, &sink);
+                own.document->toStream(out);
+            } else {
+                FileSpecOutStream out{OrvSys::FileSpec(path)};
+                own.document->toStream(out);
+            }
+            failed += readFile(path) != expected;
+            if (round % 4 < 2) {
+                std::ifstream source;
+                FileInStream in(path, &source);
+                read(in);
+            } else {
+                FileSpecInStream in{OrvSys::FileSpec(path)};
+                read(in);
+            }
+        }
+        std::remove(path.c_str());
+    });
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
+}
+
+TEST(ThreadsTest, OneExternalSubsetIsReadByAll) {
+    const std::string path = scratchPath("threads.dtd");
+    writeFile(path, "<!ELEMENT r (#PCDATA)><!ATTLIST r k CDATA 'default'><!ENTITY e 'value'>");
+    const std::string text = "<!DOCTYPE r SYSTEM '" + path + "'><r>&e;</r>";
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        int& failed = failures[static_cast<std::size_t>(number)];
+        for (int round = 0; round < kRounds; ++round) {
+            const Outcome outcome = readDocument(text);
+            const Element* const root = outcome.ok ? outcome.document->getRoot() : nullptr;
+            failed += root == nullptr || root->getCharData() != "value" || root->getAttributeValue("k") != "default";
+        }
+    });
+    std::remove(path.c_str());
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
+}
+
+TEST(ThreadsTest, EachReaderSaysWhatIsWrongWithItsOwnText) {
+    const struct {
+        const char* text;
+        const char* error;
+    } kCases[] = {
+        {"<a>", "(line = 1, column = 3) Unexpected end of stream"},
+        {"<a></b>", "(line = 1, column = 6) \"a\" expected"},
+        {"<a>\r\n\r\n<1/></a>", "(line = 2, column = 2) not a name: 1"},
+        {"<!DOCTYPE a [<!ELEMENT b EMPTY>]><a/>", "(line = 1, column = 37) Doc could not be validated"},
+        {"<!DOCTYPE a [<!ELEMENT a (b,c|d)>]><a/>", "(line = 1, column = 30) unexpected \"|\""},
+        {"<!DOCTYPE a SYSTEM '/no/such/file'><a/>", "(line = 1, column = 34) Could not open file: /no/such/file"},
+    };
+    std::vector<std::string> wrong(kThreads);
+    inThreads([&](int number) {
+        for (int round = 0; round < kRounds; ++round) {
+            for (const auto& c : kCases) {
+                const std::string error = errorOf(c.text, round % 2 == 0 ? Source::String : Source::Bare);
+                if (error != c.error) wrong[static_cast<std::size_t>(number)] = error;
+            }
+        }
+    });
+    EXPECT_EQ(wrong, std::vector<std::string>(kThreads));
+}
+
+TEST(ThreadsTest, TreesAndDocumentTypesAreMadeByHand) {
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        const std::string value = "value " + std::to_string(number);
+        int& failed = failures[static_cast<std::size_t>(number)];
+        for (int round = 0; round < kRounds; ++round) {
+            Dtd base("r");
+            base.addElementDecl("a");
+            base.addAttDecl("a", "k", new AttStringType(DEFAULT, value));
+            base.setEntity("e", value);
+            auto* dtd = new Dtd("r");
+            dtd->addElementDecl("r", "a", REP_ONE_OR_MORE);
+            dtd->setEntity("e", "another value");
+            dtd->merge(base, true);
+
+            Document document(new Element("r"), dtd);
+            Element& root = *document.getRoot();
+            failed += document.validate();
+            auto* a = new Element("a");
+            a->addChild(new CharData(Entity("e")));
+            root.addChild(a);
+            root.addElement("a", "<" + value);
+            root.getElement(1)->setAttribute("l", value);
+            failed += document.validate();
+            root.getElement(1)->removeAttribute("l");
+            failed += !document.validate() || a->getCharData() != value || a->getAttributeValue("k") != value;
+            failed += textOf(root) != "<r>\n\t<a>&e;</a>\n\t<a>&lt;" + value + "</a>\n</r>";
+        }
+    });
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
+}
+
+TEST(ThreadsTest, WhatHasNotChangedIsNotWrittenAgain) {
+    const RewriteSetting rewrite(true);
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        int& failed = failures[static_cast<std::size_t>(number)];
+        for (int round = 0; round < kRounds; ++round) {
+            const Outcome outcome = readDocument(kText);
+            const std::string all = textOf(*outcome.document);
+            std::ostringstream sink(std::string(all.size(), '.'));
+            FileOutStream out(&sink);
+            outcome.document->toStream(out);
+            failed += sink.str() != std::string(all.size(), '.') || out.getPosition() != static_cast<int>(all.size());
+
+            // Now the root and the element are written, and nothing of the document type in front of them.
+            outcome.document->find("b")->setAttribute("k", std::to_string(number));
+            out.setPosition(0);
+            outcome.document->toStream(out);
+            const std::string changed = "<b k=\"" + std::to_string(number) + "\"/>";
+            failed +=
+                sink.str().find(changed) != all.find("<b k=\"2\"/>") || sink.str().find("ENTITY") != std::string::npos;
+        }
+    });
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
+}
+
+TEST(ThreadsTest, ATreeIsHandedOnAndDestroyedByAnotherThread) {
+    std::array<std::atomic<Document*>, kThreads> handed{};  // to each thread by the one before it
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        const auto own = static_cast<std::size_t>(number);
+        std::atomic<Document*>& next = handed[(own + 1) % kThreads];
+        for (int round = 0; round < kRounds; ++round) {
+            Outcome outcome = readDocument(kText);
+            outcome.document->getRoot()->getElement("a")->getCharData();
+            while (next != nullptr) std::this_thread::yield();
+            next = outcome.document.release();
+
+            while (handed[own] == nullptr) std::this_thread::yield();
+            const std::unique_ptr<Document> other(handed[own].exchange(nullptr));
+            Element& a = *other->getRoot()->getElement("a");
+            failures[own] += a.getCharData() != "text & value";
+            a.setCharData("new");
+            failures[own] += !other->validate() || XPath(other.get()).GetValue(u"//a", -1) != u"new";
         }
     });
     EXPECT_EQ(failures, std::vector<int>(kThreads));
