@@ -1,15 +1,23 @@
+#include "NaiveTokenizer.h"
 #include "TextBuffer.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "xml/stream/FileInStream.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include <algorithm>
 #include <cstdio>
+#include <cwchar>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
+#include <locale>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <type_traits>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -309,6 +317,100 @@ TEST(FileInStreamTest, HasNoPositionsWhereTheStreamHasNone) {
     EXPECT_FALSE(in.getChar(c));
 }
 
+// While a reader is at work its tokens come out of the stream's buffer, and it comes back to one that lies there: only where
+// the stream stands meanwhile tells that.
+TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
+    const ScratchFile scratch("standing", "one two 'three' four five ");
+    std::istringstream strings("one two 'three' four five ");
+    std::ifstream file(scratch.path, std::ios::binary);
+    for (std::istream* const stream : {static_cast<std::istream*>(&strings), static_cast<std::istream*>(&file)}) {
+        for (const int start : {0, 4}) {
+            SCOPED_TRACE(start);
+            const auto place = [stream] { return stream->rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in); };
+            stream->seekg(start);
+            FileInStream in(stream);
+            {
+                const Xml::StreamAccess::Session session(in);
+                std::string token;
+                EXPECT_TRUE(in.getToken(token));
+                EXPECT_EQ(token, start == 0 ? "one" : "two");
+                const auto behind = in.StorePosition();
+                EXPECT_EQ(behind.first, start + 3);
+                EXPECT_TRUE(in.getToken(token));
+                EXPECT_TRUE(in.getToken(token));
+                in.RestorePosition(behind);
+                EXPECT_TRUE(in.getToken(token));
+                EXPECT_EQ(token, start == 0 ? "two" : "'three'");
+                EXPECT_EQ(place(), start);
+            }
+            EXPECT_EQ(place(), start == 0 ? 7 : 15);
+        }
+    }
+}
+
+// Its buffer is that of any file, and has both bytes at hand.
+TEST(FileInStreamTest, StepsNowhereInAPipe) {
+    const std::string path = scratchPath("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int end = open(path.c_str(), O_RDWR);
+    EXPECT_EQ(write(end, "ab", 2), 2);
+    std::ifstream file(path, std::ios::binary);
+    close(end);
+    std::remove(path.c_str());
+
+    FileInStream in(&file);
+    char c = 0;
+    EXPECT_EQ(in.getPosition(), -1);
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 'a');
+    in.putBackChar();
+    EXPECT_EQ(in.getPosition(), -1);
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(c, 'b');
+    EXPECT_TRUE(in.getChar(c));
+    EXPECT_FALSE(in.getChar(c));
+}
+
+// Of two bytes in the file one is a byte of the stream. Its positions are those in the file: a step back is half a byte.
+TEST(FileInStreamTest, ReadsAFileWhoseBytesAreConvertedAsItsPrimitivesDo) {
+    struct EveryOther : std::codecvt<char, char, std::mbstate_t> {
+        bool do_always_noconv() const noexcept override { return false; }
+        int do_encoding() const noexcept override { return 2; }
+        int do_max_length() const noexcept override { return 2; }
+        result do_in(std::mbstate_t&, const char* from, const char* fromEnd, const char*& fromNext, char* to,
+                     char* toEnd, char*& toNext) const override {
+            for (; fromEnd - from >= 2 && to != toEnd; from += 2) *to++ = *from;
+            fromNext = from;
+            toNext = to;
+            return from == fromEnd ? ok : partial;
+        }
+        int do_length(std::mbstate_t&, const char* from, const char* end, std::size_t most) const override {
+            return static_cast<int>(std::min(2 * most, static_cast<std::size_t>(end - from) / 2 * 2));
+        }
+    };
+    const ScratchFile scratch("converted", "aabb  cc==dd  <<eeff  ");
+    const std::locale converting(std::locale::classic(), new EveryOther);
+    std::ifstream file;
+    std::ifstream other;
+    for (std::ifstream* const each : {&file, &other}) {
+        each->imbue(converting);
+        each->open(scratch.path, std::ios::binary);
+    }
+    FileInStream in(&file);
+    FileInStream primitives(&other);
+    Xml::test::NaiveTokenizer naive(primitives);
+    std::string token;
+    std::string wanted;
+    for (const char* const expected : {"ab", "c", "d", "<"}) {
+        SCOPED_TRACE(expected);
+        ASSERT_TRUE(naive.getToken(wanted));
+        ASSERT_TRUE(in.getToken(token));
+        EXPECT_EQ(token, expected);
+        EXPECT_EQ(wanted, expected);
+        EXPECT_EQ(in.getPosition(), naive.getPosition());
+    }
+}
+
 TEST(FileInStreamTest, HasADerivedClasssPrimitivesCalled) {
     class Counting : public FileInStream {
     public:
@@ -354,6 +456,10 @@ TEST(FileInStreamTest, RefusesAFileWhosePositionsAnIntCannotHold) {
     FileInStream over(&callers);
     EXPECT_FALSE(over.get(c));
     EXPECT_EQ(over.getErrorMessage(), "Source too large");
+
+    std::ifstream others(scratch.path);
+    EXPECT_FALSE(FileInStream(&others).getChar(c)) << "by the primitive too, which nothing went before";
+    EXPECT_EQ(c, 'Z');
 }
 
 TEST(FileInStreamTest, ReadsAFileWhosePositionsAnIntJustHolds) {
@@ -376,6 +482,18 @@ TEST(FileInStreamTest, ReadsAFileWhosePositionsAnIntJustHolds) {
     EXPECT_EQ(c, 'Z');
     EXPECT_FALSE(in.get(c));
     EXPECT_EQ(in.getErrorMessage(), kEnd);
+}
+
+// It is measured once, before the first byte: that costs a way to the end and back.
+TEST(FileInStreamTest, ReadsOnInAFileThatGrowsTooLargeMeanwhile) {
+    const ScratchFile scratch("growing", "one two ");
+    std::ifstream file;
+    FileInStream in(scratch.path, &file);
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    std::filesystem::resize_file(scratch.path, kMostBytes + 1);
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, "two");
 }
 
 TEST(FileInStreamTest, NeverWrapsAPositionBeyondAnInt) {

@@ -1,6 +1,7 @@
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "xml/stream/FileSpecInStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -161,6 +162,35 @@ TEST_F(FileSpecInStreamTest, ReadsOnlyWhatTheFileHeldAtFirst) {
     in.setPosition(4);
     EXPECT_TRUE(in.eof());
     EXPECT_FALSE(in.getToken(token));
+}
+
+// While a reader is at work its tokens come out of the file's memory, and it comes back to one that lies there: only where
+// the file stands meanwhile tells that.
+TEST_F(FileSpecInStreamTest, LeavesTheFileWhereItStandsUntilAReaderIsDone) {
+    std::string text;
+    for (int i = 0; i < 20'000; ++i) text += "<!x 'y' a &b; ";
+    writeFile(path, text);
+    for (const int start : {0, 140, 14 * 10'000}) {
+        SCOPED_TRACE(start);
+        FileIO file{FileSpec(path)};
+        ASSERT_TRUE(file.OpenForReading());
+        FileSpecInStream in(file);
+        in.setPosition(start);
+        {
+            const Xml::StreamAccess::Session session(in);
+            std::string token;
+            EXPECT_TRUE(in.getToken(token));
+            EXPECT_EQ(token, "<!x");
+            const auto behind = in.StorePosition();
+            EXPECT_EQ(behind.first, start + 3);
+            for (int i = 0; i < 10; ++i) EXPECT_TRUE(in.getToken(token));
+            in.RestorePosition(behind);
+            EXPECT_TRUE(in.getString(token));
+            EXPECT_EQ(token, "'y'");
+            EXPECT_EQ(file.GetPosition(), start);
+        }
+        EXPECT_EQ(file.GetPosition(), start + 7);
+    }
 }
 
 TEST_F(FileSpecInStreamTest, HasADerivedClasssPrimitivesCalled) {

@@ -1,6 +1,7 @@
 #include "NaiveTokenizer.h"
 #include "support/Sources.h"
 #include "xml/stream/InStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <gtest/gtest.h>
 #include <string>
 #include <type_traits>
@@ -12,6 +13,8 @@ namespace {
 using namespace std::string_literals;
 using Xml::DataHolder;
 using Xml::InStream;
+using Xml::StreamAccess;
+using Xml::test::BareInStream;
 using Xml::test::kAllSources;
 using Xml::test::kPromptSources;
 using Xml::test::NaiveTokenizer;
@@ -69,6 +72,17 @@ bool holds(const Tokenizer& in, const std::string& text) {
     return in.StorePosition().second == length && in.CheckParseBufferEnd(text.data(), length);
 }
 
+// Counts the bytes that it is asked for.
+class Counting : public BareInStream {
+public:
+    using BareInStream::BareInStream;
+    bool getChar(char& c) override {
+        ++reads;
+        return BareInStream::getChar(c);
+    }
+    int reads = 0;
+};
+
 TEST(InStreamTest, StartsWithoutTextErrorOrBreaks) {
     everywhere("<a/>", [](auto& in) {
         EXPECT_EQ(in.getErrorMessage(), "");
@@ -79,8 +93,8 @@ TEST(InStreamTest, StartsWithoutTextErrorOrBreaks) {
 }
 
 TEST(InStreamTest, CannotBeCopied) {
-    EXPECT_FALSE(std::is_copy_constructible_v<Xml::test::BareInStream>);
-    EXPECT_FALSE(std::is_copy_assignable_v<Xml::test::BareInStream>);
+    EXPECT_FALSE(std::is_copy_constructible_v<BareInStream>);
+    EXPECT_FALSE(std::is_copy_assignable_v<BareInStream>);
     EXPECT_TRUE(std::has_virtual_destructor_v<InStream>);
     EXPECT_TRUE(std::is_abstract_v<InStream>);
 }
@@ -903,6 +917,90 @@ TEST(InStreamTest, ReadsRunsOfMarksOnceAndWithoutDepth) {
             });
         }
     }
+}
+
+// As a reader of content takes them: many references may begin before one far semicolon.
+TEST(InStreamTest, ReadsNoReferenceAgainThatBeginsBeforeTheEndOfTheLastOne) {
+    const struct {
+        const char* text;
+        int position;
+        int referenceEnd;
+        const char* token;
+        int behind, newEnd;
+    } kCases[] = {
+        {"&a&b; &c;", 0, 0, "&a&b;", 5, 5}, {"&a&b; &c;", 0, 1, "&", 1, 1},   {"&a&b; &c;", 0, 5, "&", 1, 5},
+        {"&a&b; &c;", 2, 5, "&", 3, 5},     {"&a&b; &c;", 2, 2, "&b;", 5, 5}, {"&a&b; &c;", 5, 5, "&c;", 9, 9},
+        {"&a&b; &c;", 5, 7, "&", 7, 7},     {"&a b; c", 2, 5, "b;", 5, 5},    {"&a 'b; '", 3, 6, "'b; '", 8, 6},
+        {"&a <b; ", 3, 6, "<", 4, 6},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(std::string(c.text) + " from " + std::to_string(c.position) + ", known to " +
+                     std::to_string(c.referenceEnd));
+        for (const Source source : kAllSources) {
+            SCOPED_TRACE(source);
+            withSource(source, std::string(c.text) + " ", [&c](InStream& in) {
+                in.setPosition(c.position);
+                int referenceEnd = c.referenceEnd;
+                EXPECT_TRUE(StreamAccess::getContentToken(in, referenceEnd));
+                EXPECT_EQ(StreamAccess::token(in), c.token);
+                EXPECT_EQ(in.getPosition(), c.behind);
+                EXPECT_EQ(referenceEnd, c.newEnd);
+            });
+        }
+    }
+}
+
+// The tries of one token are not made again for the next.
+TEST(InStreamTest, ReadsARunOfMarksInAStringTokenByToken) {
+    const int kCount = 300'000;
+    for (const char* const mark : {"<!", "<?"}) {
+        SCOPED_TRACE(mark);
+        std::string text;
+        for (int i = 0; i < kCount; ++i) text += mark;
+        withSource(Source::String, text + "1 ", [&](InStream& in) {
+            std::string token;
+            int count = 0;
+            while (in.getToken(token) && token == mark) ++count;
+            EXPECT_EQ(count, kCount);
+            EXPECT_EQ(token, "1");
+        });
+    }
+}
+
+// What follows a mark is tried more than once, and may end far away. A reader that comes back from there at each mark must not
+// have it all read again.
+TEST(InStreamTest, ReadsAByteAFewTimesHoweverManyMarksComeBackFromFarBehindIt) {
+    const int kCount = 1000;
+    for (const char* const piece :
+         {"<!& >", "<?& >", "<!<!& >", "<!<?& >", "<?<!& >", "<?<?& >", "<!<!<!<!& >", "<!<!<!<!<!1 >", "<!<!<?1 >"}) {
+        for (const char* const end : {"", ";"}) {
+            SCOPED_TRACE(std::string(piece) + " ... " + end);
+            std::string text;
+            for (int i = 0; i < kCount; ++i) text += piece;
+            Counting in(text + end);
+            const StreamAccess::Session session(in);
+            std::string token;
+            for (int i = 0; i < kCount; ++i) {
+                ASSERT_TRUE(in.getToken(token));
+                EXPECT_EQ(token, text.substr(0, 2));
+                ASSERT_TRUE(in.skip(">"));
+                EXPECT_EQ(in.getPosition(), static_cast<int>((i + 1) * std::string(piece).size()));
+            }
+            EXPECT_LE(in.reads, 5 * static_cast<int>(text.size()));
+        }
+    }
+}
+
+// Every mark that has its bracket goes on to look for "CDATA", all at the same place.
+TEST(InStreamTest, LooksOnceBehindTheBracketOfManyMarks) {
+    std::string marks;
+    for (int i = 0; i < 1000; ++i) marks += "<!";
+    Counting in(marks + "[" + std::string(1000, 'x') + " ");
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(token, marks + "[");
+    EXPECT_EQ(in.getErrorMessage(), "\"CDATA\" expected");
+    EXPECT_LE(in.reads, 10'000);
 }
 
 TEST(InStreamTest, AReferenceThatIsOpenToTheEndLeavesItsLastByteToTheNextLineBreakEachTimeItIsTried) {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
+#include <new>
 #include <random>
 #include <string>
 #include <utility>
@@ -509,6 +510,41 @@ TEST(ExpressionTest, PairsManyValuesAsItPairsAFew) {
             }
         }
     }
+}
+
+// Among many values the least and the greatest tell of an order; what has no place in it counts all the same.
+TEST(ExpressionTest, DiffersFromWhatIsNoNumberAmongManyThatAreAlike) {
+    std::string alike;
+    for (int i = 0; i < 20; ++i) alike += "<b>7</b>";
+    const struct {
+        const char* name;
+        const char* more;
+        unsigned different, alike;
+    } kCases[] = {
+        {"none else", "", 0, 1},
+        {"one that is no number", "<b>nan</b>", 1, 1},
+        {"one in front of them", "<b>6</b>", 1, 1},
+        {"one behind them", "<b>8</b>", 1, 1},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const Tree tree("<r><a>7</a>" + alike + c.more + "</r>");
+        XPath query(tree.document());
+        EXPECT_EQ(query.GetValues(u"r/a + 0 != r/b"), c.different);
+        query.GetValues(u"/");
+        EXPECT_EQ(query.GetValues(u"r/a + 0 = r/b"), c.alike);
+    }
+}
+
+// Each context node makes fewer pairs than are allowed; both together make more.
+TEST(ExpressionTest, BoundsThePairsOfAllContextNodesTogether) {
+    std::string text;
+    for (int i = 0; i < 2890; ++i) text += "<a/><b/>";
+    const Tree tree("<r><x>" + text + "</x><x>" + text + "</x></r>");
+    XPath query(tree.document());
+    EXPECT_EQ(query.GetValues(u"/r/x"), 2u);
+    EXPECT_THROW(query.GetValues(u"a + b"), std::bad_alloc);
+    EXPECT_EQ(query.GetValues(u"/r/x/a"), 5780u);
 }
 
 TEST(ExpressionTest, ComparesNodesByTheTextThatTheyAreHandedOutWith) {

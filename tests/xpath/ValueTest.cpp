@@ -91,6 +91,11 @@ TEST(ValueTest, OrdersTextsByTheir16BitUnits) {
     Attribute bad("a", "x\xFFy");
     Attribute alsoBad("a", "x\xC0y");
     EXPECT_EQ(compared(Value::ofNode(-1, &bad), Value::ofNode(-1, &alsoBad)), kEqual);
+    // The beginning of a character that does not go on is widened by itself, and comes behind the whole one.
+    Attribute begun("a", "\xC3z");
+    Attribute whole("a", "\xC3\x80");
+    EXPECT_EQ(compared(Value::ofNode(-1, &begun), Value::ofNode(-1, &whole)), kGreater);
+    EXPECT_EQ(compared(Value::ofNode(-1, &whole), Value::ofNode(-1, &begun)), kLess);
     // Half of a surrogate pair is in no node, also not where a node holds what it would be narrowed to.
     const Literal half(u"\xD800");
     Attribute replaced("a", "\xEF\xBF\xBD");
@@ -109,6 +114,12 @@ TEST(FoldingTest, ComparesBooleansByTheirTags) {
     ASSERT_EQ(scalar.size(), 2u);
     EXPECT_EQ(scalar[1].tag, 1);
     EXPECT_FALSE(scalar[1].boolean);
+
+    // With a boolean a text is true or false, also where there are so many that others would be sorted.
+    Attribute three("n", "3");
+    Values node = {Value::ofNode(0, &three)};
+    CompareExpressionItems(node, Values(20, Value::ofBoolean(0, true)), Operator::Equal);
+    EXPECT_EQ(node.size(), 1u);
 }
 
 }  // namespace
