@@ -142,6 +142,20 @@ TEST(ChildrenSpecTest, EndsARepetitionWithAPassThatTookNothing) {
     EXPECT_TRUE(accepts("(a?)*", "a a"));
 }
 
+// What an inner repetition took is given up with the group around it, and tried again from a later child.
+TEST(ChildrenSpecTest, TakesAsMuchByANestedRepetitionThatIsTriedAgainAsTheFirstTime) {
+    const MatchCase kCases[] = {
+        {"plus in front of what it has taken", "(((a*, b)+, b) | a+)+", "a b b", false},
+        {"plus, and what follows is there", "(((a*, b)+, c) | a+)+", "a b b c", true},
+        {"plus, and what follows is there the second time", "(((a, b)+, c) | a | b)+", "a b a b c", true},
+        {"plus behind a repeated choice", "(c, ((a+ | c*)+, a+)*)*", "c c c a", false},
+        {"plus behind a repeated choice, enough left", "(c, ((a+ | c*)+, b+)*)*", "c c c a b", true},
+        {"plus behind a repeated choice, in front of more", "(((a+ | c*)+, a+)*, a*)*", "a c a", false},
+        {"plus of a choice behind an optional plus", "(c*, ((b+)?, (a+ | b+)+)?)+", "c b b", false},
+    };
+    expectVerdicts(std::begin(kCases), std::end(kCases));
+}
+
 TEST(ChildrenSpecTest, TakesCharacterDataOnlyByAChoiceThatAllowsIt) {
     const MatchCase kCases[] = {
         {"name", "a", "a 'x'", false},

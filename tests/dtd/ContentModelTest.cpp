@@ -442,6 +442,41 @@ TEST(ContentModelTest, ValidatesTreesAsTheNaiveMatcherDoes) {
     balance.expectBoth(15);
 }
 
+// Groups of repetitions in repetitions, over few names, so that what one of them takes is given up and tried again.
+TEST(ContentModelTest, TriesNestedRepetitionsAgainAsTheNaiveMatcherDoes) {
+    Random random(31);
+    const auto group = [&random](const auto& self, int depth) -> std::string {
+        const char* const separator = random.chance(50) ? " | " : ", ";
+        std::string text = "(";
+        for (int i = 1 + random.below(2); i >= 0; --i) {
+            const char* const kMarks[] = {"", "?", "*", "*", "+", "+"};
+            text += depth > 0 && random.chance(60) ? self(self, depth - 1) : std::string(1, "abc"[random.below(3)]);
+            text += random.pick(kMarks);
+            if (i > 0) text += separator;
+        }
+        return text + ")";
+    };
+    const std::vector<DtdValue> values = {dtdValueOf("a: EMPTY; b: EMPTY; c: EMPTY")};
+    const auto dtd = dtdOf("a: EMPTY; b: EMPTY; c: EMPTY");
+    Balance balance;
+    while (balance.compared() < 8'000) {
+        const std::string model = group(group, 2) + (random.chance(50) ? "*" : "+");
+        std::string children;
+        for (int i = 1 + random.below(7); i > 0; --i) children += std::string(1, "aabc"[random.below(4)]) + " ";
+        std::vector<NodeValue> nodes = nodesOf(children);
+        NaiveMatcher naive(values, 2000);
+        try {
+            const bool expected = naive.validateModel(modelOf(model), nodes);
+            const auto spec = specOf(model, dtd.get());
+            ASSERT_EQ(spec->validate(NodeList(nodes).list()), expected) << model << " over " << children;
+            balance.count(expected);
+        } catch (const TooManySteps&) {
+            balance.skip();
+        }
+    }
+    balance.expectBoth(15);
+}
+
 TEST(ContentModelTest, CopiesOfADtdValidateByThemselves) {
     MessageCollector messages;
     Generator generator(4711, 2, true);
