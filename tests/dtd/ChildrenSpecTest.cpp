@@ -156,6 +156,18 @@ TEST(ChildrenSpecTest, TakesAsMuchByANestedRepetitionThatIsTriedAgainAsTheFirstT
     expectVerdicts(std::begin(kCases), std::end(kCases));
 }
 
+TEST(ChildrenSpecTest, TakesNoElementWithoutADtd) {
+    const MatchCase kCases[] = {
+        {"nothing to take", "a*", "", true},         {"an element", "a", "a", false},
+        {"an element for a star", "a*", "a", false}, {"an element for a plus of a group", "((a, b)+ | a)+", "a", false},
+        {"text", "(a | #PCDATA)*", "'x' 'y'", true}, {"text and an element", "(a | #PCDATA)+", "'x' a", false},
+    };
+    for (const MatchCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(specOf(c.model, nullptr)->validate(NodeList(c.children).list()), c.valid);
+    }
+}
+
 TEST(ChildrenSpecTest, TakesCharacterDataOnlyByAChoiceThatAllowsIt) {
     const MatchCase kCases[] = {
         {"name", "a", "a 'x'", false},
