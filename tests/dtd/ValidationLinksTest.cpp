@@ -286,6 +286,30 @@ TEST(ValidationLinksTest, TextOfACallersOwnIsHandedEachLink) {
     }
 }
 
+// Each element around would link it again: a deep tree would cost the square of its depth.
+TEST(ValidationLinksTest, WhatIsLinkedWithAnElementIsLeftAloneByTheElementsAroundIt) {
+    const struct {
+        const char* name;
+        const char* dtd;
+        std::size_t calls;
+    } kCases[] = {
+        {"by lists", "a: (a | #PCDATA)*; a@x IMPLIED", 1},
+        {"by mixed models", "a: (#PCDATA | a)*", 2},
+        {"by both", "a: (#PCDATA | a)*; a@x IMPLIED", 2},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const auto dtd = dtdOf(c.dtd);
+        std::vector<const Dtd*> calls;
+        const auto tree = elementOf("a(a(a(a(a(a)))))");
+        Element* deepest = tree.get();
+        while (Element* const below = deepest->getElement("a")) deepest = below;
+        deepest->addChild(new WatchedText(&calls));
+        EXPECT_TRUE(dtd->validate(tree.get()));
+        EXPECT_EQ(calls, std::vector<const Dtd*>(c.calls, dtd.get()));
+    }
+}
+
 TEST(ValidationLinksTest, AnElementOfACallersOwnDeepInTheTreeIsHandedTheLinkOfItsAncestor) {
     const auto dtd = dtdOf("a: ANY; a@x IMPLIED");
     std::vector<const Dtd*> calls;
