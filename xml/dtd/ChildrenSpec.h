@@ -45,8 +45,8 @@ private:
     RepType repetition;
     CpSpec* particle;
 
-    // Where a repetition found nothing more to take, and what came of trying: repetitions within repetitions try again there, each
-    // of them, and would go through all those within them. Of one run of validation.
+    // Where this repetition within another one last found nothing more to take, and what came of trying: those around it
+    // try it again there, each of them. Of one run of validation.
     mutable std::uint64_t triedRun = 0;
     mutable ChildQueue triedAt;
     mutable ChildQueue triedLeft;

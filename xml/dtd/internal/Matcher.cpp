@@ -287,13 +287,9 @@ void Matcher::resumeRepeated() {
     const bool repeats = repetition == REP_ZERO_OR_MORE || repetition == REP_ONE_OR_MORE;
     if (!frames[mine].started) {
         if (repeats) {
-            if (wasTried(spec)) return finish(matched);
             frames[mine].nested = repetitions > 0;
             if (frames[mine].nested) {
-                if (const Outcome* outcome = known(spec)) {
-                    queue = outcome->left;
-                    return finish(outcome->matched);
-                }
+                if (recall(spec)) return finish(matched);
                 frames[mine].firstPass = static_cast<std::uint32_t>(passes.size());
                 passes.push_back(queue);
             }
@@ -306,7 +302,7 @@ void Matcher::resumeRepeated() {
         Frame& frame = frames[mine];
         if (!matched) {
             giveUp(frame.queue);
-            if (repeats) noteTried(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
+            if (frame.nested) note(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
             const bool fails = repetition == REP_ONCE || (repetition == REP_ONE_OR_MORE && frame.number == 0);
             if (!fails) queue = frame.queue;
             return repeats ? finishRepeated(!fails) : finish(!fails);
@@ -316,13 +312,13 @@ void Matcher::resumeRepeated() {
         ++frame.number;
         if (queue.empty()) return finishRepeated(true);
         if (queue.size() == frame.queue.size()) {  // a pass that took nothing would go on for ever
-            noteTried(spec, frame.queue, true);
+            if (frame.nested) note(spec, frame.queue, true);
             return finishRepeated(true);
         }
         frame.queue = queue;
         if (frame.nested) {
-            if (const Outcome* outcome = known(spec)) {
-                if (outcome->matched) queue = outcome->left;
+            if (recall(spec)) {
+                if (!matched) queue = frame.queue;
                 return finishRepeated(true);
             }
             passes.push_back(queue);
@@ -349,30 +345,24 @@ void Matcher::finishRepeated(bool outcome) {
     return finish(outcome);
 }
 
-// What is known to come of the repetition here, if anything.
-const Matcher::Outcome* Matcher::known(const ChildrenSpec& spec) const {
-    if (foreign || queue.empty() || outcomeOf.empty()) return nullptr;
-    const auto found = outcomeOf.find({&spec, queue.front()});
-    return found != outcomeOf.end() ? &found->second : nullptr;
-}
-
-// Who comes back to `before` may try again what has been tried since.
-void Matcher::giveUp(const ChildQueue& before) {
-    if (queue.size() == before.size()) return;
-    outcomeOf.insert(outcomes.begin(), outcomes.end());
-    outcomes.clear();
-}
-
-// Whether trying the repetition here is known to take nothing; the outcome is in `matched` and `queue` then.
-bool Matcher::wasTried(const ChildrenSpec& spec) {
+// Whether it is known what comes of the nested repetition here; that is in `matched` and `queue` then.
+bool Matcher::recall(const ChildrenSpec& spec) {
     const Dtd* const dtd = SpecAccess::dtd(spec);
-    if (dtd == nullptr || spec.triedRun != runOf(*dtd) || foreign || !(spec.triedAt == queue)) return false;
-    matched = spec.triedMatched;
-    queue = spec.triedLeft;
+    if (dtd != nullptr && spec.triedRun == runOf(*dtd) && !foreign && spec.triedAt == queue) {
+        matched = spec.triedMatched;
+        queue = spec.triedLeft;
+        return true;
+    }
+    if (foreign || queue.empty() || outcomeOf.empty()) return false;
+    const auto found = outcomeOf.find({&spec, queue.front()});
+    if (found == outcomeOf.end()) return false;
+    matched = found->second.matched;
+    queue = found->second.left;
     return true;
 }
 
-void Matcher::noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool outcome) {
+// Keeps what came of the nested repetition where its last pass began, which failed or took nothing.
+void Matcher::note(const ChildrenSpec& spec, const ChildQueue& at, bool outcome) {
     const Dtd* const dtd = SpecAccess::dtd(spec);
     if (dtd == nullptr) return;
     spec.triedRun = runOf(*dtd);
@@ -380,6 +370,13 @@ void Matcher::noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool out
     spec.triedAt = at;
     spec.triedLeft = outcome ? at : queue;
     spec.triedMatched = outcome;
+}
+
+// Who comes back to `before` may try again what has been tried since.
+void Matcher::giveUp(const ChildQueue& before) {
+    if (queue.size() == before.size()) return;
+    outcomeOf.insert(outcomes.begin(), outcomes.end());
+    outcomes.clear();
 }
 
 void Matcher::resumeSequence() {

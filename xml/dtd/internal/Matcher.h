@@ -35,7 +35,9 @@ class SeqSpec;
 //
 // A repetition within another one is tried in front of a child once: "((a*, b) | a)*" would look at all that follows from
 // every "a" again, and nested ones would multiply. What came of it is noted for each place where a pass began, as it would
-// have come out the same from there; nobody asks for it before a group gives up something that it had taken.
+// have come out the same from there; nobody asks for it before a group gives up something that it had taken. Only where it
+// ended is it asked for at once, by the repetitions around it: so the ChildrenSpec itself keeps that, which costs no memory
+// for each child.
 class Matcher {
 public:
     Matcher() = default;
@@ -118,10 +120,9 @@ private:
     void resumeSequence();
     void finish(bool outcome);
     void finishRepeated(bool outcome);
-    const Outcome* known(const ChildrenSpec& spec) const;
+    bool recall(const ChildrenSpec& spec);
+    void note(const ChildrenSpec& spec, const ChildQueue& at, bool outcome);
     void giveUp(const ChildQueue& before);
-    bool wasTried(const ChildrenSpec& spec);
-    void noteTried(const ChildrenSpec& spec, const ChildQueue& at, bool outcome);
 
     bool attributesFit(const Dtd& dtd, Element& element);
     bool decide(const Dtd& dtd, Element& element, bool valid);
