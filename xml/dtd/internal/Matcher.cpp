@@ -131,14 +131,18 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
         return true;
     }
     const auto declaration = dtd->elements.find(element.getName());
-    if (declaration == dtd->elements.end()) return decide(*dtd, element, false);
+    if (declaration == dtd->elements.end()) {
+        decide(*dtd, element, false);
+        return true;
+    }
 
     const ContentSpec& model = *declaration->second;
     const auto& children = NodeAccess::children(element);
     const bool isMixed = isExactlySpec<MixedSpec>(model);
     if (!isMixed && !isExactlySpec<ChildrenSpec>(model)) {
         if (!isOwn(model)) foreign = true;
-        return decide(*dtd, element, model.validate(children));
+        decide(*dtd, element, model.validate(children));
+        return true;
     }
     push(Step::Element, &element, queue);
     frames.back().dtd = dtd;
@@ -165,13 +169,12 @@ void Matcher::resumeElement() {
 }
 
 // The content has come out as `fits`: what remains are the attributes, and the verdict.
-bool Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
+void Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
     matched = fits && attributesFit(dtd, element);
     // The link that has just been set, if any, marked the element as linked.
     const std::uint64_t linked =
         NodeAccess::verdict(element) >> kRunShift == runOf(dtd) ? NodeAccess::verdict(element) & kLinked : 0;
     NodeAccess::verdict(element) = runOf(dtd) << kRunShift | linked | (matched ? kValid : 0);
-    return true;
 }
 
 // Both lists are in the order of names: one pass over both.

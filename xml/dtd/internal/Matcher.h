@@ -125,7 +125,7 @@ private:
     void giveUp(const ChildQueue& before);
 
     bool attributesFit(const Dtd& dtd, Element& element);
-    bool decide(const Dtd& dtd, Element& element, bool valid);
+    void decide(const Dtd& dtd, Element& element, bool fits);
     void link(Object& node, const Dtd* dtd);
     void linkSubtree(Element& top, const Dtd* dtd);
     std::uint64_t runOf(const Dtd& dtd);
