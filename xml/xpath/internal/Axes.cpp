@@ -199,8 +199,9 @@ public:
         return {children.data() + begin, children.data() + std::max(place, begin)};
     }
 
-    // Context nodes mostly come in the order of the children, so the search goes on where the last one ended. Where they turn
-    // back more than once, which takes some steps along different axes, all places are noted. The number of children for a node that is none of them.
+    // The number of children for a node that is none of them. Context nodes mostly come in the order of the children, so the
+    // search goes on where the last one ended. Where they turn back more than once, which takes some steps along different
+    // axes, all places are noted.
     std::size_t placeOf(const Object* child) {
         if (turns > kTurns) {
             const std::uint32_t* const place = places.find(child);
