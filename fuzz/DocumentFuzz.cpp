@@ -9,6 +9,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/RoundTrip.h"
+#include "fuzz/Target.h"
 #include "reader/GrowthLimit.h"
 #include "reader/NaiveReaders.h"
 #include "reader/Snapshot.h"
@@ -33,8 +34,6 @@ namespace {
 
 using test::BareInStream;
 using test::MessageCollector;
-
-constexpr std::size_t kLongestInput = 4096;
 
 // Enough for any input that does not multiply its entities.
 constexpr std::int64_t kEntityGrowth = 50'000;
@@ -113,6 +112,10 @@ void checkRoundTrip(Document& document) {
     expectSame("written, read and written again is the same", written.nextText, test::textOf(*again));
 }
 
+}  // namespace
+
+const std::size_t kLongestInput = 4096;
+
 void check(const std::string& text) {
     const test::GrowthLimit limit(kEntityGrowth);
     StringInStream string(text);
@@ -127,11 +130,4 @@ void check(const std::string& text) {
     if (reading.document != nullptr) checkRoundTrip(*reading.document);
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > Xml::fuzz::kLongestInput) return 0;
-    Xml::fuzz::check(Xml::fuzz::textOfInput(data, size));
-    return 0;
-}

@@ -7,6 +7,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/RoundTrip.h"
+#include "fuzz/Target.h"
 #include "reader/GrowthLimit.h"
 #include "support/Messages.h"
 #include "support/Trees.h"
@@ -25,7 +26,6 @@ namespace {
 
 using test::textOf;
 
-constexpr std::size_t kLongestInput = 4096;
 constexpr std::int64_t kEntityGrowth = 50'000;
 const char* const kName = "doc";
 
@@ -99,6 +99,10 @@ void checkRoundTrip(const Dtd& dtd, test::MessageCollector& diagnostics) {
     expectSame("declarations read, written and read are the same", written.nextText, textOf(*reader.getDtd()));
 }
 
+}  // namespace
+
+const std::size_t kLongestInput = 4096;
+
 void check(const std::string& text) {
     const test::GrowthLimit limit(kEntityGrowth);
     test::MessageCollector diagnostics;
@@ -112,11 +116,4 @@ void check(const std::string& text) {
     }
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > Xml::fuzz::kLongestInput) return 0;
-    Xml::fuzz::check(Xml::fuzz::textOfInput(data, size));
-    return 0;
-}

@@ -7,15 +7,13 @@
 #include "dom/NaiveSink.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Target.h"
 #include "xml/stream/FileOutStream.h"
-#include <algorithm>
 #include <sstream>
 #include <string>
 
 namespace Xml::fuzz {
 namespace {
-
-constexpr std::size_t kLongestProgram = 120;
 
 void write(test::EditingWorld& world) {
     const test::EditingWorld::Top& top = world.dice.pick(world.tops);
@@ -29,7 +27,12 @@ void write(test::EditingWorld& world) {
     expectSame("the marks of a written tree are those of the naive tree", "", world.difference());
 }
 
-void check(Decisions program) {
+}  // namespace
+
+const std::size_t kLongestInput = 120;
+
+void check(const std::string& input) {
+    Decisions program(input);
     const auto seed = [&program] {
         const unsigned high = program.byte();
         return high * 256 + program.byte();
@@ -47,10 +50,4 @@ void check(Decisions program) {
     expectSame("no search changes anything", "", world.difference());
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Xml::fuzz::check(Xml::fuzz::Decisions(data, std::min(size, Xml::fuzz::kLongestProgram)));
-    return 0;
-}

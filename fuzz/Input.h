@@ -2,29 +2,25 @@
 
 #include "xml/stream/InStream.h"
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace Xml::fuzz {
 
-// The bytes of an input, as text.
-inline std::string textOfInput(const std::uint8_t* data, std::size_t size) { return std::string(data, data + size); }
-
-// The bytes of an input, taken one by one: what decides about the next step of a program.
+// The bytes of an input, which must outlive it, taken one by one: what decides about the next step of a program.
 class Decisions {
 public:
-    Decisions(const std::uint8_t* data, std::size_t size) : next(data), end(data + size) {}
+    explicit Decisions(const std::string& input) : next(input.data()), end(next + input.size()) {}
 
     bool empty() const { return next == end; }
 
     // 0 behind the end.
-    unsigned byte() { return empty() ? 0 : *next++; }
+    unsigned byte() { return empty() ? 0 : static_cast<unsigned char>(*next++); }
 
     std::size_t below(std::size_t bound) { return byte() % bound; }
 
 private:
-    const std::uint8_t* next;
-    const std::uint8_t* end;
+    const char* next;
+    const char* end;
 };
 
 // An input as a file that lives in memory, for the sources that open one. There is one at a time: the next takes its place.

@@ -7,6 +7,7 @@
 // 16-bit unit.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Target.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
 #include "support/Trees.h"
@@ -28,7 +29,6 @@ namespace {
 using test::NaiveXPath;
 using Text = OrvSys::Uni16String;
 
-constexpr std::size_t kLongestInput = 4096;
 constexpr std::size_t kLongestDocument = 600;
 
 const char* const kFixedTrees[] = {
@@ -206,6 +206,10 @@ private:
     std::unique_ptr<NaiveXPath> naive;
 };
 
+}  // namespace
+
+const std::size_t kLongestInput = 4096;
+
 void check(const std::string& input) {
     const test::MessageCollector quiet;
     const Script script = scriptOf(input);
@@ -231,11 +235,4 @@ void check(const std::string& input) {
     }
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > Xml::fuzz::kLongestInput) return 0;
-    Xml::fuzz::check(Xml::fuzz::textOfInput(data, size));
-    return 0;
-}

@@ -9,6 +9,7 @@
 #include "dom/Settings.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Target.h"
 #include "support/Messages.h"
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"
@@ -18,7 +19,6 @@
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/FileOutStream.h"
-#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <sstream>
@@ -28,7 +28,6 @@
 namespace Xml::fuzz {
 namespace {
 
-constexpr std::size_t kLongestProgram = 800;
 constexpr std::size_t kMostNodes = 200;
 
 const char* const kNames[] = {"a", "b", "c", "longer", "a1", "x:y"};
@@ -166,16 +165,15 @@ private:
     FileOutStream out;
 };
 
-void check(Decisions program) {
+}  // namespace
+
+const std::size_t kLongestInput = 800;
+
+void check(const std::string& input) {
+    Decisions program(input);
     const test::MessageCollector quiet;
     const bool withDtd = program.below(2) == 1;
     Editor(program, withDtd).run();
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Xml::fuzz::check(Xml::fuzz::Decisions(data, std::min(size, Xml::fuzz::kLongestProgram)));
-    return 0;
-}

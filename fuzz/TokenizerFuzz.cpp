@@ -8,6 +8,7 @@
 // only text. Behind the operations tokens are read to the end.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Target.h"
 #include "stream/NaiveTokenizer.h"
 #include "stream/TextBuffer.h"
 #include "support/Sources.h"
@@ -26,7 +27,6 @@ namespace {
 using test::BareInStream;
 using test::NaiveTokenizer;
 
-constexpr std::size_t kLongestInput = 4096;
 constexpr int kMostTokens = 300;
 
 struct Script {
@@ -198,14 +198,14 @@ void checkStandardStreams(const Script& script, const std::string& path) {
 }
 
 }  // namespace
-}  // namespace Xml::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace Xml::fuzz;
-    if (size > kLongestInput) return 0;
-    const Script script = scriptOf(textOfInput(data, size));
+const std::size_t kLongestInput = 4096;
+
+void check(const std::string& input) {
+    const Script script = scriptOf(input);
     const std::string path = pathOfFileWith(script.text);
     checkPromptSources(script, path);
     checkStandardStreams(script, path);
-    return 0;
 }
+
+}  // namespace Xml::fuzz

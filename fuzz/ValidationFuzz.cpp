@@ -7,6 +7,7 @@
 #include "dtd/NaiveMatcher.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
+#include "fuzz/Target.h"
 #include "support/Messages.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
@@ -24,7 +25,6 @@ using test::NaiveMatcher;
 using test::NodeValue;
 using test::ParticleValue;
 
-constexpr std::size_t kLongestInput = 2048;
 constexpr long kMostSteps = 4'000;
 
 // As the library holds them: a name that is none is empty, and characters that are held escaped stay out of texts.
@@ -124,6 +124,10 @@ const std::vector<NodeValue>& shortElements() {
     return elements;
 }
 
+}  // namespace
+
+const std::size_t kLongestInput = 2048;
+
 void check(const std::string& input) {
     const test::MessageCollector messages;
     std::unique_ptr<Case> made;
@@ -142,11 +146,4 @@ void check(const std::string& input) {
     expectTrue("validation reports nothing", messages.texts().size() == before, input);
 }
 
-}  // namespace
 }  // namespace Xml::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > Xml::fuzz::kLongestInput) return 0;
-    Xml::fuzz::check(Xml::fuzz::textOfInput(data, size));
-    return 0;
-}
