@@ -1,4 +1,5 @@
 #include "support/NodeTestAccess.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
@@ -11,12 +12,6 @@
 
 namespace Xml::test {
 namespace {
-
-std::string repeated(const std::string& text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i) result += text;
-    return result;
-}
 
 // <a>x<a>x ... <z>x</z> ... </a></a>: `depth` times a and a z at the bottom.
 std::string deepText(int depth) { return repeated("<a>x", depth) + "<z>x</z>" + repeated("</a>", depth); }

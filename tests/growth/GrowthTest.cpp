@@ -5,6 +5,7 @@
 #include "growth/Work.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <functional>

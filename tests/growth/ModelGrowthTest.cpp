@@ -1,6 +1,7 @@
 // What a document type costs to read, write, copy and validate by grows as its declarations, its models and the content do.
 #include "growth/Texts.h"
 #include "growth/Work.h"
+#include "support/Texts.h"
 #include "xml/xml.h"
 #include <functional>
 #include <gtest/gtest.h>

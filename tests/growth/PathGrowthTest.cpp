@@ -2,6 +2,7 @@
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "orvsys/Uni16.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <algorithm>
@@ -18,12 +19,6 @@ namespace Xml::test {
 namespace {
 
 using OrvSys::Uni16String;
-
-Uni16String repeated(const Uni16String& text, int count) {
-    Uni16String all;
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-}
 
 Uni16String wide(int number) {
     const std::string digits = std::to_string(number);

@@ -9,16 +9,6 @@ namespace Xml::test {
 
 std::string numbered(const std::string& name, int number) { return name + std::to_string(10'000'000 + number); }
 
-std::string pieces(int count, const std::function<std::string(int)>& piece) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += piece(i);
-    return all;
-}
-
-std::string repeated(const std::string& text, int count) {
-    return pieces(count, [&text](int) { return text; });
-}
-
 std::function<void()> reading(std::string text, bool ok) {
     return [text = std::move(text), ok] {
         CountingSource in(text);

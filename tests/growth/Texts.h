@@ -22,10 +22,6 @@ constexpr int kScale = 1;
 // A name of the same length for every number: names that grow would be work that does too.
 std::string numbered(const std::string& name, int number);
 
-// The pieces for 0 to count - 1, one behind the other.
-std::string pieces(int count, const std::function<std::string(int)>& piece);
-std::string repeated(const std::string& text, int count);
-
 // One kind of text for each size.
 struct TextCase {
     const char* name;

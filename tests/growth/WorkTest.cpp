@@ -1,6 +1,7 @@
 // What the other tests here rely on: each counter sees work that is quadratic, and the fit tells it from linear work.
 #include "growth/Texts.h"
 #include "growth/Work.h"
+#include "support/Texts.h"
 #include "xml/xml.h"
 #include <gtest/gtest.h>
 #include <memory>

@@ -21,19 +21,6 @@
 
 namespace Xml::test {
 
-std::string repeated(const std::string& text, int count) {
-    std::string all;
-    all.reserve(text.size() * static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-}
-
-std::string pieces(int count, const std::function<std::string(int)>& piece) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += piece(i);
-    return all;
-}
-
 std::string located(int line, int column, const std::string& text, const char* readerClass) {
     const std::string whole = "(line = " + std::to_string(line) + ", column = " + std::to_string(column) + ") " + text +
                               " <" + readerClass + ">";

@@ -26,11 +26,6 @@ constexpr int kBrackets = kScale > 1 ? 2'000 : 100'000;  // more than a path may
 constexpr int kLongName = 16'000'000 / kScale;
 constexpr int kLongText = 64'000'000 / kScale;
 
-std::string repeated(const std::string& text, int count);
-
-// The pieces for 0 to count - 1, one behind the other.
-std::string pieces(int count, const std::function<std::string(int)>& piece);
-
 // What is told of an input: over a file stream, whose end shows one read late, it may be something else.
 struct Told {
     std::string prompt;

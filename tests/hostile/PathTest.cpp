@@ -1,6 +1,7 @@
 // Paths that were written to break a query, over trees that were.
 #include "hostile/Inputs.h"
 #include "orvsys/Uni16.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <array>

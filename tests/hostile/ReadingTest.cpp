@@ -1,5 +1,6 @@
 // Documents that were written to break a reader.
 #include "hostile/Inputs.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include "hostile/Inputs.h"
 #include "orvsys/Files.h"
 #include "stream/TextBuffer.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <cstdio>

@@ -1,5 +1,6 @@
 // Trees that were made to break what edits, copies, validates, writes and destroys them.
 #include "hostile/Inputs.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <algorithm>

@@ -3,6 +3,7 @@
 // before the test's time is up.
 #include "support/NodeTestAccess.h"
 #include "support/Sources.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <fstream>
@@ -29,13 +30,6 @@ constexpr int kGroups = 500'000;
 #endif
 
 constexpr int kHalf = kDepth / 2;
-
-std::string repeated(const std::string& text, int count) {
-    std::string all;
-    all.reserve(text.size() * static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-}
 
 // One element a level, each with one character of text: a around a around a ..., at last a z with an attribute.
 std::string deepText(int depth = kDepth) {

@@ -1,5 +1,6 @@
 // Queries over trees, and of paths, that are nested far deeper than any recursion could go within 256 KiB of stack.
 #include "orvsys/Uni16.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
 #include <gtest/gtest.h>
@@ -51,12 +52,6 @@ TEST(PathDepthTest, EveryAxisWalksADeepTree) {
         SCOPED_TRACE(OrvSys::Uni16CharToPlatformCString(c.path));
         EXPECT_EQ(query.GetValues(c.path), c.results);
     }
-}
-
-OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, int count) {
-    OrvSys::Uni16String all;
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
 }
 
 TEST(PathDepthTest, PredicatesAreNestedAThousandDeepAndNotDeeper) {

@@ -1,6 +1,7 @@
 #include "xml/reader/VersionInfoReader.h"
 
 #include "reader/ReadCase.h"
+#include "support/Texts.h"
 #include "xml/stream/StringInStream.h"
 #include <gtest/gtest.h>
 
@@ -12,12 +13,6 @@ Reading readDeclaration(InStream& in) {
     VersionInfoReader reader;
     const bool ok = reader.parse(in);
     return {ok, reader.getErrorMessage(), ""};
-}
-
-std::string repeated(const std::string& text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i) result += text;
-    return result;
 }
 
 }  // namespace

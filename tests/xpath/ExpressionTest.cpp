@@ -1,5 +1,6 @@
 // Values and operators: literals, numbers, position() and last(), precedence, which value of one side meets which of the
 // other, how texts and numbers are compared.
+#include "support/Texts.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
 #include "xpath/Queries.h"
@@ -349,7 +350,7 @@ double accumulated(const Uni16String& digits) {
     return number;
 }
 
-Uni16String oneAndNoughts(std::size_t noughts) { return u"1" + repeated(u"0", noughts); }
+Uni16String oneAndNoughts(int noughts) { return u"1" + repeated(u"0", noughts); }
 
 // The whole number with six decimals, as long as it may be.
 std::string printed(double number) {

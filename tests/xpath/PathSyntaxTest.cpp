@@ -1,6 +1,7 @@
 // How a path is read: white space, steps, predicates, literals, axes, kind tests, names, and the error of each that is
 // wrong, found out by asking and by checking alone.
 #include "support/Messages.h"
+#include "support/Texts.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
 #include "xpath/Queries.h"
@@ -440,7 +441,7 @@ TEST(PathSyntaxTest, ReportsNothingOfStepsThatAreNeverReached) {
 
 TEST(PathSyntaxTest, ReadsBracketsNestedAThousandDeepAndNoDeeper) {
     const Tree tree(kText);
-    const auto nested = [](std::size_t depth) { return u"/r" + repeated(u"[.", depth) + repeated(u"]", depth); };
+    const auto nested = [](int depth) { return u"/r" + repeated(u"[.", depth) + repeated(u"]", depth); };
     struct Case {
         const char* name;
         Uni16String path;

@@ -68,13 +68,6 @@ std::string narrow(const Uni16String& text) { return OrvSys::Uni16CharToPlatform
 
 Uni16String wide(const std::string& text) { return OrvSys::UTF8ToUni16Char(text); }
 
-Uni16String repeated(const Uni16String& text, std::size_t times) {
-    Uni16String all;
-    all.reserve(text.size() * times);
-    for (std::size_t i = 0; i < times; ++i) all += text;
-    return all;
-}
-
 Tree::Tree(const std::string& text) {
     Outcome read = readDocument(text);
     if (!read.ok) throw std::runtime_error("cannot read " + text + ": " + read.error);

@@ -18,9 +18,6 @@ namespace Xml::test {
 std::string narrow(const OrvSys::Uni16String& text);
 OrvSys::Uni16String wide(const std::string& text);
 
-// The text that many times.
-OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, std::size_t times);
-
 // A document made of a text that can be read; throws where it cannot.
 class Tree {
 public:

@@ -1,6 +1,7 @@
 // The query object: what it stands on, what its operations give, keep and reset, texts of results and of errors.
 #include "orvsys/Localization.h"
 #include "support/Messages.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
