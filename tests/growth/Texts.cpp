@@ -17,18 +17,4 @@ std::function<void()> reading(std::string text, bool ok) {
     };
 }
 
-std::unique_ptr<Element> readElement(const std::string& text) {
-    StringInStream in(text);
-    ElementReader reader;
-    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
-    return std::unique_ptr<Element>(reader.extractRoot());
-}
-
-std::unique_ptr<Dtd> readDtd(const std::string& declarations) {
-    StringInStream in(declarations);
-    DTDReader reader("r");
-    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
-    return std::unique_ptr<Dtd>(reader.extractDtd());
-}
-
 }  // namespace Xml::test

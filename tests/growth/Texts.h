@@ -1,13 +1,7 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
-
-namespace Xml {
-class Dtd;
-class Element;
-}  // namespace Xml
 
 // Texts that grow, and what is read from them.
 namespace Xml::test {
@@ -30,10 +24,5 @@ struct TextCase {
 
 // The job of reading that document from a source that counts.
 std::function<void()> reading(std::string text, bool ok = true);
-
-std::unique_ptr<Element> readElement(const std::string& text);
-
-// From the declarations of the internal subset.
-std::unique_ptr<Dtd> readDtd(const std::string& declarations);
 
 }  // namespace Xml::test

@@ -2,6 +2,7 @@
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "support/Texts.h"
+#include "support/Trees.h"
 #include "xml/xml.h"
 #include <gtest/gtest.h>
 #include <memory>

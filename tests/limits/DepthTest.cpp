@@ -38,20 +38,6 @@ std::string deepText(int depth = kDepth) {
 
 const char kHeader[] = "<?xml version = \"1.0\" ?>\n";
 
-std::unique_ptr<Element> readElement(const std::string& text) {
-    StringInStream in(text);
-    ElementReader reader;
-    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
-    return std::unique_ptr<Element>(reader.extractRoot());
-}
-
-std::unique_ptr<Dtd> readDtd(const std::string& declarations) {
-    StringInStream in(declarations);
-    DTDReader reader("a");
-    EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
-    return std::unique_ptr<Dtd>(reader.extractDtd());
-}
-
 // Calls `visit` for every element and text from `root` down, in document order.
 template <class Visit>
 void walk(Element& root, Visit visit) {
@@ -370,7 +356,7 @@ TEST(DepthTest, ADeepTreeIsValidatedAndLinkedAsItsModelsSay) {
     const std::unique_ptr<Element> root = readElement(deepText());
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
-        const std::unique_ptr<Dtd> dtd = readDtd(c.dtd);
+        const std::unique_ptr<Dtd> dtd = readDtd(c.dtd, "a");
         root->setDtd(nullptr);
         EXPECT_EQ(dtd->validate(root.get()), c.valid);
         const Tree tree = count(*root, dtd.get());
@@ -393,7 +379,7 @@ TEST(DepthTest, AlternativesThatBeginAlikeDecideEveryElementOnce) {
     for (const std::string& model : models) {
         SCOPED_TRACE(model);
         const bool listed = model.find("ATTLIST") != std::string::npos;
-        const std::unique_ptr<Dtd> dtd = readDtd(model + "<!ELEMENT b EMPTY><!ELEMENT c EMPTY>");
+        const std::unique_ptr<Dtd> dtd = readDtd(model + "<!ELEMENT b EMPTY><!ELEMENT c EMPTY>", "a");
         root->setDtd(nullptr);
         EXPECT_TRUE(dtd->validate(root.get()));
         EXPECT_EQ(count(*root, dtd.get()).linkedElements, listed ? 2 * kDepth - 1 : 0);
@@ -570,7 +556,7 @@ TEST(DepthTest, NestedGroupsMatchAsTheirParticlesDo) {
         {"one or more", brackets("c", ")+"), {{"", 1000, true}, {"", 0, false}, {"<d/>", 0, false}}},
     };
     for (const auto& c : kCases) {
-        const std::unique_ptr<Dtd> dtd = readDtd("<!ELEMENT a " + c.model + ">" + kLeaves);
+        const std::unique_ptr<Dtd> dtd = readDtd("<!ELEMENT a " + c.model + ">" + kLeaves, "a");
         for (const Children& children : c.children) {
             SCOPED_TRACE(c.name + std::string(": ") + children.first + " and " + std::to_string(children.others));
             EXPECT_EQ(dtd->validate(elementWith(children.first, children.others).get()), children.valid);
@@ -583,7 +569,7 @@ TEST(DepthTest, NestedGroupsAreWrittenReadAndCopied) {
         SCOPED_TRACE(model.substr(model.size() - 10));
         const std::string declarations = "<!ELEMENT a " + model + ">\n<!ELEMENT b EMPTY>\n<!ELEMENT c EMPTY>\n";
         const std::string written = "<!DOCTYPE a [\n" + declarations + "]>\n";
-        std::unique_ptr<Dtd> dtd = readDtd(declarations);
+        std::unique_ptr<Dtd> dtd = readDtd(declarations, "a");
         EXPECT_TRUE(textOf(*dtd) == written);
 
         Dtd merged("a");

@@ -17,7 +17,7 @@ namespace Xml::test {
 
 namespace {
 
-Reading readElement(InStream& in) {
+Reading parseElement(InStream& in) {
     ElementReader reader;
     const bool ok = reader.parse(in);
     return {ok, reader.getErrorMessage(), dump(reader.getRoot())};
@@ -63,7 +63,7 @@ TEST(ElementReaderTest, ReadsTagsAndAttributes) {
             {"the end of a name is enough for an end tag", "<a></ba>z", yes("z").builds("a")},
             {"an end tag that ends like an empty element", "<a></a/>z", yes("z").builds("a")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, DropsWhiteSpaceAroundChildElementsAndKeepsItAroundText) {
@@ -78,7 +78,7 @@ TEST(ElementReaderTest, DropsWhiteSpaceAroundChildElementsAndKeepsItAroundText) 
             {"white space around a comment", "<a> <!-- y --> </a>", yes().builds("a")},
             {"text within a child", "<a>\n<b> x </b>\n</a>", yes().builds("a(b(' x '))")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, HoldsTextAsItStands) {
@@ -95,7 +95,7 @@ TEST(ElementReaderTest, HoldsTextAsItStands) {
             {"line ends", "<a>x\r\ny\rz\n</a>", yes().builds("a('x\r\ny\rz\n')")},
             {"a zero byte", std::string("<a>x\0y</a>", 10), yes().builds(std::string("a('x\0y')", 8))},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, DropsCommentsInContent) {
@@ -108,7 +108,7 @@ TEST(ElementReaderTest, DropsCommentsInContent) {
             {"so may one dash more", "<a> <!---><b/></a>", yes().builds("a(b)")},
             {"empty", "<a><!----><b/></a>", yes().builds("a(b)")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, ReportsWhatTheStartTagLacks) {
@@ -137,7 +137,7 @@ TEST(ElementReaderTest, ReportsWhatTheStartTagLacks) {
             {"nothing behind the equals sign", "<a x=", ended().builds("a")},
             {"nothing behind an attribute", "<a x='1'", ended().builds("a[x=1]")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, FailsSilentlyWhenAnotherTokenEndsTheStartTag) {
@@ -152,7 +152,7 @@ TEST(ElementReaderTest, FailsSilentlyWhenAnotherTokenEndsTheStartTag) {
             {"a slash at the end of the data", "<a/", silent().builds("a"), silent().goes().builds("a")},
             {"in a child", "<a><b/><c x='1' =></c></a>", silent("></c></a>").builds("a(b)")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, ReportsWhatTheContentLacks) {
@@ -169,7 +169,7 @@ TEST(ElementReaderTest, ReportsWhatTheContentLacks) {
             {"a quote behind a closed one", "<a>\"<b/>\"</a>", ended().builds("a('\"' b)")},
             {"half a child", "<a><", ended().builds("a")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, ReportsAnEndTagThatDoesNotFit) {
@@ -186,7 +186,7 @@ TEST(ElementReaderTest, ReportsAnEndTagThatDoesNotFit) {
             {"ends behind the name", "<a></a", ended().builds("a"), no("\"a\" expected").goes().builds("a")},
             {"ends behind a blank", "<a></a ", ended().builds("a")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, StopsAtMarkupThatItDoesNotConsume) {
@@ -206,7 +206,7 @@ TEST(ElementReaderTest, StopsAtMarkupThatItDoesNotConsume) {
             {"behind text", "<a>x <?x?></a>", no("unexpected markup \"<?\"", "x?></a>").builds("a('x ')")},
             {"in a child", "<a>x<b>y<?x?></b></a>", no("unexpected markup \"<?\"", "x?></b></a>").builds("a('x')")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, FailsSilentlyAtACommentThatDoesNotEnd) {
@@ -219,7 +219,7 @@ TEST(ElementReaderTest, FailsSilentlyAtACommentThatDoesNotEnd) {
             {"only opened", "<a><b/><!-- ", silent().builds("a(b)"), lateEnd},
             {"half opened", "<a><b/><!-", ended().builds("a(b)")},
         },
-        classOf<ElementReader>(), readElement);
+        classOf<ElementReader>(), parseElement);
 }
 
 TEST(ElementReaderTest, TakesOverTheMessageOfAChildAlsoWhenItIsEmpty) {
@@ -264,7 +264,7 @@ TEST(ElementReaderTest, LocatesAFailureByTheLinesItRead) {
         for (auto source : kAllSources) {
             SCOPED_TRACE(::testing::Message() << source);
             withSource(source, c.text, [&c](InStream& in) {
-                EXPECT_EQ(readElement(in).error, located(c.line, c.column, c.message, classOf<ElementReader>()));
+                EXPECT_EQ(parseElement(in).error, located(c.line, c.column, c.message, classOf<ElementReader>()));
             });
         }
     }
@@ -273,7 +273,7 @@ TEST(ElementReaderTest, LocatesAFailureByTheLinesItRead) {
 TEST(ElementReaderTest, CutsTheMessageAboutALongName) {
     const std::string name(400, 'a');
     StringInStream in("<" + name + "></b>");
-    const Reading reading = readElement(in);
+    const Reading reading = parseElement(in);
     EXPECT_FALSE(reading.ok);
     EXPECT_EQ(reading.error, located(1, 405, "\"" + name + "\" expected", classOf<ElementReader>()));
     EXPECT_EQ(reading.error.size(), 255U);
@@ -282,7 +282,7 @@ TEST(ElementReaderTest, CutsTheMessageAboutALongName) {
 TEST(ElementReaderTest, TakesPercentSignsInMessagesAsText) {
     for (auto source : kAllSources) {
         withSource(source, "<%s%n%5000d />", [](InStream& in) {
-            EXPECT_EQ(readElement(in).error, located(1, 11, "not a name: %s%n%5000d", classOf<ElementReader>()));
+            EXPECT_EQ(parseElement(in).error, located(1, 11, "not a name: %s%n%5000d", classOf<ElementReader>()));
         });
     }
 }

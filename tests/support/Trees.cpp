@@ -5,9 +5,13 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
+#include "xml/reader/DTDReader.h"
 #include "xml/reader/DocumentReader.h"
+#include "xml/reader/ElementReader.h"
 #include "xml/stream/FileOutStream.h"
+#include "xml/stream/StringInStream.h"
 #include <sstream>
+#include <stdexcept>
 
 namespace Xml::test {
 
@@ -68,6 +72,20 @@ std::string errorOf(const std::string& text, Source source) {
     const Outcome outcome = readDocument(text, source);
     if (outcome.ok) return "";
     return outcome.error.substr(0, outcome.error.rfind(" <"));
+}
+
+std::unique_ptr<Element> readElement(const std::string& text) {
+    StringInStream in(text);
+    ElementReader reader;
+    if (!reader.parse(in)) throw std::invalid_argument(reader.getErrorMessage());
+    return std::unique_ptr<Element>(reader.extractRoot());
+}
+
+std::unique_ptr<Dtd> readDtd(const std::string& declarations, const std::string& name) {
+    StringInStream in(declarations);
+    DTDReader reader(name);
+    if (!reader.parse(in)) throw std::invalid_argument(reader.getErrorMessage());
+    return std::unique_ptr<Dtd>(reader.extractDtd());
 }
 
 }  // namespace Xml::test
