@@ -218,7 +218,7 @@ void check(const std::string& text, const std::string& path, Judge& judge) {
         late = resultOf(in, readNaively);
     }
     for (const Source source : kAllSources) {
-        overSource(source, text, path, [&](InStream& in) {
+        withSource(source, text, path, [&](InStream& in) {
             const Result result = resultOf(in, readByLibrary);
             const bool isLate = source == Source::FileStream;
             judge.compare(isLate ? "over a file stream" : "over a prompt source", isLate ? late : prompt, result, text);
@@ -314,7 +314,7 @@ TEST(ChangedDocumentsTest, SoDoThoseOfTheSubsetItself) {
                 stoppedAt = in.getPosition();
             }
             for (const Source source : kAllSources) {
-                overSource(source, document, file.path, [&](InStream& in) {
+                withSource(source, document, file.path, [&](InStream& in) {
                     const Result result = resultOf(in, readByLibrary);
                     // The document has ended with its root, at the latest: nothing but the end of the data may differ.
                     if (source == Source::FileStream) {

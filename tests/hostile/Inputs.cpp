@@ -1,6 +1,5 @@
 #include "hostile/Inputs.h"
 
-#include "orvsys/Files.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
@@ -9,12 +8,9 @@
 #include "xml/dtd/Dtd.h"
 #include "xml/reader/DTDReader.h"
 #include "xml/reader/DocumentReader.h"
-#include "xml/stream/FileInStream.h"
-#include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/StringInStream.h"
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <utility>
@@ -111,7 +107,7 @@ void expectTold(const std::vector<ReadCase>& cases) {
         for (const Source source : kAllSources) {
             const auto job = [&] {
                 std::string told;
-                overSource(source, text, file.path, [&](InStream& in) { told = c.ask(in); });
+                withSource(source, text, file.path, [&](InStream& in) { told = c.ask(in); });
                 return told;
             };
             const std::string told = runGuarded(job, c.bounds);
@@ -130,23 +126,5 @@ ScratchFile::ScratchFile(const std::string& name, const std::string& bytes) : pa
 }
 
 ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
-
-void overSource(Source source, const std::string& text, const std::string& path,
-                const std::function<void(InStream&)>& use) {
-    if (source == Source::String) {
-        StringInStream in(text);
-        use(in);
-    } else if (source == Source::Bare) {
-        BareInStream in(text);
-        use(in);
-    } else if (source == Source::FileStream) {
-        std::ifstream file;
-        FileInStream in(path, &file);
-        use(in);
-    } else {
-        FileSpecInStream in{OrvSys::FileSpec(path)};
-        use(in);
-    }
-}
 
 }  // namespace Xml::test

@@ -102,8 +102,4 @@ public:
     const std::string path;
 };
 
-// Calls `use` with a stream of that kind over the text, which must be what is in the file at the path.
-void overSource(Source source, const std::string& text, const std::string& path,
-                const std::function<void(InStream&)>& use);
-
 }  // namespace Xml::test

@@ -254,7 +254,7 @@ TEST(HostileReadingTest, RunsOfAnyByteEndAlikeFromEveryPromptSource) {
                     std::string first;
                     for (const Source source : kAllSources) {
                         std::string outcome;
-                        overSource(source, text, path, [&](InStream& stream) { outcome = document(stream); });
+                        withSource(source, text, path, [&](InStream& stream) { outcome = document(stream); });
                         if (source == Source::String) first = outcome;
                         if (source != Source::FileStream && outcome != first) ++differences;
                         if (outcome.empty()) ++differences;

@@ -87,7 +87,7 @@ TEST(HostileStreamTest, ASourceWithoutPositionsForAllOfItIsRefused) {
         return [&path, source, size] {
             if (::truncate(path.c_str(), size) != 0) return std::string("no such size");
             std::string told;
-            overSource(source, "", path, [&told](InStream& in) {
+            withSource(source, "", path, [&told](InStream& in) {
                 ElementReader reader;
                 told = reader.parse(in) ? "read" : reader.getErrorMessage();
             });

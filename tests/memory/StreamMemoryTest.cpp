@@ -29,25 +29,6 @@ public:
     const std::string path;
 };
 
-// Calls use(stream) with a stream of that kind over the file, or over its bytes.
-template <class Use>
-void withStream(Source source, const ScratchFile& file, const std::string& bytes, Use use) {
-    if (source == Source::String) {
-        StringInStream in(bytes);
-        use(in);
-    } else if (source == Source::Bare) {
-        BareInStream in(bytes);
-        use(in);
-    } else if (source == Source::FileStream) {
-        std::ifstream stream;
-        FileInStream in(file.path, &stream);
-        use(in);
-    } else {
-        FileSpecInStream in{OrvSys::FileSpec(file.path)};
-        use(in);
-    }
-}
-
 // All kinds of tokens, with line ends of two bytes, and nested ones that are tried and given up.
 const std::string kTokens =
     "! word-longer-than-any-string-holds \r\n 'a string with \"quotes\" in it' <element-with-a-long-name "
@@ -101,9 +82,9 @@ TEST(StreamMemoryTest, ASourceGoesBackAndReadsEverythingAfterAllocationsHaveFail
     for (const Source source : kAllSources) {
         SCOPED_TRACE(source);
         std::string expected;
-        withStream(source, file, kTokens, [&expected](InStream& in) { expected = tokensOf(in); });
+        withSource(source, kTokens, file.path, [&expected](InStream& in) { expected = tokensOf(in); });
         forEachFailingAllocation([&](Attempt& attempt) {
-            withStream(source, file, kTokens, [&](InStream& in) {
+            withSource(source, kTokens, file.path, [&](InStream& in) {
                 attempt([&in] { readTokens(in, [](bool, const std::string&, const InStream&) {}); });
                 in.setPosition(0);
                 EXPECT_EQ(tokensOf(in), expected);
@@ -134,7 +115,7 @@ TEST(StreamMemoryTest, AMessageThatCannotBeMadeMovesNothingAndIsMadeWhenAskedFor
     for (const Source source : kAllSources) {
         SCOPED_TRACE(source);
         forEachFailingAllocation([&](Attempt& attempt) {
-            withStream(source, file, text, [&](InStream& in) {
+            withSource(source, text, file.path, [&](InStream& in) {
                 std::string token;
                 EXPECT_TRUE(in.getToken(token));
                 const int position = in.getPosition();

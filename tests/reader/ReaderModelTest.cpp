@@ -20,12 +20,9 @@
 #include "xml/reader/MixedSpecReader.h"
 #include "xml/reader/PIReader.h"
 #include "xml/reader/VersionInfoReader.h"
-#include "xml/stream/FileInStream.h"
 #include "xml/stream/FileOutStream.h"
-#include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/StringInStream.h"
 #include <cstdio>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -381,21 +378,9 @@ public:
 
 private:
     std::string over(Source source, const std::string& text, const Run& run) const {
-        if (source == Source::String) {
-            StringInStream in(text);
-            return outcome(run, in);
-        }
-        if (source == Source::Bare) {
-            BareInStream in(text);
-            return outcome(run, in);
-        }
-        if (source == Source::FileStream) {
-            std::ifstream file;
-            FileInStream in(path, &file);
-            return outcome(run, in);
-        }
-        FileSpecInStream in{OrvSys::FileSpec(path)};
-        return outcome(run, in);
+        std::string result;
+        withSource(source, text, path, [&](InStream& in) { result = outcome(run, in); });
+        return result;
     }
 
     std::string path;

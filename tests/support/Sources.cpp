@@ -19,24 +19,28 @@ std::ostream& operator<<(std::ostream& out, Source source) {
 }
 
 void withSource(Source source, const std::string& text, const std::function<void(InStream&)>& use) {
+    const bool needsFile = source == Source::FileStream || source == Source::PlatformFile;
+    const std::string path = scratchPath("source");
+    if (needsFile) writeFile(path, text);
+    withSource(source, text, path, use);
+    if (needsFile) std::remove(path.c_str());
+}
+
+void withSource(Source source, const std::string& text, const std::string& path,
+                const std::function<void(InStream&)>& use) {
     if (source == Source::String) {
         StringInStream in(text);
         use(in);
     } else if (source == Source::Bare) {
         BareInStream in(text);
         use(in);
+    } else if (source == Source::FileStream) {
+        std::ifstream file;
+        FileInStream in(path, &file);
+        use(in);
     } else {
-        const std::string path = scratchPath("source");
-        writeFile(path, text);
-        if (source == Source::FileStream) {
-            std::ifstream file;
-            FileInStream in(path, &file);
-            use(in);
-        } else {
-            FileSpecInStream in{OrvSys::FileSpec(path)};
-            use(in);
-        }
-        std::remove(path.c_str());
+        FileSpecInStream in{OrvSys::FileSpec(path)};
+        use(in);
     }
 }
 

@@ -39,6 +39,10 @@ private:
 // Calls `use` with a stream of that kind over `text`. Files are made in the scratch folder and removed again.
 void withSource(Source source, const std::string& text, const std::function<void(InStream&)>& use);
 
+// The same for a caller that keeps a file: what is in the file at the path must be the text.
+void withSource(Source source, const std::string& text, const std::string& path,
+                const std::function<void(InStream&)>& use);
+
 // A path in the scratch folder that no other test process uses; nothing is created.
 std::string scratchPath(const std::string& name);
 
