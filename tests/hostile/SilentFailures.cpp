@@ -70,9 +70,11 @@ bool isWrongTokenLeft(Tokens& tokens) {
     return !token.empty() && token != ">" && token != "/>" && !isName(token) && tokens.atEnd();
 }
 
-// A start tag from the place on, up to a token that may not stand in it.
-bool isStartTagEndedByAnythingElse(const std::string& read, std::size_t place) {
-    Tokens tokens(read, place + 1);
+// A name and attributes from the place on, up to a token that is neither the name of another nor an end of a tag.
+// `takesRest` takes what stands behind the name of an attribute, and says whether that may stand there.
+template <class TakesRest>
+bool areAttributesEndedByAnythingElse(const std::string& read, std::size_t place, TakesRest takesRest) {
+    Tokens tokens(read, place);
     if (!isName(tokens.next())) return false;
     for (;;) {
         const std::size_t attribute = tokens.place();
@@ -80,25 +82,24 @@ bool isStartTagEndedByAnythingElse(const std::string& read, std::size_t place) {
             tokens.goBack(attribute);
             return isWrongTokenLeft(tokens);
         }
-        // Of what is compared with "=" the end alone counts, which a single byte cannot show.
-        if (tokens.next() != "=" || !isLiteral(tokens.next())) return false;
+        if (!takesRest(tokens)) return false;
     }
 }
 
+bool isStartTagEndedByAnythingElse(const std::string& read, std::size_t place) {
+    return areAttributesEndedByAnythingElse(read, place + 1, [](Tokens& tokens) {
+        // Of what is compared with "=" the end alone counts, which a single byte cannot show.
+        return tokens.next() == "=" && isLiteral(tokens.next());
+    });
+}
+
 bool isAttributeListWithAnotherToken(const std::string& read, std::size_t place) {
-    Tokens tokens(read, place + std::string("<!ATTLIST").size());
-    if (!isName(tokens.next())) return false;
-    for (;;) {
-        const std::size_t attribute = tokens.place();
-        if (!isName(tokens.next()) || tokens.atEnd()) {
-            tokens.goBack(attribute);
-            return isWrongTokenLeft(tokens);
-        }
+    return areAttributesEndedByAnythingElse(read, place + std::string("<!ATTLIST").size(), [](Tokens& tokens) {
         if (!endsWith(tokens.next(), "CDATA")) return false;
         std::string rule = tokens.next();
         if (rule == "#FIXED") rule = tokens.next();
-        if (rule != "#REQUIRED" && rule != "#IMPLIED" && !isLiteral(rule)) return false;
-    }
+        return rule == "#REQUIRED" || rule == "#IMPLIED" || isLiteral(rule);
+    });
 }
 
 std::string xmlDeclarationFailure(const std::string& read) {
