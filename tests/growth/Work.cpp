@@ -1,11 +1,11 @@
 #include "growth/Work.h"
 
+#include "support/HeapOperators.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <new>
 #include <sstream>
 #include <string>
 
@@ -45,6 +45,14 @@ void record(const std::string& name, const Growth& growth) {
 }  // namespace
 
 Work totals = {};
+
+void* allocate(std::size_t bytes, bool) noexcept {
+    ++totals[Allocations];
+    totals[AllocatedBytes] += static_cast<long long>(bytes);
+    return std::malloc(bytes > 0 ? bytes : 1);
+}
+
+void giveBack(void* memory) noexcept { std::free(memory); }
 
 Work workOf(const std::function<void()>& job) {
     const Work before = totals;
@@ -103,30 +111,3 @@ void expectSame(const std::string& name, const Jobs& jobs, Kind kind, int n) {
 }
 
 }  // namespace Xml::test
-
-namespace {
-
-void* allocate(std::size_t bytes) noexcept {
-    ++Xml::test::totals[Xml::test::Allocations];
-    Xml::test::totals[Xml::test::AllocatedBytes] += static_cast<long long>(bytes);
-    return std::malloc(bytes > 0 ? bytes : 1);
-}
-
-void* allocateOrThrow(std::size_t bytes) {
-    if (void* memory = allocate(bytes)) return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-// All forms but those for extended alignment, so that none meets another's memory.
-void* operator new(std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new[](std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return allocate(bytes); }
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return allocate(bytes); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }

@@ -20,6 +20,8 @@
 #include <unistd.h>
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
+#else
+#include "support/HeapOperators.h"
 #endif
 
 namespace Xml::test {
@@ -38,7 +40,7 @@ std::size_t mostBytes = static_cast<std::size_t>(-1);
 
 }  // namespace
 
-void* allocate(std::size_t bytes) noexcept {
+void* allocate(std::size_t bytes, bool) noexcept {
     if (bytes > mostBytes || liveBytes > mostBytes - bytes) return nullptr;
     void* const memory = std::malloc(bytes > 0 ? bytes : 1);
     if (memory == nullptr) return nullptr;
@@ -208,28 +210,3 @@ void nowAt(const std::string& what) {
 }
 
 }  // namespace Xml::test
-
-#ifndef __SANITIZE_ADDRESS__
-
-namespace {
-
-void* allocateOrThrow(std::size_t bytes) {
-    if (void* const memory = Xml::test::allocate(bytes)) return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-// All forms but those for extended alignment, so that none meets another's memory.
-void* operator new(std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new[](std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes); }
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes); }
-void operator delete(void* memory) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory) noexcept { Xml::test::giveBack(memory); }
-void operator delete(void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
-
-#endif

@@ -1,5 +1,6 @@
 #include "memory/Failing.h"
 
+#include "support/HeapOperators.h"
 #include "xml/text/Message.h"
 #include <cstdlib>
 #include <fcntl.h>
@@ -37,7 +38,6 @@ int failedParts() {
 
 }  // namespace
 
-// Null when the allocation is to fail.
 void* allocate(std::size_t bytes, bool tolerant) noexcept {
     if (counting && ++counted == due) {
         refused = mayShow = true;
@@ -118,24 +118,3 @@ QuietMessages::~QuietMessages() {
 int QuietMessages::count() const { return messages; }
 
 }  // namespace Xml::test
-
-namespace {
-
-void* allocateOrThrow(std::size_t bytes) {
-    if (void* const memory = Xml::test::allocate(bytes, false)) return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-// All forms but those for extended alignment, so that none meets another's memory.
-void* operator new(std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new[](std::size_t bytes) { return allocateOrThrow(bytes); }
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes, true); }
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Xml::test::allocate(bytes, true); }
-void operator delete(void* memory) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory) noexcept { Xml::test::giveBack(memory); }
-void operator delete(void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { Xml::test::giveBack(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { Xml::test::giveBack(memory); }
