@@ -1,5 +1,6 @@
 #include "xml/reader/ChildrenSpecReader.h"
 
+#include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/Dtd.h"
@@ -169,12 +170,6 @@ TEST(ChildrenSpecReaderTest, HandsTheModelOverOnce) {
 }
 
 TEST(ChildrenSpecReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
-    class Listening : public ChildrenSpecReader {
-    public:
-        using ChildrenSpecReader::ChildrenSpecReader;
-        void message(InStream&, const std::string& text) override { heard += text + ";"; }
-        std::string heard;
-    };
     const struct {
         const char* text;
         const char* heard;
@@ -189,7 +184,7 @@ TEST(ChildrenSpecReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
         SCOPED_TRACE(c.text);
         Dtd dtd("t");
         StringInStream in(c.text);
-        Listening reader(&dtd);
+        Listening<ChildrenSpecReader> reader(&dtd);
         EXPECT_FALSE(reader.parse(in));
         EXPECT_EQ(reader.heard, c.heard);
         EXPECT_EQ(reader.getErrorMessage(), c.message);

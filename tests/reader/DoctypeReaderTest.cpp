@@ -1,6 +1,7 @@
 #include "xml/reader/DoctypeReader.h"
 
 #include "reader/GrowthLimit.h"
+#include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "support/Trees.h"
 #include "xml/dtd/AnySpec.h"
@@ -53,12 +54,6 @@ public:
     ~Alarm() { alarm(0); }
     Alarm(const Alarm&) = delete;
     Alarm& operator=(const Alarm&) = delete;
-};
-
-class ListeningDoctypeReader : public DoctypeReader {
-public:
-    void message(InStream&, const std::string& text) override { heard += text + ";"; }
-    std::string heard;
 };
 
 }  // namespace
@@ -324,7 +319,7 @@ TEST(DoctypeReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.text);
         StringInStream in(c.text);
-        ListeningDoctypeReader reader;
+        Listening<DoctypeReader> reader;
         EXPECT_FALSE(reader.parse(in));
         EXPECT_EQ(reader.heard, c.heard);
         EXPECT_EQ(reader.getErrorMessage(), c.message);

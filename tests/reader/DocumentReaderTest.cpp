@@ -1,6 +1,7 @@
 #include "xml/reader/DocumentReader.h"
 
 #include "reader/GrowthLimit.h"
+#include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"
@@ -33,12 +34,6 @@ Reading readWhole(InStream& in) {
     if (document != nullptr && document->getDtd() != nullptr) built = declarationsOf(*document->getDtd()) + " " + built;
     return {ok, reader.getErrorMessage(), built};
 }
-
-class ListeningDocumentReader : public DocumentReader {
-public:
-    void message(InStream&, const std::string& text) override { heard += text + ";"; }
-    std::string heard;
-};
 
 }  // namespace
 
@@ -393,7 +388,7 @@ TEST(DocumentReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.text);
         StringInStream in(c.text);
-        ListeningDocumentReader reader;
+        Listening<DocumentReader> reader;
         EXPECT_EQ(reader.parse(in), c.ok);
         EXPECT_EQ(reader.heard, c.heard);
         EXPECT_EQ(reader.getErrorMessage(), c.message);

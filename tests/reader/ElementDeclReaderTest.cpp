@@ -1,5 +1,6 @@
 #include "xml/reader/ElementDeclReader.h"
 
+#include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "support/Trees.h"
 #include "xml/dtd/AnySpec.h"
@@ -156,12 +157,6 @@ TEST(ElementDeclReaderTest, ReadsBackEveryModelThatADtdWrites) {
 }
 
 TEST(ElementDeclReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
-    class Listening : public ElementDeclReader {
-    public:
-        using ElementDeclReader::ElementDeclReader;
-        void message(InStream&, const std::string& text) override { heard += text + ";"; }
-        std::string heard;
-    };
     const struct {
         const char* text;
         const char* heard;
@@ -176,7 +171,7 @@ TEST(ElementDeclReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
         SCOPED_TRACE(c.text);
         Dtd dtd("t");
         StringInStream in(c.text);
-        Listening reader(&dtd);
+        Listening<ElementDeclReader> reader(&dtd);
         EXPECT_FALSE(reader.parse(in));
         EXPECT_EQ(reader.heard, c.heard);
         EXPECT_EQ(reader.getErrorMessage(), c.message);

@@ -1,5 +1,6 @@
 #include "xml/reader/MixedSpecReader.h"
 
+#include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/dtd/MixedSpec.h"
@@ -103,14 +104,8 @@ TEST(MixedSpecReaderTest, HandsTheModelOverOnce) {
 }
 
 TEST(MixedSpecReaderTest, TellsASubclassOfFailuresAndNotes) {
-    class Listening : public MixedSpecReader {
-    public:
-        using MixedSpecReader::MixedSpecReader;
-        void message(InStream&, const std::string& text) override { heard += text + ";"; }
-        std::string heard;
-    };
     Dtd dtd("t");
-    Listening reader(&dtd);
+    Listening<MixedSpecReader> reader(&dtd);
     StringInStream plus("(#PCDATA)+ ");
     EXPECT_FALSE(reader.parse(plus));
     StringInStream bar("(#PCDATA b)");
