@@ -10,7 +10,6 @@
 #include "xml/reader/DocumentReader.h"
 #include "xml/stream/StringInStream.h"
 #include <algorithm>
-#include <cstdio>
 #include <gtest/gtest.h>
 #include <memory>
 #include <utility>
@@ -119,12 +118,5 @@ void expectTold(const std::vector<ReadCase>& cases) {
 void expectTold(const std::vector<RunCase>& cases) {
     for (const RunCase& c : cases) EXPECT_EQ(runGuarded(c.run, c.bounds), c.told) << c.name;
 }
-
-ScratchFile::ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) {
-    std::remove(path.c_str());  // to empty a file that is there waits for the disk
-    writeFile(path, bytes);
-}
-
-ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
 
 }  // namespace Xml::test

@@ -91,15 +91,4 @@ struct RunCase {
 // The same of what is not read from a source.
 void expectTold(const std::vector<RunCase>& cases);
 
-// A file of its own for the time of a test.
-class ScratchFile {
-public:
-    ScratchFile(const std::string& name, const std::string& bytes);
-    ~ScratchFile();
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    const std::string path;
-};
-
 }  // namespace Xml::test

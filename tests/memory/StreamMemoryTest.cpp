@@ -7,7 +7,6 @@
 #include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/FileSpecOutStream.h"
 #include "xml/stream/StringInStream.h"
-#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
@@ -17,17 +16,6 @@
 namespace Xml::test {
 
 namespace {
-
-// A file of the scratch folder for one test.
-class ScratchFile {
-public:
-    ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) { writeFile(path, bytes); }
-    ~ScratchFile() { std::remove(path.c_str()); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    const std::string path;
-};
 
 // All kinds of tokens, with line ends of two bytes, and nested ones that are tried and given up.
 const std::string kTokens =

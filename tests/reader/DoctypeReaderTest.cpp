@@ -34,17 +34,6 @@ Reading readDoctype(InStream& in) {
     return {ok, reader.getErrorMessage(), text};
 }
 
-// A file of its own for the time of a test.
-class ScratchFile {
-public:
-    ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) { writeFile(path, bytes); }
-    ~ScratchFile() { std::remove(path.c_str()); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    const std::string path;
-};
-
 std::string systemDoctype(const std::string& path) { return "<!DOCTYPE t SYSTEM \"" + path + "\">z"; }
 
 // Ends the process when a test hangs, as it does when a reader opens a pipe that nobody writes to.

@@ -25,23 +25,12 @@ namespace {
 using namespace std::string_literals;
 using Xml::FileInStream;
 using Xml::test::MessageCollector;
+using Xml::test::ScratchFile;
 using Xml::test::scratchPath;
 using Xml::test::TextStream;
-using Xml::test::writeFile;
 
 const std::string kEnd = "Unexpected end of stream";
 constexpr auto kAllExceptions = std::ios::badbit | std::ios::failbit | std::ios::eofbit;
-
-// A file in the scratch folder that goes with the object.
-class ScratchFile {
-public:
-    ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) { writeFile(path, bytes); }
-    ~ScratchFile() { std::remove(path.c_str()); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    const std::string path;
-};
 
 TEST(FileInStreamTest, IsMadeFromAStreamOrAPathExplicitly) {
     EXPECT_TRUE((std::is_constructible_v<FileInStream, std::istream*>));

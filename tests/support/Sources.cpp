@@ -60,6 +60,13 @@ std::string readFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+ScratchFile::ScratchFile(const std::string& name, const std::string& bytes) : path(scratchPath(name)) {
+    std::remove(path.c_str());  // to empty a file that is there waits for the disk
+    writeFile(path, bytes);
+}
+
+ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
+
 std::string documentPath(const std::string& name) { return std::string(ORVXML_TEST_DATA) + "/" + name; }
 
 const std::string& documentText(const std::string& name) {

@@ -49,6 +49,17 @@ std::string scratchPath(const std::string& name);
 void writeFile(const std::string& path, const std::string& bytes);
 std::string readFile(const std::string& path);
 
+// A file in the scratch folder that goes with the object.
+class ScratchFile {
+public:
+    ScratchFile(const std::string& name, const std::string& bytes);
+    ~ScratchFile();
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string path;
+};
+
 // The seven documents of others that ship with the examples, by file name; and the text of one.
 const char* const kDocuments[] = {"mame-nes.xml",       "vk.xml",      "jacob-leisler.svg.xml",
                                   "strawberry.svg.xml", "cldr-cs.xml", "cldr-annot-ka.xml",
