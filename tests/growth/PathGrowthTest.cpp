@@ -20,13 +20,6 @@ namespace {
 
 using OrvSys::Uni16String;
 
-Uni16String wide(int number) {
-    const std::string digits = std::to_string(number);
-    return Uni16String(digits.begin(), digits.end());
-}
-
-std::string narrow(const Uni16String& text) { return OrvSys::Uni16CharToPlatformCString(text); }
-
 // A shape of n elements x and y in turn, each with an attribute and every third with a text.
 struct Shape {
     const char* name;
@@ -142,8 +135,8 @@ TEST(PathGrowthTest, EveryAxisFromOneNodeIsLinearInTheNodesThatItReaches) {
         std::function<Uni16String(int)> path;
     } kFrom[] = {
         {"the root", [](int) { return u"/x"; }},
-        {"the middle", [](int n) { return u"/descendant::y[position() = " + wide(n / 4) + u"]"; }},
-        {"the end", [](int n) { return u"/descendant::y[position() = " + wide(n / 2) + u"]"; }},
+        {"the middle", [](int n) { return u"/descendant::y[position() = " + wide(std::to_string(n / 4)) + u"]"; }},
+        {"the end", [](int n) { return u"/descendant::y[position() = " + wide(std::to_string(n / 2)) + u"]"; }},
     };
     for (const auto& axis : kAxes) {
         const Uni16String path = axis.name + u"::node()";

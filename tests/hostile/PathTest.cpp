@@ -23,8 +23,6 @@ constexpr int kLong = kLongName / 8;
 
 constexpr int kMany = kMillion / 5;
 
-Uni16String wide(const std::string& text) { return Uni16String(text.begin(), text.end()); }
-
 // A query's results, or the code of the error; the same of the check of its syntax.
 std::string asked(const std::string& document, const Uni16String& path) {
     const Outcome outcome = readDocument(document);
@@ -137,7 +135,7 @@ TEST(HostilePathTest, EveryUnitOfAPathIsReadOrRefused) {
             for (const auto& place : kPlaces) {
                 const Uni16String path = place[0] + Uni16String(1, static_cast<char16_t>(unit)) + place[1];
                 const std::string what = broken(path, query, check);
-                if (!what.empty()) return OrvSys::Uni16CharToPlatformCString(path) + ": " + what;
+                if (!what.empty()) return narrow(path) + ": " + what;
                 ++told;
             }
         }
@@ -173,7 +171,7 @@ TEST(HostilePathTest, NumbersOfAnySizeAreNumbers) {
         return [path, document] {
             const Outcome outcome = readDocument(document);
             XPath query(outcome.document.get());
-            return OrvSys::Uni16CharToPlatformCString(query.GetValue(wide(path), -1));
+            return narrow(query.GetValue(wide(path), -1));
         };
     };
     const auto printed = [](double value) {

@@ -4,6 +4,7 @@
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
@@ -152,9 +153,6 @@ void forEachPath(Visit visit) {
 }
 
 // --- What the library says, in the notation of the page ---
-
-std::string narrow(const OrvSys::Uni16String& text) { return OrvSys::Uni16CharToPlatformCString(text); }
-OrvSys::Uni16String wide(const std::string& text) { return OrvSys::UTF8ToUni16Char(text); }
 
 Document* garden() {
     static const Outcome outcome = [] {

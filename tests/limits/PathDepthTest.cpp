@@ -49,7 +49,7 @@ TEST(PathDepthTest, EveryAxisWalksADeepTree) {
     };
     XPath query(outcome.document.get());
     for (const auto& c : kCases) {
-        SCOPED_TRACE(OrvSys::Uni16CharToPlatformCString(c.path));
+        SCOPED_TRACE(narrow(c.path));
         EXPECT_EQ(query.GetValues(c.path), c.results);
     }
 }

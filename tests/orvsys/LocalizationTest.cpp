@@ -1,4 +1,5 @@
 #include "orvsys/Localization.h"
+#include "support/PathErrorKeys.h"
 #include <algorithm>
 #include <atomic>
 #include <gtest/gtest.h>
@@ -13,38 +14,8 @@ using OrvSys::Localization;
 using OrvSys::Uni16String;
 
 TEST(LocalizationTest, BringsAnEnglishTextOfItsOwnForEachPathError) {
-    const char* const kNames[] = {
-        "NONE",
-        "INDEX OUT OF BOUNDS",
-        "NODE NOT FOUND",
-        "NODE CONTAINS NO DATA",
-        "DOUBLE SLASH AT THE END NOT ALLOWED",
-        "NO XPATH SPECIFIED",
-        "ILLEGAL CHAR AFTER ATTRIBUTEVALUE",
-        "ILLEGAL CHAR AFTER FUNCTION",
-        "ILLEGAL CHAR AFTER KINDTEST",
-        "ILLEGAL CHAR IN NUMBER",
-        "ILLEGAL CHAR AFTER PREDICATE",
-        "NO VALID ATTRIBUTE NAME",
-        "NO VALID NAME OR TEST",
-        "RELATIVE XPATH EXPRESSION NOT ALLOWED WITHOUT CONTEXT NODES",
-        "SLASH AT END NOT ALLOWED",
-        "NO VALID AXIS",
-        "NO VALID INITIAL AXIS",
-        "NO VALID COMPARISON OPERATOR",
-        "MISSING QUOTE BEFORE ATTRIBUTE VALUE",
-        "MISSING QUOTE AFTER ATTRIBUTE VALUE",
-        "MISSING CLOSING BRACKET AFTER PREDICATE",
-        "MISSING CLOSING PARENTHESE AFTER FUNCTION",
-        "MISSING OPENING PARENTHESE AFTER FUNCTION",
-        "MISSING CLOSING PARENTHESE AFTER KIND TEST",
-        "MISSING OPENING PARENTHESE AFTER KIND TEST",
-        "FIRST LAST OR NUMBER AFTER POSITION EXPECTED",
-        "CONTEXT IS NOT A NODE",
-        "EXPRESSION NESTED TOO DEEPLY",
-    };
     std::set<Uni16String> seen;
-    for (const char* name : kNames) {
+    for (const char* name : Xml::test::kPathErrorKeys) {
         SCOPED_TRACE(name);
         const Uni16String text = Localization::GetString(std::string("xpat/xerr/") + name, "XPath", u"");
         ASSERT_FALSE(text.empty());

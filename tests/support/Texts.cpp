@@ -16,6 +16,10 @@ Text repeatedText(const Text& text, int count) {
 
 }  // namespace
 
+std::string narrow(const OrvSys::Uni16String& text) { return OrvSys::Uni16CharToPlatformCString(text); }
+
+OrvSys::Uni16String wide(const std::string& text) { return OrvSys::UTF8ToUni16Char(text); }
+
 std::string repeated(const std::string& text, int count) { return repeatedText(text, count); }
 
 OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, int count) { return repeatedText(text, count); }

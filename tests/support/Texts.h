@@ -4,8 +4,11 @@
 #include <functional>
 #include <string>
 
-// Texts put together from many pieces.
 namespace Xml::test {
+
+// 16-bit text as UTF-8 and back, for tables and messages.
+std::string narrow(const OrvSys::Uni16String& text);
+OrvSys::Uni16String wide(const std::string& text);
 
 std::string repeated(const std::string& text, int count);
 OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, int count);

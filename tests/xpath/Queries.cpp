@@ -1,6 +1,7 @@
 #include "xpath/Queries.h"
 
 #include "orvsys/Localization.h"
+#include "support/PathErrorKeys.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
@@ -15,37 +16,6 @@ namespace Xml::test {
 using OrvSys::Uni16String;
 
 namespace {
-
-const char* const kKeys[] = {
-    "NONE",
-    "INDEX OUT OF BOUNDS",
-    "NODE NOT FOUND",
-    "NODE CONTAINS NO DATA",
-    "DOUBLE SLASH AT THE END NOT ALLOWED",
-    "NO XPATH SPECIFIED",
-    "ILLEGAL CHAR AFTER ATTRIBUTEVALUE",
-    "ILLEGAL CHAR AFTER FUNCTION",
-    "ILLEGAL CHAR AFTER KINDTEST",
-    "ILLEGAL CHAR IN NUMBER",
-    "ILLEGAL CHAR AFTER PREDICATE",
-    "NO VALID ATTRIBUTE NAME",
-    "NO VALID NAME OR TEST",
-    "RELATIVE XPATH EXPRESSION NOT ALLOWED WITHOUT CONTEXT NODES",
-    "SLASH AT END NOT ALLOWED",
-    "NO VALID AXIS",
-    "NO VALID INITIAL AXIS",
-    "NO VALID COMPARISON OPERATOR",
-    "MISSING QUOTE BEFORE ATTRIBUTE VALUE",
-    "MISSING QUOTE AFTER ATTRIBUTE VALUE",
-    "MISSING CLOSING BRACKET AFTER PREDICATE",
-    "MISSING CLOSING PARENTHESE AFTER FUNCTION",
-    "MISSING OPENING PARENTHESE AFTER FUNCTION",
-    "MISSING CLOSING PARENTHESE AFTER KIND TEST",
-    "MISSING OPENING PARENTHESE AFTER KIND TEST",
-    "FIRST LAST OR NUMBER AFTER POSITION EXPECTED",
-    "CONTEXT IS NOT A NODE",
-    "EXPRESSION NESTED TOO DEEPLY",
-};
 
 // Leaves the query where the path `before` leads; that must lead somewhere.
 void ask(XPath& query, const Uni16String& before) {
@@ -63,10 +33,6 @@ std::string outcome(XPath& query, bool found) {
 }
 
 }  // namespace
-
-std::string narrow(const Uni16String& text) { return OrvSys::Uni16CharToPlatformCString(text); }
-
-Uni16String wide(const std::string& text) { return OrvSys::UTF8ToUni16Char(text); }
 
 Tree::Tree(const std::string& text) {
     Outcome read = readDocument(text);
@@ -116,10 +82,10 @@ std::string resultsOf(const XPath& query) {
 
 std::string errorIn(XPath& query) {
     const auto code = static_cast<std::size_t>(query.GetErrorCode());
-    if (code >= std::size(kKeys)) return "unknown code " + std::to_string(code);
+    if (code >= std::size(kPathErrorKeys)) return "unknown code " + std::to_string(code);
     const std::string whole = narrow(query.GetErrorString());
     const std::string text =
-        narrow(OrvSys::Localization::GetString(std::string("xpat/xerr/") + kKeys[code], "XPath", {}));
+        narrow(OrvSys::Localization::GetString(std::string("xpat/xerr/") + kPathErrorKeys[code], "XPath", {}));
     EXPECT_FALSE(text.empty());
     if (code == 0) {
         EXPECT_EQ(whole, text);

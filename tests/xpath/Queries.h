@@ -1,6 +1,7 @@
 #pragma once
 
 #include "orvsys/Uni16.h"
+#include "support/Texts.h"
 #include "xml/dom/Document.h"
 #include "xml/xpath/XPath.h"
 #include <cstddef>
@@ -13,10 +14,6 @@ class Object;
 }  // namespace Xml
 
 namespace Xml::test {
-
-// 16-bit text as UTF-8 and back, for tables and messages.
-std::string narrow(const OrvSys::Uni16String& text);
-OrvSys::Uni16String wide(const std::string& text);
 
 // A document made of a text that can be read; throws where it cannot.
 class Tree {
