@@ -337,6 +337,16 @@ TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
     }
 }
 
+// No place tells there whether a reference is the last one again.
+TEST(FileInStreamTest, QuotesTheReferenceThatIsNoNameWhereTheStreamHasNoPositions) {
+    TextStream stream("'<?a&ab;", {4, false});
+    FileInStream in(&stream);
+    const Xml::StreamAccess::Session session(in);
+    std::string token;
+    EXPECT_TRUE(in.getToken(token));
+    EXPECT_EQ(in.getErrorMessage(), "not a name: &ab;");
+}
+
 // Its buffer is that of any file, and has both bytes at hand.
 TEST(FileInStreamTest, StepsNowhereInAPipe) {
     const std::string path = scratchPath("pipe");
