@@ -2,6 +2,7 @@
 #include "support/PathErrorKeys.h"
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -78,6 +79,21 @@ TEST(LocalizationTest, ATextThatTheLibraryBringsCanBeReplaced) {
     EXPECT_EQ(Localization::GetString(key, "XPath", english), u"Kein Knoten gefunden");
     Localization::SetString(key, "XPath", english);
     EXPECT_EQ(Localization::GetString(key, "XPath", u""), english);
+}
+
+// The object is made before the texts are, so that it goes behind what goes with them.
+TEST(LocalizationTest, StaticObjectsMayAskForTextsWhenTheProgramEnds) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto job = [] {
+        static const struct Late {
+            ~Late() {
+                const Uni16String text = Localization::GetString("xpat/xerr/NODE NOT FOUND", "XPath", u"");
+                std::_Exit(text.empty() ? 1 : 7);
+            }
+        } late;
+        if (!Localization::GetString("xpat/xerr/NODE NOT FOUND", "XPath", u"").empty()) std::exit(0);
+    };
+    EXPECT_EXIT(job(), testing::ExitedWithCode(7), "");
 }
 
 TEST(LocalizationTest, ThreadsThatReplaceATextNeverShowAMixture) {
