@@ -79,6 +79,19 @@ TEST(LargeTest, AStringThatIsTooLongForPositionsIsRefused) {
          {"a byte more", read(INT_MAX + std::size_t{1}), failed<DocumentReader>(0, "Source too large"), kBounds}});
 }
 
+TEST(LargeTest, TheLevelOfTabsEndsWhereItCanGrowNoMore) {
+    expectTold({{"one more than there are",
+                 [] {
+                     std::ostringstream text;
+                     FileOutStream out(&text);
+                     for (std::int64_t i = 0; i <= INT_MAX; ++i) out.incTab();
+                     for (std::int64_t i = 3; i < INT_MAX; ++i) out.decTab();
+                     out << 'x';
+                     return text.str();
+                 },
+                 "\t\t\tx", kBounds}});
+}
+
 TEST(LargeTest, PathsFindTenMillionNodes) {
     expectTold({{"on some axes",
                  [] {

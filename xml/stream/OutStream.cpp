@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace Xml {
 
@@ -36,7 +37,9 @@ OutStream& OutStream::writeDataHolder(const DataHolder& data) {
     return *this;
 }
 
-void OutStream::incTab() { ++tabLevel; }
+void OutStream::incTab() {
+    if (tabLevel < std::numeric_limits<std::int32_t>::max()) ++tabLevel;
+}
 
 void OutStream::decTab() {
     if (tabLevel > 0) --tabLevel;
