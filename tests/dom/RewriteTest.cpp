@@ -13,8 +13,11 @@
 #include "xml/stream/FileOutStream.h"
 #include "xml/stream/FileSpecOutStream.h"
 #include <cstdio>
+#include <cwchar>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -631,6 +634,41 @@ TEST(RewriteTest, BytesPositionsAndMarksAreThoseOfTheNaiveWriterOverRandomTreesE
         SCOPED_TRACE(sink.name);
         compareWithNaiveWriter(sink);
     }
+}
+
+// Writes each line end as two bytes, as a file does on other systems.
+class TwoByteLineEnds : public std::codecvt<char, char, std::mbstate_t> {
+protected:
+    bool do_always_noconv() const noexcept override { return false; }
+    int do_encoding() const noexcept override { return 0; }
+    int do_max_length() const noexcept override { return 2; }
+    result do_out(std::mbstate_t&, const char* from, const char* end, const char*& fromNext, char* to, char* toEnd,
+                  char*& toNext) const override {
+        for (; from != end; ++from) {
+            if (toEnd - to < 2) break;
+            if (*from == '\n') *to++ = '\r';
+            *to++ = *from;
+        }
+        fromNext = from;
+        toNext = to;
+        return from == end ? ok : partial;
+    }
+};
+
+TEST(RewriteTest, AFileWhoseLocaleConvertsIsPassedOverToWhereItsStreamStood) {
+    const RewriteSetting rewriting(true);
+    const ScratchFile scratch("converted", "");
+    std::ofstream file;
+    file.imbue(std::locale(std::locale::classic(), new TwoByteLineEnds));
+    FileOutStream out(scratch.path, &file);
+    const auto root = sampleTree();
+    root->toStream(out);
+    const int end = out.getPosition();
+    out.setPosition(0);
+    root->toStream(out);
+    EXPECT_EQ(out.getPosition(), end);
+    file.close();
+    EXPECT_EQ(static_cast<int>(readFile(scratch.path).size()), end);
 }
 
 }  // namespace

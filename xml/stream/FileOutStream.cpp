@@ -4,6 +4,7 @@
 #include "xml/text/internal/StreamState.h"
 #include <fstream>
 #include <limits>
+#include <locale>
 #include <ostream>
 #include <sstream>
 #include <typeinfo>
@@ -80,11 +81,15 @@ void FileOutStream::putChars(const char* bytes, std::size_t count) {
     }
 }
 
-// Only in the standard's own buffers is the position known to be the number of bytes.
+// Only in the standard's own buffers is the position known to be the number of bytes: in those of files as long as the locale
+// leaves the bytes as they are.
 std::int64_t FileOutStream::countFrom() const {
+    using Conversion = std::codecvt<char, char, std::mbstate_t>;
     const std::streambuf* const buffer = stream->rdbuf();
-    const bool known = typeid(*this) == typeid(FileOutStream) && buffer != nullptr &&
-                       (typeid(*buffer) == typeid(std::stringbuf) || typeid(*buffer) == typeid(std::filebuf));
+    if (typeid(*this) != typeid(FileOutStream) || buffer == nullptr) return -1;
+    const bool known =
+        typeid(*buffer) == typeid(std::stringbuf) ||
+        (typeid(*buffer) == typeid(std::filebuf) && std::use_facet<Conversion>(buffer->getloc()).always_noconv());
     return known ? tellOf(*stream) : -1;
 }
 
