@@ -29,6 +29,8 @@ struct Shape {
 const Shape kFlat = {"flat", [](int) { return 0; }};
 const Shape kDeep = {"deep", [](int i) { return i - 1; }};
 const Shape kBushy = {"bushy", [](int i) { return (i - 1) / 3; }};
+const Shape kTwigs = {"twigs",
+                      [](int i) { return i % 3 == 2 ? i - 1 : 0; }};  // the children of the root and theirs in turn
 const Shape* const kShapes[] = {&kFlat, &kDeep, &kBushy};
 
 std::shared_ptr<Document> grow(const Shape& shape, int n) {
@@ -200,6 +202,30 @@ TEST(PathGrowthTest, PredicatesAreLinearInTheNodesThatTheyLookAt) {
         u"//x[.//*]",
     };
     for (const auto& path : kPaths) expectLinearPath(path);
+}
+
+TEST(PathGrowthTest, WhatContextNodesShareAboveThemIsWalkedOnceHoweverTheyComeThere) {
+    const Uni16String kPaths[] = {
+        u"/descendant::x[../nothing]", u"//x[parent::x/nothing]",        u"//x[./../nothing]",
+        u"//*[@a/../../nothing]",      u"/descendant::*[../../nothing]", u"//*[parent::*[@a]/nothing]",
+    };
+    for (const auto& path : kPaths)
+        expectLinear("twigs: " + narrow(path), asking(kTwigs, [&path](int) { return std::vector{path}; }), NodeCalls,
+                     kSize);
+}
+
+TEST(PathGrowthTest, ALongTextIsReadOnceHoweverManyAreComparedWithIt) {
+    for (const Uni16String path : {u"/r[y = z]", u"/r[y != z]", u"/r[y > z]"}) {
+        expectLinear(
+            narrow(path),
+            [&path](int n) {
+                const std::string children = repeated("<y>a</y>", n) + "<z>" + repeated("&amp;z", n) + "</z>";
+                const auto document =
+                    std::make_shared<Document>(readElement("<r>" + children + "</r>").release(), nullptr);
+                return [query = std::make_shared<XPath>(document.get()), document, path] { query->GetValues(path); };
+            },
+            AllocatedBytes, 1'000);
+    }
 }
 
 TEST(PathGrowthTest, TheNextContextNodeIsFoundBesideTheLastOne) {

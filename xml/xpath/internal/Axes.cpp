@@ -45,7 +45,10 @@ public:
             if (Attribute* const attribute = element.getAttribute(*name)) found.push_back(attribute);
             return;
         }
-        for (Attribute* const attribute : NodeAccess::attributes(element)) take(*attribute);
+        for (Attribute* const attribute : NodeAccess::attributes(element)) {
+            if (isEnough()) return;
+            take(*attribute);
+        }
     }
 
 private:

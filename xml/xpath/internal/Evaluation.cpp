@@ -115,8 +115,9 @@ struct Evaluation::Frame {
     NodeList found;           // room for the next list
     bool isTogether = false;  // whether all context nodes are walked from at once
     Absence beforeTogether;
-    Book walkBook;  // for an outcome in Path::outcomes
-    Book tailBook;  // for Path::tail
+    Book walkBook;  // for Path::walkedFrom
+    Book tailBook;  // for Path::tailFrom
+    const Object* tailNode = nullptr;
 };
 
 Evaluation::Evaluation(Expressions& itsExpressions, Document* itsDocument, bool itsCheck, const Absence& before)
@@ -331,18 +332,18 @@ void Evaluation::recordOneByOne(const Frame& frame, Path& path) {
     if (begin > 0) absence_.foundNothing(first.step, frame.depth, false);
 }
 
-// Puts what the step finds into the frame's list. False where the rest of the walk was taken from the last one instead, and so the
-// walk from this context node has ended.
+// Puts what the step finds into the frame's list. False where the rest of the walk was known already, and so the walk from this
+// context node has ended.
 bool Evaluation::takeStep(Frame& frame, Path& path) {
     Path::Read& read = *path.steps[frame.step];
-    const bool isTail = path.isAbsolute ? frame.step == 0 : frame.step > 0 && frame.step == path.parents;
+    const bool isTail = path.isAbsolute ? frame.step == 0 : frame.step > 0 && frame.step == path.tail;
     if (isTail && frame.list.nodes.size() == 1 && absence_.canAppend()) {
-        const Object* const from = std::exchange(path.tailFrom, frame.list.nodes.front());
-        if (from == path.tailFrom) {
-            useOutcome(frame, path, path.tail);
+        frame.tailNode = frame.list.nodes.front();
+        if (const std::uint32_t* const known = path.tailFrom.find(frame.tailNode)) {
+            useOutcome(frame, path, path.outcomes[*known]);
             return false;
         }
-        frame.tailBook.open(absence_);
+        if (stored < kMostStored) frame.tailBook.open(absence_);
     }
     // A predicate that is just a path asks only whether there is a node.
     const bool oneIsEnough = read.step.isLast && read.predicates.empty() && frame.isBarePath() && !isWhole(frame);
@@ -357,13 +358,11 @@ void Evaluation::endContext(Frame& frame, Path& path) {
     std::vector<Object*>& found = frame.list.nodes;
     if (!isWhole(frame) && frame.isBarePath() && found.size() > 1) found.resize(1);
     if (frame.tailBook.isOpen) {
-        path.tail = {found, absence_};
+        keep(path, path.tailFrom, frame.tailNode, found);
         frame.tailBook.close(absence_);
     }
     if (frame.walkBook.isOpen) {
-        stored += found.size() + 1;
-        path.walkedFrom.insert((*frame.contexts)[frame.context], static_cast<std::uint32_t>(path.outcomes.size()));
-        path.outcomes.push_back({found, absence_});
+        keep(path, path.walkedFrom, (*frame.contexts)[frame.context], found);
         frame.walkBook.close(absence_);
     }
     if (!isWhole(frame) || !frame.isBarePath()) {
@@ -378,6 +377,12 @@ void Evaluation::endContext(Frame& frame, Path& path) {
     }
     ++frame.context;
     frame.step = 0;
+}
+
+void Evaluation::keep(Path& path, NodeMap& numbers, const Object* from, const std::vector<Object*>& found) {
+    stored += found.size() + 1;
+    numbers.insert(from, static_cast<std::uint32_t>(path.outcomes.size()));
+    path.outcomes.push_back({found, absence_});
 }
 
 void Evaluation::record(const NodeList& list, unsigned depth, const Path::Read& read, bool withPredicates) {

@@ -51,6 +51,7 @@ private:
     bool takeStep(Frame& frame, Path& path);
     void endContext(Frame& frame, Path& path);
     void useOutcome(Frame& frame, Path& path, const Path::Outcome& outcome);
+    void keep(Path& path, NodeMap& numbers, const Object* from, const std::vector<Object*>& found);
     void filter(Frame& frame, const Values& outcome);
 
     bool mayWalkTogether(const Frame& frame) const;

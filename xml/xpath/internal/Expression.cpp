@@ -18,7 +18,7 @@ const Path::Read* Path::step(std::size_t number, Expressions& expressions, PathE
     if (!read->step.read(expressions.text, next, end, error)) return nullptr;
     read->depth = read->step.slashes + (steps.empty() ? 0 : steps.back()->depth + 1);
     for (const Span& predicate : read->step.predicates) read->predicates.push_back(expressions.add(predicate));
-    if (parents == steps.size() && read->step.isParent()) ++parents;
+    if (tail == 0 && !steps.empty() && steps.back()->step.isParent() && !read->step.isParent()) tail = steps.size();
     steps.push_back(std::move(read));
     return steps.back().get();
 }

@@ -36,7 +36,7 @@ struct Path {
     Unit next = nullptr;  // where the first step begins that was not read yet
     Unit end = nullptr;
     std::vector<std::unique_ptr<Read>> steps;
-    std::size_t parents = 0;  // how many of the first steps are just ".."
+    std::size_t tail = 0;  // the step behind the first ones upwards; 0 where there is none
 
     // What came of a walk, or of the rest of one.
     struct Outcome {
@@ -44,13 +44,10 @@ struct Path {
         Absence absence;
     };
 
-    // Of the last walk from the step behind those, or of an absolute path from its first one, and the one node that it began
-    // at: context nodes often share a parent, and always the document.
-    const Object* tailFrom = nullptr;
-    Outcome tail;
-
-    // Of walks from context nodes that may come again, the number of each in `outcomes`.
+    // The numbers in `outcomes` of walks that may come again: from context nodes; and from that step on, or from the first one
+    // of an absolute path, where there is one node to go on from. Context nodes often share a parent, and always the document.
     NodeMap walkedFrom;
+    NodeMap tailFrom;
     std::vector<Outcome> outcomes;
 };
 

@@ -128,7 +128,7 @@ private:
 // than any memory holds; it is told so at once.
 constexpr std::size_t kMostPairs = 16'000'000;
 
-// Comparing each with each is quicker than sorting up to about this many.
+// Comparing one with each is quicker than sorting up to about this many.
 constexpr std::ptrdiff_t kFew = 4;
 
 // The left values for which the comparison holds with any right value of their tag.
@@ -137,7 +137,9 @@ Values satisfied(const Values& left, const Values& right, Operator op) {
     forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
         const auto keep = [&](auto anySatisfies) { std::copy_if(from, to, std::back_inserter(kept), anySatisfies); };
         const Domain domain = domainOf(from->kind, rightFrom->kind);
-        if (rightTo - rightFrom <= kFew || domain == Domain::Booleans) {
+        const bool isQuick =
+            to - from == 1 && rightTo - rightFrom <= kFew;  // else each right one is read again and again
+        if (isQuick || domain == Domain::Booleans) {
             keep([&](const Value& value) {
                 return std::any_of(rightFrom, rightTo,
                                    [&](const Value& other) { return CompareResultItems(value, other, op); });

@@ -37,8 +37,8 @@ struct Step {
     // it. False, and the error told, where there is none.
     bool read(const PathText& text, Unit& at, Unit end, PathError& error);
 
-    // Whether it is "..", or the same in other words.
-    bool isParent() const { return axis == Axis::Parent && slashes == 0 && test.acceptsAll() && predicates.empty(); }
+    // Whether it finds at most one node from each.
+    bool isParent() const { return axis == Axis::Parent && slashes == 0; }
 
     // Whether the first predicate counts positions from the end of what the step found. This fixed set is intended.
     bool isReverse() const;
