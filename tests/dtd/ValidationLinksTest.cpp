@@ -132,6 +132,28 @@ TEST(ValidationLinksTest, LinksThatWereTakenAwayAreSetAgain) {
     EXPECT_EQ(linksOf(*tree, {dtd.get()}), all);
 }
 
+// What has been linked already is not passed over then.
+TEST(ValidationLinksTest, LinksThatAModelOfACallersOwnTakesAwayAreSetAgainInTheSameRun) {
+    class Unlinking : public ContentSpec {
+    public:
+        Unlinking(Dtd* owner, Object* linked) : ContentSpec(owner), node(linked) {}
+        bool validate(const std::vector<Object*>&) const override {
+            node->setDtd(nullptr);
+            return true;
+        }
+        void toStream(OutStream&) const override {}
+        ContentSpec* clone(Dtd* owner) const override { return new Unlinking(owner, node); }
+
+    private:
+        Object* node;
+    };
+    const auto dtd = dtdOf("a: (b, own); a@x IMPLIED; b: (c); b@x IMPLIED; c: (#PCDATA)");
+    const auto tree = elementOf("a(b(c('1')) own)");
+    dtd->addElementDecl("own", new Unlinking(dtd.get(), tree->getElement("b")->getElement("c")));
+    EXPECT_TRUE(dtd->validate(tree.get()));
+    EXPECT_EQ(linksOf(*tree, {dtd.get()}), "a*(b*(c*('1'*)) own*)");
+}
+
 TEST(ValidationLinksTest, ValidationChangesLinksAndNothingElse) {
     MessageCollector messages;
     const auto dtd = dtdOf("a: (#PCDATA | b)*; a@x DEFAULT 1; b: EMPTY; b@y REQUIRED");
