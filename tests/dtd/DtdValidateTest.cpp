@@ -541,6 +541,28 @@ TEST(DtdValidateTest, AsksAModelOfACallersOwnFarBelowOnlyWhenTheWalkArrives) {
     EXPECT_EQ(log.entries.size(), 0U);
 }
 
+TEST(DtdValidateTest, AfterAMergeTheDefinitionsThatRemainSayWhatIsRequired) {
+    const char* const kRules[] = {"IMPLIED", "REQUIRED"};
+    for (const int mine : {0, 1}) {
+        for (const int others : {0, 1}) {
+            for (const bool replace : {false, true}) {
+                SCOPED_TRACE(std::string(kRules[mine]) + " and " + kRules[others] + (replace ? ", replaced" : ""));
+                const auto dtd = dtdOf(std::string("a: EMPTY; a@x ") + kRules[mine]);
+                const auto other = dtdOf(std::string("a@x ") + kRules[others] + "; a@y " + kRules[others]);
+                dtd->merge(*other, replace);
+                const bool isRequired = (replace ? others : mine) == 1;
+                Element a("a");
+                EXPECT_EQ(dtd->validate(&a), !isRequired && others == 0);
+                a.setAttribute("y", "");
+                EXPECT_EQ(dtd->validate(&a), !isRequired);
+                a.setAttribute("x", "");
+                EXPECT_TRUE(dtd->validate(&a));
+                EXPECT_TRUE(Dtd(*dtd).validate(&a));
+            }
+        }
+    }
+}
+
 TEST(DtdValidateTest, AModelOfACallersOwnMayValidateItself) {
     // Validates the element children by a Dtd, which need not be the one that asks.
     class Asking : public ContentSpec {

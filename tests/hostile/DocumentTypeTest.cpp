@@ -181,6 +181,21 @@ TEST(HostileDocumentTypeTest, ManyDeclarationsAreReadInTurn) {
     });
 }
 
+TEST(HostileDocumentTypeTest, AnElementAsksForItsOwnAttributesHoweverManyAreDefined) {
+    const auto input = [](const char* last) {
+        return [last] {
+            return "<!DOCTYPE r [<!ELEMENT r (a*)><!ELEMENT a EMPTY><!ATTLIST a" +
+                   pieces(kMany, [](int i) { return " x" + std::to_string(i) + " CDATA #IMPLIED"; }) + last + ">]><r>" +
+                   repeated("<a z=''/>", kMany) + "</r>";
+        };
+    };
+    expectTold({
+        {"none of them required", input(" z CDATA #IMPLIED"), validity, "valid", kLarge},
+        {"one of them required", input(" z CDATA #REQUIRED"), validity, "valid", kLarge},
+        {"another one required", input(" z CDATA #IMPLIED zz CDATA #REQUIRED"), validity, "not valid", kLarge},
+    });
+}
+
 TEST(HostileDocumentTypeTest, LongThingsInDeclarationsAreReadWhole) {
     constexpr int kLong = kLongName / 4;
     const std::string name = repeated("n", kLong);

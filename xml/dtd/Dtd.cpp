@@ -55,7 +55,7 @@ Dtd::Dtd(const Dtd& other) : Dtd(other.name) {
 Dtd::~Dtd() {
     for (const auto& [element, model] : elements) delete model;
     for (const auto& [element, list] : attributeLists) {
-        for (const auto& [attribute, definition] : list) delete definition;
+        for (const auto& [attribute, definition] : list.definitions) delete definition;
     }
 }
 
@@ -103,9 +103,11 @@ void Dtd::addAttDecl(const std::string& element, const std::string& attribute, A
     const auto list = attributeLists.find(element);
     if (list == attributeLists.end()) {
         addAttributeList(element, attribute, definition);
-    } else if (!list->second.emplace(attribute, definition).second) {
+    } else if (!list->second.definitions.emplace(attribute, definition).second) {
         reportDuplicateAttribute(element, attribute);
         return;
+    } else if (definition->isRequired()) {
+        ++list->second.required;
     }
     touch();
 }
@@ -113,7 +115,8 @@ void Dtd::addAttDecl(const std::string& element, const std::string& attribute, A
 // A list that could not take its first definition must not stay behind: it would say something about the element.
 void Dtd::addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition) {
     AttributeList made;
-    made.emplace(attribute, definition);
+    made.definitions.emplace(attribute, definition);
+    made.required = definition->isRequired() ? 1 : 0;
     attributeLists.emplace(element, std::move(made));
 }
 
@@ -134,11 +137,15 @@ void Dtd::merge(const Dtd& other, bool replace) {
         put(elements, element, std::unique_ptr<ContentSpec>(model->clone(this)));
     }
     for (const auto& [element, list] : other.attributeLists) {
-        for (const auto& [attribute, definition] : list) {
+        for (const auto& [attribute, definition] : list.definitions) {
             if (!replace && findDefinition(element, attribute) != nullptr) continue;
             std::unique_ptr<AttDef> copy(definition->clone());
             if (const auto own = attributeLists.find(element); own != attributeLists.end()) {
-                put(own->second, attribute, std::move(copy));
+                AttDef*& place = own->second.definitions[attribute];
+                if (place != nullptr && place->isRequired()) --own->second.required;
+                if (copy->isRequired()) ++own->second.required;
+                delete place;
+                place = copy.release();
             } else {
                 addAttributeList(element, attribute, copy.get());
                 copy.release();
@@ -157,8 +164,8 @@ bool Dtd::validate(Element* element) const { return element != nullptr && Matche
 const AttDef* Dtd::findDefinition(const std::string& element, const std::string& attribute) const {
     const auto list = attributeLists.find(element);
     if (list == attributeLists.end()) return nullptr;
-    const auto definition = list->second.find(attribute);
-    return definition != list->second.end() ? definition->second : nullptr;
+    const auto definition = list->second.definitions.find(attribute);
+    return definition != list->second.definitions.end() ? definition->second : nullptr;
 }
 
 bool Dtd::hasDefaultValue(const std::string& element, const std::string& attribute) const {
@@ -224,10 +231,10 @@ void Dtd::write(OutStream& out) const {
         model->toStream(out);
         out << '>' << '\n';
         const auto list = attributeLists.find(element);
-        if (list == attributeLists.end() || list->second.empty()) continue;
+        if (list == attributeLists.end() || list->second.definitions.empty()) continue;
         out << "<!ATTLIST " << element << '\n';
         out.incTab();
-        for (const auto& [attribute, definition] : list->second) {
+        for (const auto& [attribute, definition] : list->second.definitions) {
             out << attribute << ' ';
             definition->toStream(out);
             out << '\n';

@@ -105,7 +105,10 @@ private:
     friend struct DtdAccess;
     friend struct NodeTestAccess;
 
-    using AttributeList = std::map<std::string, AttDef*>;
+    struct AttributeList {
+        std::map<std::string, AttDef*> definitions;
+        std::size_t required = 0;  // how many of them are, so that nobody has to look at all of them for each element
+    };
 
     void addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition);
     void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);

@@ -177,23 +177,20 @@ void Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
     NodeAccess::verdict(element) = runOf(dtd) << kRunShift | linked | (matched ? kValid : 0);
 }
 
-// Both lists are in the order of names: one pass over both.
+// Looks at the element's own attributes only: each has to be defined, and those that are required to be all there are.
 bool Matcher::attributesFit(const Dtd& dtd, Element& element) {
     const auto& attributes = NodeAccess::attributes(element);
     const auto list = dtd.attributeLists.find(element.getName());
     if (list == dtd.attributeLists.end()) return attributes.empty();
 
-    auto attribute = attributes.begin();
-    for (const auto& [name, definition] : list->second) {
-        const int order = attribute != attributes.end() ? (*attribute)->getName().compare(name) : 1;
-        if (order < 0) return false;  // not defined
-        if (order == 0) {
-            ++attribute;
-        } else if (definition->isRequired()) {
-            return false;
-        }
+    const auto& definitions = list->second.definitions;
+    std::size_t required = 0;
+    for (const Attribute* const attribute : attributes) {
+        const auto definition = definitions.find(attribute->getName());
+        if (definition == definitions.end()) return false;
+        if (definition->second->isRequired()) ++required;
     }
-    if (attribute != attributes.end()) return false;
+    if (required != list->second.required) return false;
     NodeAccess::verdict(element) = runOf(dtd) << kRunShift;
     link(element, &dtd);
     return true;
