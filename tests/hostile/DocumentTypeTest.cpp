@@ -103,6 +103,15 @@ TEST(HostileDocumentTypeTest, AlternativesDoNotMultiply) {
         {"repetitions in each other that are given up", givenUp(30, 30), validity, "valid"},
         {"many of them, over many children", givenUp(400, 400), validity, "valid", kLarge},
         {"one, over very many children", givenUp(1, kMillion), validity, "valid", kLarge},
+        {"repetitions right within each other, over many children",
+         [] {
+             const int count = kMany / 50;
+             return modelled("(" + repeated("(", count) + "a" + repeated(")+", count) + ", b)*",
+                             repeated("<a/><b/>", count));
+         },
+         validity,
+         "valid",
+         {16 * kMiB}},
     });
     const int width = 50'000 / kScale;
     expectTold({

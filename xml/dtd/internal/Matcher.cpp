@@ -328,14 +328,16 @@ void Matcher::resumeRepeated() {
 }
 
 // The repetition on top, which has come out so, would have from the start of each of its passes: but for the last one of "+",
-// which took nothing.
+// which took nothing. Where the repetition around it began its pass at the same child, that one is asked there: repetitions right
+// within each other need not all be kept for every child.
 void Matcher::finishRepeated(bool outcome) {
     --repetitions;
     const Frame& frame = frames.back();
     if (!frame.nested) return finish(outcome);
     const auto& spec = *static_cast<const ChildrenSpec*>(frame.subject);
     const bool needsOne = SpecAccess::repetition(spec) == REP_ONE_OR_MORE;
-    for (std::size_t i = frame.firstPass; i < passes.size() && !foreign; ++i) {
+    const bool isAskedThere = frame.firstPass > 0 && passes[frame.firstPass - 1] == passes[frame.firstPass];
+    for (std::size_t i = frame.firstPass + (isAskedThere ? 1 : 0); i < passes.size() && !foreign; ++i) {
         const ChildQueue& start = passes[i];
         if (start.empty()) break;
         const bool matches = outcome && !(needsOne && i - frame.firstPass >= frame.number);
