@@ -68,7 +68,8 @@ public:
 
     // Writes the node and records where. With the RW optimisation on, a node that has not changed since it was written
     // and whose record begins where the stream stands is not written: the stream moves past it. The record holds a
-    // position, not a sink.
+    // position, not a sink, and is made also where the sink failed: with the optimisation on, write to nothing but the one
+    // stream that is rewritten, and not again to one that failed.
     void toStream(OutStream& out) const;
 
     // Switches the RW optimisation; returns what was set before.
