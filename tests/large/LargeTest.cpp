@@ -67,6 +67,27 @@ TEST(LargeTest, ThereMayBeTenMillionOfAThing) {
     });
 }
 
+TEST(LargeTest, MarkupIsReadBehindAParseBufferWhoseLengthAnIntJustHolds) {
+    expectTold({{"each kind",
+                 [] {
+                     std::string told;
+                     const std::string text = "<!a> <!--x <!-x <![CDATA[x <![a[ <?xml <?php <!<!<!x .";
+                     StringInStream source(text);
+                     for (std::size_t begin = 0; text[begin] != '.'; begin = text.find(' ', begin) + 1) {
+                         source.RestorePosition({static_cast<int>(begin), INT_MAX});
+                         if (!source.getTokenInParseBuffer()) return source.getErrorMessage();
+                         const int length = source.getPosition() - static_cast<int>(begin);
+                         const std::string token = text.substr(begin, static_cast<std::size_t>(length));
+                         const bool whole = source.CheckParseBufferEnd(token.data(), length);
+                         const bool alone = source.CheckParseBufferEnd(('\0' + token).data(), length + 1);
+                         const bool full = source.StorePosition().second == INT_MAX;
+                         told += token + (whole && alone && full ? " " : " (not in the buffer) ");
+                     }
+                     return told;
+                 },
+                 "<!a <!-- <! <![CDATA[ <![ <?xml <? <! ", kBounds}});
+}
+
 TEST(LargeTest, AStringThatIsTooLongForPositionsIsRefused) {
     const auto read = [](std::size_t count) {
         return [count] {

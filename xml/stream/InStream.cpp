@@ -7,6 +7,7 @@
 #include "xml/text/internal/ByteClasses.h"
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 // The tokenizer. It reads a byte with line tracking, looks at it, and steps back where it went too far; everything is told in
@@ -386,7 +387,10 @@ bool InStream::skip(const std::string& terminator) {
     return true;
 }
 
-std::pair<int, int> InStream::StorePosition() const { return {tell(), static_cast<int>(parseBuffer.size())}; }
+std::pair<int, int> InStream::StorePosition() const {
+    constexpr std::size_t kLongest = std::numeric_limits<int>::max();
+    return {tell(), static_cast<int>(std::min(parseBuffer.size(), kLongest))};
+}
 
 void InStream::RestorePosition(const std::pair<int, int>& saved) {
     seek(saved.first);

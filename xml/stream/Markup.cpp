@@ -34,9 +34,10 @@ bool InStream::readMarkup() {
         } else if (c == '/') {
             parseBuffer += c;
         } else if (c == '!' || c == '?') {
-            const std::pair<int, int> begin(tell() - 1, static_cast<int>(parseBuffer.size()));
+            OpenMarkup::Place begin(*this);
+            --begin.position;
             parseBuffer += c;
-            openMarkup.push_back({c, OpenMarkup::Name, false, begin, StorePosition(), errorCount});
+            openMarkup.push_back({c, OpenMarkup::Name, false, begin, OpenMarkup::Place(*this), errorCount});
             what = Next::Token;
         } else {
             stepBack();
@@ -76,18 +77,18 @@ InStream::Next InStream::resumeMarkup(OpenMarkup& open, bool& ok, int& failedTai
         if (ok && (CheckParseBufferEnd("[", 1) || expected("[", 1))) return Next::Done;
         break;
     }
-    RestorePosition(open.saved);
-    failedTail = open.saved.first;
+    open.saved.comeBack(*this);
+    failedTail = open.saved.position;
     ok = true;
     return Next::Done;
 }
 
 InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failedTail) {
-    const auto begin = static_cast<std::size_t>(open.saved.second);
+    const std::size_t begin = open.saved.length;
     const char* const token = parseBuffer.data() + begin;
-    const int length = static_cast<int>(parseBuffer.size() - begin);
-    if (ok && isName(token, length)) {
-        if (open.kind == '?' && !CheckParseBufferEnd("xml", 3)) RestorePosition(open.saved);
+    const std::size_t length = parseBuffer.size() - begin;
+    if (ok && isName(token, static_cast<int>(length))) {
+        if (open.kind == '?' && !CheckParseBufferEnd("xml", 3)) open.saved.comeBack(*this);
         return Next::Done;
     }
     // Of a long token behind "<!" the text would be replaced by the next trial's before anybody could see it.
@@ -95,20 +96,20 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
         setReferenceError();
     } else if (ok && (open.kind == '?' || length == 1)) {
         setError("not a name: ");
-        errorMessage.append(token, static_cast<std::size_t>(length));
+        errorMessage.append(token, length);
     }
     if (open.kind == '?') {
-        RestorePosition(open.saved);
+        open.saved.comeBack(*this);
         ok = true;
         return Next::Done;
     }
 
     open.state = OpenMarkup::Bracket;
-    const bool readOnce = open.nested && !ended && open.saved.first >= 0;
+    const bool readOnce = open.nested && !ended && open.saved.position >= 0;
     const int end = readOnce ? tell() : -1;
-    seek(open.saved.first);
-    if (readOnce && tell() == open.saved.first) {
-        trackAgain(open.saved.first);
+    seek(open.saved.position);
+    if (readOnce && tell() == open.saved.position) {
+        trackAgain(open.saved.position);
         seek(end);
         return beginTail(open, ok, failedTail);
     }
@@ -120,15 +121,15 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
 // The token behind "<!" has been read the second time: it should end with "[".
 InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) {
     if (ok && (CheckParseBufferEnd("[", 1) || expected("[", 1))) {
-        open.saved = StorePosition();
+        open.saved = OpenMarkup::Place(*this);
         open.state = OpenMarkup::Cdata;
-        if (open.saved.first >= 0 && open.saved.first == failedTail) {
+        if (open.saved.position >= 0 && open.saved.position == failedTail) {
             trackAgain(failedTail);
             return Next::Done;
         }
         return Next::Token;
     }
-    RestorePosition(open.saved);
+    open.saved.comeBack(*this);
     ok = false;
     for (int i = 0; i < 2; ++i) {
         char c;
@@ -142,7 +143,7 @@ InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) 
     if (ok) {
         parseBuffer += "--";
     } else {
-        RestorePosition(open.saved);
+        open.saved.comeBack(*this);
         ok = true;
     }
     return Next::Done;
@@ -152,13 +153,13 @@ InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) 
 // token would cost the square of its length. While a reader is at work, or over bytes that nobody can change, the outcome is kept.
 void InStream::rememberMarkup(const OpenMarkup& open, bool ok) {
     constexpr std::size_t kLongest = 64;  // long ones are not given up one by one
-    const auto begin = static_cast<std::size_t>(open.begin.second) - 1;
+    const std::size_t begin = open.begin.length - 1;
     const bool nested = openMarkup.size() > 1;
-    if (!remembers() || !nested || ended || open.begin.first < 0 || errorReference != nullptr) return;
+    if (!remembers() || !nested || ended || open.begin.position < 0 || errorReference != nullptr) return;
     const bool hasError = errorCount != open.errorCount;
     if (parseBuffer.size() - begin > kLongest || (hasError && errorMessage.size() > kLongest)) return;
-    readMarkups[open.begin.first] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),
-                                     hasError ? errorMessage : ""};
+    readMarkups[open.begin.position] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),
+                                        hasError ? errorMessage : ""};
 }
 
 // The token whose '<' has just been read, from what is remembered.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "xml/stream/InStream.h"
-#include <utility>
+#include <cstddef>
 
 namespace Xml {
 
@@ -9,12 +9,25 @@ namespace Xml {
 struct InStream::OpenMarkup {
     enum State { Name, Bracket, Cdata, CdataBracket };
 
+    // What StorePosition tells, with lengths of the parse buffer that an int cannot hold.
+    struct Place {
+        explicit Place(const InStream& in) : position(in.tell()), length(in.parseBuffer.size()) {}
+
+        void comeBack(InStream& in) const {
+            in.seek(position);
+            in.parseBuffer.resize(length);
+        }
+
+        int position;
+        std::size_t length;
+    };
+
     char kind;  // '!' or '?'
     State state;
-    bool nested;                // the token just tried begins with '<' itself
-    std::pair<int, int> begin;  // behind the '<'
-    std::pair<int, int> saved;  // where to come back to
-    unsigned errorCount;        // when it was begun
+    bool nested;          // the token just tried begins with '<' itself
+    Place begin;          // of the mark, behind the '<'
+    Place saved;          // where to come back to
+    unsigned errorCount;  // when it was begun
 };
 
 }  // namespace Xml
