@@ -478,6 +478,44 @@ TEST(InStreamTest, ChecksTheEndOfTheParseBufferAgainstTheExpectedToken) {
     });
 }
 
+TEST(InStreamTest, MayExpectItsOwnMessageAsItStandsBefore) {
+    const struct {
+        const char* name;
+        std::string word;  // what the message is about
+        std::string text;  // behind what the parse buffer holds then
+        bool ok;
+    } kCases[] = {
+        {"another token", "w", "x ", false},
+        {"another token, in a long message", std::string(100, 'w'), "x ", false},
+        {"a token that the data end in", "w", "x", false},
+        {"a token that the data end in, in a longer message than before", "wwwww", "x", false},
+        {"a token that the data end in, in a long message", std::string(100, 'w'), "x", false},
+        {"the message itself", std::string(100, 'w'), "expected ", true},
+        {"the message itself, which the data end in", "wwwww", "expected", true},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const std::string quoted = "\"" + c.word + "\" ";
+        const std::string message = quoted + "expected";
+        whereTheEndIsPrompt(". " + quoted + c.text, [&](auto& in) {
+            EXPECT_FALSE(in.checkToken(c.word));
+            EXPECT_TRUE(in.getTokenInParseBuffer());
+            EXPECT_TRUE(in.skip(" "));
+            const std::string& own = in.getErrorMessage();
+            EXPECT_EQ(own, message);
+            EXPECT_EQ(in.checkTokenInParseBuffer(own.data(), static_cast<int>(own.size())), c.ok);
+            if (!c.ok) {
+                EXPECT_EQ(own, "\"" + message + "\" expected");
+            }
+        });
+    }
+    whereTheEndIsPrompt("x y", [](auto& in) {
+        EXPECT_FALSE(in.checkToken("w"));
+        EXPECT_FALSE(in.checkToken(in.getErrorMessage()));
+        EXPECT_EQ(in.getErrorMessage(), "\"\"w\" expected\" expected");
+    });
+}
+
 TEST(InStreamTest, MatchesAcrossTokensInTheParseBuffer) {
     everywhere("AB CD E ", [](auto& in) {
         EXPECT_TRUE(in.getTokenInParseBuffer());

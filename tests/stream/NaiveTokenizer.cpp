@@ -1,5 +1,7 @@
 #include "NaiveTokenizer.h"
 
+#include <algorithm>
+
 namespace Xml::test {
 
 namespace {
@@ -229,9 +231,10 @@ bool NaiveTokenizer::checkToken(const std::string& expected) {
 }
 
 bool NaiveTokenizer::checkTokenInParseBuffer(const char* expected, int length) {
+    const std::string text(expected, static_cast<std::size_t>(std::max(length, 0)));  // may be the message
     if (!getTokenInParseBuffer()) return false;
-    if (CheckParseBufferEnd(expected, length)) return true;
-    return fail("\"" + std::string(expected, static_cast<std::size_t>(length)) + "\" expected");
+    if (CheckParseBufferEnd(text.data(), length)) return true;
+    return fail("\"" + text + "\" expected");
 }
 
 bool NaiveTokenizer::skip(const std::string& terminator) {

@@ -7,6 +7,7 @@
 #include "xml/text/internal/ByteClasses.h"
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -326,6 +327,13 @@ bool InStream::checkToken(const std::string& text) {
 }
 
 bool InStream::checkTokenInParseBuffer(const char* text, int length) {
+    // What is expected may lie in the message, which reading a token replaces.
+    std::string kept;
+    const char* const end = errorMessage.data() + errorMessage.size();
+    if (length > 0 && !std::less<>()(text, errorMessage.data()) && std::less<>()(text, end)) {
+        kept.assign(text, static_cast<std::size_t>(length));
+        text = kept.data();
+    }
     if (!getTokenInParseBuffer()) return false;
     return CheckParseBufferEnd(text, length) || expected(text, length);
 }
