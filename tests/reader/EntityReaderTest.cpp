@@ -140,6 +140,20 @@ TEST(EntityReaderTest, AllowsAHundredTimesTheBytesReadWhateverTheBound) {
     EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
 }
 
+TEST(EntityReaderTest, LetsEachDeclarationReadAloneMakeAsMuchText) {
+    const GrowthLimit limit(25000);
+    Dtd dtd("t");
+    dtd.setEntity("e", DataHolder(std::string(6000, 'x')));
+    for (int declarations = 0; declarations < 10; ++declarations) {
+        StringInStream in("<!ENTITY f '&e;&e;'>");
+        EntityReader reader(&dtd);
+        ASSERT_TRUE(reader.parse(in)) << reader.getErrorMessage() << " in declaration " << declarations;
+    }
+    StringInStream in("<!ENTITY f '&e;&e;&e;&e;&e;'>");
+    EXPECT_FALSE(EntityReader(&dtd).parse(in));
+    EXPECT_EQ(dtd.getEntityValue("f").size(), 12000U);
+}
+
 TEST(EntityReaderTest, ReturnsTheBoundThatWasSetBefore) {
     EXPECT_EQ(Dtd::setEntityGrowthLimit(5), std::int64_t{64} * 1024 * 1024);
     EXPECT_EQ(Dtd::setEntityGrowthLimit(0), 5);

@@ -1,13 +1,11 @@
 #include "xml/reader/ElementReader.h"
 
 #include "xml/dom/internal/NodeAccess.h"
-#include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/internal/ExpandValue.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Names.h"
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -22,15 +20,10 @@ namespace Xml {
 
 class ElementReader::Run {
 public:
-    Run(ElementReader& outerReader, InStream& stream) : reader(outerReader), in(stream), session(stream) {
-        // Of a Dtd that many documents are read with, each may make as much text as the first.
-        if (reader.dtd != nullptr && StreamAccess::isOutermost(in)) {
-            growthBefore = std::exchange(DtdAccess::entityGrowth(*reader.dtd), 0);
-        }
-    }
+    Run(ElementReader& outerReader, InStream& stream)
+        : reader(outerReader), in(stream), session(stream), growth(stream, outerReader.dtd) {}
 
     ~Run() {
-        if (growthBefore >= 0) DtdAccess::entityGrowth(*reader.dtd) = growthBefore;
         // What was not finished belongs to nobody but the outermost element, which is the reader's.
         for (std::size_t i = 1; i < open.size(); ++i) delete open[i];
     }
@@ -181,11 +174,11 @@ private:
     ElementReader& reader;
     InStream& in;
     StreamAccess::Session session;
+    OwnGrowth growth;
     std::vector<Element*> open;  // begun and not complete, outermost first
     std::size_t depth = 0;       // of the element whose reader would be at work
     int referenceEnd = 0;        // behind the last reference that was read
     bool complete = false;
-    std::int64_t growthBefore = -1;  // of the Dtd, where this run counts on its own
 };
 
 ElementReader::ElementReader(Dtd* itsDtd) : dtd(itsDtd) {}

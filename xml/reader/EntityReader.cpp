@@ -3,13 +3,15 @@
 #include "xml/dtd/Dtd.h"
 #include "xml/reader/internal/ExpandValue.h"
 #include "xml/reader/internal/Tokens.h"
-#include "xml/stream/InStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 
 namespace Xml {
 
 EntityReader::EntityReader(Dtd* itsDtd) : dtd(itsDtd) {}
 
 bool EntityReader::parse(InStream& in) {
+    const StreamAccess::Session session(in);
+    const OwnGrowth growth(in, dtd);
     std::string name;
     std::string literal;
     if (!checkToken(in, "<!ENTITY") || !getName(in, name) || !getString(in, literal) || !checkToken(in, kGreaterThen))

@@ -4,6 +4,7 @@
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/internal/Expansion.h"
 #include <algorithm>
+#include <utility>
 
 namespace Xml {
 
@@ -20,6 +21,14 @@ bool expandValue(const InStream& in, DataHolder& value, Dtd* dtd) {
     if (!expandReferences(value, dtd, expansion)) return false;
     DtdAccess::entityGrowth(*dtd) = expansion.made;
     return true;
+}
+
+OwnGrowth::OwnGrowth(const InStream& in, Dtd* dtd) : counted(StreamAccess::isOutermost(in) ? dtd : nullptr) {
+    if (counted != nullptr) before = std::exchange(DtdAccess::entityGrowth(*counted), 0);
+}
+
+OwnGrowth::~OwnGrowth() {
+    if (counted != nullptr) DtdAccess::entityGrowth(*counted) = before;
 }
 
 }  // namespace Xml
