@@ -332,6 +332,20 @@ TEST(DocumentReaderTest, ReadsOneDocumentAfterAnother) {
     EXPECT_EQ(reader.getErrorMessage(), "");
 }
 
+TEST(DocumentReaderTest, ForgetsTheDocumentTypeOfADocumentThatFailed) {
+    const char* const kNext[] = {"<s/>", "<!DOCTYPE s PUBLIC 'p' 's'><s/>", "<!DOCTYPE s [<!ELEMENT s EMPTY>]><s/>"};
+    for (const std::string next : kNext) {
+        SCOPED_TRACE(next);
+        DocumentReader reader;
+        StringInStream bad("<!DOCTYPE r [<!ELEMENT r EMPTY>]><r");
+        EXPECT_FALSE(reader.parse(bad));
+        StringInStream in(next);
+        EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
+        ASSERT_NE(reader.getDocument(), nullptr);
+        EXPECT_EQ(reader.getDocument()->getDtd() != nullptr, next.find('[') != std::string::npos);
+    }
+}
+
 TEST(DocumentReaderTest, ReadsTheDocumentTypeFromAFile) {
     const std::string path = scratchPath("type of a.dtd");
     writeFile(path, "<!ELEMENT a (b?)>\n<!ELEMENT b EMPTY>\n<!ENTITY e 'v'>");

@@ -38,6 +38,7 @@ bool DocumentReader::peekToken(InStream& in, std::string& token) {
 
 bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
+    delete std::exchange(dtd, nullptr);  // of a document whose root element could not be read
     std::string token;
     if (!peekToken(in, token)) return false;
     if (token == "<?xml") {
@@ -62,7 +63,7 @@ bool DocumentReader::parseProlog(InStream& in) {
     StreamAccess::seek(in, position);
     DoctypeReader reader;
     if (!reader.parse(in)) return failAs(reader);
-    delete std::exchange(dtd, reader.extractDtd());
+    dtd = reader.extractDtd();
     return parseMisc(in);
 }
 
