@@ -385,6 +385,46 @@ TEST(DocumentReaderTest, BoundsTheTextMadeFromOneLargeValueInManyAttributes) {
     }
 }
 
+TEST(DocumentReaderTest, TakesNoBytesThatWereSkippedForBytesReadInTheBound) {
+    const GrowthLimit limit(1000);
+    const std::string type =
+        "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED><!ENTITY e '" + std::string(5000, 'x') + "'>]>";
+    const auto read = [&type](std::size_t skipped, int references, Source source) {
+        std::string text = std::string(skipped, '#') + type + "<a x='";
+        for (int i = 0; i < references; ++i) text += "&e;";
+        bool ok = false;
+        withSource(source, text + "'/>", [&](InStream& in) {
+            in.setPosition(static_cast<int>(skipped));
+            ok = DocumentReader().parse(in);
+        });
+        return ok;
+    };
+    for (auto source : kAllSources) {
+        SCOPED_TRACE(::testing::Message() << source);
+        for (const std::size_t skipped : {std::size_t{0}, std::size_t{20000}}) {
+            SCOPED_TRACE(skipped);
+            EXPECT_TRUE(read(skipped, 100, source));
+            EXPECT_FALSE(read(skipped, 200, source));
+        }
+    }
+}
+
+TEST(DocumentReaderTest, CountsTheBytesOfAllItsStepsInTheBound) {
+    const GrowthLimit limit(1000);
+    std::string text = "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED><!ENTITY e '" +
+                       std::string(5000, 'x') + "'>]><a x='";
+    for (int i = 0; i < 100; ++i) text += "&e;";
+    text += "'/>";
+    for (auto source : kAllSources) {
+        SCOPED_TRACE(::testing::Message() << source);
+        withSource(source, text, [](InStream& in) {
+            DocumentReader reader;
+            ASSERT_TRUE(reader.parseProlog(in)) << reader.getErrorMessage();
+            ASSERT_TRUE(reader.parseElement(in)) << reader.getErrorMessage();
+        });
+    }
+}
+
 TEST(DocumentReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
     const struct {
         const char* text;

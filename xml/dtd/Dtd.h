@@ -124,7 +124,7 @@ private:
 
     mutable std::uint64_t validationRun = 0;  // while a validation is under way: its number
     std::int64_t entityGrowth = 0;            // bytes that readers made from references to these entities
-    std::int64_t bytesRead = 0;               // bytes of external subsets behind this Dtd
+    std::int64_t bytesRead = 0;               // bytes of external subsets and prologs behind this Dtd
 };
 
 }  // namespace Xml

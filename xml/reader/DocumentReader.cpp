@@ -3,6 +3,7 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
+#include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/CommentReader.h"
 #include "xml/reader/DoctypeReader.h"
 #include "xml/reader/ElementReader.h"
@@ -64,7 +65,10 @@ bool DocumentReader::parseProlog(InStream& in) {
     DoctypeReader reader;
     if (!reader.parse(in)) return failAs(reader);
     dtd = reader.extractDtd();
-    return parseMisc(in);
+    if (!parseMisc(in)) return false;
+    // Called by itself, the step with the root element counts its bytes from its own beginning.
+    if (StreamAccess::isOutermost(in)) DtdAccess::bytesReadBefore(*dtd) += StreamAccess::bytesRead(in);
+    return true;
 }
 
 bool DocumentReader::parseElement(InStream& in) {

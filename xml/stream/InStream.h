@@ -214,7 +214,8 @@ private:
     ReadReference readReference;
 
     const WindowSource* windowSource = nullptr;
-    int uses = 0;  // operations under way, of this stream and of readers
+    int uses = 0;          // operations under way, of this stream and of readers
+    int sessionBegin = 0;  // where the outermost reader that is or was at work began
 };
 
 }  // namespace Xml

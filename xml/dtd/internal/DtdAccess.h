@@ -18,7 +18,8 @@ struct DtdAccess {
     // Bytes made so far, over all readers that use this Dtd.
     static std::int64_t& entityGrowth(Dtd& dtd) { return dtd.entityGrowth; }
 
-    // Bytes read from elsewhere than the stream at hand: the external subset.
+    // Bytes read for the document elsewhere than in the session at hand: the external subset, a prolog read as a step of its
+    // own.
     static std::int64_t& bytesReadBefore(Dtd& dtd) { return dtd.bytesRead; }
 
     // The bound that was set, 0 when there is none.

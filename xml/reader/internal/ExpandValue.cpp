@@ -16,7 +16,8 @@ bool expandValue(const InStream& in, DataHolder& value, Dtd* dtd) {
     constexpr std::int64_t kHonestFactor = 100;
     expansion.made = DtdAccess::entityGrowth(*dtd);
     if (const std::int64_t limit = DtdAccess::entityGrowthLimit(); limit > 0) {
-        expansion.most = std::max(limit, kHonestFactor * (DtdAccess::bytesReadBefore(*dtd) + StreamAccess::tell(in)));
+        expansion.most =
+            std::max(limit, kHonestFactor * (DtdAccess::bytesReadBefore(*dtd) + StreamAccess::bytesRead(in)));
     }
     if (!expandReferences(value, dtd, expansion)) return false;
     DtdAccess::entityGrowth(*dtd) = expansion.made;

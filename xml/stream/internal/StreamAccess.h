@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/stream/InStream.h"
+#include <cstdint>
 #include <string>
 
 namespace Xml {
@@ -23,8 +24,17 @@ private:
 
 // What the readers use of a stream beside its public operations.
 struct StreamAccess {
-    // Lets the stream keep its window over many operations. The positions below cost no look at the source then.
-    using Session = InStream::Use;
+    // A reader at work. Lets the stream keep its window over many operations: the positions below cost no look at the source
+    // then.
+    class Session {
+    public:
+        explicit Session(InStream& in) : use(in) {
+            if (isOutermost(in)) in.sessionBegin = in.tell();
+        }
+
+    private:
+        InStream::Use use;
+    };
 
     // Whether no other session or operation is under way around this one.
     static bool isOutermost(const InStream& in) { return in.uses == 1; }
@@ -37,6 +47,9 @@ struct StreamAccess {
 
     static int tell(const InStream& in) { return in.tell(); }
     static void seek(InStream& in, int position) { in.seek(position); }
+
+    // How far the outermost session has come.
+    static std::int64_t bytesRead(const InStream& in) { return std::int64_t{in.tell()} - in.sessionBegin; }
 
     // As InStream::getToken, with the token left in the parse buffer; good until the next operation.
     static bool getToken(InStream& in) {
