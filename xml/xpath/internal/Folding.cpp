@@ -137,8 +137,8 @@ Values satisfied(const Values& left, const Values& right, Operator op) {
     forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
         const auto keep = [&](auto anySatisfies) { std::copy_if(from, to, std::back_inserter(kept), anySatisfies); };
         const Domain domain = domainOf(from->kind, rightFrom->kind);
-        const bool isQuick =
-            to - from == 1 && rightTo - rightFrom <= kFew;  // else each right one is read again and again
+        // For more left values than one each right one would be read again and again.
+        const bool isQuick = to - from == 1 && rightTo - rightFrom <= kFew;
         if (isQuick || domain == Domain::Booleans) {
             keep([&](const Value& value) {
                 return std::any_of(rightFrom, rightTo,
