@@ -266,6 +266,18 @@ std::string entitySize(InStream& source) {
            std::to_string(read.getRoot()->getAttributeValue("a").size());
 }
 
+TEST(HostileDocumentTypeTest, TheLongNameOfAnElementIsLookedForOnceForAllItsAttributes) {
+    const auto input = [] {
+        return "<!ATTLIST " + repeated("e", kLongName / 2) +
+               pieces(kMany, [](int i) { return " a" + std::to_string(i) + " CDATA #IMPLIED"; }) + ">";
+    };
+    const auto justRead = [](InStream& source) {
+        DTDReader reader("r");
+        return reader.parse(source) ? "read" : reader.getErrorMessage();
+    };
+    expectTold({{"attributes", input, justRead, "read", kLarge}});
+}
+
 TEST(HostileDocumentTypeTest, EntitiesThatMultiplyAreBounded) {
     constexpr std::int64_t kAtFirst = 64 * 1024 * 1024;
     const std::string declared = "<!ELEMENT r ANY><!ATTLIST r a CDATA #IMPLIED>";

@@ -101,14 +101,12 @@ void Dtd::declareOwn(const std::string& element, std::unique_ptr<ContentSpec> mo
 
 void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttDef* definition) {
     const auto list = attributeLists.find(element);
-    if (list == attributeLists.end()) {
-        addAttributeList(element, attribute, definition);
-    } else if (!list->second.definitions.emplace(attribute, definition).second) {
-        reportDuplicateAttribute(element, attribute);
+    if (list != attributeLists.end()) {
+        if (!DtdAccess::define(*this, list->second, attribute, definition))
+            reportDuplicateAttribute(element, attribute);
         return;
-    } else if (definition->isRequired()) {
-        ++list->second.required;
     }
+    addAttributeList(element, attribute, definition);
     touch();
 }
 

@@ -17,6 +17,7 @@ bool AttListReader::parse(InStream& in) {
     std::string attribute;
     if (!checkToken(in, "<!ATTLIST") || !getName(in, element) || !getToken(in, attribute)) return false;
     std::string token;
+    DtdAccess::AttributeList* list = nullptr;  // looked for once: the element's name may be long
     while (attribute != kGreaterThen) {
         if (!isName(attribute)) return false;
         if (!checkToken(in, "CDATA") || !getToken(in, token)) return false;
@@ -41,10 +42,16 @@ bool AttListReader::parse(InStream& in) {
         }
 
         auto definition = std::make_unique<AttStringType>(rule, value);
-        StreamAccess::release(in);  // a duplicate is reported to the caller's handler
-        const bool refused = DtdAccess::isDefined(*dtd, element, attribute);
-        dtd->addAttDecl(element, attribute, definition.get());
-        if (!refused) definition.release();
+        if (list == nullptr) list = DtdAccess::findList(*dtd, element);
+        if (list == nullptr) {
+            dtd->addAttDecl(element, attribute, definition.get());
+            definition.release();
+        } else if (DtdAccess::define(*dtd, *list, attribute, definition.get())) {
+            definition.release();
+        } else {
+            StreamAccess::release(in);  // the duplicate is reported to the caller's handler
+            dtd->addAttDecl(element, attribute, definition.get());
+        }
         if (!getToken(in, attribute)) return false;
     }
     return true;

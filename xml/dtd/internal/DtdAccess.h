@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dtd/AttDef.h"
 #include "xml/dtd/Dtd.h"
 #include <cstdint>
 #include <string>
@@ -11,8 +12,20 @@ struct DtdAccess {
     static bool isDeclared(const Dtd& dtd, const std::string& element) {
         return dtd.elements.find(element) != dtd.elements.end();
     }
-    static bool isDefined(const Dtd& dtd, const std::string& element, const std::string& attribute) {
-        return dtd.findDefinition(element, attribute) != nullptr;
+
+    // The list with the element's attributes; null while none is defined.
+    using AttributeList = Dtd::AttributeList;
+    static AttributeList* findList(Dtd& dtd, const std::string& element) {
+        const auto list = dtd.attributeLists.find(element);
+        return list != dtd.attributeLists.end() ? &list->second : nullptr;
+    }
+
+    // Takes the definition into a list of the Dtd. False, and it stays the caller's, where the attribute is defined already.
+    static bool define(Dtd& dtd, AttributeList& list, const std::string& attribute, AttDef* definition) {
+        if (!list.definitions.emplace(attribute, definition).second) return false;
+        if (definition->isRequired()) ++list.required;
+        dtd.touch();
+        return true;
     }
 
     // Bytes made so far, over all readers that use this Dtd.
