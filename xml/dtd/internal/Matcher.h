@@ -30,7 +30,8 @@ class SeqSpec;
 // callers (a model, particle or element class of their own) is called, and may call back, which starts a matcher of its own.
 //
 // An element is decided once in a run (the outermost validation by one Dtd): its verdict stays with it until the run ends.
-// That keeps alternatives that try the same children again from costing 2^depth. Linking a subtree goes over it once for
+// That keeps alternatives that try the same children again from costing 2^depth. Only where a caller's models of two Dtds take
+// turns does each of these decide it again, since the other one has set links meanwhile. Linking a subtree goes over it once for
 // the same reason: an element remembers that everything below it has been linked already.
 //
 // A repetition within another one is tried in front of a child once: "((a*, b) | a)*" would look at all that follows from
