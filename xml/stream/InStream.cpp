@@ -330,8 +330,8 @@ bool InStream::checkTokenInParseBuffer(const char* text, int length) {
     // What is expected may lie in the message, which reading a token replaces.
     std::string kept;
     const char* const end = errorMessage.data() + errorMessage.size();
-    if (length > 0 && !std::less<>()(text, errorMessage.data()) && std::less<>()(text, end)) {
-        kept.assign(text, static_cast<std::size_t>(length));
+    if (!std::less<>()(text, errorMessage.data()) && std::less<>()(text, end)) {
+        kept.assign(text, static_cast<std::size_t>(std::max(length, 0)));
         text = kept.data();
     }
     if (!getTokenInParseBuffer()) return false;
