@@ -168,8 +168,8 @@ void InStream::setReferenceError() {
 
 // Whether the reference that begins there ends where the last one did, or does not end either.
 bool InStream::isKnownReference(int position) {
-    return readReference.begin >= 0 && position >= readReference.begin &&
-           (readReference.end < 0 || position < readReference.end);
+    return isPlace(readReference.begin) && position >= readReference.begin &&
+           (!isPlace(readReference.end) || position < readReference.end);
 }
 
 void InStream::forgetWhatWasRead() {
@@ -237,8 +237,8 @@ InStream::Plain InStream::readPlainToken() {
 InStream::Plain InStream::readReferenceToken() {
     const bool mayRemember = !openMarkup.empty() && remembers();
     const int begin = mayRemember ? tell() - 1 : -1;
-    if (mayRemember && begin >= 0 && isKnownReference(begin)) {
-        if (readReference.end < 0) {
+    if (mayRemember && isPlace(begin) && isKnownReference(begin)) {
+        if (!isPlace(readReference.end)) {
             previousWasCR = readReference.endsInCR;  // as reading on to the end of the data leaves it
             endOfData();
             return Plain::Failed;
@@ -251,7 +251,7 @@ InStream::Plain InStream::readReferenceToken() {
     const bool ends = appendThrough(parseBuffer, ';');
     if (mayRemember) {
         std::shared_ptr<const std::string> text;
-        if (ends && begin >= 0) text = std::make_shared<const std::string>(parseBuffer, from);
+        if (ends && isPlace(begin)) text = std::make_shared<const std::string>(parseBuffer, from);
         readReference = {begin, ends ? tell() : -1, previousWasCR, std::move(text)};
     }
     if (!ends) endOfData();

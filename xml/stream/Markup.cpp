@@ -37,7 +37,7 @@ bool InStream::readMarkup() {
             OpenMarkup::Place begin(*this);
             --begin.position;
             parseBuffer += c;
-            openMarkup.push_back({c, OpenMarkup::Name, false, begin, OpenMarkup::Place(*this), errorCount});
+            openMarkup.emplace_back(c, begin, *this);
             what = Next::Token;
         } else {
             stepBack();
@@ -105,7 +105,7 @@ InStream::Next InStream::resumeAfterName(OpenMarkup& open, bool& ok, int& failed
     }
 
     open.state = OpenMarkup::Bracket;
-    const bool readOnce = open.nested && !ended && open.saved.position >= 0;
+    const bool readOnce = open.nested && !ended && isPlace(open.saved.position);
     const int end = readOnce ? tell() : -1;
     seek(open.saved.position);
     if (readOnce && tell() == open.saved.position) {
@@ -123,7 +123,7 @@ InStream::Next InStream::beginTail(OpenMarkup& open, bool& ok, int& failedTail) 
     if (ok && (CheckParseBufferEnd("[", 1) || expected("[", 1))) {
         open.saved = OpenMarkup::Place(*this);
         open.state = OpenMarkup::Cdata;
-        if (open.saved.position >= 0 && open.saved.position == failedTail) {
+        if (isPlace(open.saved.position) && open.saved.position == failedTail) {
             trackAgain(failedTail);
             return Next::Done;
         }
@@ -155,7 +155,7 @@ void InStream::rememberMarkup(const OpenMarkup& open, bool ok) {
     constexpr std::size_t kLongest = 64;  // long ones are not given up one by one
     const std::size_t begin = open.begin.length - 1;
     const bool nested = openMarkup.size() > 1;
-    if (!remembers() || !nested || ended || open.begin.position < 0 || errorReference != nullptr) return;
+    if (!remembers() || !nested || ended || !isPlace(open.begin.position) || errorReference != nullptr) return;
     const bool hasError = errorCount != open.errorCount;
     if (parseBuffer.size() - begin > kLongest || (hasError && errorMessage.size() > kLongest)) return;
     readMarkups[open.begin.position] = {ok, previousWasCR, tell(), parseBuffer.substr(begin),

@@ -101,7 +101,7 @@ bool Matcher::run() {
 }
 
 void Matcher::push(Step step, const void* subject, const ChildQueue& itsQueue) {
-    frames.push_back({step, false, false, false, 0, subject, {}, itsQueue});
+    frames.emplace_back(step, subject, itsQueue);
 }
 
 void Matcher::resume() {

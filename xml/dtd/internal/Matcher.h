@@ -65,11 +65,14 @@ private:
     //   Choice    the group; the number of the alternative being tried; the queue before it
     //   Sequence  the group; the number of the member being matched
     struct Frame {
+        Frame(Step itsStep, const void* itsSubject, const ChildQueue& itsQueue)
+            : step(itsStep), subject(itsSubject), number(0), queue(itsQueue) {}
+
         Step step;
-        bool started;
-        bool alone;               // Choice: the other leading names need not be tried
-        bool nested;              // Repeated: within another one
-        std::uint32_t firstPass;  // Repeated, nested: its first in `passes`
+        bool started = false;
+        bool alone = false;           // Choice: the other leading names need not be tried
+        bool nested = false;          // Repeated: within another one
+        std::uint32_t firstPass = 0;  // Repeated, nested: its first in `passes`
         const void* subject;
         union {
             std::size_t number;

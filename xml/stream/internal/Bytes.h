@@ -5,6 +5,9 @@
 // What the tokenizer does with every byte, for its sources to inline.
 namespace Xml {
 
+// Whether a position is one: a source without positions tells -1, and so does what has none yet.
+inline bool isPlace(int position) { return position >= 0; }
+
 inline void InStream::track(char c) {
     if (c != '\r' && c != '\n') {
         previousWasCR = false;

@@ -22,9 +22,12 @@ struct InStream::OpenMarkup {
         std::size_t length;
     };
 
+    OpenMarkup(char itsKind, const Place& itsBegin, const InStream& in)
+        : kind(itsKind), begin(itsBegin), saved(in), errorCount(in.errorCount) {}
+
     char kind;  // '!' or '?'
-    State state;
-    bool nested;          // the token just tried begins with '<' itself
+    State state = Name;
+    bool nested = false;  // the token just tried begins with '<' itself
     Place begin;          // of the mark, behind the '<'
     Place saved;          // where to come back to
     unsigned errorCount;  // when it was begun
