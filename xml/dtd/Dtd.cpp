@@ -35,6 +35,15 @@ void put(std::map<std::string, Owned*>& map, const std::string& name, std::uniqu
     place = made.release();
 }
 
+void put(DtdAccess::AttributeList& list, const std::string& attribute, std::unique_ptr<AttDef> made) {
+    const auto before = list.definitions.find(attribute);
+    const bool wasRequired = before != list.definitions.end() && before->second->isRequired();
+    const bool isRequired = made->isRequired();
+    put(list.definitions, attribute, std::move(made));
+    if (wasRequired) --list.required;
+    if (isRequired) ++list.required;
+}
+
 }  // namespace
 
 std::int64_t DtdAccess::entityGrowthLimit() { return growthLimit; }
@@ -101,20 +110,19 @@ void Dtd::declareOwn(const std::string& element, std::unique_ptr<ContentSpec> mo
 
 void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttDef* definition) {
     const auto list = attributeLists.find(element);
-    if (list != attributeLists.end()) {
-        if (!DtdAccess::define(*this, list->second, attribute, definition))
-            reportDuplicateAttribute(element, attribute);
+    if (list == attributeLists.end()) {
+        addAttributeList(element, attribute, definition);
+    } else if (!DtdAccess::define(list->second, attribute, definition)) {
+        reportDuplicateAttribute(element, attribute);
         return;
     }
-    addAttributeList(element, attribute, definition);
     touch();
 }
 
 // A list that could not take its first definition must not stay behind: it would say something about the element.
 void Dtd::addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition) {
     AttributeList made;
-    made.definitions.emplace(attribute, definition);
-    made.required = definition->isRequired() ? 1 : 0;
+    DtdAccess::define(made, attribute, definition);
     attributeLists.emplace(element, std::move(made));
 }
 
@@ -139,11 +147,7 @@ void Dtd::merge(const Dtd& other, bool replace) {
             if (!replace && findDefinition(element, attribute) != nullptr) continue;
             std::unique_ptr<AttDef> copy(definition->clone());
             if (const auto own = attributeLists.find(element); own != attributeLists.end()) {
-                AttDef*& place = own->second.definitions[attribute];
-                if (place != nullptr && place->isRequired()) --own->second.required;
-                if (copy->isRequired()) ++own->second.required;
-                delete place;
-                place = copy.release();
+                put(own->second, attribute, std::move(copy));
             } else {
                 addAttributeList(element, attribute, copy.get());
                 copy.release();

@@ -46,8 +46,9 @@ bool AttListReader::parse(InStream& in) {
         if (list == nullptr) {
             dtd->addAttDecl(element, attribute, definition.get());
             definition.release();
-        } else if (DtdAccess::define(*dtd, *list, attribute, definition.get())) {
+        } else if (DtdAccess::define(*list, attribute, definition.get())) {
             definition.release();
+            dtd->touch();
         } else {
             StreamAccess::release(in);  // the duplicate is reported to the caller's handler
             dtd->addAttDecl(element, attribute, definition.get());

@@ -20,11 +20,11 @@ struct DtdAccess {
         return list != dtd.attributeLists.end() ? &list->second : nullptr;
     }
 
-    // Takes the definition into a list of the Dtd. False, and it stays the caller's, where the attribute is defined already.
-    static bool define(Dtd& dtd, AttributeList& list, const std::string& attribute, AttDef* definition) {
+    // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd of the
+    // list is for the caller to touch.
+    static bool define(AttributeList& list, const std::string& attribute, AttDef* definition) {
         if (!list.definitions.emplace(attribute, definition).second) return false;
         if (definition->isRequired()) ++list.required;
-        dtd.touch();
         return true;
     }
 
