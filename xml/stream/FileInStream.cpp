@@ -4,7 +4,6 @@
 #include "xml/text/internal/StreamState.h"
 #include <fstream>
 #include <limits>
-#include <locale>
 #include <sstream>
 #include <typeinfo>
 
@@ -127,8 +126,7 @@ bool FileInStream::acquireWindow(InStream& stream) {
     if (self.checkedBuffer != &buffer) {
         const Position position = tellOf(buffer);
         const Position last = position + (GetArea::end(buffer) - GetArea::cursor(buffer));
-        const auto& codes = std::use_facet<std::codecvt<char, char, std::mbstate_t>>(buffer.getloc());
-        if (position < 0 || last > kMostPosition || !codes.always_noconv()) return false;
+        if (position < 0 || last > kMostPosition || !leavesBytes(buffer)) return false;
         self.checkedBuffer = &buffer;
     }
     self.ended = false;

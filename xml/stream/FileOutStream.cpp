@@ -4,7 +4,6 @@
 #include "xml/text/internal/StreamState.h"
 #include <fstream>
 #include <limits>
-#include <locale>
 #include <ostream>
 #include <sstream>
 #include <typeinfo>
@@ -84,12 +83,10 @@ void FileOutStream::putChars(const char* bytes, std::size_t count) {
 // Only in the standard's own buffers is the position known to be the number of bytes: in those of files as long as the locale
 // leaves the bytes as they are.
 std::int64_t FileOutStream::countFrom() const {
-    using Conversion = std::codecvt<char, char, std::mbstate_t>;
     const std::streambuf* const buffer = stream->rdbuf();
     if (typeid(*this) != typeid(FileOutStream) || buffer == nullptr) return -1;
     const bool known =
-        typeid(*buffer) == typeid(std::stringbuf) ||
-        (typeid(*buffer) == typeid(std::filebuf) && std::use_facet<Conversion>(buffer->getloc()).always_noconv());
+        typeid(*buffer) == typeid(std::stringbuf) || (typeid(*buffer) == typeid(std::filebuf) && leavesBytes(*buffer));
     return known ? tellOf(*stream) : -1;
 }
 
