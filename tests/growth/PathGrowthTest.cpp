@@ -29,9 +29,10 @@ struct Shape {
 const Shape kFlat = {"flat", [](int) { return 0; }};
 const Shape kDeep = {"deep", [](int i) { return i - 1; }};
 const Shape kBushy = {"bushy", [](int i) { return (i - 1) / 3; }};
-const Shape kTwigs = {"twigs",
-                      [](int i) { return i % 3 == 2 ? i - 1 : 0; }};  // the children of the root and theirs in turn
 const Shape* const kShapes[] = {&kFlat, &kDeep, &kBushy};
+
+// The children of the root and theirs in turn.
+const Shape kTwigs = {"twigs", [](int i) { return i % 3 == 2 ? i - 1 : 0; }};
 
 std::shared_ptr<Document> grow(const Shape& shape, int n) {
     std::vector<Element*> elements;

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-// Texts that grow, and what is read from them.
+// Texts that grow, and what reads them.
 namespace Xml::test {
 
 // Of what a test shows by size, a sanitizer sees a part.

@@ -30,6 +30,12 @@ std::string modelled(const std::string& model, const std::string& content) {
     return with("<!ELEMENT r " + model + "><!ELEMENT a EMPTY><!ELEMENT b EMPTY>", "<r>" + content + "</r>");
 }
 
+// Whether there are declarations; writing those that are of no interest here costs more than reading them.
+std::string justRead(InStream& source) {
+    DTDReader reader("r");
+    return reader.parse(source) ? "read" : reader.getErrorMessage();
+}
+
 TEST(HostileDocumentTypeTest, NestedGroupsAreHeldOnTheHeap) {
     const auto nested = [](int groups, const char* open, const char* close, const char* content) {
         return [=] { return modelled(repeated(open, groups) + "a" + repeated(close, groups), content); };
@@ -139,11 +145,6 @@ TEST(HostileDocumentTypeTest, AlternativesDoNotMultiply) {
 
 TEST(HostileDocumentTypeTest, ManyDeclarationsAreReadInTurn) {
     const auto name = [](int i) { return "e" + std::to_string(i * 7'919LL % kMillion); };
-    // Whether there are declarations; writing those that are of no interest here costs more than reading them.
-    const auto justRead = [](InStream& source) {
-        DTDReader reader("r");
-        return reader.parse(source) ? "read" : reader.getErrorMessage();
-    };
     const auto declared = [](int count, int each, int extra = 0) {
         return std::to_string(count * each + extra + static_cast<int>(std::string("<!DOCTYPE r [\n]>\n").size())) +
                " bytes written";
@@ -270,10 +271,6 @@ TEST(HostileDocumentTypeTest, TheLongNameOfAnElementIsLookedForOnceForAllItsAttr
     const auto input = [] {
         return "<!ATTLIST " + repeated("e", kLongName / 2) +
                pieces(kMany, [](int i) { return " a" + std::to_string(i) + " CDATA #IMPLIED"; }) + ">";
-    };
-    const auto justRead = [](InStream& source) {
-        DTDReader reader("r");
-        return reader.parse(source) ? "read" : reader.getErrorMessage();
     };
     expectTold({{"attributes", input, justRead, "read", kLarge}});
 }

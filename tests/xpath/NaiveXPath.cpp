@@ -1,6 +1,7 @@
 #include "xpath/NaiveXPath.h"
 
 #include "orvsys/Localization.h"
+#include "support/PathErrorKeys.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
@@ -16,36 +17,6 @@ namespace {
 
 using Text = NaiveXPath::Text;
 using OrvSys::uni16char;
-
-// By code.
-const char* const kErrorNames[] = {"NONE",
-                                   "INDEX OUT OF BOUNDS",
-                                   "NODE NOT FOUND",
-                                   "NODE CONTAINS NO DATA",
-                                   "DOUBLE SLASH AT THE END NOT ALLOWED",
-                                   "NO XPATH SPECIFIED",
-                                   "ILLEGAL CHAR AFTER ATTRIBUTEVALUE",
-                                   "ILLEGAL CHAR AFTER FUNCTION",
-                                   "ILLEGAL CHAR AFTER KINDTEST",
-                                   "ILLEGAL CHAR IN NUMBER",
-                                   "ILLEGAL CHAR AFTER PREDICATE",
-                                   "NO VALID ATTRIBUTE NAME",
-                                   "NO VALID NAME OR TEST",
-                                   "RELATIVE XPATH EXPRESSION NOT ALLOWED WITHOUT CONTEXT NODES",
-                                   "SLASH AT END NOT ALLOWED",
-                                   "NO VALID AXIS",
-                                   "NO VALID INITIAL AXIS",
-                                   "NO VALID COMPARISON OPERATOR",
-                                   "MISSING QUOTE BEFORE ATTRIBUTE VALUE",
-                                   "MISSING QUOTE AFTER ATTRIBUTE VALUE",
-                                   "MISSING CLOSING BRACKET AFTER PREDICATE",
-                                   "MISSING CLOSING PARENTHESE AFTER FUNCTION",
-                                   "MISSING OPENING PARENTHESE AFTER FUNCTION",
-                                   "MISSING CLOSING PARENTHESE AFTER KIND TEST",
-                                   "MISSING OPENING PARENTHESE AFTER KIND TEST",
-                                   "FIRST LAST OR NUMBER AFTER POSITION EXPECTED",
-                                   "CONTEXT IS NOT A NODE",
-                                   "EXPRESSION NESTED TOO DEEPLY"};
 
 Text wide(const char* text) { return OrvSys::PlatformCStringToUni16Char(text); }
 
@@ -214,7 +185,7 @@ bool NaiveXPath::SyntaxOK(const Text& path) {
 }
 
 Text NaiveXPath::GetErrorString() const {
-    const std::string key = std::string("xpat/xerr/") + kErrorNames[errorCode];
+    const std::string key = std::string("xpat/xerr/") + kPathErrorKeys[errorCode];
     Text text = OrvSys::Localization::GetString(key, "XPath", Text());
     if ((errorCode >= 2 && errorCode <= 4) || (errorCode >= 6 && errorCode <= 25)) text += u" --> " + errorText;
     return text;
