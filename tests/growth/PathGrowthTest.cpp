@@ -367,6 +367,27 @@ TEST(PathGrowthTest, PredicatesWithinPredicatesDoNotMultiplyTheWalks) {
         1u);
 }
 
+// GetValue(index) forgets the error of a query, but not how deep in the path it was.
+TEST(PathGrowthTest, WhatAnEarlierQueryMissedDoesNotMultiplyTheWalks) {
+    const int count = 100'000 / kScale;
+    const Outcome outcome = readDocument("<r>" + repeated("<a><b/></a>", count) + "<a/></r>");
+    ASSERT_TRUE(outcome.ok);
+    XPath query(outcome.document.get());
+    const auto missLast = [&query] {
+        query.GetValues(u"/r/a");
+        EXPECT_TRUE(query.FindNodes(u"./b"));
+        EXPECT_EQ(query.GetErrorCode(), XPath::NODE_NOT_FOUND);
+        query.GetValue(0u, -1);
+        EXPECT_EQ(query.GetErrorCode(), XPath::NONE);
+    };
+    missLast();
+    EXPECT_TRUE(query.FindNodes(u"parent::*/following-sibling::a"));
+    EXPECT_EQ(query.GetNrOfResults(), static_cast<unsigned>(count));
+    missLast();
+    EXPECT_TRUE(query.FindNodes(u"/r[" + repeated(u"a[..[", 20) + u"." + repeated(u"]]", 20) + u"]"));
+    EXPECT_EQ(query.GetNrOfResults(), 1u);
+}
+
 TEST(PathGrowthTest, PairsThatMultiplyBeyondMeasureEndAsMemoryThatRunsOut) {
     std::string text;
     for (int i = 0; i < 10; ++i) text += "<a>1</a>";

@@ -473,6 +473,50 @@ TEST(XPathModelTest, ChainsOfStepsKeepTheOrderOfTheRules) {
     }
 }
 
+// A depth that stands without its code, since GetValue(index) forgot that, decides which steps that find nothing count. Walks whose
+// outcomes are used again must leave it as they would have left it each time.
+TEST(XPathModelTest, WhatAnEarlierQueryMissedCountsAsTheRulesCountIt) {
+    const std::vector<Text> kSteps = {u"a", u"b", u"*", u"..", u"..", u".", u"@n", u"following-sibling::*"};
+    const std::vector<Text> kStarts = {u"", u"", u"", u"/", u"//"};
+    Dice dice(8);
+    const auto randomPath = [&](int least, int more) {
+        Text path = dice.pick(kSteps);
+        for (int steps = least - 1 + dice.below(more + 1); steps > 0; --steps) path += u"/" + dice.pick(kSteps);
+        return path;
+    };
+    const auto withPredicates = [&] {
+        Text predicate = dice.pick(kStarts) + randomPath(1, 3);
+        while (dice.chance(40)) {
+            predicate = randomPath(1, 1) + u"[" + predicate + u"]" + (dice.chance(30) ? u"/" + randomPath(1, 1) : u"");
+            if (dice.chance(20)) predicate += u" = " + dice.pick(kStarts) + randomPath(1, 2);
+        }
+        return randomPath(1, 1) + u"[" + predicate + u"]" + (dice.chance(50) ? u"/" + randomPath(1, 2) : u"");
+    };
+    int compared = 0;
+    int noticed = 0;
+    while (compared < 20'000) {
+        const RandomTree tree(dice);
+        for (int i = 0; i < 20; ++i) {
+            Script script(4);
+            script[0].path = u"//*";
+            script[1] = {Operation::FindNodes, randomPath(1, 3)};
+            script[2].kind = Operation::GetValueByIndex;
+            script[3] = {Operation::FindNodes, dice.chance(20) ? randomPath(1, 3) : withPredicates()};
+            Pair queries(tree.document.get());
+            for (const Operation& operation : script) {
+                if (&operation == &script[2] &&
+                    (queries.naive.GetErrorCode() != XPath::NODE_NOT_FOUND || countOf(queries.naive) == 0))
+                    break;
+                ASSERT_EQ(queries.run(operation, tree), "") << smallest(tree, tree.document.get(), script);
+                if (&operation != &script[3]) continue;
+                ++compared;
+                if (queries.naive.GetErrorCode() == XPath::NODE_NOT_FOUND) ++noticed;
+            }
+        }
+    }
+    EXPECT_GE(noticed, 5'000);
+}
+
 TEST(XPathModelTest, TextsOfNodesAreThoseOfTheRules) {
     Dice dice(6);
     for (int trees = 0; trees < 300; ++trees) {

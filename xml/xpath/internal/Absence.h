@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/xpath/XPath.h"
+#include <algorithm>
 
 namespace Xml {
 
@@ -14,10 +15,12 @@ struct Absence {
     const Step* step = nullptr;  // null where the one that stood before this evaluation still stands
     bool withPredicates = false;
     bool anyFound = false;
+    unsigned deepestCleared = 0;  // of the steps that found nothing before another found something
 
     void found() {
         anyFound = true;
         if (code != XPath::NODE_NOT_FOUND) return;
+        deepestCleared = std::max(deepestCleared, depth);
         code = XPath::NONE;
         depth = 0;
     }
@@ -30,16 +33,18 @@ struct Absence {
         withPredicates = itsPredicates;
     }
 
-    // As if what `later` recorded, beginning with an empty book, had been recorded here.
+    // As if what `later` recorded, beginning with an empty book, had been recorded here. Where a depth stands alone, finding
+    // something clears it only behind a deeper step that found nothing.
     void append(const Absence& later) {
         if (code != XPath::NONE && code != XPath::NODE_NOT_FOUND) return;
-        const bool anyFoundBefore = anyFound;
-        if (later.anyFound || later.depth > depth) *this = later;
-        anyFound = anyFound || anyFoundBefore;
+        const Absence before = *this;
+        if (later.depth > depth || (isDepthAlone() ? later.deepestCleared > depth : later.anyFound)) *this = later;
+        anyFound = before.anyFound || later.anyFound;
+        deepestCleared = std::max({before.deepestCleared, later.deepestCleared, later.anyFound ? before.depth : 0});
     }
 
-    // Whether append would tell the same. Not where a depth stands without its code: then finding something does not clear it.
-    bool canAppend() const { return code != XPath::NONE || depth == 0; }
+    // Without its code, which GetValue(index) forgets.
+    bool isDepthAlone() const { return code == XPath::NONE && depth > 0; }
 };
 
 }  // namespace Xml

@@ -265,7 +265,7 @@ bool Evaluation::startFrom(Frame& frame, Path& path) {
     }
     Object* const context = (*frame.contexts)[frame.context];
     const bool mayComeAgain = height > 2 || (height == 2 && frames.front()->contexts->size() > 1);
-    if (mayComeAgain && absence_.canAppend()) {
+    if (mayComeAgain) {
         if (const std::uint32_t* const known = path.walkedFrom.find(context)) {
             useOutcome(frame, path, path.outcomes[*known]);
             return false;
@@ -283,11 +283,15 @@ void Evaluation::useOutcome(Frame& frame, Path& path, const Path::Outcome& outco
 }
 
 // Walking from all context nodes at once finds the same nodes in the same order as walking from one after the other, as long
-// as no predicate looks at positions, and costs no more than what is found where their walks overlap.
+// as no predicate looks at positions, and costs no more than what is found where their walks overlap. Where a depth stands
+// alone it must be one that no step of the path can pass: what each walk recorded would count.
 bool Evaluation::mayWalkTogether(const Frame& frame) const {
     const ExpressionItem& item = frame.current();
-    return isWhole(frame) && frame.isBarePath() && !item.path.isAbsolute && !check && frame.contexts->size() > 1 &&
-           absence_.canAppend() && std::find(item.text.begin, item.text.end, u'[') == item.text.end;
+    if (!isWhole(frame) || !frame.isBarePath() || item.path.isAbsolute || check || frame.contexts->size() < 2)
+        return false;
+    if (std::find(item.text.begin, item.text.end, u'[') != item.text.end) return false;
+    const auto slashes = static_cast<unsigned>(std::count(item.text.begin, item.text.end, u'/'));
+    return !absence_.isDepthAlone() || frame.depth + slashes <= absence_.depth;
 }
 
 // Records what walks from one context node after the other would have recorded: what comes of the last one whose first step finds
@@ -337,7 +341,7 @@ void Evaluation::recordOneByOne(const Frame& frame, Path& path) {
 bool Evaluation::takeStep(Frame& frame, Path& path) {
     Path::Read& read = *path.steps[frame.step];
     const bool isTail = path.isAbsolute ? frame.step == 0 : frame.step > 0 && frame.step == path.tail;
-    if (isTail && frame.list.nodes.size() == 1 && absence_.canAppend()) {
+    if (isTail && frame.list.nodes.size() == 1) {
         frame.tailNode = frame.list.nodes.front();
         if (const std::uint32_t* const known = path.tailFrom.find(frame.tailNode)) {
             useOutcome(frame, path, path.outcomes[*known]);
