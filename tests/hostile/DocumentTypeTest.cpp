@@ -490,7 +490,7 @@ TEST(HostileDocumentTypeTest, AnExternalSubsetIsAsHostileAsAnInternalOne) {
 TEST(HostileDocumentTypeTest, FilesThatTheSystemMakesUpEnd) {
     // They are regular by their kind, have no length, and one of them has no end.
     for (const std::string name : {"/proc/self/mem", "/proc/self/pagemap"}) {
-        if (::access(name.c_str(), R_OK) != 0) continue;
+        if (::access(name.c_str(), R_OK) != 0) GTEST_SKIP() << name << " cannot be read here";
         const std::string told = runGuarded(
             [&name] {
                 StringInStream source("<!DOCTYPE r SYSTEM '" + name + "'><r/>");

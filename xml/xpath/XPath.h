@@ -22,8 +22,9 @@ class PathText;
 // The language is told in docs/paths.md. Paths, texts and names are 16-bit text. The tree is only read; it is not owned,
 // and what a result points to is good as long as it stays in the tree. A query object belongs to one thread at a time.
 //
-// No path makes an operation throw (failing memory does) or takes more than its share of stack: whatever is wrong with it
-// ends in an error code, and a false, zero or empty result. Code and text of an error stay until the next operation that
+// No path makes an operation throw, but for std::bad_alloc, or takes more than its share of stack: whatever is wrong with it
+// ends in an error code, and a false, zero or empty result. Arithmetic over more than 16 million pairs counts as memory that
+// ran out. Code and text of an error stay until the next operation that
 // says that it resets them. Finding nothing is not a failure; it leaves the code NODE_NOT_FOUND and the step that found
 // nothing.
 class ORVXML_API XPath {
