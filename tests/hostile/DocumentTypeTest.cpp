@@ -154,18 +154,18 @@ TEST(HostileDocumentTypeTest, ManyDeclarationsAreReadInTurn) {
          justRead, "read", kLarge},
         {"one entity", [] { return repeated("<!ENTITY e '&lt;'>", kMany); }, declarations, declared(1, 19)},
         {"elements",
-         [&] { return pieces(kMany, [&](int i) { return "<!ELEMENT " + name(kMillion - 1 - i) + " ANY>"; }); },
+         [&] { return pieces(kMillion, [&](int i) { return "<!ELEMENT " + name(kMillion - 1 - i) + " ANY>"; }); },
          justRead, "read", kLarge},
         {"one element", [] { return repeated("<!ELEMENT e EMPTY>", kMany); }, declarations, declared(1, 19)},
         {"attributes of one element",
          [&] {
-             return "<!ELEMENT r ANY><!ATTLIST r" + pieces(kMany, [&](int i) { return " " + name(i) + " CDATA ''"; }) +
-                    ">";
+             return "<!ELEMENT r ANY><!ATTLIST r" +
+                    pieces(kMillion, [&](int i) { return " " + name(i) + " CDATA ''"; }) + ">";
          },
          justRead, "read", kLarge},
         {"attribute lists of undeclared elements",
-         [&] { return pieces(kMany, [&](int i) { return "<!ATTLIST " + name(i) + " a CDATA 'v'>"; }); }, declarations,
-         declared(0, 0), kLarge},
+         [&] { return pieces(kMillion, [&](int i) { return "<!ATTLIST " + name(i) + " a CDATA 'v'>"; }); },
+         declarations, declared(0, 0), kLarge},
         {"names of a mixed model",
          [] {
              return "<!ELEMENT e (#PCDATA" + pieces(kMany, [](int i) { return "|e" + std::to_string(kMillion + i); }) +

@@ -33,7 +33,7 @@ std::unique_ptr<Element> deep(int levels) {
 }
 
 TEST(HostileTreeTest, DeepTreesAreMadeCopiedChangedAndDestroyed) {
-    constexpr int kLevels = kMillion / 2;
+    constexpr int kLevels = kMillion;
     constexpr int kOuter = 2'000 - 1;  // elements around the innermost: <a> and </a>, each on a line of its own
     expectTold({
         {"read and copied",
