@@ -24,9 +24,8 @@ class PathText;
 //
 // No path makes an operation throw, but for std::bad_alloc, or takes more than its share of stack: whatever is wrong with it
 // ends in an error code, and a false, zero or empty result. Arithmetic over more than 16 million pairs counts as memory that
-// ran out. Code and text of an error stay until the next operation that
-// says that it resets them. Finding nothing is not a failure; it leaves the code NODE_NOT_FOUND and the step that found
-// nothing.
+// ran out. Code and text of an error stay until the next operation that says that it resets them. Finding nothing is not a
+// failure; it leaves the code NODE_NOT_FOUND and the step that found nothing.
 class ORVXML_API XPath {
 public:
     enum ErrorCode {
