@@ -4,6 +4,7 @@
 #include "reader/Listening.h"
 #include "reader/ReadCase.h"
 #include "support/NodeTestAccess.h"
+#include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
@@ -362,10 +363,9 @@ TEST(DocumentReaderTest, ReadsTheDocumentTypeFromAFile) {
 }
 
 TEST(DocumentReaderTest, BoundsTheTextMadeFromOneLargeValueInManyAttributes) {
-    std::string text = "<!DOCTYPE a [<!ELEMENT a (b*)><!ELEMENT b EMPTY><!ATTLIST b x CDATA #IMPLIED><!ENTITY e '" +
-                       std::string(5000, 'x') + "'>]><a>";
-    for (int i = 0; i < 400; ++i) text += "<b x='&e;'/>";
-    text += "</a>";
+    const std::string text =
+        "<!DOCTYPE a [<!ELEMENT a (b*)><!ELEMENT b EMPTY><!ATTLIST b x CDATA #IMPLIED><!ENTITY e '" +
+        std::string(5000, 'x') + "'>]><a>" + repeated("<b x='&e;'/>", 400) + "</a>";
     for (auto source : kAllSources) {
         SCOPED_TRACE(::testing::Message() << source);
         {
@@ -385,15 +385,17 @@ TEST(DocumentReaderTest, BoundsTheTextMadeFromOneLargeValueInManyAttributes) {
     }
 }
 
+// A document with one value of so many references to an entity of that length.
+std::string referringTo5000Bytes(int references) {
+    return "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED><!ENTITY e '" + std::string(5000, 'x') +
+           "'>]><a x='" + repeated("&e;", references) + "'/>";
+}
+
 TEST(DocumentReaderTest, TakesNoBytesThatWereSkippedForBytesReadInTheBound) {
     const GrowthLimit limit(1000);
-    const std::string type =
-        "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED><!ENTITY e '" + std::string(5000, 'x') + "'>]>";
-    const auto read = [&type](std::size_t skipped, int references, Source source) {
-        std::string text = std::string(skipped, '#') + type + "<a x='";
-        for (int i = 0; i < references; ++i) text += "&e;";
+    const auto read = [](std::size_t skipped, int references, Source source) {
         bool ok = false;
-        withSource(source, text + "'/>", [&](InStream& in) {
+        withSource(source, std::string(skipped, '#') + referringTo5000Bytes(references), [&](InStream& in) {
             in.setPosition(static_cast<int>(skipped));
             ok = DocumentReader().parse(in);
         });
@@ -411,13 +413,9 @@ TEST(DocumentReaderTest, TakesNoBytesThatWereSkippedForBytesReadInTheBound) {
 
 TEST(DocumentReaderTest, CountsTheBytesOfAllItsStepsInTheBound) {
     const GrowthLimit limit(1000);
-    std::string text = "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED><!ENTITY e '" +
-                       std::string(5000, 'x') + "'>]><a x='";
-    for (int i = 0; i < 100; ++i) text += "&e;";
-    text += "'/>";
     for (auto source : kAllSources) {
         SCOPED_TRACE(::testing::Message() << source);
-        withSource(source, text, [](InStream& in) {
+        withSource(source, referringTo5000Bytes(100), [](InStream& in) {
             DocumentReader reader;
             ASSERT_TRUE(reader.parseProlog(in)) << reader.getErrorMessage();
             ASSERT_TRUE(reader.parseElement(in)) << reader.getErrorMessage();
