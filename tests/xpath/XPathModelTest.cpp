@@ -479,36 +479,49 @@ TEST(XPathModelTest, WhatAnEarlierQueryMissedCountsAsTheRulesCountIt) {
     const std::vector<Text> kSteps = {u"a", u"b", u"*", u"..", u"..", u".", u"@n", u"following-sibling::*"};
     const std::vector<Text> kStarts = {u"", u"", u"", u"/", u"//"};
     Dice dice(8);
-    const auto randomPath = [&](int least, int more) {
-        Text path = dice.pick(kSteps);
-        for (int steps = least - 1 + dice.below(more + 1); steps > 0; --steps) path += u"/" + dice.pick(kSteps);
-        return path;
+    // What the dice choose is put together from left to right: the parts of a sum would be made in an order that each compiler
+    // chooses.
+    const auto appendPath = [&](Text& text, const Text& before, int most) {
+        text += before + dice.pick(kSteps);
+        for (int steps = dice.below(most); steps > 0; --steps) text += u"/" + dice.pick(kSteps);
     };
-    const auto withPredicates = [&] {
-        Text predicate = dice.pick(kStarts) + randomPath(1, 3);
+    const auto appendPredicate = [&](Text& text) {
+        Text inner;
+        appendPath(inner, dice.pick(kStarts), 4);
         while (dice.chance(40)) {
-            predicate = randomPath(1, 1) + u"[" + predicate + u"]" + (dice.chance(30) ? u"/" + randomPath(1, 1) : u"");
-            if (dice.chance(20)) predicate += u" = " + dice.pick(kStarts) + randomPath(1, 2);
+            Text outer;
+            appendPath(outer, u"", 2);
+            outer += u"[" + inner + u"]";
+            if (dice.chance(30)) appendPath(outer, u"/", 2);
+            if (dice.chance(20)) appendPath(outer, u" = " + dice.pick(kStarts), 3);
+            inner = outer;
         }
-        return randomPath(1, 1) + u"[" + predicate + u"]" + (dice.chance(50) ? u"/" + randomPath(1, 2) : u"");
+        text += u"[" + inner + u"]";
     };
     int compared = 0;
     int noticed = 0;
     while (compared < 8'000) {
         const RandomTree tree(dice);
         for (int i = 0; i < 20; ++i) {
-            Script script(4);
-            script[0].path = u"//*";
-            script[1] = {Operation::FindNodes, randomPath(1, 3)};
-            script[2].kind = Operation::GetValueByIndex;
-            script[3] = {Operation::FindNodes, dice.chance(20) ? randomPath(1, 3) : withPredicates()};
+            Text first;
+            appendPath(first, u"", 4);
+            Text second;
+            appendPath(second, u"", 4);
+            if (dice.chance(80)) {
+                appendPredicate(second);
+                if (dice.chance(50)) appendPath(second, u"/", 3);
+            }
+            const Script script = {{Operation::GetValues, u"//*"},
+                                   {Operation::FindNodes, first},
+                                   {Operation::GetValueByIndex, u""},
+                                   {Operation::FindNodes, second}};
             Pair queries(tree.document.get());
             for (const Operation& operation : script) {
-                if (&operation == &script[2] &&
+                if (operation.kind == Operation::GetValueByIndex &&
                     (queries.naive.GetErrorCode() != XPath::NODE_NOT_FOUND || countOf(queries.naive) == 0))
                     break;
                 ASSERT_EQ(queries.run(operation, tree), "") << smallest(tree, tree.document.get(), script);
-                if (&operation != &script[3]) continue;
+                if (&operation != &script.back()) continue;
                 ++compared;
                 if (queries.naive.GetErrorCode() == XPath::NODE_NOT_FOUND) ++noticed;
             }
