@@ -1,4 +1,4 @@
-# What every target of the project is compiled with: the language, hidden visibility, warnings, and the instruments that
+# What every target of the project is compiled with: the language, hidden visibility, warnings, and the sanitizers that
 # the options ask for. Warnings are for those who work on the project; as a part of another one it adds none.
 function(orvxml_target_options target)
     set_target_properties(${target} PROPERTIES
@@ -13,14 +13,23 @@ function(orvxml_target_options target)
     if(ORVXML_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
-    if(ORVXML_SANITIZE)
+    orvxml_sanitize(${target} "${ORVXML_SANITIZE}")
+endfunction()
+
+function(orvxml_sanitize target sanitizers)
+    if(sanitizers)
         # In instrumented code GCC warns of values that are set, also in the standard library.
         target_compile_options(${target} PRIVATE
-            -fsanitize=${ORVXML_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-maybe-uninitialized)
-        target_link_options(${target} PRIVATE -fsanitize=${ORVXML_SANITIZE})
+            -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+        target_link_options(${target} PUBLIC -fsanitize=${sanitizers})
     endif()
+endfunction()
+
+# The instruments that watch the library alone: code of tests would be watched for nothing, and takes long to compile with them.
+function(orvxml_watch target)
+    orvxml_sanitize(${target} "${ORVXML_SANITIZE_LIBRARY}")
     if(ORVXML_COVERAGE)
         target_compile_options(${target} PRIVATE --coverage)
-        target_link_options(${target} PRIVATE --coverage)
+        target_link_options(${target} PUBLIC --coverage)
     endif()
 endfunction()

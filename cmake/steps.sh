@@ -41,6 +41,13 @@ quietly() {
     fi
 }
 
+# What was compiled before, in this checkout or another one, is not compiled again.
+if command -v ccache > /dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_COMPILERCHECK=content
+    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+fi
+
 # build_preset NAME [OPTION...]: configures and builds, in the project's root. Only a terminal is shown the progress.
 build_preset() {
     local preset=$1
@@ -55,19 +62,21 @@ build_preset() {
     fi
 }
 
-# test_preset NAME: builds the preset and runs its tests. Those that pass are counted (tests_passed), not listed.
+# test_preset NAME: builds the preset and runs its tests. Those that pass are counted (tests_passed), not listed: each case of a
+# test program, and each program that is one test.
 test_preset() {
-    local preset=$1 log summary status=0
+    local preset=$1 log status=0
     build_preset "$preset"
     echo "Testing $preset"
     log=build/$preset/ctest.log
-    ctest --preset "$preset" --parallel "$(nproc)" > "$log" 2>&1 || status=$?
+    ctest --preset "$preset" --parallel "$(nproc)" --verbose > "$log" 2>&1 || status=$?
     if [ "$status" -ne 0 ]; then
-        grep -vE '^ +Start +[0-9]+:| Passed +[0-9.]+ sec$' "$log" >&2
+        grep -vE '\[( RUN|       OK) |^ +Start +[0-9]+:| Passed +[0-9.]+ sec$' "$log" >&2
         echo "The tests of $preset failed; $log has everything they printed" >&2
         return "$status"
     fi
-    summary=$(grep 'tests passed' "$log")
-    echo "$summary"
-    tests_passed=${summary##* }
+    tests_passed=$(awk '/^[0-9]+: \[  PASSED  \]/ { cases += $5; ++programs }
+        /^ *[0-9]+\/[0-9]+ Test .* Passed / { ++tests }
+        END { print cases + tests - programs }' "$log")
+    echo "$tests_passed tests passed"
 }

@@ -3,11 +3,11 @@
 //
 // Input: two bytes an operation. They are the seed of all that is random in it, so an operation does the same wherever it
 // stands in a program and whatever stands around it.
-#include "dom/EditingWorld.h"
-#include "dom/NaiveSink.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
+#include "models/EditingWorld.h"
+#include "models/NaiveSink.h"
 #include "xml/stream/FileOutStream.h"
 #include <sstream>
 #include <string>

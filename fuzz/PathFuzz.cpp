@@ -8,6 +8,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
+#include "models/NaiveXPath.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
 #include "support/Trees.h"
@@ -15,7 +16,6 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
-#include "xpath/NaiveXPath.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdio>

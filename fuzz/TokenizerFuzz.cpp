@@ -9,7 +9,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
-#include "stream/NaiveTokenizer.h"
+#include "models/NaiveTokenizer.h"
 #include "stream/TextBuffer.h"
 #include "support/Sources.h"
 #include "xml/stream/FileInStream.h"

@@ -4,10 +4,10 @@
 //
 // Input: a line of declarations and a line with the tree, in the short texts of the tests: "a: (b, c?)*; b: ANY; a@x
 // REQUIRED" and "a[x=1](b 'text')". What does not fit these is no input.
-#include "dtd/NaiveMatcher.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
+#include "models/NaiveMatcher.h"
 #include "support/Messages.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"

@@ -1,5 +1,5 @@
-#include "dom/EditingWorld.h"
-#include "dom/NaiveSink.h"
+#include "models/EditingWorld.h"
+#include "models/NaiveSink.h"
 #include "xml/stream/FileOutStream.h"
 #include <gtest/gtest.h>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include "xml/dom/Element.h"
 
-#include "dom/EditingWorld.h"
 #include "dom/Settings.h"
+#include "models/EditingWorld.h"
 #include "support/Messages.h"
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"

@@ -1,6 +1,6 @@
 #include "xml/dtd/AttDef.h"
 
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include "support/Messages.h"
 #include "xml/dtd/AttStringType.h"
 #include "xml/stream/FileOutStream.h"

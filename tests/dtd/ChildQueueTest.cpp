@@ -1,6 +1,6 @@
 #include "xml/dtd/ChildQueue.h"
 
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {

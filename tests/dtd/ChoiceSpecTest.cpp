@@ -1,6 +1,6 @@
 #include "xml/dtd/ChoiceSpec.h"
 
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include "support/Messages.h"
 #include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"

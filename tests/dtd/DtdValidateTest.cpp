@@ -1,5 +1,5 @@
-#include "dtd/Models.h"
-#include "dtd/NaiveMatcher.h"
+#include "models/Models.h"
+#include "models/NaiveMatcher.h"
 #include "support/Messages.h"
 #include "support/NodeTestAccess.h"
 #include "xml/dom/CharData.h"

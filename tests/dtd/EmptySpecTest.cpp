@@ -1,6 +1,6 @@
 #include "xml/dtd/EmptySpec.h"
 
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include "support/NodeTestAccess.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The short texts that the tests make models and trees from end with an error where they do not fit, whatever is missing.
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include <gtest/gtest.h>
 #include <stdexcept>
 

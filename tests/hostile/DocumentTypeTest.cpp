@@ -1,6 +1,7 @@
 // Document types that were written to break a reader or a validation: nesting, models that consume nothing, entities that
 // multiply, and names of files that are none.
 #include "hostile/Inputs.h"
+#include "support/Places.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
@@ -417,7 +418,7 @@ TEST(HostileDocumentTypeTest, OnlyRegularFilesAreOpened) {
                                  pipe,
                                  circle,
                                  folderLink,
-                                 std::string(ORVXML_TEST_SCRATCH),
+                                 scratchFolder(),
                                  "/",
                                  ".",
                                  "/dev/zero",

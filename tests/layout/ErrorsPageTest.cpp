@@ -1,4 +1,5 @@
 #include "support/Messages.h"
+#include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include <algorithm>
@@ -11,7 +12,7 @@
 namespace Xml::test {
 namespace {
 
-std::string sourcePath(const std::string& name) { return std::string(ORVXML_SOURCE_DIR) + "/" + name; }
+std::string sourcePath(const std::string& name) { return sourceFolder() + "/" + name; }
 
 // The cells of the rows of the table below a heading, its header left out: the code in each cell, or the cell as it stands.
 using Row = std::vector<std::string>;

@@ -1,5 +1,6 @@
 // Who may include whom. A module's headers know only what stands below it; what a node or an entity asks of a document
 // type runs back up and stays in sources, behind forward declarations.
+#include "support/Places.h"
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -96,7 +97,7 @@ std::vector<std::string> faultsOf(const std::string& file, std::istream& text) {
 // The library's headers and sources, as paths from the root.
 std::vector<std::string> libraryFiles() {
     std::vector<std::string> files;
-    const fs::path root = ORVXML_SOURCE_DIR;
+    const fs::path root = Xml::test::sourceFolder();
     for (const char* folder : {"orvsys", "xml"}) {
         for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
             const auto extension = entry.path().extension();
@@ -170,7 +171,7 @@ TEST(IncludeMapTest, HoldsForEveryFileOfTheLibrary) {
     const auto files = libraryFiles();
     ASSERT_NE(std::find(files.begin(), files.end(), kExportHeader), files.end());
     for (const auto& file : files) {
-        std::ifstream text(fs::path(ORVXML_SOURCE_DIR) / file);
+        std::ifstream text(fs::path(Xml::test::sourceFolder()) / file);
         ASSERT_TRUE(text) << file;
         for (const auto& fault : faultsOf(file, text)) ADD_FAILURE() << fault;
     }

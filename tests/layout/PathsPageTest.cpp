@@ -3,6 +3,7 @@
 #include "orvsys/Localization.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
+#include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
@@ -83,7 +84,7 @@ std::vector<std::string> cellsOf(const std::string& line) {
 
 Page readPage() {
     Page page;
-    std::istringstream text(readFile(std::string(ORVXML_SOURCE_DIR) + "/docs/paths.md"));
+    std::istringstream text(readFile(sourceFolder() + "/docs/paths.md"));
     bool inTable = false;
     bool inBlock = false;
     std::vector<std::string> unused;
@@ -338,7 +339,7 @@ TEST(PathsPageTest, TellsWhatItsProgramFinds) {
     EXPECT_EQ(shortOf(id), "@id=2");
 
     std::set<std::string> linesHere;
-    std::istringstream source(readFile(std::string(ORVXML_SOURCE_DIR) + "/tests/layout/PathsPageTest.cpp"));
+    std::istringstream source(readFile(sourceFolder() + "/tests/layout/PathsPageTest.cpp"));
     for (std::string line; std::getline(source, line);) linesHere.insert(squeezed(line));
     EXPECT_GE(page().blocks.at("cpp").size(), 6U);
     for (const std::string& line : page().blocks.at("cpp")) EXPECT_EQ(linesHere.count(squeezed(line)), 1U) << line;

@@ -2,6 +2,7 @@
 #include "memory/Failing.h"
 #include "memory/Usable.h"
 #include "orvsys/Uni16.h"
+#include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
@@ -44,9 +45,7 @@ std::string blockOf(const std::string& begin, const std::string& end, std::istre
     return text;
 }
 
-std::istringstream openPage() {
-    return std::istringstream(readFile(std::string(ORVXML_SOURCE_DIR) + "/docs/paths.md"));
-}
+std::istringstream openPage() { return std::istringstream(readFile(sourceFolder() + "/docs/paths.md")); }
 
 // All paths of the page that tells the language, each error among them.
 std::vector<Query> queriesOfThePage() {

@@ -3,6 +3,7 @@
 #include "reader/GrowthLimit.h"
 #include "reader/Listening.h"
 #include "reader/ReadCase.h"
+#include "support/Places.h"
 #include "support/Trees.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/AttStringType.h"
@@ -165,8 +166,8 @@ TEST(DoctypeReaderTest, ReportsAFileThatCannotBeOpenedByItsName) {
     const std::string pipe = scratchPath("pipe.dtd");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const Alarm alarm(60);
-    for (const std::string& name : {missing, pipe, std::string(ORVXML_TEST_SCRATCH), std::string("/dev/zero"),
-                                    std::string("/dev/null"), std::string("no such file"), std::string("%s%n%d")}) {
+    for (const std::string& name : {missing, pipe, scratchFolder(), std::string("/dev/zero"), std::string("/dev/null"),
+                                    std::string("no such file"), std::string("%s%n%d")}) {
         SCOPED_TRACE(name);
         for (auto source : kAllSources) {
             SCOPED_TRACE(::testing::Message() << source);
@@ -202,7 +203,7 @@ TEST(DoctypeReaderTest, CutsTheMessageAboutALongFileName) {
 
 TEST(DoctypeReaderTest, LooksForTheFileInTheWorkingDirectory) {
     const ScratchFile file("relative.dtd", "<!ELEMENT a EMPTY>");
-    const std::string folder = ORVXML_TEST_SCRATCH;
+    const std::string folder = scratchFolder();
     const std::string name = file.path.substr(folder.size() + 1);
     std::unique_ptr<char, void (*)(void*)> before(getcwd(nullptr, 0), std::free);
     ASSERT_NE(before, nullptr);

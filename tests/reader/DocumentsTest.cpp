@@ -1,7 +1,7 @@
 // The seven documents that ship with the examples: whole, written back, validated, and damaged at random places.
+#include "models/NaiveReaders.h"
+#include "models/Snapshot.h"
 #include "orvsys/Files.h"
-#include "reader/NaiveReaders.h"
-#include "reader/Snapshot.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "support/Trees.h"

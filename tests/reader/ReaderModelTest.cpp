@@ -1,6 +1,6 @@
 // Random inputs, read by the library's readers and by the naive ones. Both must agree in everything that shows.
-#include "reader/NaiveReaders.h"
-#include "reader/Snapshot.h"
+#include "models/NaiveReaders.h"
+#include "models/Snapshot.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "xml/dom/Document.h"

@@ -1,5 +1,5 @@
-#include "NaiveTokenizer.h"
 #include "TextBuffer.h"
+#include "models/NaiveTokenizer.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "xml/stream/FileInStream.h"

@@ -1,4 +1,4 @@
-#include "NaiveTokenizer.h"
+#include "models/NaiveTokenizer.h"
 #include "support/Sources.h"
 #include "xml/stream/InStream.h"
 #include "xml/stream/internal/StreamAccess.h"

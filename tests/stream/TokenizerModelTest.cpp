@@ -2,8 +2,8 @@
 // source, compared after each. What is at stake is everything that the tokenizer does to be quick: it reads bytes in
 // memory where a source has them, and must leave result, message, position, lines, columns and the caller's stream as
 // the primitives alone would.
-#include "NaiveTokenizer.h"
 #include "TextBuffer.h"
+#include "models/NaiveTokenizer.h"
 #include "orvsys/Files.h"
 #include "support/Sources.h"
 #include "xml/stream/FileInStream.h"

@@ -1,6 +1,7 @@
 #include "support/Sources.h"
 
 #include "orvsys/Files.h"
+#include "support/Places.h"
 #include "xml/stream/FileInStream.h"
 #include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/StringInStream.h"
@@ -45,7 +46,7 @@ void withSource(Source source, const std::string& text, const std::string& path,
 }
 
 std::string scratchPath(const std::string& name) {
-    return std::string(ORVXML_TEST_SCRATCH) + "/" + std::to_string(getpid()) + "-" + name;
+    return scratchFolder() + "/" + std::to_string(getpid()) + "-" + name;
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
@@ -67,7 +68,7 @@ ScratchFile::ScratchFile(const std::string& name, const std::string& bytes) : pa
 
 ScratchFile::~ScratchFile() { std::remove(path.c_str()); }
 
-std::string documentPath(const std::string& name) { return std::string(ORVXML_TEST_DATA) + "/" + name; }
+std::string documentPath(const std::string& name) { return dataFolder() + "/" + name; }
 
 const std::string& documentText(const std::string& name) {
     static std::map<std::string, std::string> texts;

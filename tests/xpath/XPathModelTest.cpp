@@ -2,13 +2,13 @@
 // operation in everything that a caller sees. What is at stake is all that the engine does to be quick: it cuts a path once,
 // reads a step when the walk reaches it, collects nodes without looking them up, and stops predicates early; it must
 // find, number, report and keep what the plain rules do.
+#include "models/NaiveXPath.h"
 #include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
-#include "xpath/NaiveXPath.h"
 #include "xpath/RandomPaths.h"
 #include <cmath>
 #include <cstdio>

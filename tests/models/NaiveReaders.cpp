@@ -1,4 +1,4 @@
-#include "reader/NaiveReaders.h"
+#include "models/NaiveReaders.h"
 
 #include "support/NodeTestAccess.h"
 #include "xml/dom/CharData.h"

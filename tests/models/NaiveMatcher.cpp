@@ -1,4 +1,4 @@
-#include "dtd/NaiveMatcher.h"
+#include "models/NaiveMatcher.h"
 
 #include <algorithm>
 

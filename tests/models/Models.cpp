@@ -1,4 +1,4 @@
-#include "dtd/Models.h"
+#include "models/Models.h"
 
 #include "support/NodeTestAccess.h"
 #include "xml/dom/Attribute.h"

@@ -1,4 +1,4 @@
-#include "dom/EditingWorld.h"
+#include "models/EditingWorld.h"
 
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"

@@ -1,4 +1,4 @@
-#include "xpath/NaiveXPath.h"
+#include "models/NaiveXPath.h"
 
 #include "orvsys/Localization.h"
 #include "support/PathErrorKeys.h"

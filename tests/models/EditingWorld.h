@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dom/TreeModel.h"
+#include "models/TreeModel.h"
 #include "support/Messages.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"

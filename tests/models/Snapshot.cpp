@@ -1,4 +1,4 @@
-#include "reader/Snapshot.h"
+#include "models/Snapshot.h"
 
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"

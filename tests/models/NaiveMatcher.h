@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dtd/Models.h"
+#include "models/Models.h"
 #include <deque>
 
 namespace Xml::test {

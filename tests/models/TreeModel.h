@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dom/NaiveSink.h"
+#include "models/NaiveSink.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/Object.h"
 #include "xml/dtd/Dtd.h"

@@ -1,4 +1,4 @@
-#include "dom/TreeModel.h"
+#include "models/TreeModel.h"
 
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"

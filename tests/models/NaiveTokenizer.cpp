@@ -1,4 +1,4 @@
-#include "NaiveTokenizer.h"
+#include "models/NaiveTokenizer.h"
 
 #include <algorithm>
 
