@@ -1,6 +1,8 @@
 # Sourced by ./check, ./demo, .ci/run and the other scripts: the steps that they share.
 # shellcheck shell=bash
 
+project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
 # require_packages NAME...: installs those that are missing when run as root, otherwise says which and exits.
 require_packages() {
     if ! command -v dpkg-query > /dev/null; then
@@ -41,17 +43,19 @@ quietly() {
     fi
 }
 
-# What was compiled before, in this checkout or another one, is not compiled again.
-if command -v ccache > /dev/null; then
-    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
-    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_COMPILERCHECK=content
-    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
-fi
+# use_ccache: what was compiled before, in this checkout or another one, is not compiled again by the builds that follow.
+use_ccache() {
+    if command -v ccache > /dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$project_root CCACHE_NOHASHDIR=1
+        export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    fi
+}
 
 # build_preset NAME [OPTION...]: configures and builds, in the project's root. Only a terminal is shown the progress.
 build_preset() {
     local preset=$1
     shift
+    use_ccache
     echo "Building $preset"
     quietly cmake --preset "$preset"
     set -- cmake --build --preset "$preset" --parallel "$(nproc)" "$@"
