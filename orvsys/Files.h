@@ -83,12 +83,12 @@ protected:
     void Detach();
 
 private:
-    bool HasUnwritten() const;
-    bool Holds(std::int64_t place) const;
-    void NeedBuffer();
-    void Fill();
-    void Flush();
-    void PrepareToWrite();
+    ORVSYS_LOCAL bool HasUnwritten() const;
+    ORVSYS_LOCAL bool Holds(std::int64_t place) const;
+    ORVSYS_LOCAL void NeedBuffer();
+    ORVSYS_LOCAL void Fill();
+    ORVSYS_LOCAL void Flush();
+    ORVSYS_LOCAL void PrepareToWrite();
 
     int descriptor;
     bool readable;
