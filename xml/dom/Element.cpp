@@ -9,6 +9,7 @@
 #include "xml/text/internal/EmptyData.h"
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 // Everything that goes through a subtree keeps its place on a stack of its own and treats the library's own classes in the
 // loop; nodes of other classes get their virtual operations called.
@@ -136,6 +137,23 @@ void NodeAccess::deleteChildren(Element& top) {
             delete last;
         }
     }
+}
+
+void NodeAccess::sortAttributes(Element& element) {
+    auto& attributes = element.attributes;
+    const auto before = [](const Attribute* a, const Attribute* b) { return a->getName() < b->getName(); };
+    const auto notBefore = [&before](const Attribute* a, const Attribute* b) { return !before(a, b); };
+    if (std::adjacent_find(attributes.begin(), attributes.end(), notBefore) == attributes.end()) return;
+    std::stable_sort(attributes.begin(), attributes.end(), before);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        if (kept > 0 && attributes[kept - 1]->getName() == attributes[i]->getName()) {
+            delete std::exchange(attributes[kept - 1], attributes[i]);
+        } else {
+            attributes[kept++] = attributes[i];
+        }
+    }
+    attributes.resize(kept);
 }
 
 const std::string& Element::getName() const { return name; }

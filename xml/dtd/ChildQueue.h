@@ -34,6 +34,11 @@ public:
     bool operator==(const ChildQueue& other) const { return head == other.head && end == other.end; }
 
 private:
+    friend class Matcher;
+
+    // Over nodes that stand side by side, however the element stores them.
+    ChildQueue(Object* const* itsHead, Object* const* itsEnd) : head(itsHead), end(itsEnd) {}
+
     Object* const* head = nullptr;
     Object* const* end = nullptr;
 };

@@ -5,7 +5,6 @@
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Names.h"
-#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -74,8 +73,7 @@ private:
     }
 
     void addElement() {
-        std::unique_ptr<Element> element(NodeAccess::makeElement());
-        NodeAccess::name(*element) = StreamAccess::token(in);
+        std::unique_ptr<Element> element = NodeAccess::makeElement(StreamAccess::token(in));
         open.push_back(nullptr);  // so that nothing can fail once the element has its owner
         open.back() = element.release();
         if (open.size() == 1) delete std::exchange(reader.root, open.back());
@@ -84,7 +82,6 @@ private:
     // Up to the token behind the attributes, which stays in the parse buffer.
     bool readAttributes(Element& element) {
         const Sorting sorting{element};
-        auto& attributes = NodeAccess::attributes(element);
         std::string name;
         while (true) {
             if (!StreamAccess::getToken(in)) return fail();
@@ -96,35 +93,15 @@ private:
             const std::string& literal = StreamAccess::token(in);
             DataHolder value(literal, 1, literal.size() - 2);
             if (!expandValue(in, value, reader.dtd)) return failWith(kEntityTextTooLarge);
-            auto attribute = NodeAccess::makeAttribute(name, std::move(value), element);
-            attributes.push_back(attribute.get());
-            attribute.release();
+            NodeAccess::appendAttribute(element, name, std::move(value));
         }
     }
 
     // Puts the attributes in order however reading them ends.
     struct Sorting {
         Element& element;
-        ~Sorting() { sortAttributes(element); }
+        ~Sorting() { NodeAccess::sortAttributes(element); }
     };
-
-    // Attributes are kept in the order of their names; of several with one name the last one counts.
-    static void sortAttributes(Element& element) {
-        auto& attributes = NodeAccess::attributes(element);
-        const auto before = [](const Attribute* a, const Attribute* b) { return a->getName() < b->getName(); };
-        const auto notBefore = [&before](const Attribute* a, const Attribute* b) { return !before(a, b); };
-        if (std::adjacent_find(attributes.begin(), attributes.end(), notBefore) == attributes.end()) return;
-        std::stable_sort(attributes.begin(), attributes.end(), before);
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < attributes.size(); ++i) {
-            if (kept > 0 && attributes[kept - 1]->getName() == attributes[i]->getName()) {
-                delete std::exchange(attributes[kept - 1], attributes[i]);
-            } else {
-                attributes[kept++] = attributes[i];
-            }
-        }
-        attributes.resize(kept);
-    }
 
     bool readEndTag() {
         if (!in.checkToken(open.back()->getName()) || !in.checkToken(kGreaterThen)) return fail();
@@ -138,14 +115,10 @@ private:
             complete = true;
             return;
         }
-        addChild(*open[open.size() - 2], *open.back());
+        std::unique_ptr<Element> element(std::exchange(open.back(), nullptr));
         open.pop_back();
+        NodeAccess::appendChild(*open.back(), std::move(element));
         --depth;
-    }
-
-    static void addChild(Element& parent, Object& child) {
-        NodeAccess::children(parent).push_back(&child);
-        NodeAccess::setParent(child, &parent);
     }
 
     // --- Content ---
@@ -164,10 +137,9 @@ private:
             return in.skip(kEndComment) || failSilently();
         }
         StreamAccess::seek(in, position);
-        auto text = std::make_unique<CharData>();
+        std::unique_ptr<CharData> text = NodeAccess::makeCharData();
         if (!in.getCharData(text->data())) return fail();
-        addChild(*open.back(), *text);
-        text.release();
+        NodeAccess::appendChild(*open.back(), std::move(text));
         return true;
     }
 

@@ -3,6 +3,7 @@
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
 #include "xml/stream/internal/OutStreamAccess.h"
 #include <cstddef>
@@ -22,7 +23,8 @@ bool isExactly(const Object& node) {
     return typeid(node) == typeid(Node);
 }
 
-// The insides of nodes, for the readers, the writer and validation.
+// The insides of nodes, for the readers, the writer, validation and paths: spans, links, marks and factories. What stores
+// children and attributes stays within this folder.
 struct NodeAccess {
     static const Dtd* dtd(const Object& node) { return node.dtd; }
     static void setOwnDtd(Object& node, const Dtd* dtd) { node.dtd = dtd; }
@@ -40,25 +42,46 @@ struct NodeAccess {
 
     static void setParent(Object& node, Object* parent) { node.parent = parent; }
 
-    // An element without a name, for who gives it one that has been checked.
-    static Element* makeElement() { return new Element(); }
+    // --- What an element holds: spans, which are good until it changes ---
 
-    // An attribute of that element, with a name that has been checked.
-    static std::unique_ptr<Attribute> makeAttribute(const std::string& name, DataHolder&& value, Element& parent) {
+    static const std::string& name(const Element& element) { return element.name; }
+    static const std::string& name(const Attribute& attribute) { return attribute.name; }
+    static NodeSpan children(const Element& element) { return spanOf(element.children); }
+    static AttributeSpan attributes(const Element& element) { return spanOf(element.attributes); }
+
+    // The children as the list that a content model of a caller's own is asked with; good until they change.
+    static const std::vector<Object*>& childList(const Element& element) { return element.children; }
+
+    // --- Nodes for readers: names have been checked, nothing links to a Dtd yet, all is marked as changed already ---
+
+    // An element, and character data that is still empty.
+    static std::unique_ptr<Element> makeElement(const std::string& name) {
+        std::unique_ptr<Element> element(new Element());
+        element->name = name;
+        return element;
+    }
+    static std::unique_ptr<CharData> makeCharData() { return std::make_unique<CharData>(); }
+
+    // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would leave.
+    static void appendChild(Element& element, std::unique_ptr<Object> child) {
+        setParent(*child, &element);
+        element.children.push_back(child.get());
+        child.release();
+    }
+
+    // Appends an attribute, in no order. sortAttributes has to follow before anything else asks for attributes.
+    static void appendAttribute(Element& element, const std::string& name, DataHolder&& value) {
         auto attribute = std::make_unique<Attribute>();
         attribute->name = name;
         attribute->value = std::move(value);
-        setParent(*attribute, &parent);
-        return attribute;
+        setParent(*attribute, &element);
+        element.attributes.push_back(attribute.get());
+        attribute.release();
     }
 
-    static std::string& name(Element& element) { return element.name; }
-    static const std::string& name(const Element& element) { return element.name; }
-    static const std::string& name(const Attribute& attribute) { return attribute.name; }
-    static std::vector<Object*>& children(Element& element) { return element.children; }
-    static const std::vector<Object*>& children(const Element& element) { return element.children; }
-    static std::vector<Attribute*>& attributes(Element& element) { return element.attributes; }
-    static const std::vector<Attribute*>& attributes(const Element& element) { return element.attributes; }
+    // Puts the attributes in the order of their names; of several with one name the last one stays.
+    static void sortAttributes(Element& element);
+
     static std::uint64_t& verdict(const Element& element) { return element.verdict; }
 
     // Links `top` and what is below it to `dtd`, in the order of a recursion: each element, its children, its attributes.
@@ -85,6 +108,12 @@ struct NodeAccess {
 
     // Deletes the children, whatever their depth, without recursion and without allocating.
     static void deleteChildren(Element& element);
+
+private:
+    template <class Node>
+    static SpanOf<Node> spanOf(const std::vector<Node*>& nodes) {
+        return {nodes.data(), nodes.data() + nodes.size()};
+    }
 };
 
 template <class Enter>

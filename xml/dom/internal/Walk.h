@@ -20,7 +20,7 @@ public:
     const Element* next() {
         while (!place.empty()) {
             Place& here = place.back();
-            const auto& children = NodeAccess::children(*here.element);
+            const NodeSpan children = NodeAccess::children(*here.element);
             while (here.child < children.size()) {
                 const Object* const node = children[here.child++];
                 if (!node->isElement()) continue;

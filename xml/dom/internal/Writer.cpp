@@ -35,7 +35,7 @@ private:
     };
 
     static bool isMixed(const Element& element) {
-        const auto& children = NodeAccess::children(element);
+        const NodeSpan children = NodeAccess::children(element);
         return std::any_of(children.begin(), children.end(), [](const Object* child) { return child->isCharData(); });
     }
 
@@ -79,7 +79,7 @@ private:
     void step() {
         Open& here = open.back();
         const Element& element = *here.element;
-        const auto& children = NodeAccess::children(element);
+        const NodeSpan children = NodeAccess::children(element);
         if (!here.mixed) put("\n");
         if (here.child < children.size()) {
             writeChild(*children[here.child++]);

@@ -137,21 +137,22 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
     }
 
     const ContentSpec& model = *declaration->second;
-    const auto& children = NodeAccess::children(element);
     const bool isMixed = isExactlySpec<MixedSpec>(model);
     if (!isMixed && !isExactlySpec<ChildrenSpec>(model)) {
         if (!isOwn(model)) foreign = true;
-        decide(*dtd, element, model.validate(children));
+        decide(*dtd, element, model.validate(NodeAccess::childList(element)));
         return true;
     }
+    const NodeSpan children = NodeAccess::children(element);
+    const ChildQueue all(children.begin(), children.end());
     push(Step::Element, &element, queue);
     frames.back().dtd = dtd;
     enclosing.push_back({std::exchange(repetitions, 0), outcomes.size()});
     if (isMixed) {
         queue = ChildQueue();
-        push(Step::Mixed, &static_cast<const MixedSpec&>(model), ChildQueue(children));
+        push(Step::Mixed, &static_cast<const MixedSpec&>(model), all);
     } else {
-        queue = ChildQueue(children);
+        queue = all;
         push(Step::Repeated, &static_cast<const ChildrenSpec&>(model), queue);
     }
     return false;
@@ -179,7 +180,7 @@ void Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
 
 // Looks at the element's own attributes only: each has to be defined, and those that are required to be all there are.
 bool Matcher::attributesFit(const Dtd& dtd, Element& element) {
-    const auto& attributes = NodeAccess::attributes(element);
+    const AttributeSpan attributes = NodeAccess::attributes(element);
     const auto list = dtd.attributeLists.find(element.getName());
     if (list == dtd.attributeLists.end()) return attributes.empty();
 

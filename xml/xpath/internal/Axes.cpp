@@ -187,7 +187,7 @@ void takeAncestors(const NodeList& from, Taker& taker, bool orSelf) {
 // The children of one element, and which of them were taken as siblings of a context node.
 class Row {
 public:
-    Row(const std::vector<Object*>& itsChildren, std::size_t itsHint)
+    Row(NodeSpan itsChildren, std::size_t itsHint)
         : children(itsChildren), doneFrom(children.size()), hint(std::min(itsHint, children.size())) {}
 
     std::size_t size() const { return children.size(); }
@@ -195,11 +195,11 @@ public:
     // The children behind that place, or before it, that were not taken yet.
     NodeRange following(std::size_t place) {
         const std::size_t end = std::exchange(doneFrom, std::min(doneFrom, place + 1));
-        return {children.data() + std::min(place + 1, end), children.data() + end};
+        return {children.begin() + std::min(place + 1, end), children.begin() + end};
     }
     NodeRange preceding(std::size_t place) {
         const std::size_t begin = std::exchange(doneTo, std::max(doneTo, place));
-        return {children.data() + begin, children.data() + std::max(place, begin)};
+        return {children.begin() + begin, children.begin() + std::max(place, begin)};
     }
 
     // The number of children for a node that is none of them. Context nodes mostly come in the order of the children, so the
@@ -228,7 +228,7 @@ public:
 private:
     static constexpr unsigned kTurns = 1;
 
-    const std::vector<Object*>& children;
+    NodeSpan children;
     std::size_t doneTo = 0;  // those before it were taken
     std::size_t doneFrom;    // those from it on were taken
     std::size_t hint = 0;    // where the last search ended

@@ -17,8 +17,8 @@ struct NodeRange {
 // The children of an element; none for any other node.
 inline NodeRange elementChildren(const Object& node) {
     if (!node.isElement()) return {};
-    const auto& children = NodeAccess::children(static_cast<const Element&>(node));
-    return {children.data(), children.data() + children.size()};
+    const NodeSpan children = NodeAccess::children(static_cast<const Element&>(node));
+    return {children.begin(), children.end()};
 }
 
 // The same, and of a document its root, which is put into `root`; the range is good as long as that is then.

@@ -37,8 +37,9 @@ const int* goodValues(Operator op) {
 const CharData* dataOf(const Object& node) {
     if (node.isCharData()) return static_cast<const CharData*>(&node);
     if (!node.isElement()) return nullptr;
-    const auto& children = NodeAccess::children(static_cast<const Element&>(node));
-    const auto first = std::find_if(children.begin(), children.end(), [](const Object* c) { return c->isCharData(); });
+    const NodeSpan children = NodeAccess::children(static_cast<const Element&>(node));
+    const auto* const first =
+        std::find_if(children.begin(), children.end(), [](const Object* c) { return c->isCharData(); });
     return first != children.end() ? static_cast<const CharData*>(*first) : nullptr;
 }
 
