@@ -1,7 +1,9 @@
 #include "OutPrograms.h"
+#include "models/NaiveSink.h"
 #include "xml/stream/OutStream.h"
 #include <gtest/gtest.h>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 
@@ -118,54 +120,95 @@ TEST(OutStreamTest, HasNoUpperBoundForTheLevel) {
     EXPECT_TRUE(out.bytes == std::string(5000, '\t') + "a\n\tb");
 }
 
-// The rule told byte by byte, beside the library's.
-class NaiveOutStream {
+// What a sink may do to its stream while it takes a byte. Both the library's stream and the naive one are made such.
+template <class Sink>
+class Acting : public Sink {
 public:
-    void put(char c) {
-        if (c == '\n') {
-            atLineStart = true;
-        } else if (atLineStart) {
-            atLineStart = false;
-            bytes.append(level, '\t');
-        }
+    void putChar(char c) override {
         bytes += c;
+        switch (c) {
+        case '+': this->incTab(); break;
+        case '-': this->decTab(); break;
+        case '$': this->put('\n'); break;
+        case '?': this->put('q'); break;
+        case '!': throw std::runtime_error("refused");
+        case '\t':
+            if (lowersAtTabs) this->decTab();
+            break;
+        default: break;
+        }
     }
+    int getPosition() const override { return static_cast<int>(bytes.size()); }
+    void setPosition(int) override {}
 
     std::string bytes;
-    std::size_t level = 0;
-
-private:
-    bool atLineStart = true;
+    bool lowersAtTabs = false;
 };
 
-TEST(OutStreamTest, AgreesWithTheRuleToldByteByByte) {
+class NaiveActing : public Acting<Xml::test::NaiveSink> {
+public:
+    void writeDataHolder(const std::string& data) { putRaw(data); }
+};
+
+TEST(OutStreamTest, AgreesWithTheRuleByteByByteWhateverTheSinkDoesMeanwhile) {
     std::mt19937 random(21);
-    const std::string kTexts[] = {"\n", "\n\n\n", "a", "<b>\n", "\n\tx", "a\nb\nc", "\r", "", "\0"s};
+    const std::string kTexts[] = {"\n",  "\n\n\n",   "a",      "<b>\n",  "\n\tx",  "a\nb\nc", "\r",   "",
+                                  "\0"s, "+\na\n+b", "-\n--x", "+a$b$c", "a\n?b?", "a\n!b",   "\n!!", "+$?\n-?"};
     for (int i = 0; i < 3000; ++i) {
-        BareOutStream out;
-        NaiveOutStream naive;
+        Acting<OutStream> out;
+        NaiveActing naive;
+        out.lowersAtTabs = naive.lowersAtTabs = i % 3 == 0;
         for (int k = 0; k < 30; ++k) {
-            const std::string& text = kTexts[random() % 9];
-            switch (random() % 5) {
-            case 0:
-                out.incTab();
-                ++naive.level;
-                break;
-            case 1:
-                out.decTab();
-                if (naive.level > 0) --naive.level;
-                break;
-            case 2:
-                out.writeDataHolder(text);
-                naive.bytes += text;
-                break;
-            default:
-                out.put(text);
-                for (const char c : text) naive.put(c);
-            }
+            const std::string& text = kTexts[random() % (i % 2 == 0 ? 9 : 16)];
+            const auto act = [&](auto& sink, unsigned what) {
+                switch (what) {
+                case 0: sink.incTab(); break;
+                case 1: sink.decTab(); break;
+                case 2: sink.writeDataHolder(text); break;
+                default: sink.put(text);
+                }
+            };
+            const auto refused = [&](auto& sink, unsigned what) {
+                try {
+                    act(sink, what);
+                } catch (const std::runtime_error&) {
+                    return true;
+                }
+                return false;
+            };
+            const auto what = static_cast<unsigned>(random() % 5);
+            ASSERT_EQ(refused(out, what), refused(naive, what));
         }
         ASSERT_EQ(out.bytes, naive.bytes);
     }
+}
+
+TEST(OutStreamTest, ShowsASinkTheLevelAndTheLineStartInForceAtEachByte) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string bytes;
+    } kCases[] = {
+        {"level raised within a text", "+\na\n+b\nc", "+\n\ta\n\t+b\n\t\tc"},
+        {"level lowered within a text", "++\na-\nb--\nc", "++\n\t\ta-\n\tb--\nc"},
+        {"level raised by the byte after the tabs", "+\n+\na", "+\n\t+\n\t\ta"},
+        {"line end put from within", "+$a", "+$\n\ta"},
+        {"line start cleared before the tabs", "+\n?", "+\n\t?q"},
+        {"line start set before the line feed", "+\n\n?", "+\n\n\t?q"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        Acting<OutStream> out;
+        out << c.text;
+        EXPECT_EQ(out.bytes, c.bytes);
+        Acting<OutStream> single;
+        for (const char byte : c.text) single << byte;
+        EXPECT_EQ(single.bytes, c.bytes);
+    }
+    Acting<OutStream> lowering;
+    lowering.lowersAtTabs = true;
+    lowering << "+++++\na"s;
+    EXPECT_EQ(lowering.bytes, "+++++\n\t\t\ta");
 }
 
 TEST(OutStreamTest, HandsEveryByteToPutCharInOrder) {

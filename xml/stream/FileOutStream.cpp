@@ -67,17 +67,16 @@ void FileOutStream::setPosition(int position) {
     }
 }
 
-void FileOutStream::putChars(const char* bytes, std::size_t count) {
-    if (typeid(*this) != typeid(FileOutStream)) {
-        OutStream::putChars(bytes, count);
-        return;
-    }
+// A derived class gets every byte by its own putChar.
+bool FileOutStream::putChars(const char* bytes, std::size_t count) {
+    if (typeid(*this) != typeid(FileOutStream)) return false;
     withoutExceptions([&] { stream->write(bytes, static_cast<std::streamsize>(count)); });
     if (stream->good()) {
         wrote(count);
     } else {
         stopCounting();
     }
+    return true;
 }
 
 // Only in the standard's own buffers is the position known to be the number of bytes: in those of files as long as the locale

@@ -46,13 +46,14 @@ void FileSpecOutStream::setPosition(int position) {
     movedTo(file->GetPosition());
 }
 
-void FileSpecOutStream::putChars(const char* bytes, std::size_t count) {
-    if (typeid(*this) != typeid(FileSpecOutStream)) {
-        OutStream::putChars(bytes, count);
-    } else if (file != nullptr) {
+// A derived class gets every byte by its own putChar.
+bool FileSpecOutStream::putChars(const char* bytes, std::size_t count) {
+    if (typeid(*this) != typeid(FileSpecOutStream)) return false;
+    if (isValid()) {
         file->WriteBytes(bytes, count);
         movedTo(file->GetPosition());
     }
+    return true;
 }
 
 std::int64_t FileSpecOutStream::countFrom() const {

@@ -26,7 +26,7 @@ public:
     void setPosition(int position) override;
 
 protected:
-    void putChars(const char* bytes, std::size_t count) override;
+    bool putChars(const char* bytes, std::size_t count) override;
     std::int64_t countFrom() const override;
 
 private:

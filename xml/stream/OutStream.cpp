@@ -33,7 +33,8 @@ OutStream& OutStream::operator<<(const std::string& text) {
 }
 
 OutStream& OutStream::writeDataHolder(const DataHolder& data) {
-    if (!data.empty()) putChars(data.data(), data.size());
+    if (data.empty() || putChars(data.data(), data.size())) return *this;
+    for (const char c : data) putChar(c);
     return *this;
 }
 
@@ -45,35 +46,46 @@ void OutStream::decTab() {
     if (tabLevel > 0) --tabLevel;
 }
 
-void OutStream::putChars(const char* bytes, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) putChar(bytes[i]);
-}
+bool OutStream::putChars(const char*, std::size_t) { return false; }
 
 std::int64_t OutStream::countFrom() const { return -1; }
 
 // Writes in runs: tabs are due only where a line begins, so a run reaches to the end of its line, or of the text when there
-// are no tabs to write.
+// are no tabs to write. A sink that takes one byte at a time may look at the stream with each, so it gets them by the rule.
 void OutStream::putIndented(const char* bytes, std::size_t count) {
     const char* const end = bytes + count;
     while (bytes != end) {
         const char* runEnd = end;
         if (tabLevel > 0) {
-            if (*bytes != '\n' && atLineStart) putTabs();
+            if (*bytes != '\n' && atLineStart && !putTabs()) break;
             const auto* const lineEnd =
                 static_cast<const char*>(std::memchr(bytes, '\n', static_cast<std::size_t>(end - bytes)));
             if (lineEnd != nullptr) runEnd = lineEnd + 1;
         }
-        putChars(bytes, static_cast<std::size_t>(runEnd - bytes));
+        if (!putChars(bytes, static_cast<std::size_t>(runEnd - bytes))) break;
         bytes = runEnd;
         atLineStart = bytes[-1] == '\n';
     }
+    for (; bytes != end; ++bytes) putByte(*bytes);
 }
 
-void OutStream::putTabs() {
+bool OutStream::putTabs() {
     constexpr auto kMost = static_cast<std::int32_t>(sizeof(kTabs) - 1);
     for (std::int32_t left = tabLevel; left > 0; left -= kMost) {
-        putChars(kTabs, static_cast<std::size_t>(std::min(left, kMost)));
+        if (!putChars(kTabs, static_cast<std::size_t>(std::min(left, kMost)))) return false;
     }
+    return true;
+}
+
+// The rule, for one byte. The sink may change the level, or put more, from within any putChar.
+void OutStream::putByte(char c) {
+    if (c == '\n') {
+        atLineStart = true;
+    } else if (atLineStart) {
+        atLineStart = false;
+        for (std::int32_t i = 0; i < tabLevel; ++i) putChar('\t');
+    }
+    putChar(c);
 }
 
 }  // namespace Xml

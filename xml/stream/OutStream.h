@@ -29,8 +29,9 @@ public:
     virtual int getPosition() const = 0;
     virtual void setPosition(int position) = 0;
 
-    // Write with indentation. A line begins at the start of the stream and behind a line feed; its tabs come with its
-    // first byte, by the level in force then, so that an empty line has none.
+    // Write with indentation. A line begins at the start of the stream and after a line feed; its tabs come with its
+    // first byte, by the level in force then, so that an empty line has none. A sink that changes the level while it
+    // takes a byte changes it for the bytes after that one.
     void put(char c);
     void put(const std::string& text);
     OutStream& operator<<(char c);
@@ -47,8 +48,9 @@ public:
 protected:
     OutStream();
 
-    // Writes `count` bytes as they are; here by putChar, one at a time. A sink overrides it where it can do better.
-    virtual void putChars(const char* bytes, std::size_t count);
+    // Writes `count` bytes as they are, all at once, and returns true. False, with nothing written, from a sink that
+    // takes its bytes by putChar, one at a time, as it does here. A sink gives the same answer for all bytes.
+    virtual bool putChars(const char* bytes, std::size_t count);
 
     // The position to count on from by the bytes written, instead of being asked for it at every node; -1 when it cannot be
     // counted. Only a sink that knows all ways to it can say so, and a class derived from it no more.
@@ -64,8 +66,9 @@ protected:
 private:
     friend struct OutStreamAccess;
 
-    void putIndented(const char* bytes, std::size_t count);
-    void putTabs();
+    ORVXML_LOCAL void putIndented(const char* bytes, std::size_t count);
+    ORVXML_LOCAL bool putTabs();
+    ORVXML_LOCAL void putByte(char c);
 
     std::int32_t tabLevel = 0;
     bool atLineStart = true;
