@@ -1,5 +1,6 @@
 #include "xml/text/Message.h"
 
+#include "xml/text/internal/NeverDestroyed.h"
 #include "xml/text/internal/StreamState.h"
 #include <algorithm>
 #include <cstdarg>
@@ -15,8 +16,8 @@ void WriteToStdErr(const char* text, ...) {
 }
 
 std::string& storedMessage() {
-    static std::string text;
-    return text;
+    static NeverDestroyed<std::string> text;
+    return text.get();
 }
 
 }  // namespace

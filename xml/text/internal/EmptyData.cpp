@@ -1,10 +1,12 @@
 #include "xml/text/internal/EmptyData.h"
 
+#include "xml/text/internal/NeverDestroyed.h"
+
 namespace Xml {
 
 const DataHolder& emptyData() {
-    static const DataHolder empty;
-    return empty;
+    static NeverDestroyed<DataHolder> empty;
+    return empty.get();
 }
 
 }  // namespace Xml

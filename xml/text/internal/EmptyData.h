@@ -4,7 +4,7 @@
 
 namespace Xml {
 
-// The one permanently empty value: what operations return that promise a reference and have no value to refer to.
+// The one empty value, never destroyed: for operations that promise a reference and have no value to refer to.
 const DataHolder& emptyData();
 
 }  // namespace Xml
