@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,20 @@ TEST(MessageTest, WritesToStandardErrorAtFirst) {
     Message(std::string("abc"));
     Message("100% of %s, as it stands"s);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "abc\n100% of %s, as it stands\n");
+}
+
+TEST(MessageTest, WritesToStandardErrorUnformatted) {
+    testing::internal::CaptureStderr();
+    const char fill = std::cerr.fill('*');
+    std::cerr.setf(std::ios_base::left, std::ios_base::adjustfield);
+    std::cerr.width(10);
+    Message(std::string("abc"));
+    EXPECT_EQ(std::cerr.width(), 10);  // is left for the caller's own output
+    Message(std::string());
+    std::cerr.width(0);
+    std::cerr.fill(fill);
+    std::cerr.unsetf(std::ios_base::adjustfield);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "abc\n\n");
 }
 
 TEST(MessageTest, WritesUpToTheFirstZeroByteAndKeepsAll) {

@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 
 namespace Xml {
 
 namespace {
 
+// Unformatted: a width that the program has set on the stream is for its own output.
 void WriteToStdErr(const char* text, ...) {
-    withoutExceptions([text] { std::cerr << text << std::endl; });
+    withoutExceptions([text] { std::cerr.write(text, static_cast<std::streamsize>(std::strlen(text))) << std::endl; });
 }
 
 std::string& storedMessage() {
