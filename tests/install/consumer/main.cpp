@@ -1,4 +1,4 @@
-// A stranger's program: reads a document through what is installed, and nothing else.
+// A program outside the project: uses what is installed, through the one header for everything.
 #include <iostream>
 #include <memory>
 #include <xml/xml.h>
@@ -12,4 +12,7 @@ int main() {
     }
     const std::unique_ptr<Xml::Document> document(reader.extractDocument());
     std::cout << document->getRoot()->getName() << '\n';
+
+    OrvSys::Localization::SetString("greeting", "consumer", u"hello");
+    return OrvSys::Localization::GetString("greeting", "consumer", u"") == u"hello" ? 0 : 1;
 }
