@@ -1,3 +1,4 @@
+#include "support/ForeignNumbers.h"
 #include "xml/text/Numbers.h"
 #include <cmath>
 #include <cstdio>
@@ -116,6 +117,22 @@ TEST(NumbersTest, ReadsNumbersAsAStandardStreamDoes) {
         nonzero += number != 0 ? 1 : 0;
     }
     EXPECT_GT(nonzero, 1000);
+}
+
+TEST(NumbersTest, ReadsAndWritesAsUnderTheClassicLocale) {
+    for (const char point : {',', '.'}) {
+        const Xml::test::ForeignNumbers foreign(point, point == ',' ? '.' : ',');
+        SCOPED_TRACE(point);
+        EXPECT_EQ(Xml::toInt("1,042"), 1);
+        EXPECT_EQ(Xml::toInt("1.042"), 1);
+        EXPECT_EQ(Xml::toDouble("2.5"), 2.5);
+        EXPECT_EQ(Xml::toDouble("2,5"), 2);
+        EXPECT_EQ(Xml::toDouble("1,042.5"), 1);
+        EXPECT_EQ(Xml::toString(1.0), "1");
+        EXPECT_EQ(Xml::toString(2.5), "2.5");
+        EXPECT_EQ(Xml::toString(1234567.5), "1234567.5");
+        EXPECT_EQ(Xml::toString(1234567), "1234567");
+    }
 }
 
 TEST(NumbersTest, WritesIntegersAsDecimals) {

@@ -1,8 +1,6 @@
 #include "xml/text/Numbers.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <sstream>
+#include "xml/text/internal/ClassicNumbers.h"
 
 namespace Xml {
 
@@ -10,35 +8,17 @@ namespace {
 
 int fpPrecision = 2;
 
-// No double has more digits after its point; all further ones are zeros, which are dropped again.
-constexpr int kMostFractionDigits = 1074;
-
-template <class Number>
-Number extract(const std::string& text) {
-    Number number = 0;
-    std::istringstream stream(text);
-    stream.exceptions(
-        std::ios_base::badbit);  // memory that runs out within an extraction would be no more than a state
-    stream >> number;
-    return number;
-}
-
 }  // namespace
 
-int toInt(const std::string& text) { return extract<int>(text); }
+int toInt(const std::string& text) { return Classic::extractInt(text); }
 
-double toDouble(const std::string& text) { return extract<double>(text); }
+double toDouble(const std::string& text) { return Classic::extractDouble(text); }
 
 std::string toString(int number) { return std::to_string(number); }
 
 std::string toString(double number) {
-    const int precision = std::min(fpPrecision, kMostFractionDigits);
-    const int length = std::snprintf(nullptr, 0, "%1.*f", precision, number);
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');  // one more for the zero that snprintf writes
-    std::snprintf(text.data(), text.size(), "%1.*f", precision, number);
-    text.pop_back();
-
-    // Not limited to digits behind the point: "100" becomes "1", and callers rely on it.
+    std::string text = Classic::fixedPoint(number, fpPrecision);
+    // Zeros go wherever they stand: with no digits after the point "100" becomes "1".
     while (text.size() >= 2 && text.back() == '0') text.pop_back();
     if (!text.empty() && text.back() == '.') text.pop_back();
     return text.empty() ? "0" : text;

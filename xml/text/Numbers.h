@@ -5,6 +5,8 @@
 
 namespace Xml {
 
+// Numbers are read and written as under the classic locale, whatever locale the program has set.
+
 // The number that `text` begins with, by the formatted extraction of a standard stream: leading white space is skipped,
 // what follows the number is ignored. Text without a leading number gives 0; a number out of range gives the largest or
 // smallest value of the type.

@@ -4,9 +4,9 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/text/internal/ClassicNumbers.h"
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 namespace Xml {
 
@@ -105,8 +105,8 @@ OrvSys::Uni16String textOf(double number) {
 double ConvertToNumber(const Value& value) {
     std::string buffer;
     switch (value.kind) {
-    case Value::Kind::Node: return std::atof(textOf(*value.node, buffer).c_str());
-    case Value::Kind::String: return std::atof(value.string->bytes.c_str());
+    case Value::Kind::Node: return Classic::atof(textOf(*value.node, buffer).c_str());
+    case Value::Kind::String: return Classic::atof(value.string->bytes.c_str());
     case Value::Kind::Number: return value.number;
     case Value::Kind::Boolean: return value.boolean ? 1.0 : 0.0;
     }
