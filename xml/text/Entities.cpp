@@ -1,12 +1,11 @@
 #include "xml/text/Entities.h"
 
 #include "xml/dtd/Dtd.h"
+#include "xml/text/internal/ClassicNumbers.h"
 #include "xml/text/internal/Expansion.h"
 #include "xml/text/internal/StdEntities.h"
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <sstream>
 #include <string_view>
 
 namespace Xml {
@@ -23,39 +22,13 @@ constexpr std::array<StdEntity, 5> oStdEntities = {
 
 bool isCharReference(const std::string& name) { return name.size() >= 2 && name[0] == '#'; }
 
-// The number behind "#" or "#x", by a stream's extraction: what a stream accepts (a sign, leading blanks, "0x" in front of a
-// hexadecimal number) is accepted, and text that is no number, or too large for one, gives 0.
-unsigned extractNumber(const std::string& digits, bool hexadecimal) {
-    unsigned number = 0;
-    std::istringstream stream(digits);
-    stream.exceptions(
-        std::ios_base::badbit);  // memory that runs out within an extraction would be no more than a state
-    stream >> (hexadecimal ? std::hex : std::dec) >> number;
-    return stream.fail() ? 0 : number;
-}
-
-// The usual case without a stream: a few decimal digits and nothing else.
-bool readShortNumber(const std::string& name, unsigned& number) {
-    constexpr std::size_t kMostDigits = 9;  // cannot overflow
-    if (name.size() > kMostDigits + 1) return false;
-    number = 0;
-    for (std::size_t i = 1; i < name.size(); ++i) {
-        if (name[i] < '0' || name[i] > '9') return false;
-        number = number * 10 + static_cast<unsigned>(name[i] - '0');
-    }
-    return true;
-}
-
 // The byte that a standard entity or a character reference stands for, 0 for none.
 char stdValue(const std::string& name) {
     if (isCharReference(name)) {
-        unsigned number = 0;
-        if (name[1] == 'x') {
-            number = extractNumber(name.substr(2), true);
-        } else if (!readShortNumber(name, number)) {
-            number = extractNumber(name.substr(1), false);
-        }
-        return static_cast<char>(static_cast<unsigned char>(number));
+        const std::string_view number = name;
+        const bool hexadecimal = name[1] == 'x';
+        const unsigned code = Classic::extractUnsigned(number.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
+        return static_cast<char>(static_cast<unsigned char>(code));
     }
     for (const auto& entity : oStdEntities) {
         if (entity.name == name) return entity.value;
