@@ -1,7 +1,7 @@
 #include "xml/stream/FileInStream.h"
 
 #include "xml/text/Message.h"
-#include "xml/text/internal/StreamState.h"
+#include "xml/text/internal/IoGuard.h"
 #include <fstream>
 #include <limits>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include "xml/text/Message.h"
 
+#include "xml/text/internal/IoGuard.h"
 #include "xml/text/internal/NeverDestroyed.h"
-#include "xml/text/internal/StreamState.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>

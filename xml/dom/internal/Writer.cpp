@@ -2,7 +2,7 @@
 
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/stream/internal/OutStreamAccess.h"
-#include "xml/text/internal/StdEntities.h"
+#include "xml/text/internal/Escape.h"
 #include <algorithm>
 #include <string>
 #include <string_view>

@@ -6,8 +6,8 @@
 #include <locale>
 #include <streambuf>
 
-// Operations of standard streams set the stream's state first and throw afterwards, where the stream's exceptions are switched
-// on: a failure of their own, or what their buffer threw. The state is all that is needed.
+// Calls of standard streams whose failures show in the stream's state and nowhere else. Where the exceptions of a stream are
+// switched on its operations set the state first and throw then: a failure of their own, or what their buffer threw.
 namespace Xml {
 
 template <class Operation>
@@ -19,7 +19,7 @@ void withoutExceptions(Operation operation) {
     } catch (...) {}
 }
 
-// For opening, where memory that runs out is no affair of the stream's exceptions and reaches the caller.
+// For opening a file: only the stream's own failures stay inside, memory that runs out reaches the caller.
 template <class Operation>
 void withoutFailures(Operation operation) {
     try {

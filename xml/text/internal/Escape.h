@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Bytes to references: the five characters that are never written as they stand.
+namespace Xml {
+
+// "&lt;" for '<', and so on; empty for all other bytes.
+constexpr std::string_view referenceFor(char c) {
+    switch (c) {
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    case '"': return "&quot;";
+    case '\'': return "&apos;";
+    default: return {};
+    }
+}
+
+// "lt" for '<', and so on; empty for all other bytes.
+constexpr std::string_view standardNameFor(char c) {
+    const std::string_view reference = referenceFor(c);
+    return reference.empty() ? reference : reference.substr(1, reference.size() - 2);
+}
+
+// Whether the text has a byte that is written as a reference.
+inline bool needsEscaping(std::string_view text) { return text.find_first_of("&<>\"'") != std::string_view::npos; }
+
+// Appends `text` with each of the five as its reference, and what stands between them in runs.
+void appendEscaped(std::string& result, std::string_view text);
+
+}  // namespace Xml
