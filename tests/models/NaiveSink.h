@@ -5,7 +5,7 @@
 
 namespace Xml::test {
 
-// A sink as it is told, a byte at a time, with the indentation in plain words. It shares nothing with the library.
+// A sink that takes a byte at a time, with the rule of indentation in plain words. It shares nothing with the library.
 class NaiveSink {
 public:
     virtual ~NaiveSink() = default;

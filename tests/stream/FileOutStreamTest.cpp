@@ -61,7 +61,7 @@ TEST_F(FileOutStreamTest, WritesTheSameBytesAsABareSink) {
     }
 }
 
-TEST_F(FileOutStreamTest, StandsBehindWhatWasWrittenAfterEachOperation) {
+TEST_F(FileOutStreamTest, StandsAfterWhatWasWrittenByEachOperation) {
     std::mt19937 random(23);
     for (int i = 0; i < 50; ++i) {
         std::ostringstream memory;

@@ -18,10 +18,10 @@ public:
 };
 
 // Writes random things in random ways: put and << of bytes and texts, writeDataHolder, levels up and down, runs that are
-// longer than any buffer now and then. The same generator state gives the same program. `behindEach` is called between
-// two operations.
+// longer than any buffer now and then. The same generator state gives the same program. `afterEach` is called after
+// each operation.
 inline void runOutProgram(std::mt19937& random, OutStream& out, int steps,
-                          const std::function<void()>& behindEach = {}) {
+                          const std::function<void()>& afterEach = {}) {
     const std::string kPieces[] = {"\n",   "\n\n",    "<a>",    "text", "\r\n", "", "\t", std::string(1, '\0'),
                                    "\xff", "a\nb\nc", "\n\t\n", " "};
     for (int i = 0; i < steps; ++i) {
@@ -37,7 +37,7 @@ inline void runOutProgram(std::mt19937& random, OutStream& out, int steps,
         case 5: out.incTab(); break;
         case 6: out.decTab(); break;
         }
-        if (behindEach) behindEach();
+        if (afterEach) afterEach();
     }
 }
 

@@ -54,7 +54,7 @@ TEST(OutStreamTest, IndentsTheFirstByteOfEachLineByTheLevelInForceThen) {
         {"two levels", "++a\nb\n", "\t\ta\n\t\tb\n"},
         {"empty lines have no tabs", "+a\n\n\nb", "\ta\n\n\n\tb"},
         {"line feed first", "+\na", "\n\ta"},
-        {"level changed behind the line feed", "+a\n+b\n--c", "\ta\n\t\tb\nc"},
+        {"level changed after the line feed", "+a\n+b\n--c", "\ta\n\t\tb\nc"},
         {"level changed inside a line", "a+b+c\nd", "abc\n\t\td"},
         {"carriage return is an ordinary byte", "+a\r\nb\rc", "\ta\r\n\tb\rc"},
         {"carriage return begins a line's bytes", "+\r\n", "\t\r\n"},
@@ -65,7 +65,7 @@ TEST(OutStreamTest, IndentsTheFirstByteOfEachLineByTheLevelInForceThen) {
         {"data as it stands", "++{x\ny}", "x\ny"},
         {"data does not begin the line", "++{x\ny}z", "x\ny\t\tz"},
         {"data does not end the line", "+a{\n\n}b\nc", "\ta\n\nb\n\tc"},
-        {"data behind a line feed", "+a\n{x}b", "\ta\nx\tb"},
+        {"data after a line feed", "+a\n{x}b", "\ta\nx\tb"},
         {"empty data", "+{}a", "\ta"},
     };
     for (const auto& c : kCases) {

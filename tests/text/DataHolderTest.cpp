@@ -67,7 +67,7 @@ TEST(DataHolderTest, HasTheValueSemanticsOfAString) {
     EXPECT_EQ(moved, "c");
 }
 
-TEST(DataHolderTest, HasOneEmptyInstanceForEverybody) {
+TEST(DataHolderTest, HasOneEmptyInstance) {
     EXPECT_TRUE(Xml::emptyData().empty());
     EXPECT_EQ(&Xml::emptyData(), &Xml::emptyData());
 }

@@ -104,7 +104,7 @@ TEST(DecodeTest, CountsWhatIsLookedUpAndStopsBeforeTheBound) {
     EXPECT_EQ(decoded("&a;&lt;&a;&q;").made, 10);
 }
 
-TEST(DecodeTest, TellsCharacterReferencesByTheirFirstByte) {
+TEST(DecodeTest, KnowsCharacterReferencesByTheirFirstByte) {
     for (const char* const name : {"#6", "#x", "#q", "##"}) EXPECT_TRUE(Xml::isCharReference(name)) << name;
     for (const char* const name : {"", "#", "6#", "lt"}) EXPECT_FALSE(Xml::isCharReference(name)) << name;
 }

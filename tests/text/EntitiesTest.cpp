@@ -250,7 +250,7 @@ TEST(EntitiesTest, DoesNotTouchTextsWithoutAnythingToReplace) {
     EXPECT_EQ(data, "text that is long enough to lie on the heap");
 }
 
-TEST(EntitiesTest, AsksTheDtdBehindTheStandardEntities) {
+TEST(EntitiesTest, AsksTheDtdAfterTheStandardEntities) {
     const MessageCollector messages;
     Dtd dtd("doc");
     dtd.setEntity("who", "you & I");

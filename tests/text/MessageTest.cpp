@@ -54,7 +54,7 @@ TEST(MessageTest, KeepsACopyOfTheLastTextUnderBothNames) {
     EXPECT_EQ(Message::lastMessage(), "");
 }
 
-TEST(MessageTest, HandsFormattedTextsOverBehindTheirLength) {
+TEST(MessageTest, HandsFormattedTextsOverAfterTheirLength) {
     MessageCollector messages;
     Message("%s!", "x");
     EXPECT_EQ(Message::lastMessage(), "%s!");

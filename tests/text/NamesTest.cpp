@@ -29,7 +29,7 @@ TEST(NamesTest, FormFeedAndVerticalTabAreNotWhite) {
     EXPECT_FALSE(Xml::isWhite('\v'));
 }
 
-TEST(NamesTest, TellsNamesFromOtherTexts) {
+TEST(NamesTest, AcceptsNamesAndNoOtherTexts) {
     const struct {
         const char* rule;
         std::string text;
@@ -39,7 +39,7 @@ TEST(NamesTest, TellsNamesFromOtherTexts) {
         {"underscore alone", "_", true},
         {"colon alone", ":", true},
         {"letter alone", "Z", true},
-        {"every mark behind a letter", "a-b.c:d_e", true},
+        {"every mark after a letter", "a-b.c:d_e", true},
         {"marks and digits to the end", "a-.:_0", true},
         {"digit first", "1a", false},
         {"dash first", "-a", false},
@@ -47,7 +47,7 @@ TEST(NamesTest, TellsNamesFromOtherTexts) {
         {"digit alone", "7", false},
         {"blank inside", "a b", false},
         {"blank before", " a", false},
-        {"blank behind", "a ", false},
+        {"blank after", "a ", false},
         {"byte above 127 first", "\xc3\xa9", false},
         {"byte above 127 inside", "caf\xc3\xa9s", false},
         {"byte above 127 last", "a\xff", false},
@@ -76,7 +76,7 @@ TEST(NamesTest, ReadsExactlyAsManyBytesAsTold) {
     // Without a zero byte at its end.
     const char bare[] = {'a', 'b'};
     EXPECT_TRUE(Xml::isName(bare, 2));
-    // Behind its last byte the text has a zero byte, which is one too many.
+    // After its last byte the text has a zero byte, which is one too many.
     EXPECT_FALSE(Xml::isName("ab", 3));
 }
 

@@ -43,7 +43,7 @@ void FileOutStream::putChar(char c) {
 
 namespace {
 
-std::int64_t tellOf(std::ostream& stream) {
+std::int64_t positionOf(std::ostream& stream) {
     std::streamoff position = -1;
     withoutExceptions([&] { position = stream.tellp(); });
     return position;
@@ -52,7 +52,7 @@ std::int64_t tellOf(std::ostream& stream) {
 }  // namespace
 
 int FileOutStream::getPosition() const {
-    const std::int64_t position = tellOf(*stream);
+    const std::int64_t position = positionOf(*stream);
     return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
 }
 
@@ -86,7 +86,7 @@ std::int64_t FileOutStream::countFrom() const {
     if (typeid(*this) != typeid(FileOutStream) || buffer == nullptr) return -1;
     const bool known =
         typeid(*buffer) == typeid(std::stringbuf) || (typeid(*buffer) == typeid(std::filebuf) && leavesBytes(*buffer));
-    return known ? tellOf(*stream) : -1;
+    return known ? positionOf(*stream) : -1;
 }
 
 }  // namespace Xml

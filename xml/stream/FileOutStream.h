@@ -20,7 +20,7 @@ public:
 
     void putChar(char c) override;
 
-    // -1 once the stream has failed, and behind 2^31 - 1.
+    // -1 once the stream has failed, and past 2^31 - 1.
     int getPosition() const override;
 
     // Does nothing on a stream that is not good.

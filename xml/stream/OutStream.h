@@ -52,11 +52,11 @@ protected:
     // takes its bytes by putChar, one at a time, as it does here. A sink gives the same answer for all bytes.
     virtual bool putChars(const char* bytes, std::size_t count);
 
-    // The position to count on from by the bytes written, instead of being asked for it at every node; -1 when it cannot be
-    // counted. Only a sink that knows all ways to it can say so, and a class derived from it no more.
+    // The position from which the bytes written may be counted, so that it need not be asked for at every node; -1 where
+    // counting would not do. Only the exact class of a sink can know all that moves it: a class derived from it gives -1.
     virtual std::int64_t countFrom() const;
 
-    // A counting sink tells what it wrote and where it was moved to, and says when its position cannot be known.
+    // By these a sink that counts keeps the count right: after bytes, after a move, and when its position is lost.
     void wrote(std::size_t count) {
         if (counting) counted += static_cast<std::int64_t>(count);
     }

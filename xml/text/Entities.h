@@ -9,7 +9,7 @@ namespace Xml {
 class Dtd;
 
 // Characters to references and back. Known are the five standard entities (amp, lt, gt, quot, apos), character
-// references such as #65 and #x41 (as one byte: the number modulo 256), and, behind them, the general entities of a Dtd
+// references such as #65 and #x41 (as one byte: the number modulo 256), and, after them, the general entities of a Dtd
 // where one is given. An entity name is the text between '&' and ';'.
 
 // Whether the name is known. Every name of two or more bytes that begins with '#' counts, whatever follows.

@@ -19,7 +19,7 @@ public:
     // Hands `text` to the handler up to its first zero byte; the last message keeps all of it.
     explicit Message(const std::string& text);
 
-    // Formats by the rules of printf, cut at 270 characters. The handler receives the text behind one leading byte that
+    // Formats by the rules of printf, cut at 270 characters. The handler receives the text after one leading byte that
     // holds its length modulo 256; the last message becomes the format itself, not the formatted text.
     explicit Message(const char* format, ...);
 

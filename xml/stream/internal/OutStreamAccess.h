@@ -8,9 +8,9 @@
 
 namespace Xml {
 
-// What nodes use of a stream beside its public operations.
+// What nodes use of a sink beside its public operations.
 struct OutStreamAccess {
-    // A position that no stream ever stands at: the record of a node behind 2^31 - 1 bytes, which must not be taken for
+    // A position that no stream ever stands at: the record of a node past 2^31 - 1 bytes, which must not be taken for
     // another one there.
     static constexpr int kUnrecordable = std::numeric_limits<int>::min();
 
@@ -51,7 +51,7 @@ struct OutStreamAccess {
         int exceptions;
     };
 
-    // Takes the count anew from the stream, behind code that may have moved it unseen.
+    // Takes the count anew from the stream, after code that may have moved it unseen.
     static void resume(OutStream& out) {
         out.counted = out.countFrom();
         out.counting = out.counted >= 0;
