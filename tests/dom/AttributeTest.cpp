@@ -78,7 +78,7 @@ TEST(AttributeTest, TheValueIsHeldAsGivenAndWrittenEscapedInDoubleQuotes) {
     }
 }
 
-TEST(AttributeTest, WritesWithTheIndentationOfTheStreamAlsoBehindALineFeedInTheValue) {
+TEST(AttributeTest, WritesWithTheIndentationOfTheStreamAlsoAfterALineFeedInTheValue) {
     std::ostringstream text;
     FileOutStream out(&text);
     out.incTab();

@@ -39,7 +39,7 @@ TEST(EditingModelTest, RandomProgramsWithWritesBetweenLeaveTheMarksOfTheNaiveMod
             top.real->toStream(out);
             top.model->toStream(sink);
             ASSERT_EQ(text.str(), naiveText.str()) << "seed " << seed << ", operation " << i;
-            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", written behind " << world.lastOperation();
+            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", written after " << world.lastOperation();
         }
     }
 }

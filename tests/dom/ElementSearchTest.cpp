@@ -13,7 +13,7 @@
 namespace Xml::test {
 namespace {
 
-// Each element carries a number of its own; results are told by it.
+// Each element carries a number of its own; results show it.
 std::string id(const Element* element) {
     return element == nullptr ? "none" : element->getAttributeValue("id").toString();
 }

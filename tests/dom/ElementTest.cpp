@@ -120,7 +120,7 @@ TEST(ElementTest, AnAttributeWhoseNameIsNoNameIsReportedOnceAndKept) {
     EXPECT_EQ(element.getAttributeCount(), 2);
     EXPECT_EQ(element.getAttributeValue(""), "empty");
 
-    // Looking, copying, writing and removing tell nothing more.
+    // Looking, copying, writing and removing report nothing more.
     const Element copy(element);
     EXPECT_EQ(textOf(copy), "<a 1a=\"w\"/>");
     element.removeAttribute("1a");
@@ -356,7 +356,7 @@ TEST(ElementTest, TheTextOfAnElementIsThatOfItsFirstTextDecoded) {
     EXPECT_EQ(root.findElementCharData("c"), "");
 }
 
-TEST(ElementTest, SetCharDataRemovesTextsSkippingTheNodeBehindEachAndAppendsTheText) {
+TEST(ElementTest, SetCharDataRemovesTextsSkippingTheNodeAfterEachAndAppendsTheText) {
     const struct {
         const char* children;  // t for a text, e for an element
         const char* tree;

@@ -50,7 +50,7 @@ TEST(ElementWriteTest, LaysOutElementsALineEachAndMixedContentAsItIs) {
              with(&a, {text("t"), element("b")});
          },
          "<a>t<b/></a>", "<a>t<b></b></a>"},
-        {"text behind an element",
+        {"text after an element",
          [](Element& a) {
              with(&a, {element("b"), text("t")});
          },
@@ -140,7 +140,7 @@ TEST(ElementWriteTest, StandsAtTheLevelOfTheStreamAndLeavesItAsItWas) {
     EXPECT_EQ(text.str(), "\t\t<r>\n\t\t\t<a>t</a>\n\t\t</r>\n\t\tx");
 }
 
-TEST(ElementWriteTest, WritesNoLineBehindItsOwnEnd) {
+TEST(ElementWriteTest, WritesNoLineAfterItsOwnEnd) {
     Element root("r");
     root.addChild(new Element("a"));
     std::ostringstream text;

@@ -33,7 +33,7 @@ namespace {
 //     c
 //
 // Everything in it links to the Dtd, the document itself included. What an operation does to links, parents, marks and
-// records is told by node: "label:" and what changed about it ("-", "D", "E", "C" the link, to nothing, to the document's
+// records is listed by node: "label:" and what changed about it ("-", "D", "E", "C" the link, to nothing, to the document's
 // Dtd, to another, to that of a copied document; "*" now marked; "." now clean; "^p" the parent; "@" where it was
 // written). "+label(...)" is a node that was not there, "~label" one that is gone.
 class Links {
@@ -347,7 +347,7 @@ TEST(LinksAndMarksTest, OperationsOnTextMarkAndUnlinkTheWayUp) {
     for (const auto& c : kCases) check(c);
 }
 
-TEST(LinksAndMarksTest, TouchSetDtdAndSetParentReachWhatTheyAreToldTo) {
+TEST(LinksAndMarksTest, TouchSetDtdAndSetParentReachTheirOwnNodes) {
     const LinkCase kCases[] = {
         {"touch of a text", [](Links& l) { l.two->touch(); }, "d:-* r:-* a:-* b:-* 'two':-*"},
         {"touch of an element", [](Links& l) { l.a->touch(); }, "d:-* r:-* a:-*"},
@@ -590,7 +590,7 @@ TEST(LinksAndMarksTest, ValidationLinksWhatItFindsValidAndMarksNothing) {
              l.d->addAttDecl("r", "x", IMPLIED);
          },
          false, "'one'"},
-        {"a missing attribute is noticed behind the content",
+        {"a missing attribute is noticed after the content",
          [](Links& l) {
              declare(*l.d, "b");
              l.d->addAttDecl("a", "y", IMPLIED);

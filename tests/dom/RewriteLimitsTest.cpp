@@ -19,7 +19,7 @@
 namespace Xml::test {
 namespace {
 
-// What stands in one open stream behind a write, a change and a second write from its start, up to where that ended.
+// What stands in one open stream after a write, a change and a second write from its start, up to where that ended.
 std::string rewritten(Element& root, const std::function<void(const std::function<void()>& write)>& change) {
     const RewriteSetting rewriting(true);
     std::stringstream stream;

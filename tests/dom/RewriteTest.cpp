@@ -124,7 +124,7 @@ TEST(RewriteTest, TheChangedPathIsWrittenAgainAndUnchangedSubtreesAreSkippedWher
          4 + 11 + 1 + 1 + 1 + 4,
          {21, 45},
          "<r>\n\t<a>ONE</a>\n\t<b/>\n\t<c>\n\t\t<d>two</d>\n\t</c>\n</r>"},
-        {"a longer text moves what is behind it",
+        {"a longer text moves what is after it",
          [](Element& root) { root.setElementCharData("a", "longer"); },
          kSampleLength + 3,
          {},
@@ -163,7 +163,7 @@ TEST(RewriteTest, TheChangedPathIsWrittenAgainAndUnchangedSubtreesAreSkippedWher
     }
 }
 
-TEST(RewriteTest, ValuesChangedBehindTheMarksAreNotNoticed) {
+TEST(RewriteTest, ValuesChangedWithoutMarksAreNotNoticed) {
     RewriteSetting rewrite(true);
     Element root("r");
     root.setAttribute("x", "1");
@@ -369,15 +369,15 @@ TEST(RewriteTest, PositionsAreTheSinksOwnWhateverHappensToItWhileTheTreeIsWritte
     struct Case {
         const char* name;
         std::function<void(OutStream&)> meddle;
-        const char* records;  // of the meddler, of the element behind it, of the root
+        const char* records;  // of the meddler, of the element after it, of the root
     } const kCases[] = {
         {"nothing", [](OutStream&) {}, "4-4 5-10 0-15"},
         {"writes by the sink", [](OutStream& out) { out << std::string("12345"); }, "4-10 11-16 0-21"},
         {"writes raw bytes", [](OutStream& out) { out.putChar('1'); }, "4-5 6-11 0-16"},
         {"writes raw data", [](OutStream& out) { out.writeDataHolder("1\n2"); }, "4-7 8-13 0-18"},
         {"moves the sink", [](OutStream& out) { out.setPosition(1); }, "4-1 2-7 0-12"},
-        {"writes behind the sink's back", [&stream](OutStream&) { stream << "123"; }, "4-7 8-13 0-18"},
-        {"moves behind the sink's back", [&stream](OutStream&) { stream.seekp(0); }, "4-0 1-6 0-11"},
+        {"writes past the sink", [&stream](OutStream&) { stream << "123"; }, "4-7 8-13 0-18"},
+        {"moves past the sink", [&stream](OutStream&) { stream.seekp(0); }, "4-0 1-6 0-11"},
         {"makes the stream fail", [&stream](OutStream&) { stream.setstate(std::ios::failbit); }, "4--1 -1--1 0--1"},
         {"makes the stream fail and recover",
          [&stream](OutStream& out) {
@@ -623,7 +623,7 @@ void compareWithNaiveWriter(const SinkCase& sink) {
             node.toStream(pair->real());
             model->toStream(pair->naive());
             ASSERT_EQ(pair->real().getPosition(), pair->naive().getPosition()) << "seed " << seed << ", write " << i;
-            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", behind write " << i;
+            ASSERT_EQ(world.difference(), "") << "seed " << seed << ", after write " << i;
         }
         ASSERT_EQ(pair->realBytes(), pair->naiveBytes()) << "seed " << seed;
     }

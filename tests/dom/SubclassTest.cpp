@@ -8,10 +8,12 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
+#include "xml/stream/FileOutStream.h"
 #include "xml/stream/OutStream.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -125,7 +127,7 @@ private:
     std::string text;
 };
 
-// A leaf that answers every type query as told to it.
+// A leaf that answers the type queries as it was made to.
 class Chameleon : public Object {
 public:
     explicit Chameleon(bool asText) : text(asText ? "text" : "none"), charData(asText) {}
@@ -143,7 +145,7 @@ private:
 
 class SubclassTest : public testing::Test {
 public:
-    // root(plain(own('t' inner(comment)))) as plain elements around one of the caller's, comment a leaf of his.
+    // root(plain(own('t' inner(comment)))) as plain elements around one of the caller's, comment a leaf of the caller's.
     void SetUp() override {
         calls.clear();
         root = std::make_unique<Element>("root");
@@ -272,7 +274,7 @@ TEST_F(SubclassTest, EveryOperationThatLinksCallsTheOverride) {
         {"insertChild",
          [](SubclassTest& t, Element& e) { e.insertChild(nullptr, t.own); },
          {"link own", "link 't'", "link c"}},
-        {"touch links nobody", [](SubclassTest& t, Element&) { t.comment->touch(); }, {}},
+        {"touch links nothing", [](SubclassTest& t, Element&) { t.comment->touch(); }, {}},
         {"Document",
          [](SubclassTest& t, Element& e) {
              e.extractChild(0);
@@ -411,6 +413,33 @@ TEST_F(SubclassTest, ARootOfTheCallersClassIsWrittenAndCopiedAsItIs) {
     const Document copy(document);
     EXPECT_NE(dynamic_cast<const OwnElement*>(copy.getRoot()), nullptr);
     EXPECT_EQ(takeCalls(), (Calls{"write r", "clone r", "link r"}));
+}
+
+// The root is linked while the base of the document is made.
+TEST_F(SubclassTest, ADocumentThatItsRootWritesWhileItIsMadeIsWrittenAsItIsLater) {
+    class Writing : public Element {
+    public:
+        Writing() : Element("r") {}
+        void setDtd(const Dtd* link) override {
+            Element::setDtd(link);
+            BareOutStream out;
+            if (const Object* const document = getParent()) document->toStream(out);
+        }
+    };
+    class OwnDocument : public Document {
+    public:
+        explicit OwnDocument(std::ostream& itsTarget) : Document(new Writing, nullptr), target(itsTarget) {}
+        void write(OutStream&) const override { target << "past the sink"; }
+
+    private:
+        std::ostream& target;
+    };
+    std::ostringstream stream;
+    const OwnDocument document(stream);
+    FileOutStream out(&stream);
+    document.toStream(out);
+    EXPECT_EQ(stream.str(), "past the sink");
+    EXPECT_EQ(NodeTestAccess::writeEnd(document), 13);
 }
 
 TEST_F(SubclassTest, DeepChainsOfPlainAndOwnElementsAreCopiedWrittenAndDestroyed) {

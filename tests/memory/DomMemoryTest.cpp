@@ -186,9 +186,18 @@ TEST(DomMemoryTest, WhatCannotBeTakenOutStays) {
             const auto document = garden();
             EXPECT_TRUE(document->validate());
             const std::string before = textOf(*document);
+            const Element* const root = document->getRoot();
+            const Dtd* const itsDtd = document->getDtd();
+            const Object* const child = root->getChild(0);
             std::unique_ptr<Object> taken;
             if (!attempt([&] { taken.reset(c.take(*document)); })) {
                 EXPECT_EQ(textOf(*document), before);
+                EXPECT_EQ(document->getRoot(), root);
+                EXPECT_EQ(document->getDtd(), itsDtd);
+                EXPECT_EQ(root->getChild(0), child);
+                EXPECT_EQ(root->getParent(), document.get());
+                EXPECT_EQ(itsDtd->getParent(), document.get());
+                EXPECT_EQ(child->getParent(), root);
                 EXPECT_TRUE(document->validate());
                 expectUsable(*document);
                 taken.reset(c.take(*document));
@@ -276,9 +285,9 @@ TEST(DomMemoryTest, NoCopyTextOrSearchIsWrongForLackOfMemory) {
         forEachFailingAllocation([&](Attempt& attempt) {
             const auto document = garden();
             EXPECT_TRUE(document->validate());
-            std::string told;
-            if (attempt([&] { told = c.ask(*document); })) {
-                EXPECT_EQ(told, c.expected);
+            std::string outcome;
+            if (attempt([&] { outcome = c.ask(*document); })) {
+                EXPECT_EQ(outcome, c.expected);
             }
             EXPECT_EQ(dump(document.get()), tree);
             expectUsable(*document);
@@ -316,8 +325,8 @@ TEST(DomMemoryTest, AnElementThatCouldNotBeWrittenIsIndentedAsBeforeTheNextTime)
     });
 }
 
-// With the RW optimisation nodes that stand where they were written are passed over: a write that failed must not make them
-// believe so.
+// With the RW optimisation nodes that stand where they were written are passed over: a write that failed must not make
+// nodes look as if they did.
 TEST(DomMemoryTest, RewritingAfterAFailedWriteEqualsAFreshWrite) {
     using Edit = std::function<void(Element&)>;
     struct Case {

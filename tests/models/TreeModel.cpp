@@ -313,7 +313,7 @@ void ModelNode::write(NaiveSink& out) {
 
 std::string ModelNode::difference(const Object& node) {
     const std::string label = isText() ? "'" + data + "'" : isElement() ? "<" + startTag() + ">" : "document";
-    auto told = [&label](const std::string& what, auto model, auto library) {
+    auto differs = [&label](const std::string& what, auto model, auto library) {
         std::ostringstream text;
         text << label << ": " << what << " should be " << model << ", is " << library;
         return text.str();
@@ -324,21 +324,21 @@ std::string ModelNode::difference(const Object& node) {
         node.isDocument() != (kind == Kind::Document) || node.isDtd() || node.isAttribute()) {
         return label + ": another kind of node";
     }
-    if (NodeTestAccess::dtd(node) != link) return told("link", link, NodeTestAccess::dtd(node));
-    if (NodeTestAccess::dirty(node) != dirty) return told("mark", dirty, NodeTestAccess::dirty(node));
-    if (NodeTestAccess::writeStart(node) != start) return told("start", start, NodeTestAccess::writeStart(node));
-    if (NodeTestAccess::writeEnd(node) != end) return told("end", end, NodeTestAccess::writeEnd(node));
+    if (NodeTestAccess::dtd(node) != link) return differs("link", link, NodeTestAccess::dtd(node));
+    if (NodeTestAccess::dirty(node) != dirty) return differs("mark", dirty, NodeTestAccess::dirty(node));
+    if (NodeTestAccess::writeStart(node) != start) return differs("start", start, NodeTestAccess::writeStart(node));
+    if (NodeTestAccess::writeEnd(node) != end) return differs("end", end, NodeTestAccess::writeEnd(node));
     const Object* parentNode = parent != nullptr ? parent->real : nullptr;
-    if (node.getParent() != parentNode) return told("parent", parentNode, node.getParent());
+    if (node.getParent() != parentNode) return differs("parent", parentNode, node.getParent());
 
     if (isText()) {
         const std::string& held = node.toCharData()->data();
-        return held == data ? "" : told("text", data, held);
+        return held == data ? "" : differs("text", data, held);
     }
     if (kind == Kind::Document) {
         const Document& document = *node.toDocument();
         const Dtd* owned = document.getDtd();
-        if (owned != dtd.real) return told("Dtd", dtd.real, owned);
+        if (owned != dtd.real) return differs("Dtd", dtd.real, owned);
         if (owned != nullptr) {
             if (NodeTestAccess::dtd(*owned) != dtd.link || owned->getParent() != real)
                 return label + ": links of the Dtd";
@@ -352,11 +352,11 @@ std::string ModelNode::difference(const Object& node) {
     }
 
     const Element& element = *node.toElement();
-    if (element.getName() != name) return told("name", name, element.getName());
-    if (element.toString() != startTag()) return told("text", startTag(), element.toString());
+    if (element.getName() != name) return differs("name", name, element.getName());
+    if (element.toString() != startTag()) return differs("text", startTag(), element.toString());
     if (const std::string text = differenceOfAttributes(element); !text.empty()) return label + text;
     const int count = element.getChildCount();
-    if (count != static_cast<int>(children.size())) return told("child count", children.size(), count);
+    if (count != static_cast<int>(children.size())) return differs("child count", children.size(), count);
     for (int i = 0; i < count; ++i) {
         const std::string text = children[static_cast<std::size_t>(i)]->difference(*element.getChild(i));
         if (!text.empty()) return text;

@@ -20,7 +20,7 @@ struct DtdFacts {
 };
 using FactsByDtd = std::map<const Dtd*, DtdFacts>;
 
-// A node tree as it is told, without any thought for cost: maps, recursion, everything walked anew. Each node knows the
+// A node tree by the rules, without any thought for cost: maps, recursion, everything walked anew. Each node knows the
 // library's node that it stands for, so that identities are compared and not only contents.
 //
 // Operations carry the names of the library's. Diagnostics that the library should issue are appended to `messages`.
@@ -82,7 +82,7 @@ public:
     std::string charData(const FactsByDtd& facts) const;
     std::string startTag() const;
 
-    // Writes as told: the position is asked for at every node.
+    // The position is asked for at every node.
     void toStream(NaiveSink& out);
 
     // What differs between this tree and the library's, "" when nothing does. Nodes and attributes that are new to the

@@ -3,6 +3,7 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/Object.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/ContentSpec.h"
 #include "xml/dtd/CpSpec.h"
@@ -15,14 +16,13 @@ namespace Xml {
 
 // Reads the links, marks and positions of nodes, and the links and parts of content models, that no operation shows.
 struct NodeTestAccess {
-    static const Dtd* dtd(const Object& node) { return node.dtd; }
-    static bool dirty(const Object& node) { return node.dirty; }
-    static int writeStart(const Object& node) { return node.writeStart; }
-    static int writeEnd(const Object& node) { return node.writeEnd; }
-    static const Object* parent(const Object& node) { return node.parent; }
+    static const Dtd* dtd(const Object& node) { return NodeAccess::dtd(node); }
+    static bool dirty(const Object& node) { return NodeAccess::marks(node).isDirty(); }
+    static int writeStart(const Object& node) { return NodeAccess::marks(node).writeStart(); }
+    static int writeEnd(const Object& node) { return NodeAccess::marks(node).writeEnd(); }
 
     // Sets the mark, for tests of what clears or sets it.
-    static void setDirty(const Object& node, bool dirty) { node.dirty = dirty; }
+    static void setDirty(const Object& node, bool dirty) { NodeAccess::marks(node).setDirty(dirty); }
 
     // The Dtd that a model or a particle points back to, and what it is made of.
     static const Dtd* owner(const ContentSpec& model) { return model.dtd; }

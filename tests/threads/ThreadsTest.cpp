@@ -72,6 +72,32 @@ TEST(ThreadsTest, DocumentsReadSeparatelyAreUsedInThreadsOfTheirOwn) {
     EXPECT_EQ(failures, std::vector<int>(kThreads));
 }
 
+// What class a node is exactly of is found out when it is first asked for, here by all at once.
+TEST(ThreadsTest, ATreeThatACallerBuiltIsCopiedForTheFirstTimeByAll) {
+    class Own : public Element {
+    public:
+        Own() : Element("own") {}
+        Own(const Own&) = default;
+        Object* clone() const override { return new Own(*this); }
+    };
+    for (int round = 0; round < kRounds; ++round) {
+        Element top("top");
+        for (int i = 0; i < 10; ++i) {
+            top.addElement("a", "text");
+            top.addChild(new Own);
+        }
+        std::vector<int> failures(kThreads);
+        inThreads([&](int number) {
+            const Element copy(top);
+            int& failed = failures[static_cast<std::size_t>(number)];
+            for (int i = 0; i < copy.getChildCount(); ++i)
+                failed += (dynamic_cast<const Own*>(copy.getChild(i)) != nullptr) != (i % 2 == 1);
+            failed += dump(&copy) != dump(&top);
+        });
+        EXPECT_EQ(failures, std::vector<int>(kThreads));
+    }
+}
+
 TEST(ThreadsTest, OneTreeIsLookedAtAndAskedAndCopiedByAll) {
     const Outcome outcome = readDocument(kText);
     ASSERT_TRUE(outcome.ok);

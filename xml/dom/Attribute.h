@@ -36,7 +36,6 @@ public:
 
 private:
     friend struct NodeAccess;
-    friend struct NodeTestAccess;
 
     std::string name;
     DataHolder value;

@@ -45,7 +45,7 @@ DataHolder& CharData::data() { return data_; }
 
 const DataHolder& CharData::data() const { return data_; }
 
-Object* CharData::clone() const { return new CharData(*this); }
+Object* CharData::clone() const { return NodeAccess::exactly(NodeClass::CharData, new CharData(*this)).release(); }
 
 const std::string& CharData::toString() const { return getData().toString(); }
 

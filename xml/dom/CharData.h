@@ -45,9 +45,6 @@ public:
     void write(OutStream& out) const override;
 
 private:
-    friend struct NodeAccess;
-    friend struct NodeTestAccess;
-
     DataHolder data_;
     mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for
 };

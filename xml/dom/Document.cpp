@@ -1,51 +1,49 @@
 #include "xml/dom/Document.h"
 
 #include "xml/dom/Element.h"
-#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/Linking.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
-#include <utility>
 
 namespace Xml {
 
 const char* const _xmlHeader = "<?xml version = \"1.0\" ?>";
 
-Document::Document(Element* itsRoot, Dtd* itsDtd) : dtd(itsDtd), root(itsRoot) {
-    if (root != nullptr) {
-        NodeAccess::linkNew(*root, dtd);
-        root->setParent(this);
+Document::Document(Element* itsRoot, Dtd* itsDtd) {
+    if (itsRoot != nullptr) {
+        linkNew(*itsRoot, itsDtd);
+        itsRoot->setParent(this);
     }
-    if (dtd != nullptr) dtd->setParent(this);
+    if (itsDtd != nullptr) itsDtd->setParent(this);
+    root.reset(itsRoot);
+    dtd.reset(itsDtd);
 }
 
 // The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first.
 Document::Document(const Document& other) : Document(nullptr, nullptr) {
     if (other.dtd != nullptr) {
-        dtd = other.dtd->clone()->toDtd();
+        dtd.reset(other.dtd->clone()->toDtd());
         dtd->setParent(this);
     }
     if (other.root != nullptr) {
-        root = other.root->clone()->toElement();
+        root.reset(other.root->clone()->toElement());
         root->setParent(this);
-        root->setDtd(dtd);
+        root->setDtd(dtd.get());
     }
 }
 
-Document::~Document() {
-    delete root;
-    delete dtd;
-}
+Document::~Document() = default;
 
-Element* Document::getRoot() { return root; }
-const Element* Document::getRoot() const { return root; }
-Dtd* Document::getDtd() { return dtd; }
-const Dtd* Document::getDtd() const { return dtd; }
+Element* Document::getRoot() { return root.get(); }
+const Element* Document::getRoot() const { return root.get(); }
+Dtd* Document::getDtd() { return dtd.get(); }
+const Dtd* Document::getDtd() const { return dtd.get(); }
 
 Element* Document::extractRoot() {
     if (root == nullptr) return nullptr;
     root->setDtd(nullptr);  // first: it may need memory, and a root taken out would be lost then
     root->setParent(nullptr);
-    return std::exchange(root, nullptr);
+    return root.release();
 }
 
 Dtd* Document::extractDtd() {
@@ -54,20 +52,20 @@ Dtd* Document::extractDtd() {
     setDtd(nullptr);
     dtd->setDtd(nullptr);
     dtd->setParent(nullptr);
-    return std::exchange(dtd, nullptr);
+    return dtd.release();
 }
 
 bool Document::validate() {
     if (dtd == nullptr) return true;
-    if (root == nullptr || !dtd->validate(root)) return false;
-    setDtd(dtd);
+    if (root == nullptr || !dtd->validate(root.get())) return false;
+    setDtd(dtd.get());
     return true;
 }
 
 const Element* Document::find(const std::string& name, int n) const {
     if (root == nullptr) return nullptr;
-    if (root->getName() != name) return static_cast<const Element*>(root)->findElement(name, n);
-    return n < 1 ? root : static_cast<const Element*>(root)->findElement(name, n - 1);
+    if (root->getName() != name) return static_cast<const Element&>(*root).findElement(name, n);
+    return n < 1 ? root.get() : static_cast<const Element&>(*root).findElement(name, n - 1);
 }
 
 Element* Document::find(const std::string& name, int n) {
@@ -77,7 +75,7 @@ Element* Document::find(const std::string& name, int n) {
 std::vector<Element*> Document::findAll(const std::string& name) {
     std::vector<Element*> found;
     if (root == nullptr) return found;
-    if (root->getName() == name) found.push_back(root);
+    if (root->getName() == name) found.push_back(root.get());
     root->findAllElements(name, found);
     return found;
 }
@@ -85,8 +83,8 @@ std::vector<Element*> Document::findAll(const std::string& name) {
 std::vector<const Element*> Document::findAll(const std::string& name) const {
     std::vector<const Element*> found;
     if (root == nullptr) return found;
-    if (root->getName() == name) found.push_back(root);
-    static_cast<const Element*>(root)->findAllElements(name, found);
+    if (root->getName() == name) found.push_back(root.get());
+    static_cast<const Element&>(*root).findAllElements(name, found);
     return found;
 }
 

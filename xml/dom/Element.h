@@ -1,6 +1,8 @@
 #pragma once
 
 #include "xml/Export.h"
+#include "xml/dom/Attributes.h"
+#include "xml/dom/Children.h"
 #include "xml/dom/Object.h"
 #include "xml/text/DataHolder.h"
 #include <cstddef>
@@ -58,15 +60,15 @@ public:
     Object* getChild(int i);
     const Object* getChild(int i) const;
 
-    // Appends a node and takes ownership. It must not be null nor belong to anybody.
+    // Appends a node and takes ownership. It must not be null and must have no owner.
     void addChild(Object* child);
 
     // Inserts in front of `before`, or at the end when that is no child of this element; otherwise as addChild.
     void insertChild(const Object* before, Object* child);
     bool isChild(const Object* node) const;
 
-    // Takes a child out: it has no parent and no link to a Dtd any more, and the caller owns it. Null when there is no
-    // such child.
+    // Takes a child out: it has no parent and no link to a Dtd any more, and the caller owns it. Null when there is no such
+    // child.
     Object* extractChild(int i);
     Object* extractChild(Object* child);
 
@@ -137,8 +139,8 @@ public:
     const DataHolder& getElementCharData(const std::string& name) const;
     const DataHolder& findElementCharData(const std::string& name) const;
 
-    // Removes children that are character data and appends the text. The scan skips the node behind one that it removed:
-    // of two in a row the second stays.
+    // Removes children that are character data and appends the text. The scan skips the node after one that it removed: of two
+    // in a row the second stays.
     void setCharData(const DataHolder& text);
 
     // The same on the first child element of that name, on the first element of that name below; nothing without one.
@@ -149,18 +151,15 @@ public:
 
 private:
     friend struct NodeAccess;
-    friend struct NodeTestAccess;
 
-    Element();
+    ORVXML_LOCAL Element();
 
-    std::size_t placeOf(const std::string& attribute) const;
-    std::size_t placeOfChild(const Object* child) const;
-    void insertAt(std::size_t place, Object* child);
-    void adopt(std::unique_ptr<Object> child);
-    void copyOwn(const Element& other);
+    ORVXML_LOCAL void insertAt(std::size_t place, Object* child);
+    ORVXML_LOCAL void adopt(std::unique_ptr<Object> child);
+    ORVXML_LOCAL void copyOwn(const Element& other);
 
-    std::vector<Object*> children;
-    std::vector<Attribute*> attributes;  // in the byte order of their names; each stays where it is in memory
+    Children children;
+    Attributes attributes;
     std::string name;
     mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
 

@@ -15,19 +15,19 @@ template <class Node>
 class SpanOf {
 public:
     SpanOf() = default;
-    SpanOf(Node* const* itsBegin, Node* const* itsEnd) : first(itsBegin), last(itsEnd) {}
+    SpanOf(Node* const* itsBegin, Node* const* itsEnd) : from(itsBegin), to(itsEnd) {}
 
-    Node* const* begin() const { return first; }
-    Node* const* end() const { return last; }
-    std::size_t size() const { return static_cast<std::size_t>(last - first); }
-    bool empty() const { return first == last; }
+    Node* const* begin() const { return from; }
+    Node* const* end() const { return to; }
+    std::size_t size() const { return static_cast<std::size_t>(to - from); }
+    bool empty() const { return from == to; }
 
     // A place below size().
-    Node* operator[](std::size_t i) const { return first[i]; }
+    Node* operator[](std::size_t i) const { return from[i]; }
 
 private:
-    Node* const* first = nullptr;
-    Node* const* last = nullptr;
+    Node* const* from = nullptr;
+    Node* const* to = nullptr;
 };
 
 using NodeSpan = SpanOf<Object>;

@@ -5,9 +5,11 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/Rewriting.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/Message.h"
+#include <typeinfo>
 
 namespace Xml {
 
@@ -21,12 +23,24 @@ Target* castTo(Node* node, bool is, const char* failure) {
     return nullptr;
 }
 
-// Whether all that the node's write does to the sink goes through the stream. Code of others may reach the sink in its own way;
-// the models in a Dtd may be theirs.
+// Whether all that the node's write does to the sink goes through the stream. Code of callers may reach the sink in its own way;
+// the models in a Dtd may be theirs. A document is looked at each time: it links its root while it is made, whose setDtd may
+// write it before it is whole.
 bool writesBytesOnly(const Object& node) {
-    return isExactly<Element>(node) || isExactly<CharData>(node) || isExactly<Attribute>(node) ||
-           isExactly<Document>(node);
+    return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
+
+// The marks with what is to come: a number for an attribute's place in its tag, and whether the document type supplied the node.
+struct MarksToCome {
+    ExactClass exactClass;
+    bool dirty;
+    bool supplied;
+    std::int32_t place;
+    std::int32_t start;
+    std::int32_t end;
+    const Dtd* link;
+};
+static_assert(sizeof(Marks) == sizeof(MarksToCome), "a node has no room left for what is to come");
 
 }  // namespace
 
@@ -34,11 +48,11 @@ bool Object::useRWOptimization = false;
 
 Object::Object() = default;
 
-Object::Object(const Object& other) : dtd(other.dtd) {}
+Object::Object(const Object& other) : marks(other.marks) {}
 
 Object::~Object() = default;
 
-void Object::setDtd(const Dtd* newDtd) { dtd = newDtd; }
+void Object::setDtd(const Dtd* newDtd) { marks.setDtd(newDtd); }
 
 bool Object::isElement() const { return false; }
 bool Object::isAttribute() const { return false; }
@@ -76,26 +90,16 @@ Object* Object::getParent() { return parent; }
 const Object* Object::getParent() const { return parent; }
 
 void Object::touch() {
-    for (Object* node = this; node != nullptr; node = node->parent) {
-        node->dirty = true;
-        node->dtd = nullptr;
-    }
+    for (Object* node = this; node != nullptr; node = node->parent) node->marks.touch();
 }
 
 void Object::toStream(OutStream& out) const {
     const OutStreamAccess::Counting counting(out);
     const OutStreamAccess::Writing writing(out);
-    const int position = OutStreamAccess::position(out);
-    if (useRWOptimization && !dirty && OutStreamAccess::standsAt(out, position, writeStart, writeEnd)) {
-        out.setPosition(writeEnd);
-        return;
-    }
-    writeStart = position;
-    writeEnd = OutStreamAccess::kUnrecordable;  // not known before it is written, and never if it cannot be
+    if (!beginWriting(marks, out)) return;
     write(out);
     if (!writesBytesOnly(*this)) OutStreamAccess::resume(out);
-    writeEnd = OutStreamAccess::position(out);
-    dirty = false;
+    endWriting(marks, out);
 }
 
 bool Object::setRWOptimization(bool use) {

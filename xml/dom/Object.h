@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/Export.h"
+#include "xml/dom/Marks.h"
 #include <string>
 
 namespace Xml {
@@ -79,12 +80,8 @@ public:
 
 private:
     friend struct NodeAccess;
-    friend struct NodeTestAccess;
 
-    const Dtd* dtd = nullptr;
-    mutable bool dirty = true;
-    mutable int writeStart = -1;
-    mutable int writeEnd = -1;
+    Marks marks;
     Object* parent = nullptr;
 };
 

@@ -1,15 +1,16 @@
 #include "xml/dom/internal/Writer.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/Preorder.h"
+#include "xml/dom/internal/Rewriting.h"
 #include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/internal/Escape.h"
 #include <algorithm>
 #include <string>
 #include <string_view>
-#include <vector>
 
-// Writes elements with a stack of its own: what is told as "each child writes itself through toStream" is done here for the
-// library's own classes, in a loop, with the same records and marks. Any other class gets its operations called.
+// An element is written by writing its start tag, each child through toStream, and its end tag. For children that are exactly
+// of the library's classes that is done here in a loop, with the same records and marks. Any other gets its toStream called.
 
 namespace Xml {
 
@@ -21,15 +22,13 @@ public:
 
     void run(const Element& top) {
         if (begin(top)) {
-            open.push_back({&top, 0, isMixed(top), false});
-            while (!open.empty()) step();
+            walk.enter(top, {isMixed(top), false});
+            while (!walk.atEnd()) step();
         }
     }
 
 private:
-    struct Open {
-        const Element* element;
-        std::size_t child;
+    struct Layout {
         bool mixed;
         bool recorded;  // as toStream does it; the outermost element's own toStream does that for it
     };
@@ -77,44 +76,37 @@ private:
 
     // One more child of the innermost open element, or its end.
     void step() {
-        Open& here = open.back();
-        const Element& element = *here.element;
-        const NodeSpan children = NodeAccess::children(element);
-        if (!here.mixed) put("\n");
-        if (here.child < children.size()) {
-            writeChild(*children[here.child++]);
+        const Layout layout = walk.note();
+        if (!layout.mixed) put("\n");
+        if (const Object* const child = walk.next()) {
+            writeChild(*child);
             return;
         }
-        const bool recorded = here.recorded;
-        open.pop_back();
+        const Element& element = walk.here();
+        walk.leave();
         end(element);
-        if (recorded) NodeAccess::endWriting(element, OutStreamAccess::position(out));
+        if (layout.recorded) endWriting(NodeAccess::marks(element), out);
     }
 
     void writeChild(const Object& child) {
-        const bool isElement = isExactly<Element>(child);
-        if (!isElement && !isExactly<CharData>(child)) {
+        const NodeClass exactly = exactClassOf(child);
+        if (exactly != NodeClass::Element && exactly != NodeClass::CharData) {
             child.toStream(out);
             return;
         }
-        const int position = OutStreamAccess::position(out);
-        if (Object::useRWOptimization && !NodeAccess::dirty(child) &&
-            OutStreamAccess::standsAt(out, position, NodeAccess::writeStart(child), NodeAccess::writeEnd(child))) {
-            out.setPosition(NodeAccess::writeEnd(child));
-            return;
-        }
-        NodeAccess::beginWriting(child, position);
-        if (!isElement) {
+        const Marks& marks = NodeAccess::marks(child);
+        if (!beginWriting(marks, out)) return;
+        if (exactly == NodeClass::CharData) {
             out.writeDataHolder(static_cast<const CharData&>(child).data());
         } else if (const auto& element = static_cast<const Element&>(child); begin(element)) {
-            open.push_back({&element, 0, isMixed(element), true});
+            walk.enter(element, {isMixed(element), true});
             return;
         }
-        NodeAccess::endWriting(child, OutStreamAccess::position(out));
+        endWriting(marks, out);
     }
 
     OutStream& out;
-    std::vector<Open> open;
+    Preorder<const Element, Layout> walk;
     std::string scratch;
 };
 

@@ -1,5 +1,6 @@
 #include "xml/dtd/internal/Matcher.h"
 
+#include "xml/dom/internal/Linking.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/CharSpec.h"
@@ -211,7 +212,7 @@ void Matcher::link(Object& node, const Dtd* dtd) {
 void Matcher::linkSubtree(Element& top, const Dtd* dtd) {
     const std::uint64_t run = runOf(*dtd);
     const bool linksStay = !foreign;
-    NodeAccess::setDtdBelow(top, dtd, [dtd, run, linksStay](Element& element) {
+    linkBelow(top, dtd, [dtd, run, linksStay](Element& element) {
         std::uint64_t& verdict = NodeAccess::verdict(element);
         const bool mine = verdict >> kRunShift == run;
         if (mine && linksStay && (verdict & kLinked) != 0) return false;

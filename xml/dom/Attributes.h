@@ -1,0 +1,61 @@
+#pragma once
+
+#include "xml/dom/NodeSpan.h"
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Xml {
+
+class Attribute;
+
+// The attributes of one element, in the byte order of their names. It owns them, and they never move in memory: only the
+// pointers to them do. It sets neither links nor parents: that is the element's affair.
+//
+// A reader appends them as they come and sorts once, at the end of the tag.
+//
+// Not for callers.
+class Attributes {
+public:
+    Attributes() = default;
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    ~Attributes();
+
+    // Good until the next change.
+    AttributeSpan span() const { return {sorted.data(), sorted.data() + sorted.size()}; }
+
+    std::size_t size() const { return sorted.size(); }
+    bool empty() const { return sorted.empty(); }
+
+    // A place below size().
+    Attribute* operator[](std::size_t place) const { return sorted[place]; }
+
+    // The attribute of that name; null without one. O(log n).
+    Attribute* find(const std::string& name) const;
+
+    // Puts the attribute where its name belongs; one of that name is deleted. Where memory runs out nothing has changed, but
+    // that the attribute is deleted.
+    void set(std::unique_ptr<Attribute> attribute);
+
+    // Whether there was one of that name.
+    bool remove(const std::string& name);
+    void remove(std::size_t place);
+
+    // --- In any order at first: sort() has to follow before anything else is asked ---
+
+    void reserve(std::size_t count) { sorted.reserve(count); }
+    void append(std::unique_ptr<Attribute> attribute);
+
+    // Of several with one name the last one stays.
+    void sort();
+
+private:
+    std::size_t placeOf(const std::string& name) const;
+    bool isAt(std::size_t place, const std::string& name) const;
+
+    std::vector<Attribute*> sorted;
+};
+
+}  // namespace Xml

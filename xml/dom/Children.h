@@ -1,0 +1,70 @@
+#pragma once
+
+#include "xml/dom/NodeSpan.h"
+#include "xml/dom/Object.h"
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace Xml {
+
+// The child nodes of one element, in document order. It owns them; what comes in or goes out does so as a unique_ptr. It sets
+// neither links nor parents: that is the element's affair.
+//
+// Not for callers.
+class Children {
+public:
+    Children() = default;
+    Children(const Children&) = delete;
+    Children& operator=(const Children&) = delete;
+
+    // Deletes what is left. The element empties it before, where what is below the children may be deep.
+    ~Children() {
+        for (const Object* node : nodes) delete node;
+    }
+
+    // Good until the next change.
+    NodeSpan span() const { return {nodes.data(), nodes.data() + nodes.size()}; }
+    const std::vector<Object*>& list() const { return nodes; }
+
+    std::size_t size() const { return nodes.size(); }
+    bool empty() const { return nodes.empty(); }
+
+    // A place below size().
+    Object* operator[](std::size_t place) const { return nodes[place]; }
+
+    // The last one; there must be one.
+    Object* last() const { return nodes.back(); }
+
+    // Where the node is; size() when it is no child. It is looked for from the end, where lists are edited most and where taking
+    // out costs least.
+    std::size_t placeOf(const Object* node) const;
+
+    // Room for so many, and for one more than there are: adding these cannot fail then.
+    void reserve(std::size_t count) { nodes.reserve(count); }
+    void makeRoom();
+
+    // Adding; amortised O(1) at the end. Where memory runs out the node is deleted and nothing has changed.
+    void append(std::unique_ptr<Object> node) {
+        nodes.push_back(node.get());
+        node.release();
+    }
+    void insert(std::size_t place, std::unique_ptr<Object> node);
+
+    // Taking out. Needs no memory.
+    std::unique_ptr<Object> extract(std::size_t place);
+    std::unique_ptr<Object> extractLast() {
+        std::unique_ptr<Object> node(nodes.back());
+        nodes.pop_back();
+        return node;
+    }
+
+    // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether there was
+    // any.
+    bool deleteCharData();
+
+private:
+    std::vector<Object*> nodes;
+};
+
+}  // namespace Xml

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "xml/dom/ExactClass.h"
+#include <cstdint>
+
+namespace Xml {
+
+class Dtd;
+
+// What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has changed since
+// it was last written, where that was, and which class it is exactly of. Writing is no change of a node, so it may be noted at
+// a const one.
+//
+// Not for callers.
+class Marks {
+public:
+    Marks() = default;
+
+    // The copy of a node keeps the link only: it is marked as changed and was never written.
+    Marks(const Marks& other) : link(other.link) {}
+    Marks& operator=(const Marks&) = delete;
+    ~Marks() = default;
+
+    const Dtd* dtd() const { return link; }
+    void setDtd(const Dtd* dtd) { link = dtd; }
+
+    bool isDirty() const { return dirty; }
+    void setDirty(bool isChanged) const { dirty = isChanged; }
+
+    // The node has changed: it is no longer known to conform to the Dtd.
+    void touch() {
+        dirty = true;
+        link = nullptr;
+    }
+
+    // The positions of the last record of where the node was written; -1 without one.
+    int writeStart() const { return start; }
+    int writeEnd() const { return end; }
+    void record(int from, int to) const {
+        start = from;
+        end = to;
+    }
+
+    ExactClass exactClass;
+
+private:
+    mutable bool dirty = true;
+    mutable std::int32_t start = -1;
+    mutable std::int32_t end = -1;
+    const Dtd* link = nullptr;
+};
+
+}  // namespace Xml
