@@ -117,18 +117,18 @@ void ModelNode::setName(const std::string& newName) {
 }
 
 void ModelNode::addChild(std::unique_ptr<ModelNode> child) {
-    child->parent = this;
-    child->setDtd(link);
     children.push_back(std::move(child));
+    children.back()->parent = this;
+    children.back()->setDtd(link);
     touch();
 }
 
 void ModelNode::insertChild(const ModelNode* before, std::unique_ptr<ModelNode> child) {
     auto place = children.begin();
     while (place != children.end() && place->get() != before) ++place;
-    child->parent = this;
-    child->setDtd(link);
-    children.insert(place, std::move(child));
+    ModelNode& inserted = **children.insert(place, std::move(child));
+    inserted.parent = this;
+    inserted.setDtd(link);
     touch();
 }
 

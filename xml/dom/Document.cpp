@@ -4,32 +4,43 @@
 #include "xml/dom/internal/Linking.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
+#include <utility>
 
 namespace Xml {
 
 const char* const _xmlHeader = "<?xml version = \"1.0\" ?>";
 
-Document::Document(Element* itsRoot, Dtd* itsDtd) {
-    if (itsRoot != nullptr) {
-        linkNew(*itsRoot, itsDtd);
-        itsRoot->setParent(this);
+Document::Document(Element* itsRoot, Dtd* itsDtd) : dtd(itsDtd), root(itsRoot) {
+    Object* const dtdParent = dtd != nullptr ? dtd->getParent() : nullptr;
+    if (dtd != nullptr) dtd->setParent(this);
+    if (root == nullptr) return;
+    Object* const rootParent = root->getParent();
+    root->setParent(this);
+    try {
+        root->setDtd(itsDtd);
+    } catch (...) {
+        // Both stay the caller's.
+        if (dtd != nullptr) dtd.release()->setParent(dtdParent);
+        Element* const given = root.release();
+        if (given != nullptr) {
+            given->setParent(rootParent);
+            unlink(*given);
+        }
+        throw;
     }
-    if (itsDtd != nullptr) itsDtd->setParent(this);
-    root.reset(itsRoot);
-    dtd.reset(itsDtd);
 }
 
 // The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first.
 Document::Document(const Document& other) : Document(nullptr, nullptr) {
+    if (other.root != nullptr) {
+        root.reset(other.root->clone()->toElement());
+        root->setParent(this);
+    }
     if (other.dtd != nullptr) {
         dtd.reset(other.dtd->clone()->toDtd());
         dtd->setParent(this);
     }
-    if (other.root != nullptr) {
-        root.reset(other.root->clone()->toElement());
-        root->setParent(this);
-        root->setDtd(dtd.get());
-    }
+    if (root != nullptr) root->setDtd(dtd.get());
 }
 
 Document::~Document() = default;
@@ -41,18 +52,32 @@ const Dtd* Document::getDtd() const { return dtd.get(); }
 
 Element* Document::extractRoot() {
     if (root == nullptr) return nullptr;
-    root->setDtd(nullptr);  // first: it may need memory, and a root taken out would be lost then
-    root->setParent(nullptr);
-    return root.release();
+    std::unique_ptr<Element> taken = std::move(root);
+    taken->setParent(nullptr);
+    try {
+        taken->setDtd(nullptr);
+    } catch (...) {
+        taken->setParent(this);
+        root = std::move(taken);
+        throw;
+    }
+    return taken.release();
 }
 
 Dtd* Document::extractDtd() {
     if (dtd == nullptr) return nullptr;
-    if (root != nullptr) root->setDtd(nullptr);  // first, as above
-    setDtd(nullptr);
-    dtd->setDtd(nullptr);
-    dtd->setParent(nullptr);
-    return dtd.release();
+    std::unique_ptr<Dtd> taken = std::move(dtd);
+    taken->setParent(nullptr);
+    try {
+        if (root != nullptr) root->setDtd(nullptr);
+        setDtd(nullptr);
+        taken->setDtd(nullptr);
+    } catch (...) {
+        taken->setParent(this);
+        dtd = std::move(taken);
+        throw;
+    }
+    return taken.release();
 }
 
 bool Document::validate() {

@@ -152,9 +152,20 @@ Object* Element::getChild(int i) { return const_cast<Object*>(static_cast<const 
 
 void Element::insertAt(std::size_t place, Object* child) {
     children.makeRoom();
-    linkNew(*child, NodeAccess::dtd(*this));
+    Object* const parentBefore = child->getParent();
     child->setParent(this);
     children.insert(place, std::unique_ptr<Object>(child));
+    try {
+        child->setDtd(NodeAccess::dtd(*this));
+    } catch (...) {
+        // Its own setDtd may have moved it.
+        if (const std::size_t now = children.placeOf(child); now < children.size()) {
+            children.extract(now).release();
+            child->setParent(parentBefore);
+        }
+        unlink(*child);
+        throw;
+    }
     touch();
 }
 
@@ -172,12 +183,17 @@ bool Element::isChild(const Object* node) const { return children.placeOf(node) 
 Object* Element::extractChild(int i) {
     if (!inRange(i, children.size())) return nullptr;
     const auto place = static_cast<std::size_t>(i);
-    Object* const child = children[place];
-    child->setDtd(nullptr);  // first: it may need memory, and a child taken out would be lost then
-    child->setParent(nullptr);
-    children.extract(place).release();
+    std::unique_ptr<Object> child = children.extract(place);
     touch();
-    return child;
+    child->setParent(nullptr);
+    try {
+        child->setDtd(nullptr);
+    } catch (...) {
+        child->setParent(this);
+        children.insert(std::min(place, children.size()), std::move(child));  // has room
+        throw;
+    }
+    return child.release();
 }
 
 Object* Element::extractChild(Object* child) {

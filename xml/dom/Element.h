@@ -60,7 +60,9 @@ public:
     Object* getChild(int i);
     const Object* getChild(int i) const;
 
-    // Appends a node and takes ownership. It must not be null and must have no owner.
+    // Appends a node and takes ownership. It must not be null and must have no owner. It is in its place and has its parent when its
+    // setDtd is called with this element's link. Where memory runs out, list and parent are as before, and the node, which
+    // stays the caller's, links to no Dtd.
     void addChild(Object* child);
 
     // Inserts in front of `before`, or at the end when that is no child of this element; otherwise as addChild.
@@ -68,7 +70,7 @@ public:
     bool isChild(const Object* node) const;
 
     // Takes a child out: it has no parent and no link to a Dtd any more, and the caller owns it. Null when there is no such
-    // child.
+    // child. It is out and without a parent when its setDtd is called with null. Where memory runs out it is back in its place.
     Object* extractChild(int i);
     Object* extractChild(Object* child);
 

@@ -31,17 +31,12 @@ void linkBelow(Element& top, const Dtd* dtd, Enter enter) {
     }
 }
 
-// Links a node that has no owner yet, with all below it. Where memory runs out it has no links afterwards: it may outlive the
-// Dtd. Taking them away goes the same way again, with the memory that was just given back.
-inline void linkNew(Object& node, const Dtd* dtd) {
+// Takes the links away from a node that goes back to the caller after linking it has failed: it may outlive the Dtd. This goes the
+// same way again, with the memory that was just given back; where even that fails, links stay.
+inline void unlink(Object& node) noexcept {
     try {
-        node.setDtd(dtd);
-    } catch (...) {
-        try {
-            node.setDtd(nullptr);
-        } catch (...) {}
-        throw;
-    }
+        node.setDtd(nullptr);
+    } catch (...) {}
 }
 
 }  // namespace Xml
