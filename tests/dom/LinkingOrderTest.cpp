@@ -1,5 +1,5 @@
-// Where nodes of a caller's own classes find themselves while their setDtd and their clone are called, and what is left where
-// these fail.
+// Where nodes of a caller's own classes find themselves while their setDtd and their clone are called, and what is left
+// where these fail.
 #include "support/NodeTestAccess.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"

@@ -33,9 +33,9 @@ namespace {
 //     c
 //
 // Everything in it links to the Dtd, the document itself included. What an operation does to links, parents, marks and
-// records is listed by node: "label:" and what changed about it ("-", "D", "E", "C" the link, to nothing, to the document's
-// Dtd, to another, to that of a copied document; "*" now marked; "." now clean; "^p" the parent; "@" where it was
-// written). "+label(...)" is a node that was not there, "~label" one that is gone.
+// records is listed by node: "label:" and what changed about it ("-", "D", "E", "C" the link, to nothing, to the
+// document's Dtd, to another, to that of a copied document; "*" now marked; "." now clean; "^p" the parent; "@" where
+// it was written). "+label(...)" is a node that was not there, "~label" one that is gone.
 class Links {
 public:
     struct State {

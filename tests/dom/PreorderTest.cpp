@@ -12,7 +12,8 @@
 namespace Xml::test {
 namespace {
 
-// Each node below in its turn: an element by its name, with what is below it in brackets unless it is skipped; "." a text.
+// Each node below in its turn: an element by its name, with what is below it in brackets unless it is skipped; "." a
+// text.
 std::string walked(const Element& top, const std::string& skipped) {
     Preorder<const Element> walk;
     std::string text;

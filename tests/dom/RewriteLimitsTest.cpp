@@ -1,5 +1,5 @@
-// Where a rewritten file does not read as a fresh one. A writer passes over what has no mark of change and stands where it was
-// written last; these are the ways in which that place holds something else by then.
+// Where a rewritten file does not read as a fresh one. A writer passes over what has no mark of change and stands where
+// it was written last; these are the ways in which that place holds something else by then.
 #include "dom/Settings.h"
 #include "support/Sources.h"
 #include "support/Trees.h"

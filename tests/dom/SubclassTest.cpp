@@ -145,7 +145,8 @@ private:
 
 class SubclassTest : public testing::Test {
 public:
-    // root(plain(own('t' inner(comment)))) as plain elements around one of the caller's, comment a leaf of the caller's.
+    // root(plain(own('t' inner(comment)))) as plain elements around one of the caller's, comment a leaf of the
+    // caller's.
     void SetUp() override {
         calls.clear();
         root = std::make_unique<Element>("root");

@@ -10,8 +10,8 @@ namespace Xml {
 
 class Attribute;
 
-// The attributes of one element, in the byte order of their names. It owns them, and they never move in memory: only the
-// pointers to them do. It sets neither links nor parents: that is the element's affair.
+// The attributes of one element, in the byte order of their names. It owns them, and they never move in memory: only
+// the pointers to them do. It sets neither links nor parents: that is the element's affair.
 //
 // A reader appends them as they come and sorts once, at the end of the tag.
 //
@@ -35,8 +35,8 @@ public:
     // The attribute of that name; null without one. O(log n).
     Attribute* find(const std::string& name) const;
 
-    // Puts the attribute where its name belongs; one of that name is deleted. Where memory runs out nothing has changed, but
-    // that the attribute is deleted.
+    // Puts the attribute where its name belongs; one of that name is deleted. Where memory runs out nothing has
+    // changed, but that the attribute is deleted.
     void set(std::unique_ptr<Attribute> attribute);
 
     // Whether there was one of that name.

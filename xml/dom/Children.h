@@ -8,8 +8,8 @@
 
 namespace Xml {
 
-// The child nodes of one element, in document order. It owns them; what comes in or goes out does so as a unique_ptr. It sets
-// neither links nor parents: that is the element's affair.
+// The child nodes of one element, in document order. It owns them; what comes in or goes out does so as a unique_ptr.
+// It sets neither links nor parents: that is the element's affair.
 //
 // Not for callers.
 class Children {
@@ -36,8 +36,8 @@ public:
     // The last one; there must be one.
     Object* last() const { return nodes.back(); }
 
-    // Where the node is; size() when it is no child. It is looked for from the end, where lists are edited most and where taking
-    // out costs least.
+    // Where the node is; size() when it is no child. It is looked for from the end, where lists are edited most and
+    // where taking out costs least.
     std::size_t placeOf(const Object* node) const;
 
     // Room for so many, and for one more than there are: adding these cannot fail then.
@@ -59,8 +59,8 @@ public:
         return node;
     }
 
-    // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether there was
-    // any.
+    // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether
+    // there was any.
     bool deleteCharData();
 
 private:

@@ -16,17 +16,18 @@ ORVXML_API extern const char* const _xmlHeader;
 
 // The top of a tree: owns the root element and the document type description, where there are such.
 //
-// Trees that were read or built separately may be used in different threads at the same time, as long as no diagnostic is
-// issued and no setting is changed. One tree may be looked at, asked by path and copied by several threads while none changes it;
-// docs/threads.md says which operations that leaves out.
+// Trees that were read or built separately may be used in different threads at the same time, as long as no diagnostic
+// is issued and no setting is changed. One tree may be looked at, asked by path and copied by several threads while
+// none changes it; docs/threads.md says which operations that leaves out.
 class ORVXML_API Document : public Object {
 public:
-    // Takes ownership of both, either of which may be null; the tree below the root gets the link to the Dtd. Both are in their
-    // place and have their parent when setDtd of the root is called. Where memory runs out they stay the caller's, with the
-    // parents that they had, and the root links to no Dtd.
+    // Takes ownership of both, either of which may be null; the tree below the root gets the link to the Dtd. Both are
+    // in their place and have their parent when setDtd of the root is called. Where memory runs out they stay the
+    // caller's, with the parents that they had, and the root links to no Dtd.
     Document(Element* root, Dtd* dtd);
 
-    // Copies the root, then the Dtd; the tree of the copy links to the copy's Dtd. The document node's own link starts null.
+    // Copies the root, then the Dtd; the tree of the copy links to the copy's Dtd. The document node's own link starts
+    // null.
     Document(const Document& other);
     ~Document() override;
 
@@ -35,14 +36,15 @@ public:
     Dtd* getDtd();
     const Dtd* getDtd() const;
 
-    // Takes the root out: its tree has no links to the Dtd any more, and the caller owns it. Null without a root. It is out and
-    // without a parent when its setDtd is called with null. Where memory runs out it is back in its place.
+    // Takes the root out: its tree has no links to the Dtd any more, and the caller owns it. Null without a root. It is
+    // out and without a parent when its setDtd is called with null. Where memory runs out it is back in its place.
     Element* extractRoot();
 
     // Takes the Dtd out in the same way; nothing links to it any more. Null without a Dtd, and then nothing changes.
     Dtd* extractDtd();
 
-    // True without a Dtd; else whether there is a root and the Dtd finds it valid. The document node links to the Dtd then.
+    // True without a Dtd; else whether there is a root and the Dtd finds it valid. The document node links to the Dtd
+    // then.
     bool validate();
 
     // The n-th element of that name in document order, the root included; null when there is none.

@@ -12,8 +12,8 @@
 #include <memory>
 #include <utility>
 
-// Everything that goes through a subtree keeps its place on a stack of its own and treats the library's own classes in the
-// loop; nodes of other classes get their virtual operations called.
+// Everything that goes through a subtree keeps its place on a stack of its own and treats the library's own classes in
+// the loop; nodes of other classes get their virtual operations called.
 
 namespace Xml {
 
@@ -80,8 +80,8 @@ void Element::copyOwn(const Element& other) {
 
 Element::~Element() { NodeAccess::deleteChildren(*this); }
 
-// Goes down into the last child as long as that has children itself, and comes back up by the parent links, which it sets on
-// the way down: they need not have been right.
+// Goes down into the last child as long as that has children itself, and comes back up by the parent links, which it
+// sets on the way down: they need not have been right.
 void NodeAccess::deleteChildren(Element& top) {
     Element* here = &top;
     for (;;) {

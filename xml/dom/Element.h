@@ -20,8 +20,8 @@ class Attribute;
 //
 // Children and attributes carry this element as parent and the link to the Dtd that it had when they came. Every change
 // marks the element and its ancestors and clears their links to the Dtd (see Object::touch). Operations whose result is
-// null or an empty value say so where nothing fits; indices count from 0, and one out of range finds nothing and changes
-// nothing.
+// null or an empty value say so where nothing fits; indices count from 0, and one out of range finds nothing and
+// changes nothing.
 class ORVXML_API Element : public Object {
 public:
     // A name that is no name is reported as by setName and leaves the name empty.
@@ -30,7 +30,8 @@ public:
     // The same with one child: the text.
     Element(const std::string& name, const DataHolder& text);
 
-    // Copies the whole subtree. The copies of elements link to no Dtd; those of attributes and character data keep theirs.
+    // Copies the whole subtree. The copies of elements link to no Dtd; those of attributes and character data keep
+    // theirs.
     Element(const Element& other);
 
     ~Element() override;
@@ -60,17 +61,18 @@ public:
     Object* getChild(int i);
     const Object* getChild(int i) const;
 
-    // Appends a node and takes ownership. It must not be null and must have no owner. It is in its place and has its parent when its
-    // setDtd is called with this element's link. Where memory runs out, list and parent are as before, and the node, which
-    // stays the caller's, links to no Dtd.
+    // Appends a node and takes ownership. It must not be null and must have no owner. It is in its place and has its
+    // parent when its setDtd is called with this element's link. Where memory runs out, list and parent are as before,
+    // and the node, which stays the caller's, links to no Dtd.
     void addChild(Object* child);
 
     // Inserts in front of `before`, or at the end when that is no child of this element; otherwise as addChild.
     void insertChild(const Object* before, Object* child);
     bool isChild(const Object* node) const;
 
-    // Takes a child out: it has no parent and no link to a Dtd any more, and the caller owns it. Null when there is no such
-    // child. It is out and without a parent when its setDtd is called with null. Where memory runs out it is back in its place.
+    // Takes a child out: it has no parent and no link to a Dtd any more, and the caller owns it. Null when there is no
+    // such child. It is out and without a parent when its setDtd is called with null. Where memory runs out it is back
+    // in its place.
     Object* extractChild(int i);
     Object* extractChild(Object* child);
 
@@ -94,8 +96,8 @@ public:
     Attribute* getAttribute(int i);
     const Attribute* getAttribute(int i) const;
 
-    // The value of the attribute; without one the default value from the Dtd, where the element links to one; else empty. Good
-    // as long as the attribute, or the Dtd, is there and unchanged.
+    // The value of the attribute; without one the default value from the Dtd, where the element links to one; else
+    // empty. Good as long as the attribute, or the Dtd, is there and unchanged.
     const DataHolder& getAttributeValue(const std::string& name) const;
 
     // Absent names and indices change nothing.
@@ -103,8 +105,8 @@ public:
     void removeAttribute(int i);
 
     // --- Searches ---
-    // `n` selects the match with that 0-based index; null when there is none. getElement... look at the direct children;
-    // find... look at the whole subtree below this element in document order, itself left out.
+    // `n` selects the match with that 0-based index; null when there is none. getElement... look at the direct
+    // children; find... look at the whole subtree below this element in document order, itself left out.
 
     // The n-th child element, of any name or of that name.
     Element* getElement(int n);
@@ -136,13 +138,14 @@ public:
     // --- Character data ---
 
     // The decoded text of the first child that is character data, of this element, of its first child element of that
-    // name, of the first element of that name below it; else empty. Good until the text of that node is asked for again.
+    // name, of the first element of that name below it; else empty. Good until the text of that node is asked for
+    // again.
     const DataHolder& getCharData() const;
     const DataHolder& getElementCharData(const std::string& name) const;
     const DataHolder& findElementCharData(const std::string& name) const;
 
-    // Removes children that are character data and appends the text. The scan skips the node after one that it removed: of two
-    // in a row the second stays.
+    // Removes children that are character data and appends the text. The scan skips the node after one that it removed:
+    // of two in a row the second stays.
     void setCharData(const DataHolder& text);
 
     // The same on the first child element of that name, on the first element of that name below; nothing without one.
@@ -165,8 +168,8 @@ private:
     std::string name;
     mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
 
-    // What validation found out about this element: its run, whether the element is valid, whether its whole subtree links
-    // to the Dtd of that run. Meaningless to any other run.
+    // What validation found out about this element: its run, whether the element is valid, whether its whole subtree
+    // links to the Dtd of that run. Meaningless to any other run.
     mutable std::uint64_t verdict = 0;
 };
 

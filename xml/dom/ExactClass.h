@@ -10,13 +10,14 @@ class Object;
 // The library's own classes of nodes that its loops treat themselves, and any other.
 enum class NodeClass : std::uint8_t { Unknown, Other, Attribute, CharData, Element };
 
-// Which of these classes a node is exactly an object of. Loops over trees do the work of exactly these classes inline; an
-// object of any other class, also of one derived from them, may override what they would do and gets its operations called.
+// Which of these classes a node is exactly an object of. Loops over trees do the work of exactly these classes inline;
+// an object of any other class, also of one derived from them, may override what they would do and gets its operations
+// called.
 //
-// The constructors of a node cannot know: those of a derived class run the same ones. So what makes a node in the library says
-// what it made, and any other node is looked at when it is first asked about; the answer stays with it. No code of a caller
-// runs before a node of these classes is whole, so it is never asked too early. Several threads may ask at the same time: each
-// finds the same.
+// The constructors of a node cannot know: those of a derived class run the same ones. So what makes a node in the
+// library says what it made, and any other node is looked at when it is first asked about; the answer stays with it. No
+// code of a caller runs before a node of these classes is whole, so it is never asked too early. Several threads may
+// ask at the same time: each finds the same.
 //
 // Not for callers.
 class ExactClass {

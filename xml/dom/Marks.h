@@ -7,9 +7,9 @@ namespace Xml {
 
 class Dtd;
 
-// What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has changed since
-// it was last written, where that was, and which class it is exactly of. Writing is no change of a node, so it may be noted at
-// a const one.
+// What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has
+// changed since it was last written, where that was, and which class it is exactly of. Writing is no change of a node,
+// so it may be noted at a const one.
 //
 // Not for callers.
 class Marks {

@@ -7,8 +7,8 @@ namespace Xml {
 class Attribute;
 class Object;
 
-// Nodes side by side that are kept elsewhere: what an element shows of its children and of its attributes, however it stores
-// them. A copy costs two words. It is good until the element changes.
+// Nodes side by side that are kept elsewhere: what an element shows of its children and of its attributes, however it
+// stores them. A copy costs two words. It is good until the element changes.
 //
 // Not for callers.
 template <class Node>

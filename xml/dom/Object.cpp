@@ -23,14 +23,15 @@ Target* castTo(Node* node, bool is, const char* failure) {
     return nullptr;
 }
 
-// Whether all that the node's write does to the sink goes through the stream. Code of callers may reach the sink in its own way;
-// the models in a Dtd may be theirs. A document is looked at each time: it links its root while it is made, whose setDtd may
-// write it before it is whole.
+// Whether all that the node's write does to the sink goes through the stream. Code of callers may reach the sink in its
+// own way; the models in a Dtd may be theirs. A document is looked at each time: it links its root while it is made,
+// whose setDtd may write it before it is whole.
 bool writesBytesOnly(const Object& node) {
     return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
 
-// The marks with what is to come: a number for an attribute's place in its tag, and whether the document type supplied the node.
+// The marks with what is to come: a number for an attribute's place in its tag, and whether the document type supplied
+// the node.
 struct MarksToCome {
     ExactClass exactClass;
     bool dirty;

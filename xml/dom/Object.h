@@ -13,11 +13,12 @@ class Dtd;
 class Element;
 class OutStream;
 
-// The base of all nodes: the link to the parent, the link to the governing Dtd, type queries with checked casts, the mark
-// of change, and the record of where the node was last written.
+// The base of all nodes: the link to the parent, the link to the governing Dtd, type queries with checked casts, the
+// mark of change, and the record of where the node was last written.
 //
-// Ownership is a tree: a node is owned by exactly one container or by the caller; cycles and nodes with two owners are the
-// caller's error. Links do not own: a Dtd must outlive the nodes that link to it, or be taken from them with setDtd(nullptr).
+// Ownership is a tree: a node is owned by exactly one container or by the caller; cycles and nodes with two owners are
+// the caller's error. Links do not own: a Dtd must outlive the nodes that link to it, or be taken from them with
+// setDtd(nullptr).
 class ORVXML_API Object {
 public:
     Object();
@@ -63,14 +64,14 @@ public:
     Object* getParent();
     const Object* getParent() const;
 
-    // Marks this node and all its ancestors as changed and clears their links to the Dtd: a changed subtree is no longer
-    // known to conform to it.
+    // Marks this node and all its ancestors as changed and clears their links to the Dtd: a changed subtree is no
+    // longer known to conform to it.
     void touch();
 
     // Writes the node and records where. With the RW optimisation on, a node that has not changed since it was written
     // and whose record begins where the stream stands is not written: the stream moves past it. The record holds a
-    // position, not a sink, and is made also where the sink failed: with the optimisation on, write to nothing but the one
-    // stream that is rewritten, and not again to one that failed.
+    // position, not a sink, and is made also where the sink failed: with the optimisation on, write to nothing but the
+    // one stream that is rewritten, and not again to one that failed.
     void toStream(OutStream& out) const;
 
     // Switches the RW optimisation; returns what was set before.

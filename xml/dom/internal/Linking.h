@@ -4,8 +4,9 @@
 
 namespace Xml {
 
-// Links `top` and what is below it to `dtd`, in the order of a recursion: each element, its children, its attributes. `enter`
-// links the element itself and says whether to go on below it. Nodes that are not exactly elements get their setDtd called.
+// Links `top` and what is below it to `dtd`, in the order of a recursion: each element, its children, its attributes.
+// `enter` links the element itself and says whether to go on below it. Nodes that are not exactly elements get their
+// setDtd called.
 template <class Enter>
 void linkBelow(Element& top, const Dtd* dtd, Enter enter) {
     Preorder<Element> walk;
@@ -31,8 +32,8 @@ void linkBelow(Element& top, const Dtd* dtd, Enter enter) {
     }
 }
 
-// Takes the links away from a node that goes back to the caller after linking it has failed: it may outlive the Dtd. This goes the
-// same way again, with the memory that was just given back; where even that fails, links stay.
+// Takes the links away from a node that goes back to the caller after linking it has failed: it may outlive the Dtd.
+// This goes the same way again, with the memory that was just given back; where even that fails, links stay.
 inline void unlink(Object& node) noexcept {
     try {
         node.setDtd(nullptr);

@@ -13,8 +13,8 @@
 
 namespace Xml {
 
-// The insides of nodes, for the readers, the writer, validation and paths: spans, links, marks and factories. What stores
-// children and attributes stays within this folder.
+// The insides of nodes, for the readers, the writer, validation and paths: spans, links, marks and factories. What
+// stores children and attributes stays within this folder.
 struct NodeAccess {
     static const Marks& marks(const Object& node) { return node.marks; }
     static const Dtd* dtd(const Object& node) { return node.marks.dtd(); }
@@ -43,7 +43,8 @@ struct NodeAccess {
     }
     static std::unique_ptr<CharData> makeCharData() { return exactly(NodeClass::CharData, new CharData()); }
 
-    // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would leave.
+    // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would
+    // leave.
     static void appendChild(Element& element, std::unique_ptr<Object> child) {
         child->parent = &element;
         element.children.append(std::move(child));

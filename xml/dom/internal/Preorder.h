@@ -9,8 +9,9 @@ namespace Xml {
 
 struct NoNote {};
 
-// The one walk through what is below an element, in document order. It keeps the elements that it is in, with a note at each,
-// on a stack of its own: a walk costs O(nodes), whatever the depth. It goes into those elements only that it is sent into.
+// The one walk through what is below an element, in document order. It keeps the elements that it is in, with a note at
+// each, on a stack of its own: a walk costs O(nodes), whatever the depth. It goes into those elements only that it is
+// sent into.
 //
 //     Preorder<const Element> walk;
 //     walk.enter(top);

@@ -6,8 +6,8 @@
 
 namespace Xml {
 
-// The rule of rewriting: with the RW optimisation on, a node that has not changed and whose record begins where the stream stands
-// is there already, and the stream moves past it. Any other is written, and its record made anew.
+// The rule of rewriting: with the RW optimisation on, a node that has not changed and whose record begins where the
+// stream stands is there already, and the stream moves past it. Any other is written, and its record made anew.
 //
 //     if (!beginWriting(marks, out)) return;  // it is there
 //     ...                                     // write it

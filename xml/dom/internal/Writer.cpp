@@ -9,8 +9,9 @@
 #include <string>
 #include <string_view>
 
-// An element is written by writing its start tag, each child through toStream, and its end tag. For children that are exactly
-// of the library's classes that is done here in a loop, with the same records and marks. Any other gets its toStream called.
+// An element is written by writing its start tag, each child through toStream, and its end tag. For children that are
+// exactly of the library's classes that is done here in a loop, with the same records and marks. Any other gets its
+// toStream called.
 
 namespace Xml {
 
