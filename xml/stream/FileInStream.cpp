@@ -34,12 +34,9 @@ Position tellOf(std::streambuf& buffer) { return buffer.pubseekoff(0, std::ios_b
 
 }  // namespace
 
-const InStream::WindowSource FileInStream::kWindowSource = {acquireWindow, returnWindow, windowBase, false};
+FileInStream::FileInStream(std::istream* source) : stream(source) {}
 
-FileInStream::FileInStream(std::istream* source) : InStream(&kWindowSource), stream(source) {}
-
-FileInStream::FileInStream(const std::string& path, std::ifstream* file)
-    : InStream(&kWindowSource), stream(file), openedHere(file) {
+FileInStream::FileInStream(const std::string& path, std::ifstream* file) : stream(file), openedHere(file) {
     withoutFailures([&] {
         if (file->is_open()) file->close();
     });
@@ -84,8 +81,8 @@ bool FileInStream::getChar(char& c) {
     if (!measured) measure();
     if (tooLarge) return false;
     withoutExceptions([&] { stream->get(c); });
-    ended = !stream->good();
-    return true;  // also when no byte came: the end shows one read late, and callers rely on it
+    metItsEnd = !stream->good();
+    return true;  // also when no byte came: the end shows one read late
 }
 
 int FileInStream::getPosition() const {
@@ -109,40 +106,41 @@ bool FileInStream::eof() {
 
 // The get area serves as the window where reading from it cannot be told from reading by get, tellg and seekg: a sound
 // stream that nothing is tied to, with one of the standard's own buffers, whose source has positions.
-bool FileInStream::acquireWindow(InStream& stream) {
-    if (typeid(stream) != typeid(FileInStream)) return false;
-    auto& self = static_cast<FileInStream&>(stream);
-    std::istream& source = *self.stream;
-    if (!source.good() || source.tie() != nullptr || source.exceptions() != std::ios_base::goodbit) return false;
-    std::streambuf& buffer = *source.rdbuf();
+bool FileInStream::lendBytes(Window& lent) {
+    if (typeid(*this) != typeid(FileInStream)) return false;
+    if (!stream->good() || stream->tie() != nullptr || stream->exceptions() != std::ios_base::goodbit) return false;
+    std::streambuf& buffer = *stream->rdbuf();
     if (typeid(buffer) != typeid(std::filebuf) && typeid(buffer) != typeid(std::stringbuf)) return false;
 
-    if (!self.measured) self.measure();
-    if (self.tooLarge) return false;
+    if (!measured) measure();
+    if (tooLarge) return false;
     if (GetArea::cursor(buffer) == GetArea::end(buffer)) {
-        self.checkedBuffer = nullptr;
+        checkedBuffer = nullptr;
         if (isAtEnd(buffer)) return false;  // the primitive shows it as it should
     }
-    if (self.checkedBuffer != &buffer) {
+    if (checkedBuffer != &buffer) {
         const Position position = tellOf(buffer);
         const Position last = position + (GetArea::end(buffer) - GetArea::cursor(buffer));
         if (position < 0 || last > kMostPosition || !leavesBytes(buffer)) return false;
-        self.checkedBuffer = &buffer;
+        checkedBuffer = &buffer;
     }
-    self.ended = false;
-    self.window = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, true};
+    metItsEnd = false;
+    lent = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, Window::Loan::ForNow};
     return true;
 }
 
-void FileInStream::returnWindow(const InStream& stream) {
-    const auto& self = static_cast<const FileInStream&>(stream);
-    std::streambuf& buffer = *self.stream->rdbuf();
-    GetArea::advance(buffer, static_cast<int>(self.window.cursor - GetArea::cursor(buffer)));
+void FileInStream::takeBytesBack(const Window& lent) const {
+    std::streambuf& buffer = *stream->rdbuf();
+    GetArea::advance(buffer, static_cast<int>(lent.cursor - GetArea::cursor(buffer)));
 }
 
-int FileInStream::windowBase(const InStream& stream) {
-    std::streambuf& buffer = *static_cast<const FileInStream&>(stream).stream->rdbuf();
+int FileInStream::positionOfBytes(const Window&) const {
+    std::streambuf& buffer = *stream->rdbuf();
     return static_cast<int>(tellOf(buffer) - (GetArea::cursor(buffer) - GetArea::begin(buffer)));
 }
+
+bool FileInStream::isTooLarge() const { return tooLarge; }
+
+bool FileInStream::cannotComeBack() const { return metItsEnd; }
 
 }  // namespace Xml

@@ -31,18 +31,22 @@ public:
     // The stream's own end-of-file flag.
     bool eof() override;
 
-private:
-    static const WindowSource kWindowSource;
-    static bool acquireWindow(InStream& stream);
-    static void returnWindow(const InStream& stream);
-    static int windowBase(const InStream& stream);
+protected:
+    bool lendBytes(Window& lent) override;
+    void takeBytesBack(const Window& lent) const override;
+    int positionOfBytes(const Window& lent) const override;
+    bool isTooLarge() const override;
+    bool cannotComeBack() const override;
 
-    void measure();
+private:
+    ORVXML_LOCAL void measure();
 
     std::istream* stream;
     std::ifstream* openedHere = nullptr;
-    bool measured = false;
     const void* checkedBuffer = nullptr;  // the stream buffer that was last seen to have positions
+    bool measured = false;
+    mutable bool tooLarge = false;
+    bool metItsEnd = false;
 };
 
 }  // namespace Xml

@@ -6,31 +6,21 @@
 
 namespace Xml {
 
-const InStream::WindowSource FileSpecInStream::kWindowSource = {acquireWindow, returnWindow, nullptr, false};
+FileSpecInStream::FileSpecInStream(OrvSys::FileIO& openFile) : file(&openFile), length(openFile.GetLength()) {}
 
-FileSpecInStream::FileSpecInStream(OrvSys::FileIO& openFile) : InStream(&kWindowSource), file(&openFile) {
-    takeLength();
-}
-
-FileSpecInStream::FileSpecInStream(const OrvSys::FileSpec& spec)
-    : InStream(&kWindowSource), owned(std::make_unique<OrvSys::FileIO>(spec)) {
+FileSpecInStream::FileSpecInStream(const OrvSys::FileSpec& spec) : owned(std::make_unique<OrvSys::FileIO>(spec)) {
     if (!owned->OpenForReading()) {
         owned.reset();
         return;
     }
     file = owned.get();
-    takeLength();
+    length = file->GetLength();
 }
 
 FileSpecInStream::~FileSpecInStream() = default;
 
-void FileSpecInStream::takeLength() {
-    length = file->GetLength();
-    tooLarge = length > std::numeric_limits<int>::max();
-}
-
 bool FileSpecInStream::getChar(char& c) {
-    if (tooLarge || file == nullptr || beforeStart < 0 || eof()) return false;
+    if (isTooLarge() || file == nullptr || beforeStart < 0 || eof()) return false;
     const std::int64_t before = file->GetPosition();
     c = static_cast<char>(file->ReadUInt8());
     return file->GetPosition() != before;  // a file that was cut meanwhile has no more bytes
@@ -55,23 +45,23 @@ bool FileSpecInStream::eof() {
     return file == nullptr || !file->IsOpen() || length <= file->GetPosition();
 }
 
-bool FileSpecInStream::acquireWindow(InStream& stream) {
-    if (typeid(stream) != typeid(FileSpecInStream)) return false;
-    auto& self = static_cast<FileSpecInStream&>(stream);
-    if (self.tooLarge || self.file == nullptr || self.beforeStart < 0 || !self.file->IsOpen()) return false;
-    const std::int64_t left = self.length - self.file->GetPosition();
+bool FileSpecInStream::lendBytes(Window& lent) {
+    if (typeid(*this) != typeid(FileSpecInStream)) return false;
+    if (isTooLarge() || file == nullptr || beforeStart < 0 || !file->IsOpen()) return false;
+    const std::int64_t left = length - file->GetPosition();
     if (left <= 0) return false;
     std::size_t count = 0;
-    const char* const begin = self.file->BufferedBytes(count);
+    const char* const begin = file->BufferedBytes(count);
     if (count == 0) return false;
     count = std::min(count, static_cast<std::size_t>(left));
-    self.window = {begin, begin, begin + count, static_cast<int>(self.file->GetPosition()), true};
+    lent = {begin, begin, begin + count, static_cast<int>(file->GetPosition()), Window::Loan::ForNow};
     return true;
 }
 
-void FileSpecInStream::returnWindow(const InStream& stream) {
-    const auto& self = static_cast<const FileSpecInStream&>(stream);
-    self.file->SkipBuffered(static_cast<std::size_t>(self.window.cursor - self.window.begin));
+void FileSpecInStream::takeBytesBack(const Window& lent) const {
+    file->SkipBuffered(static_cast<std::size_t>(lent.cursor - lent.begin));
 }
+
+bool FileSpecInStream::isTooLarge() const { return length > std::numeric_limits<int>::max(); }
 
 }  // namespace Xml

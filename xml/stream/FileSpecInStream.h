@@ -27,13 +27,12 @@ public:
     void setPosition(int position) override;
     bool eof() override;
 
+protected:
+    bool lendBytes(Window& lent) override;
+    void takeBytesBack(const Window& lent) const override;
+    bool isTooLarge() const override;
+
 private:
-    static const WindowSource kWindowSource;
-    static bool acquireWindow(InStream& stream);
-    static void returnWindow(const InStream& stream);
-
-    void takeLength();
-
     std::unique_ptr<OrvSys::FileIO> owned;
     OrvSys::FileIO* file = nullptr;
     std::int64_t length = 0;

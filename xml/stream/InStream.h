@@ -1,17 +1,17 @@
 #pragma once
 
 #include "xml/Export.h"
+#include "xml/stream/LineBreaks.h"
+#include "xml/stream/Nesting.h"
+#include "xml/stream/Window.h"
 #include "xml/text/DataHolder.h"
-#include <cstddef>
 #include <memory>
 #include <string>
-#include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
-#include <vector>
 
 namespace Xml {
+
+class ReadAhead;
 
 // A source of bytes with the tokenizer that every reader uses.
 //
@@ -28,7 +28,7 @@ namespace Xml {
 //     };
 //
 // Unless said otherwise an operation returns true on success; when it returns false getErrorMessage() says why. Every
-// operation leaves the source standing right behind what it consumed. Tokens are assembled in a parse buffer that is
+// operation leaves the source standing right after what it consumed. Tokens are assembled in a parse buffer that is
 // kept between calls: operations named ...InParseBuffer append to it, those that fill a caller's string empty it first.
 class ORVXML_API InStream {
 public:
@@ -48,7 +48,7 @@ public:
     InStream& operator=(const InStream&) = delete;
 
     // Skips white space, then reads one token: a quoted string with its quotes; "&" up to and including the next ";";
-    // "<", "</", "<?", "<?xml", "<!", "<!--", "<![", "<![CDATA[" or "<!" with the name behind it; "/" or "/>"; one of
+    // "<", "</", "<?", "<?xml", "<!", "<!--", "<![", "<![CDATA[" or "<!" with the name after it; "/" or "/>"; one of
     // the bytes ! ( ) * + , = > ? [ \ ] |; else a word, which ends before white space and punctuation. A word that the
     // data ends in is a token although the error message says so. On failure `token` is left as it was.
     bool getToken(std::string& token);
@@ -98,124 +98,50 @@ public:
     int getLine() const;
     int getColumn() const;
 
-    // The text of the last failure; attempts that failed within an operation that succeeded leave theirs too.
+    // The text of the last failure; attempts that failed within an operation that succeeded leave theirs too. The reference
+    // shows the text of later failures as well, once the operation or the reader has returned.
     const std::string& getErrorMessage() const;
 
 protected:
-    // How a source of this library lets the tokenizer read its bytes in memory. The tokenizer takes the bytes
-    // [begin, end) over when it needs one, reads on at `cursor`, and gives them back before anybody else can look at the
-    // source. Only objects of exactly the source's own class do this: a class derived from one may override the
-    // primitives, and those are called then.
-    struct Window {
-        const char* begin = nullptr;
-        const char* cursor = nullptr;
-        const char* end = nullptr;
-        int base = -1;      // the position of `begin`, -1 when not known yet
-        bool held = false;  // taken over and not given back
-    };
-    struct WindowSource {
-        bool (*acquire)(InStream&);  // sets `window` with at least one byte at the cursor; false: use the primitives
-        void (*release)(const InStream&);  // makes the source stand where the cursor stands
-        int (*base)(const InStream&);      // the position of `begin`, for a window that came without; null if none does
-        bool bytesStay;                    // nobody else can change the bytes
-    };
-
     InStream();
-    explicit InStream(const WindowSource* windowSource);
 
-    // Every primitive of a source with a window calls this first.
+    // A source that has its bytes in memory may lend them. Only objects of exactly a library class do: a class derived from
+    // one may override the primitives, and those are called then.
+
+    // Fills the empty window with at least one byte at the cursor and returns true; false: the primitives are to be used.
+    virtual bool lendBytes(Window& lent);
+
+    // Makes the source stand where the cursor of the window stands.
+    virtual void takeBytesBack(const Window& lent) const;
+
+    // The position of the first byte of a window that came without it.
+    virtual int positionOfBytes(const Window& lent) const;
+
+    // Whether the source has bytes whose positions an int cannot hold: its reads fail then, with a message of their own.
+    virtual bool isTooLarge() const;
+
+    // Whether the source has met its end in a way from which setPosition does not lead back.
+    virtual bool cannotComeBack() const;
+
+    // Gives the bytes back. Every primitive of a source that lends bytes does this first.
     void releaseWindow() const {
-        if (window.held) giveWindowBack();
+        if (!window.isLent()) return;
+        takeBytesBack(window);
+        window = Window();
     }
-
-    mutable Window window;
-
-    // Set by a source whose bytes have positions that an int cannot hold: its reads fail, with a message of their own.
-    mutable bool tooLarge = false;
-
-    // Set by a source that has met its end in a way from which setPosition does not lead back.
-    bool ended = false;
 
 private:
     friend struct StreamAccess;
+    friend class Cursor;
+    friend class Openers;
+    friend class Tokenizer;
 
-    // One operation under way: the window is given back when the outermost one ends.
-    class Use;
-    struct OpenMarkup;
-    enum class Next { Done, Token };
-    enum class Plain { Read, Failed, Markup };
-
-    void giveWindowBack() const;
-
-    bool read(char& c);
-    bool next(char& c);
-    bool readRaw(char& c);
-    bool fetch(char& c);
-    void stepBack();
-    bool appendThrough(std::string& text, char last);
-
-    void track(char c);
-    void trackBreak(char c);
-    void trackRun(const char* from, const char* to);
-    void recordBreak(int position);
-
-    int tell() const;
-    int positionOf(const char* byte) const;
-    void seek(int position);
-
-    Plain readPlainToken();
-    Plain readReferenceToken();
-    bool remembers() const { return uses > 1 || (window.held && windowSource->bytesStay); }
-    bool readMarkup();
-    Next resumeMarkup(OpenMarkup& open, bool& ok, int& failedTail);
-    Next resumeAfterName(OpenMarkup& open, bool& ok, int& failedTail);
-    Next beginTail(OpenMarkup& open, bool& ok, int& failedTail);
-    void trackAgain(int position);
-    void rememberMarkup(const OpenMarkup& open, bool ok);
-    bool recallMarkup(bool& ok);
-    void readWord();
-    bool endOfData();
-    bool expected(const char* text, int length);
-
-    void setError(std::string_view text);
-    void setReferenceError();
-    bool isKnownReference(int position);
-    void forgetWhatWasRead();
-
-    mutable std::string errorMessage;
-    mutable std::shared_ptr<const std::string> errorReference;  // what is still to be added to the message ...
-    std::size_t errorReferenceFrom = 0;                         // ... from there on
-    unsigned errorCount = 0;                                    // of messages set, to tell whether an attempt left one
-    std::vector<int> lineBreaks;                                // positions, in the order met
-    bool lineBreaksRise = true;
-    std::unordered_set<int> lineBreakSet;  // the same positions, once they do not rise any more
-    bool previousWasCR = false;
+    mutable Window window;
     std::string parseBuffer;
-    std::vector<OpenMarkup> openMarkup;  // empty between operations; kept for its memory
-
-    // What came of a token begun with "<!" or "<?" that was read within a trial and given up again. Kept for as long as a
-    // reader is at work, and longer over bytes that stay.
-    struct ReadMarkup {
-        bool ok;
-        bool previousWasCR;
-        int end;
-        std::string text;
-        std::string error;
-    };
-    std::unordered_map<int, ReadMarkup> readMarkups;  // by the position behind the '<'
-
-    // The last reference that a trial met: many that begin before one far ';' would each be read up to it. Kept as long.
-    struct ReadReference {
-        int begin = -1;
-        int end = -1;                             // behind the ';', -1 when none is ahead
-        bool endsInCR = false;                    // whether the last byte that was read for it is a carriage return
-        std::shared_ptr<const std::string> text;  // ends with the ';', and begins with the first that was read up to it
-    };
-    ReadReference readReference;
-
-    const WindowSource* windowSource = nullptr;
-    int uses = 0;          // operations under way, of this stream and of readers
-    int sessionBegin = 0;  // where the outermost reader that is or was at work began
+    mutable std::string errorMessage;
+    LineBreaks lineBreaks;
+    Nesting nesting;
+    std::unique_ptr<ReadAhead> readAhead;  // null until there is something to remember
 };
 
 }  // namespace Xml

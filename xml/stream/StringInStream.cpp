@@ -5,15 +5,11 @@
 
 namespace Xml {
 
-const InStream::WindowSource StringInStream::kWindowSource = {acquireWindow, returnWindow, nullptr, true};
-
-StringInStream::StringInStream(const std::string& bytes) : InStream(&kWindowSource), text(bytes) {
-    tooLarge = text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max());
-}
+StringInStream::StringInStream(const std::string& bytes) : text(bytes) {}
 
 bool StringInStream::getChar(char& c) {
     releaseWindow();
-    if (tooLarge || position < 0 || static_cast<std::size_t>(position) >= text.size()) return false;
+    if (!hasByte()) return false;
     c = text[static_cast<std::size_t>(position++)];
     return true;
 }
@@ -33,18 +29,22 @@ bool StringInStream::eof() {
     return position >= 0 && static_cast<std::size_t>(position) >= text.size();
 }
 
-bool StringInStream::acquireWindow(InStream& stream) {
-    if (typeid(stream) != typeid(StringInStream)) return false;
-    auto& self = static_cast<StringInStream&>(stream);
-    if (self.tooLarge || self.position < 0 || static_cast<std::size_t>(self.position) >= self.text.size()) return false;
-    const char* const begin = self.text.data();
-    self.window = {begin, begin + self.position, begin + self.text.size(), 0, true};
+bool StringInStream::lendBytes(Window& lent) {
+    if (typeid(*this) != typeid(StringInStream) || !hasByte()) return false;
+    const char* const begin = text.data();
+    lent = {begin, begin + position, begin + text.size(), 0, Window::Loan::ForGood};
     return true;
 }
 
-void StringInStream::returnWindow(const InStream& stream) {
-    const auto& self = static_cast<const StringInStream&>(stream);
-    self.position = static_cast<int>(self.window.cursor - self.window.begin);
+void StringInStream::takeBytesBack(const Window& lent) const { position = static_cast<int>(lent.cursor - lent.begin); }
+
+bool StringInStream::isTooLarge() const {
+    return text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max());
+}
+
+// Whether there is a byte to read at the position.
+bool StringInStream::hasByte() const {
+    return !isTooLarge() && position >= 0 && static_cast<std::size_t>(position) < text.size();
 }
 
 }  // namespace Xml

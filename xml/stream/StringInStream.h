@@ -16,13 +16,16 @@ public:
     void setPosition(int position) override;
     bool eof() override;
 
+protected:
+    bool lendBytes(Window& lent) override;
+    void takeBytesBack(const Window& lent) const override;
+    bool isTooLarge() const override;
+
 private:
-    static const WindowSource kWindowSource;
-    static bool acquireWindow(InStream& stream);
-    static void returnWindow(const InStream& stream);
+    ORVXML_LOCAL bool hasByte() const;
 
     std::string text;
-    mutable int position = 0;  // the window's cursor is the truth while the window is held
+    mutable int position = 0;  // while bytes are lent the window's cursor counts instead
 };
 
 }  // namespace Xml

@@ -1,43 +1,58 @@
 #pragma once
 
 #include "xml/stream/InStream.h"
+#include "xml/stream/internal/Cursor.h"
+#include "xml/stream/internal/Tokenizer.h"
 #include <cstdint>
 #include <string>
 
 namespace Xml {
 
-class InStream::Use {
-public:
-    explicit Use(InStream& stream) : in(stream) { ++in.uses; }
-    ~Use() {
-        if (--in.uses > 0) return;
-        const bool bytesStay = in.window.held && in.windowSource->bytesStay;
-        in.releaseWindow();
-        if (!bytesStay) in.forgetWhatWasRead();
-    }
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
-
-private:
-    InStream& in;
-};
-
-// What the readers use of a stream beside its public operations.
+// What the readers use of a stream beside its public operations, and the guards that return what it has borrowed.
 struct StreamAccess {
+    // One operation under way. When it is the outermost thing under way, its end gives the window back.
+    class Operation {
+    public:
+        explicit Operation(InStream& stream) : in(stream), isOutermost(stream.nesting.work == Nesting::Work::None) {
+            if (isOutermost) in.nesting.work = Nesting::Work::Operation;
+        }
+        ~Operation() {
+            if (isOutermost) end(in);
+        }
+        Operation(const Operation&) = delete;
+        Operation& operator=(const Operation&) = delete;
+
+    private:
+        InStream& in;
+        bool isOutermost;
+    };
+
     // A reader at work. Lets the stream keep its window over many operations: the positions below cost no look at the source
     // then.
     class Session {
     public:
-        explicit Session(InStream& in) : use(in) {
-            if (isOutermost(in)) in.sessionBegin = in.tell();
+        explicit Session(InStream& stream) : in(stream), before(stream.nesting.work) {
+            const bool isFirst = before == Nesting::Work::None;
+            if (isFirst) in.nesting.readerBegin = tell(in);
+            in.nesting.work = isFirst ? Nesting::Work::Reader : Nesting::Work::InnerReader;
         }
+        ~Session() {
+            if (before == Nesting::Work::None) {
+                end(in);
+            } else {
+                in.nesting.work = before;
+            }
+        }
+        Session(const Session&) = delete;
+        Session& operator=(const Session&) = delete;
 
     private:
-        InStream::Use use;
+        InStream& in;
+        Nesting::Work before;
     };
 
-    // Whether no other session or operation is under way around this one.
-    static bool isOutermost(const InStream& in) { return in.uses == 1; }
+    // Whether the reader at work is the outermost one.
+    static bool isOutermost(const InStream& in) { return in.nesting.work == Nesting::Work::Reader; }
 
     // Gives the window back before code of callers may look at the source.
     static void release(const InStream& in) { in.releaseWindow(); }
@@ -45,16 +60,17 @@ struct StreamAccess {
     // InStream::eof, without giving the window back where it shows that there is more.
     static bool atEnd(InStream& in) { return in.window.cursor == in.window.end && in.eof(); }
 
-    static int tell(const InStream& in) { return in.tell(); }
-    static void seek(InStream& in, int position) { in.seek(position); }
+    static int tell(const InStream& in) { return Cursor::positionIn(in); }
+    static void seek(InStream& in, int position) { Cursor(in).seek(position); }
 
     // How far the outermost session has come.
-    static std::int64_t bytesRead(const InStream& in) { return std::int64_t{in.tell()} - in.sessionBegin; }
+    static std::int64_t bytesRead(const InStream& in) { return std::int64_t{tell(in)} - in.nesting.readerBegin; }
 
     // As InStream::getToken, with the token left in the parse buffer; good until the next operation.
     static bool getToken(InStream& in) {
         in.parseBuffer.clear();
-        return in.getTokenInParseBuffer();
+        const Operation operation(in);
+        return Tokenizer(in).readToken();
     }
     static void clear(InStream& in) { in.parseBuffer.clear(); }
     static const std::string& token(const InStream& in) { return in.parseBuffer; }
@@ -62,7 +78,22 @@ struct StreamAccess {
     // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';', so
     // that many '&' before a far one would be read over and over: one that begins before `referenceEnd`, the end of the last
     // reference read, is not read again, and the token is "&" alone.
-    static bool getContentToken(InStream& in, int& referenceEnd);
+    static bool getContentToken(InStream& in, int& referenceEnd) {
+        in.parseBuffer.clear();
+        const Operation operation(in);
+        return Tokenizer(in).readContentToken(referenceEnd);
+    }
+
+private:
+    // Nothing is under way any more: what is borrowed goes back, and what was read ahead goes where the bytes may change.
+    static void end(InStream& in) {
+        in.nesting.work = Nesting::Work::None;
+        const bool bytesStay = in.window.loan == Window::Loan::ForGood;
+        in.releaseWindow();
+        if (in.readAhead == nullptr) return;
+        in.readAhead->completeMessage(in.errorMessage);
+        if (!bytesStay) in.readAhead.reset();
+    }
 };
 
 }  // namespace Xml

@@ -1,0 +1,51 @@
+#include "xml/stream/internal/Cursor.h"
+
+#include <cstddef>
+#include <cstring>
+
+namespace Xml {
+
+bool Cursor::fetch(char& c) {
+    in.releaseWindow();
+    if (!in.lendBytes(in.window)) return in.getChar(c);
+    c = *in.window.cursor++;
+    return true;
+}
+
+bool Cursor::appendThrough(std::string& text, char last) {
+    Window& window = in.window;
+    for (;;) {
+        if (window.cursor != window.end) {
+            const char* const from = window.cursor;
+            const auto* const found =
+                static_cast<const char*>(std::memchr(from, last, static_cast<std::size_t>(window.end - from)));
+            const char* const to = found != nullptr ? found + 1 : window.end;
+            text.append(from, to);
+            window.cursor = to;
+            in.lineBreaks.noteRun(from, to, [this](const char* byte) { return positionOf(in, byte); });
+            if (found != nullptr) return true;
+        }
+        char c;
+        if (!next(c)) return false;
+        text += c;
+        if (c == last) return true;
+    }
+}
+
+void Cursor::noteBreakByte(char c) {
+    in.lineBreaks.noteBreakByte(c, [this] { return tell(); });
+}
+
+void Cursor::seek(int position) {
+    Window& window = in.window;
+    if (window.isLent()) {
+        const int begin = positionOf(in, window.begin);
+        if (position >= begin && position - begin <= window.end - window.begin) {
+            window.cursor = window.begin + (position - begin);
+            return;
+        }
+    }
+    in.setPosition(position);
+}
+
+}  // namespace Xml
