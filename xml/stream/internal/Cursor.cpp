@@ -5,14 +5,14 @@
 
 namespace Xml {
 
-bool Cursor::fetch(char& c) {
+bool Cursor::fetch(InStream& in, char& c) {
     in.releaseWindow();
     if (!in.lendBytes(in.window)) return in.getChar(c);
     c = *in.window.cursor++;
     return true;
 }
 
-bool Cursor::appendThrough(std::string& text, char last) {
+bool Cursor::appendThrough(InStream& in, std::string& text, char last) {
     Window& window = in.window;
     for (;;) {
         if (window.cursor != window.end) {
@@ -22,21 +22,21 @@ bool Cursor::appendThrough(std::string& text, char last) {
             const char* const to = found != nullptr ? found + 1 : window.end;
             text.append(from, to);
             window.cursor = to;
-            in.lineBreaks.noteRun(from, to, [this](const char* byte) { return positionOf(in, byte); });
+            in.lineBreaks.noteRun(from, to, [&in](const char* byte) { return positionOf(in, byte); });
             if (found != nullptr) return true;
         }
         char c;
-        if (!next(c)) return false;
+        if (!Cursor(in).next(c)) return false;
         text += c;
         if (c == last) return true;
     }
 }
 
-void Cursor::noteBreakByte(char c) {
-    in.lineBreaks.noteBreakByte(c, [this] { return tell(); });
+void Cursor::noteBreakByte(InStream& in, char c) {
+    in.lineBreaks.noteBreakByte(c, [&in] { return positionIn(in); });
 }
 
-void Cursor::seek(int position) {
+void Cursor::seek(InStream& in, int position) {
     Window& window = in.window;
     if (window.isLent()) {
         const int begin = positionOf(in, window.begin);

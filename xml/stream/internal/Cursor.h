@@ -32,13 +32,13 @@ public:
     // The next byte, which the line breaks do not see.
     bool readUnnoted(char& c) {
         Window& window = in.window;
-        if (window.cursor == window.end) return fetch(c);
+        if (window.cursor == window.end) return fetch(in, c);
         c = *window.cursor++;
         return true;
     }
 
     // Appends what comes up to and including the next `last`; false at the end of the data.
-    bool appendThrough(std::string& text, char last);
+    bool appendThrough(std::string& text, char last) { return appendThrough(in, text, last); }
 
     // Appends bytes of the window up to the first that is `isLast`; the bytes are neither CR nor LF.
     template <class IsLast>
@@ -67,7 +67,7 @@ public:
 
     // getPosition() and setPosition(), without giving the window back where the place lies in it.
     int tell() const { return positionIn(in); }
-    void seek(int position);
+    void seek(int position) { seek(in, position); }
 
     static int positionIn(const InStream& in) {
         return in.window.isLent() ? positionOf(in, in.window.cursor) : in.getPosition();
@@ -80,16 +80,19 @@ private:
         return window.base + static_cast<int>(byte - window.begin);
     }
 
-    bool fetch(char& c);
-
     void note(char c) {
         if (c != '\r' && c != '\n') {
             in.lineBreaks.noteOthers();
         } else {
-            noteBreakByte(c);
+            noteBreakByte(in, c);
         }
     }
-    void noteBreakByte(char c);
+
+    // Not members, so that a cursor need not lie in memory.
+    static bool fetch(InStream& in, char& c);
+    static void noteBreakByte(InStream& in, char c);
+    static bool appendThrough(InStream& in, std::string& text, char last);
+    static void seek(InStream& in, int position);
 
     InStream& in;
 };

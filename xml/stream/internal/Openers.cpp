@@ -16,7 +16,8 @@ namespace Xml {
 
 bool Openers::read() {
     bool ok = true;
-    if (opens(ok)) ok = readAfterInnermost();
+    if (!opens(ok)) return ok;
+    ok = readAfterInnermost();
     while (outermost) {
         Opener& opener = innermost();
         if (closes(opener, ok)) {

@@ -17,7 +17,7 @@ namespace Xml {
 class Openers {
 public:
     explicit Openers(Tokenizer& itsTokenizer)
-        : tokenizer(itsTokenizer), cursor(itsTokenizer.cursor), in(itsTokenizer.in), buffer(itsTokenizer.buffer()) {}
+        : tokenizer(itsTokenizer), cursor(itsTokenizer.in), in(itsTokenizer.in), buffer(itsTokenizer.buffer()) {}
 
     // Reads the rest of a token whose '<' is in the parse buffer.
     bool read();
@@ -62,7 +62,7 @@ private:
     bool recall(bool& ok);
 
     Tokenizer& tokenizer;
-    Cursor& cursor;
+    Cursor cursor;
     InStream& in;
     std::string& buffer;
 

@@ -18,6 +18,7 @@ bool Tokenizer::readToken() {
 }
 
 Tokenizer::Plain Tokenizer::readPlain(Purpose purpose) {
+    Cursor cursor(in);
     skipWhite();
     char c;
     if (!cursor.next(c)) {
@@ -41,6 +42,7 @@ Tokenizer::Plain Tokenizer::readPlain(Purpose purpose) {
 
 // The rest of a token whose '/' is in the parse buffer.
 void Tokenizer::readSlash() {
+    Cursor cursor(in);
     char c;
     if (!cursor.next(c)) {
         endOfData();  // the slash counts all the same
@@ -53,6 +55,7 @@ void Tokenizer::readSlash() {
 
 // The rest of a reference, whose '&' is in the parse buffer.
 Tokenizer::Plain Tokenizer::readReference(Purpose purpose) {
+    Cursor cursor(in);
     ReadAhead* const ahead = purpose == Purpose::Trial ? readAhead() : nullptr;
     const int begin = ahead != nullptr ? cursor.tell() - 1 : -1;
     if (isPlace(begin)) {
@@ -79,6 +82,7 @@ Tokenizer::Plain Tokenizer::readReference(Purpose purpose) {
 
 // The rest of a word, whose first byte is in the parse buffer.
 void Tokenizer::readWord() {
+    Cursor cursor(in);
     const auto endsWord = [](char c) { return ByteClass::is(c, ByteClass::kWordEnd); };
     for (;;) {
         cursor.appendOthersBefore(buffer(), endsWord);
@@ -107,6 +111,7 @@ bool Tokenizer::readName() {
 }
 
 bool Tokenizer::readString() {
+    Cursor cursor(in);
     skipWhite();
     char quote;
     if (!cursor.next(quote)) return endOfData();
@@ -121,6 +126,7 @@ bool Tokenizer::readString() {
 bool Tokenizer::readMarkup() { return Openers(*this).read(); }
 
 void Tokenizer::skipWhite() {
+    Cursor cursor(in);
     char c;
     do {
         if (!cursor.next(c)) {
@@ -132,6 +138,7 @@ void Tokenizer::skipWhite() {
 }
 
 bool Tokenizer::readData(std::string& data) {
+    Cursor cursor(in);
     if (!cursor.appendThrough(data, '<')) return endOfData();
     data.pop_back();
     cursor.stepBack();
@@ -139,6 +146,7 @@ bool Tokenizer::readData(std::string& data) {
 }
 
 bool Tokenizer::readThrough(std::string_view terminator) {
+    Cursor cursor(in);
     const int length = static_cast<int>(terminator.size());
     for (std::size_t i = 0; i < terminator.size(); ++i) {
         char c;
@@ -152,6 +160,7 @@ bool Tokenizer::readThrough(std::string_view terminator) {
 }
 
 bool Tokenizer::readContentToken(int& referenceEnd) {
+    Cursor cursor(in);
     skipWhite();
     const int position = cursor.tell();
     char c = 0;

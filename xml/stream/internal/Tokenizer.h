@@ -13,7 +13,7 @@ namespace Xml {
 // their messages there, and keep the window.
 class Tokenizer {
 public:
-    explicit Tokenizer(InStream& stream) : in(stream), cursor(stream) {}
+    explicit Tokenizer(InStream& stream) : in(stream) {}
 
     bool readToken();
     bool readName();
@@ -21,7 +21,7 @@ public:
     bool readMarkup();  // the rest of a token whose '<' is in the parse buffer
     bool readData(std::string& data);
     bool readThrough(std::string_view terminator);
-    bool readByte(char& c) { return cursor.read(c) || endOfData(); }
+    bool readByte(char& c) { return Cursor(in).read(c) || endOfData(); }
     bool expectToken(const char* text, int length);
     void skipWhite();
 
@@ -52,7 +52,6 @@ private:
     ReadAhead* readAhead();
 
     InStream& in;
-    Cursor cursor;
 };
 
 }  // namespace Xml
