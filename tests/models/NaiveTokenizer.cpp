@@ -165,20 +165,20 @@ bool NaiveTokenizer::getTokenltInParseBuffer() {
     return true;
 }
 
-// Goes on behind "<!".
+// Goes on after "<!".
 bool NaiveTokenizer::readDeclarationOpener() {
-    const std::pair<int, int> behindMark = StorePosition();
+    const std::pair<int, int> afterMark = StorePosition();
     if (getNameInParseBuffer()) return true;
 
-    RestorePosition(behindMark);
+    RestorePosition(afterMark);
     if (checkTokenInParseBuffer("[", 1)) {
-        const std::pair<int, int> behindBracket = StorePosition();
+        const std::pair<int, int> afterBracket = StorePosition();
         if (checkTokenInParseBuffer("CDATA", 5) && checkTokenInParseBuffer("[", 1)) return true;
-        RestorePosition(behindBracket);
+        RestorePosition(afterBracket);
         return true;
     }
 
-    RestorePosition(behindMark);
+    RestorePosition(afterMark);
     char c;
     if (!readOrFail(c)) return false;
     if (c == '-') {
@@ -188,7 +188,7 @@ bool NaiveTokenizer::readDeclarationOpener() {
             return true;
         }
     }
-    RestorePosition(behindMark);
+    RestorePosition(afterMark);
     return true;
 }
 

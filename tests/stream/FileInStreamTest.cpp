@@ -88,7 +88,7 @@ TEST(FileInStreamTest, BeginsWhereTheCallersStreamStands) {
     EXPECT_EQ(stream.tellg(), 12);
 }
 
-TEST(FileInStreamTest, LeavesTheCallersStreamRightBehindEachToken) {
+TEST(FileInStreamTest, LeavesTheCallersStreamRightAfterEachToken) {
     const std::string text = "<a b='c'>one &two; <!-- x -->/> ";
     const ScratchFile scratch("tokens", text);
     std::ifstream file(scratch.path, std::ios::binary);
@@ -306,8 +306,8 @@ TEST(FileInStreamTest, HasNoPositionsWhereTheStreamHasNone) {
     EXPECT_FALSE(in.getChar(c));
 }
 
-// While a reader is at work its tokens come out of the stream's buffer, and it comes back to one that lies there: only where
-// the stream stands meanwhile tells that.
+// While a reader is at work its tokens come out of the stream's buffer, and it comes back to one that lies there: that shows
+// only in where the stream stands meanwhile.
 TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
     const ScratchFile scratch("standing", "one two 'three' four five ");
     std::istringstream strings("one two 'three' four five ");
@@ -323,11 +323,11 @@ TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
                 std::string token;
                 EXPECT_TRUE(in.getToken(token));
                 EXPECT_EQ(token, start == 0 ? "one" : "two");
-                const auto behind = in.StorePosition();
-                EXPECT_EQ(behind.first, start + 3);
+                const auto after = in.StorePosition();
+                EXPECT_EQ(after.first, start + 3);
                 EXPECT_TRUE(in.getToken(token));
                 EXPECT_TRUE(in.getToken(token));
-                in.RestorePosition(behind);
+                in.RestorePosition(after);
                 EXPECT_TRUE(in.getToken(token));
                 EXPECT_EQ(token, start == 0 ? "two" : "'three'");
                 EXPECT_EQ(place(), start);
@@ -337,7 +337,7 @@ TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
     }
 }
 
-// No place tells there whether a reference is the last one again.
+// No place shows there whether a reference is the last one again.
 TEST(FileInStreamTest, QuotesTheReferenceThatIsNoNameWhereTheStreamHasNoPositions) {
     TextStream stream("'<?a&ab;", {4, false});
     FileInStream in(&stream);

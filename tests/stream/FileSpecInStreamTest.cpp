@@ -164,8 +164,8 @@ TEST_F(FileSpecInStreamTest, ReadsOnlyWhatTheFileHeldAtFirst) {
     EXPECT_FALSE(in.getToken(token));
 }
 
-// While a reader is at work its tokens come out of the file's memory, and it comes back to one that lies there: only where
-// the file stands meanwhile tells that.
+// While a reader is at work its tokens come out of the file's memory, and it comes back to one that lies there: that shows
+// only in where the file stands meanwhile.
 TEST_F(FileSpecInStreamTest, LeavesTheFileWhereItStandsUntilAReaderIsDone) {
     std::string text;
     for (int i = 0; i < 20'000; ++i) text += "<!x 'y' a &b; ";
@@ -181,10 +181,10 @@ TEST_F(FileSpecInStreamTest, LeavesTheFileWhereItStandsUntilAReaderIsDone) {
             std::string token;
             EXPECT_TRUE(in.getToken(token));
             EXPECT_EQ(token, "<!x");
-            const auto behind = in.StorePosition();
-            EXPECT_EQ(behind.first, start + 3);
+            const auto after = in.StorePosition();
+            EXPECT_EQ(after.first, start + 3);
             for (int i = 0; i < 10; ++i) EXPECT_TRUE(in.getToken(token));
-            in.RestorePosition(behind);
+            in.RestorePosition(after);
             EXPECT_TRUE(in.getString(token));
             EXPECT_EQ(token, "'y'");
             EXPECT_EQ(file.GetPosition(), start);

@@ -14,7 +14,7 @@ struct BufferHabits {
     std::size_t chunk = 4;                     // bytes it has at hand at a time; 0: never any, each byte is asked for
     bool seekable = true;                      // without it there are no positions, as in a pipe
     std::size_t throwsAt = std::string::npos;  // asked for the bytes from here on it throws
-    std::streamoff positionOffset = 0;         // added to every position that it tells
+    std::streamoff positionOffset = 0;         // added to every position that it gives
 };
 
 // A stream buffer over a text that has the given habits.
@@ -47,7 +47,7 @@ protected:
         const off_type origin = from == std::ios_base::beg   ? 0
                                 : from == std::ios_base::cur ? static_cast<off_type>(at())
                                                              : static_cast<off_type>(text.size());
-        // Only asking for the position counts in what is told; the way to a place is the place itself.
+        // Only a position that is asked for has it added; the way to a place is the place itself.
         const off_type place = origin + offset - (from == std::ios_base::beg ? habits.positionOffset : 0);
         if (!habits.seekable || place < 0 || place > static_cast<off_type>(text.size())) return pos_type(off_type(-1));
         if (static_cast<std::size_t>(place) != at()) show(static_cast<std::size_t>(place), 0);

@@ -6,9 +6,11 @@
 #include "models/NaiveTokenizer.h"
 #include "orvsys/Files.h"
 #include "support/Sources.h"
+#include "support/WithoutReadAhead.h"
 #include "xml/stream/FileInStream.h"
 #include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/StringInStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -17,6 +19,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <random>
 #include <set>
 #include <sstream>
@@ -29,12 +32,14 @@ using Xml::DataHolder;
 using Xml::FileInStream;
 using Xml::FileSpecInStream;
 using Xml::InStream;
+using Xml::StreamAccess;
 using Xml::StringInStream;
 using Xml::test::BareInStream;
 using Xml::test::BufferHabits;
 using Xml::test::NaiveTokenizer;
 using Xml::test::scratchPath;
 using Xml::test::TextStream;
+using Xml::test::WithoutReadAhead;
 using Xml::test::writeFile;
 
 using Random = std::mt19937;
@@ -388,7 +393,14 @@ std::string textOfMarks(Random& random) {
     return textOf(random, marks, below(random, 13));
 }
 
-// Telling fragments around the place where a source's buffer ends, with something long and uniform before and behind.
+// Markup that tries references, which may end far away or nowhere.
+std::string textOfMarksAndReferences(Random& random) {
+    static const std::vector<std::string> pieces = {"<!", "<?", "<!&", "<?&", "&",    "&a;", ";", ">",
+                                                    " ",  "x",  "\r",  "\n",  "\r\n", "'",   "[", "--"};
+    return textOf(random, pieces, below(random, 16));
+}
+
+// Fragments around the place where a source's buffer ends, with something long and uniform before and after.
 template <int Place>
 std::string textAcross(Random& random) {
     const std::size_t place = static_cast<std::size_t>(Place - below(random, 2));
@@ -487,10 +499,10 @@ struct Step {
     int number = 0;
     int length = 0;
     std::string text;
-    bool looksAfter = true;  // whether position, line, column are asked for behind it
+    bool looksAfter = true;  // whether position, line, column are asked for after it
 };
 
-std::string told(const Step& step) {
+std::string nameOf(const Step& step) {
     return std::string(kOperationNames[step.operation]) + " " + std::to_string(step.number) + "," +
            std::to_string(step.length) + " " + escaped(step.text);
 }
@@ -644,8 +656,11 @@ struct Met {
     int inputs = 0;
 };
 
-// Runs both over the text; "" when they agree, else the tale of it.
-std::string compare(Kind kind, const std::string& text, Random& random, std::size_t place, Met& met) {
+// What the operations of one comparison run in.
+enum class Setting { Alone, InAReader };
+
+// Runs both over the text; "" when they agree, else what they did.
+std::string compare(Kind kind, Setting setting, const std::string& text, Random& random, std::size_t place, Met& met) {
     const std::string& path = modelPath();
     if (needsFile(kind)) {
         std::remove(path.c_str());  // emptying one that is there makes some file systems wait for the disk
@@ -656,11 +671,16 @@ std::string compare(Kind kind, const std::string& text, Random& random, std::siz
     NaiveTokenizer naive(*model.in);
     Kept libraryKept;
     Kept modelKept;
+    std::optional<StreamAccess::Session> reader;
+    if (setting == Setting::InAReader) reader.emplace(*library.in);
+    const std::string& message =
+        library.in->getErrorMessage();  // shows later ones too, but in a reader when asked again
 
-    std::string tale;
+    std::string history;
     const int stepCount = 3 + below(random, 16);
     for (int i = 0; i < stepCount; ++i) {
-        const Step step = randomStep(random, text.size(), place);
+        Step step = randomStep(random, text.size(), place);
+        if (reader && step.operation >= kCallerReads) step.operation = kGetToken;  // the stream is the reader's
         std::string got = perform(step, *library.in, library, libraryKept);
         std::string wanted = perform(step, naive, model, modelKept);
         if (step.operation == kGetToken) met.tokens.insert(wanted);
@@ -672,11 +692,17 @@ std::string compare(Kind kind, const std::string& text, Random& random, std::siz
             if (subject.file != nullptr) view += " file @" + std::to_string(subject.file->GetPosition());
             return view;
         };
-        got += callersView(library);
-        wanted += callersView(model);
-        got += " message " + shortened(library.in->getErrorMessage());
-        wanted += " message " + shortened(naive.getErrorMessage());
-        if (step.looksAfter || i + 1 == stepCount) {
+        if (!reader) {
+            got += callersView(library);
+            wanted += callersView(model);
+        }
+        const bool looks = step.looksAfter || i + 1 == stepCount;
+        if (reader && looks) library.in->getErrorMessage();
+        if (!reader || looks) {
+            got += " message " + shortened(message);
+            wanted += " message " + shortened(naive.getErrorMessage());
+        }
+        if (looks) {
             got += " " + lookAt(*library.in);
             wanted += " " + lookAt(naive);
             const std::string& buffer = naive.parseBuffer();
@@ -684,8 +710,8 @@ std::string compare(Kind kind, const std::string& text, Random& random, std::siz
                    std::to_string(library.in->CheckParseBufferEnd(buffer.data(), static_cast<int>(buffer.size())));
             wanted += " buffer " + std::to_string(naive.StorePosition().second) + " alike 1";
         }
-        tale += "  " + told(step) + "\n    -> " + wanted + "\n";
-        if (got != wanted) return tale + "  but " + got + "\n";
+        history += "  " + nameOf(step) + "\n    -> " + wanted + "\n";
+        if (got != wanted) return history + "  but " + got + "\n";
         met.messages.insert(naive.getErrorMessage().substr(0, 12));
     }
     met.mostLines = std::max(met.mostLines, naive.getLine());
@@ -697,6 +723,7 @@ struct Run {
     const char* name;
     Kind kind;
     int inputs;
+    Setting setting = Setting::Alone;
 };
 
 // `place` is where a buffer ends that the texts cross, 0 for small texts.
@@ -708,10 +735,10 @@ void compareRuns(const std::vector<Run>& runs, std::string (*makeText)(Random&),
         Met met;
         for (int i = 0; i < run.inputs; ++i) {
             const std::string text = makeText(random);
-            const std::string tale = compare(run.kind, text, random, place, met);
+            const std::string difference = compare(run.kind, run.setting, text, random, place, met);
             const std::string shown =
                 text.size() < 2000 ? text : "..." + text.substr(std::min(text.size() - 1, place) - 200);
-            ASSERT_EQ(tale, "") << "input " << i << ": " << escaped(shown);
+            ASSERT_EQ(difference, "") << "input " << i << ": " << escaped(shown);
         }
         EXPECT_EQ(met.inputs, run.inputs);
         EXPECT_GT(met.tokens.size(), 20U);
@@ -754,6 +781,30 @@ TEST(TokenizerModelTest, MarksInMarksAgree) {
                  {"platform file", Kind::PlatformFile, 2'000},
                  {"the caller's file stream", Kind::FileStream, 1'000}},
                 textOfMarks);
+}
+
+// A reader keeps the window, and what was read ahead, from operation to operation. A source that does not go where it is sent
+// is none for readers.
+const std::vector<Run> kReaderRuns = {
+    {"string", Kind::String, 8'000, Setting::InAReader},
+    {"bare source", Kind::Bare, 8'000, Setting::InAReader},
+    {"platform file", Kind::PlatformFile, 1'000, Setting::InAReader},
+    {"file stream", Kind::PathStream, 1'000, Setting::InAReader},
+    {"string in upper case", Kind::UpperString, 2'000, Setting::InAReader},
+    {"string with positions of its own", Kind::ShiftedString, 2'000, Setting::InAReader}};
+
+TEST(TokenizerModelTest, OperationsWithinAReaderAgree) {
+    compareRuns(kReaderRuns, smallText);
+    compareRuns(kReaderRuns, textOfMarks);
+    compareRuns(kReaderRuns, textOfMarksAndReferences);
+}
+
+TEST(TokenizerModelTest, OperationsAgreeWithoutWhatIsReadAhead) {
+    const WithoutReadAhead off;
+    compareRuns(kReaderRuns, smallText);
+    compareRuns(kReaderRuns, textOfMarks);
+    compareRuns(kReaderRuns, textOfMarksAndReferences);
+    compareRuns({{"string", Kind::String, 15'000}, {"string stream", Kind::StringStream, 5'000}}, textOfMarks);
 }
 
 TEST(TokenizerModelTest, DerivedSourcesHaveTheirOwnPrimitivesCalled) {

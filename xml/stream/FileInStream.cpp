@@ -104,8 +104,8 @@ bool FileInStream::eof() {
     return stream->eof();
 }
 
-// The get area serves as the window where reading from it cannot be told from reading by get, tellg and seekg: a sound
-// stream that nothing is tied to, with one of the standard's own buffers, whose source has positions.
+// The get area serves as the window where reading from it looks like reading by get, tellg and seekg: a sound stream that
+// nothing is tied to, with one of the standard's own buffers, whose source has positions.
 bool FileInStream::lendBytes(Window& lent) {
     if (typeid(*this) != typeid(FileInStream)) return false;
     if (!stream->good() || stream->tie() != nullptr || stream->exceptions() != std::ios_base::goodbit) return false;

@@ -8,7 +8,7 @@
 #include <utility>
 
 // Line breaks are noted where bytes are consumed, also by attempts that are undone later, because undoing restores the
-// position and the parse buffer only. Shortcuts must leave the same breaks behind.
+// position and the parse buffer only. Shortcuts must leave the same breaks.
 
 namespace Xml {
 
