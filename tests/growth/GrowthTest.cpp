@@ -7,11 +7,14 @@
 #include "support/Sources.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
+#include "support/WithoutReadAhead.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include "xml/xml.h"
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Xml::test {
@@ -96,6 +99,47 @@ TEST(GrowthTest, ReadingThatFailsIsLinearToo) {
     for (const TextCase& c : kCases) {
         expectLinear(
             c.name, [&](int n) { return reading(c.text(n), false); }, SourceCalls);
+    }
+}
+
+// What follows "<!" and "<?" is tried, mostly in vain, and read again as tokens of its own.
+const TextCase kTriedInVain[] = {
+    {"declarations in declarations", [](int n) { return repeated("<!", n) + "1 "; }},
+    {"instructions in instructions", [](int n) { return repeated("<?", n) + "1 "; }},
+    {"declarations and instructions", [](int n) { return repeated("<!<? ", n) + "1 "; }},
+    {"references whose semicolon is far", [](int n) { return repeated("<!& ", n) + ";"; }},
+    {"references in instructions, whose semicolon is far", [](int n) { return repeated("<?& ", n) + ";"; }},
+    {"references without a semicolon", [](int n) { return repeated("<!& ", n); }},
+};
+
+// The job of a reader that takes the text in tokens, an ampersand alone as one.
+std::function<void()> takingTokens(std::string text) {
+    return [text = std::move(text)] {
+        CountingSource in(text);
+        const StreamAccess::Session session(in);
+        std::string token;
+        while (!in.eof() && in.getToken(token)) {
+            if (token == "<!" || token == "<?") in.eatWhite();
+            char c = 0;
+            if (in.get(c) && c != '&') in.putBackChar();
+        }
+    };
+}
+
+TEST(GrowthTest, TokensThatWereTriedInVainAreReadAgainAtLinearCost) {
+    for (const TextCase& c : kTriedInVain) {
+        expectLinear(
+            c.name, [&c](int n) { return takingTokens(c.text(n)); }, SourceCalls);
+    }
+}
+
+// Why there is a memory of what was read ahead.
+TEST(GrowthTest, WithoutWhatIsReadAheadTokensThatWereTriedInVainTakeTheSquare) {
+    const WithoutReadAhead off;
+    for (const TextCase& c : kTriedInVain) {
+        SCOPED_TRACE(c.name);
+        const Growth growth = growthOf([&c](int n) { return takingTokens(c.text(n)); }, 100);
+        EXPECT_GE(exponentOf(growth, SourceCalls), 1.7);
     }
 }
 

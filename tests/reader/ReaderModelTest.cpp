@@ -3,6 +3,7 @@
 #include "models/Snapshot.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
+#include "support/WithoutReadAhead.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/ChildrenSpec.h"
@@ -624,6 +625,20 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnSubsetsInFiles) {
         ASSERT_TRUE(comparison.agree(text, libraryDocument, naiveDocument)) << i << ": " << readFile(path);
     }
     std::remove(path.c_str());
+}
+
+TEST(ReaderModelTest, AgreesWithTheNaiveReadersWithoutWhatIsReadAhead) {
+    const WithoutReadAhead off;
+    Maker make(55);
+    Comparison comparison;
+    for (int i = 0; i < 2500; ++i) {
+        SCOPED_TRACE(i);
+        const std::string document = make.chance(10) ? make.soup() : make.damaged(make.document());
+        ASSERT_TRUE(comparison.agree(document, libraryDocument, naiveDocument));
+        ASSERT_TRUE(comparison.agree(make.damaged(make.element(3)), libraryElements, naiveElements));
+        ASSERT_TRUE(comparison.agree(make.damaged(make.richSubset()), librarySubset<true>, naiveSubset<true>));
+        ASSERT_TRUE(comparison.agree(make.damaged(make.doctype()), libraryDoctype, naiveDoctype));
+    }
 }
 
 }  // namespace Xml::test
