@@ -2,9 +2,9 @@
 
 #include "xml/dtd/AttStringType.h"
 #include "xml/dtd/internal/DtdAccess.h"
+#include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
-#include "xml/stream/internal/StreamAccess.h"
-#include "xml/text/Message.h"
+#include "xml/stream/InStream.h"
 #include "xml/text/Names.h"
 #include <memory>
 
@@ -34,8 +34,7 @@ bool AttListReader::parse(InStream& in) {
         DataHolder value;
         if (rule == DEFAULT || rule == FIXED) {
             if (token[0] != '"' && token[0] != '\'') {
-                StreamAccess::release(in);
-                Message("<AttListReader::parse> string   " + token);
+                Report::diagnose(in, "<AttListReader::parse> string   " + token);
                 return false;
             }
             value.assign(token, 1, token.size() - 2);
@@ -44,14 +43,14 @@ bool AttListReader::parse(InStream& in) {
         auto definition = std::make_unique<AttStringType>(rule, value);
         if (list == nullptr) list = DtdAccess::findList(*dtd, element);
         if (list == nullptr) {
-            dtd->addAttDecl(element, attribute, definition.get());
+            Report::during(in, [&] { dtd->addAttDecl(element, attribute, definition.get()); });
             definition.release();
         } else if (DtdAccess::define(*list, attribute, definition.get())) {
             definition.release();
             dtd->touch();
         } else {
-            StreamAccess::release(in);  // the duplicate is reported to the caller's handler
-            dtd->addAttDecl(element, attribute, definition.get());
+            // Refused and reported: a duplicate.
+            Report::during(in, [&] { dtd->addAttDecl(element, attribute, definition.get()); });
         }
         if (!getToken(in, attribute)) return false;
     }

@@ -5,8 +5,8 @@
 #include "xml/dtd/NameSpec.h"
 #include "xml/dtd/SeqSpec.h"
 #include "xml/reader/internal/Repetition.h"
+#include "xml/reader/internal/Report.h"
 #include "xml/stream/internal/StreamAccess.h"
-#include "xml/text/Message.h"
 #include "xml/text/Names.h"
 #include <memory>
 #include <string>
@@ -45,7 +45,7 @@ private:
     bool failWith(const std::string& text) {
         if (levels.size() == 1) return reader.fail(in, text);
         ChildrenSpecReader nested(reader.dtd);
-        nested.message(in, text);
+        Report::message(nested, in, text);
         return reader.failAs(nested);
     }
 
@@ -158,10 +158,7 @@ private:
     void endGroup() {
         Level& level = levels.back();
         if (level.pending) {
-            if (level.current) {
-                StreamAccess::release(in);
-                Message(std::string("<ChildrenSpecReader::parse> cur not 0"));
-            }
+            if (level.current) Report::diagnose(in, "<ChildrenSpecReader::parse> cur not 0");
             auto sequence = std::make_unique<SeqSpec>(reader.dtd);
             sequence->add(level.pending.get());
             level.pending.release();

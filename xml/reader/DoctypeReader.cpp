@@ -3,6 +3,7 @@
 #include "orvsys/Files.h"
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/DTDReader.h"
+#include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/FileInStream.h"
 #include "xml/stream/internal/StreamAccess.h"
@@ -54,8 +55,7 @@ bool DoctypeReader::readExternalSubset(InStream& in, DTDReader& reader) {
     if (probe.OpenForReading()) file.open(path, std::ios_base::in | std::ios_base::binary);
     if (!file.is_open()) return fail(in, "Could not open file: " + path);
     FileInStream subset(&file);
-    StreamAccess::release(in);
-    if (!reader.parse(subset)) return failAs(reader);
+    if (!Report::during(in, [&] { return reader.parse(subset); })) return failAs(reader);
     DtdAccess::bytesReadBefore(*reader.getDtd()) = probe.GetLength();
     return true;
 }

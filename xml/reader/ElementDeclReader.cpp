@@ -7,9 +7,9 @@
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/ChildrenSpecReader.h"
 #include "xml/reader/MixedSpecReader.h"
+#include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
-#include "xml/text/Message.h"
 #include <memory>
 
 namespace Xml {
@@ -17,9 +17,8 @@ namespace Xml {
 namespace {
 
 void declare(const InStream& in, Dtd& dtd, const std::string& name, std::unique_ptr<ContentSpec> model) {
-    StreamAccess::release(in);  // a duplicate is reported to the caller's handler
     const bool refused = DtdAccess::isDeclared(dtd, name);
-    dtd.addElementDecl(name, model.get());
+    Report::during(in, [&] { dtd.addElementDecl(name, model.get()); });
     if (!refused) model.release();
 }
 
@@ -52,8 +51,7 @@ bool ElementDeclReader::parse(InStream& in) {
             declare(in, *dtd, name, std::unique_ptr<ContentSpec>(reader.extractChildrenSpec()));
         }
     } else {
-        StreamAccess::release(in);
-        Message("<ElementDeclReader::parse> don't know what to do " + token);
+        Report::diagnose(in, "<ElementDeclReader::parse> don't know what to do " + token);
         return false;
     }
     return checkToken(in, kGreaterThen);

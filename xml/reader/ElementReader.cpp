@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/reader/internal/ExpandValue.h"
+#include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Names.h"
@@ -44,7 +45,7 @@ private:
     bool failWith(const std::string& text) {
         if (depth == 1) return reader.fail(in, text);
         ElementReader nested(reader.dtd);
-        nested.message(in, text);
+        Report::message(nested, in, text);
         return reader.failAs(nested);
     }
 

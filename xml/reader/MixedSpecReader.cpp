@@ -2,8 +2,8 @@
 
 #include "xml/dtd/MixedSpec.h"
 #include "xml/reader/internal/Repetition.h"
-#include "xml/stream/internal/StreamAccess.h"
-#include <utility>
+#include "xml/reader/internal/Report.h"
+#include "xml/stream/InStream.h"
 
 namespace Xml {
 
@@ -28,8 +28,7 @@ bool MixedSpecReader::parse(InStream& in) {
         if (token != "|") return fail(in, "\"|\" expected");
         std::string name;
         if (!getName(in, name)) return false;
-        StreamAccess::release(in);  // a repeated name is reported to the caller's handler
-        model->addName(name);
+        Report::during(in, [&] { model->addName(name); });
         if (!getToken(in, token)) return false;
     }
     return checkToken(in, "*");

@@ -1,6 +1,7 @@
 #include "xml/reader/Reader.h"
 
-#include "xml/stream/internal/StreamAccess.h"
+#include "xml/reader/internal/Report.h"
+#include "xml/stream/InStream.h"
 #include <algorithm>
 #include <string>
 #include <typeinfo>
@@ -41,8 +42,7 @@ bool Reader::getCharData(InStream& in, DataHolder& data) { return in.getCharData
 bool Reader::fail(InStream& in) { return fail(in, in.getErrorMessage()); }
 
 bool Reader::fail(InStream& in, const std::string& text) {
-    StreamAccess::release(in);  // message() may be a caller's
-    message(in, text);
+    Report::message(*this, in, text);
     return false;
 }
 

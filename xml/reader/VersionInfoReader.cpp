@@ -1,5 +1,6 @@
 #include "xml/reader/VersionInfoReader.h"
 
+#include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include <string>
 
@@ -29,7 +30,7 @@ bool VersionInfoReader::parse(InStream& in) {
         if (i != kQuestionMark || token != "encoding") return false;
 
         if (!checkToken(in, kEqual) || !getToken(in, token)) return false;
-        if (token != "\"UTF-8\"" && token != "'UTF-8'") message(in, "Unsupported encoding: " + token);
+        if (token != "\"UTF-8\"" && token != "'UTF-8'") Report::message(*this, in, "Unsupported encoding: " + token);
         if (!getToken(in, token)) return false;
     }
     return false;

@@ -1,0 +1,16 @@
+#include "xml/reader/internal/Report.h"
+
+#include "xml/reader/Reader.h"
+#include "xml/text/Message.h"
+
+namespace Xml {
+
+void Report::message(Reader& reader, InStream& in, const std::string& text) {
+    during(in, [&] { reader.message(in, text); });
+}
+
+void Report::diagnose(const InStream& in, const std::string& text) {
+    during(in, [&] { Message{text}; });
+}
+
+}  // namespace Xml
