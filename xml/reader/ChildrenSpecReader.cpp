@@ -169,7 +169,7 @@ private:
         level.current.release();
         levels.pop_back();
         if (levels.empty()) {
-            delete std::exchange(reader.model, group.release());
+            reader.model = std::move(group);
             return;
         }
         Level& outer = levels.back();
@@ -194,10 +194,10 @@ private:
 
 ChildrenSpecReader::ChildrenSpecReader(Dtd* itsDtd) : dtd(itsDtd) {}
 
-ChildrenSpecReader::~ChildrenSpecReader() { delete model; }
+ChildrenSpecReader::~ChildrenSpecReader() = default;
 
 bool ChildrenSpecReader::parse(InStream& in) { return Run(*this, in).run(); }
 
-ChildrenSpec* ChildrenSpecReader::extractChildrenSpec() { return std::exchange(model, nullptr); }
+ChildrenSpec* ChildrenSpecReader::extractChildrenSpec() { return model.release(); }
 
 }  // namespace Xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
+#include <memory>
 
 namespace Xml {
 
@@ -24,7 +25,7 @@ private:
     class Run;
 
     Dtd* dtd;
-    ChildrenSpec* model = nullptr;
+    std::unique_ptr<ChildrenSpec> model;
 };
 
 }  // namespace Xml

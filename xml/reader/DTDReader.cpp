@@ -7,13 +7,12 @@
 #include "xml/reader/EntityReader.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
-#include <utility>
 
 namespace Xml {
 
-DTDReader::DTDReader(const std::string& name) : dtd(new Dtd(name)) {}
+DTDReader::DTDReader(const std::string& name) : dtd(std::make_unique<Dtd>(name)) {}
 
-DTDReader::~DTDReader() { delete dtd; }
+DTDReader::~DTDReader() = default;
 
 void DTDReader::setInternal(bool isInternal) { internal = isInternal; }
 
@@ -41,16 +40,16 @@ bool DTDReader::endOfData(InStream& in) { return !internal || fail(in); }
 bool DTDReader::readDeclaration(InStream& in, const std::string& token) {
     const auto run = [this, &in](auto&& reader) { return reader.parse(in) || failAs(reader); };
     if (token == kBeginComment) return run(CommentReader());
-    if (token == "<!ELEMENT") return run(ElementDeclReader(dtd));
-    if (token == "<!ATTLIST") return run(AttListReader(dtd));
-    if (token == "<!ENTITY") return run(EntityReader(dtd));
+    if (token == "<!ELEMENT") return run(ElementDeclReader(dtd.get()));
+    if (token == "<!ATTLIST") return run(AttListReader(dtd.get()));
+    if (token == "<!ENTITY") return run(EntityReader(dtd.get()));
     return fail(in, "unexpected token \"" + token + "\"");
 }
 
-Dtd* DTDReader::getDtd() { return dtd; }
+Dtd* DTDReader::getDtd() { return dtd.get(); }
 
-const Dtd* DTDReader::getDtd() const { return dtd; }
+const Dtd* DTDReader::getDtd() const { return dtd.get(); }
 
-Dtd* DTDReader::extractDtd() { return std::exchange(dtd, nullptr); }
+Dtd* DTDReader::extractDtd() { return dtd.release(); }
 
 }  // namespace Xml

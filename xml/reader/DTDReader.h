@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
+#include <memory>
 #include <string>
 
 namespace Xml {
@@ -27,10 +28,10 @@ public:
     Dtd* extractDtd();
 
 private:
-    bool readDeclaration(InStream& in, const std::string& token);
-    bool endOfData(InStream& in);
+    ORVXML_LOCAL bool readDeclaration(InStream& in, const std::string& token);
+    ORVXML_LOCAL bool endOfData(InStream& in);
 
-    Dtd* dtd;
+    std::unique_ptr<Dtd> dtd;
     bool internal = false;
 };
 

@@ -20,7 +20,7 @@ bool externalSubsetsRefused = false;
 
 DoctypeReader::DoctypeReader() = default;
 
-DoctypeReader::~DoctypeReader() { delete dtd; }
+DoctypeReader::~DoctypeReader() = default;
 
 bool DoctypeReader::refuseExternalSubsets(bool refuse) { return std::exchange(externalSubsetsRefused, refuse); }
 
@@ -39,7 +39,7 @@ bool DoctypeReader::parse(InStream& in) {
     } else {
         return fail(in, "Unexpected token \"" + token + "\"");
     }
-    delete std::exchange(dtd, reader.extractDtd());
+    dtd.reset(reader.extractDtd());
     return checkToken(in, kGreaterThen);
 }
 
@@ -60,6 +60,6 @@ bool DoctypeReader::readExternalSubset(InStream& in, DTDReader& reader) {
     return true;
 }
 
-Dtd* DoctypeReader::extractDtd() { return std::exchange(dtd, nullptr); }
+Dtd* DoctypeReader::extractDtd() { return dtd.release(); }
 
 }  // namespace Xml

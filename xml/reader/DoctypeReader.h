@@ -1,14 +1,14 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
-#include <string>
+#include <memory>
 
 namespace Xml {
 
 class Dtd;
 class DTDReader;
 
-// Reads a document type declaration: its internal subset, or the external one in the file named behind SYSTEM (relative to
+// Reads a document type declaration: its internal subset, or the external one in the file named after SYSTEM (relative to
 // the working directory of the process; regular files only).
 class ORVXML_API DoctypeReader : public Reader {
 public:
@@ -25,9 +25,9 @@ public:
     static bool refuseExternalSubsets(bool refuse);
 
 private:
-    bool readExternalSubset(InStream& in, DTDReader& reader);
+    ORVXML_LOCAL bool readExternalSubset(InStream& in, DTDReader& reader);
 
-    Dtd* dtd = nullptr;
+    std::unique_ptr<Dtd> dtd;
 };
 
 }  // namespace Xml

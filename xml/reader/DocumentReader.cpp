@@ -11,18 +11,13 @@
 #include "xml/reader/VersionInfoReader.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
-#include <memory>
 #include <string>
-#include <utility>
 
 namespace Xml {
 
 DocumentReader::DocumentReader() = default;
 
-DocumentReader::~DocumentReader() {
-    delete document;
-    delete dtd;
-}
+DocumentReader::~DocumentReader() = default;
 
 bool DocumentReader::parse(InStream& in) {
     const StreamAccess::Session session(in);
@@ -39,7 +34,7 @@ bool DocumentReader::peekToken(InStream& in, std::string& token) {
 
 bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
-    delete std::exchange(dtd, nullptr);  // of a document whose root element could not be read
+    dtd.reset();
     std::string token;
     if (!peekToken(in, token)) return false;
     if (token == "<?xml") {
@@ -64,7 +59,7 @@ bool DocumentReader::parseProlog(InStream& in) {
     StreamAccess::seek(in, position);
     DoctypeReader reader;
     if (!reader.parse(in)) return failAs(reader);
-    dtd = reader.extractDtd();
+    dtd.reset(reader.extractDtd());
     if (!parseMisc(in)) return false;
     // Called by itself, the step with the root element counts its bytes from its own beginning.
     if (StreamAccess::isOutermost(in)) DtdAccess::bytesReadBefore(*dtd) += StreamAccess::bytesRead(in);
@@ -73,12 +68,12 @@ bool DocumentReader::parseProlog(InStream& in) {
 
 bool DocumentReader::parseElement(InStream& in) {
     const StreamAccess::Session session(in);
-    ElementReader reader(dtd);
+    ElementReader reader(dtd.get());
     if (!reader.parse(in)) return failAs(reader);
-    delete std::exchange(document, nullptr);
-    document = new Document(reader.getRoot(), dtd);
-    reader.extractRoot();
-    dtd = nullptr;
+    document.reset();
+    document = std::make_unique<Document>(reader.getRoot(), dtd.get());
+    reader.extractRoot();  // the document's now, as the Dtd
+    dtd.release();
     return document->validate() || fail(in, "Doc could not be validated");
 }
 
@@ -101,10 +96,10 @@ bool DocumentReader::parseMisc(InStream& in) {
     }
 }
 
-Document* DocumentReader::getDocument() { return document; }
+Document* DocumentReader::getDocument() { return document.get(); }
 
-const Document* DocumentReader::getDocument() const { return document; }
+const Document* DocumentReader::getDocument() const { return document.get(); }
 
-Document* DocumentReader::extractDocument() { return std::exchange(document, nullptr); }
+Document* DocumentReader::extractDocument() { return document.release(); }
 
 }  // namespace Xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
+#include <memory>
 #include <string>
 
 namespace Xml {
@@ -17,7 +18,7 @@ class Dtd;
 //
 // A document that is not valid is reported as "Doc could not be validated" and can be taken all the same. A DOCTYPE with a
 // PUBLIC identifier is skipped. After a success the error message may still hold a note: an encoding that is not supported,
-// or the end of the data behind the root element.
+// or the end of the data after the root element.
 class ORVXML_API DocumentReader : public Reader {
 public:
     DocumentReader();
@@ -41,10 +42,10 @@ public:
     Document* extractDocument();
 
 private:
-    bool peekToken(InStream& in, std::string& token);
+    ORVXML_LOCAL bool peekToken(InStream& in, std::string& token);
 
-    Document* document = nullptr;
-    Dtd* dtd = nullptr;
+    std::unique_ptr<Document> document;
+    std::unique_ptr<Dtd> dtd;  // of a document whose root element has not been read
 };
 
 }  // namespace Xml

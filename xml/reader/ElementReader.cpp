@@ -77,7 +77,7 @@ private:
         std::unique_ptr<Element> element = NodeAccess::makeElement(StreamAccess::token(in));
         open.push_back(nullptr);  // so that nothing can fail once the element has its owner
         open.back() = element.release();
-        if (open.size() == 1) delete std::exchange(reader.root, open.back());
+        if (open.size() == 1) reader.root.reset(open.back());
     }
 
     // Up to the token behind the attributes, which stays in the parse buffer.
@@ -156,14 +156,14 @@ private:
 
 ElementReader::ElementReader(Dtd* itsDtd) : dtd(itsDtd) {}
 
-ElementReader::~ElementReader() { delete root; }
+ElementReader::~ElementReader() = default;
 
 bool ElementReader::parse(InStream& in) { return Run(*this, in).run(); }
 
-Element* ElementReader::getRoot() { return root; }
+Element* ElementReader::getRoot() { return root.get(); }
 
-const Element* ElementReader::getRoot() const { return root; }
+const Element* ElementReader::getRoot() const { return root.get(); }
 
-Element* ElementReader::extractRoot() { return std::exchange(root, nullptr); }
+Element* ElementReader::extractRoot() { return root.release(); }
 
 }  // namespace Xml

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
-#include <string>
-#include <vector>
+#include <memory>
 
 namespace Xml {
 
@@ -34,7 +33,7 @@ public:
 private:
     class Run;
 
-    Element* root = nullptr;
+    std::unique_ptr<Element> root;
     Dtd* dtd;
 };
 

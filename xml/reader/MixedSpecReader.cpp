@@ -9,12 +9,12 @@ namespace Xml {
 
 MixedSpecReader::MixedSpecReader(Dtd* itsDtd) : dtd(itsDtd) {}
 
-MixedSpecReader::~MixedSpecReader() { delete model; }
+MixedSpecReader::~MixedSpecReader() = default;
 
 bool MixedSpecReader::parse(InStream& in) {
     if (!checkToken(in, "(") || !checkToken(in, "#PCDATA")) return false;
-    delete std::exchange(model, nullptr);
-    model = new MixedSpec(dtd);
+    model.reset();
+    model = std::make_unique<MixedSpec>(dtd);
 
     std::string token;
     if (!getToken(in, token)) return false;
@@ -34,6 +34,6 @@ bool MixedSpecReader::parse(InStream& in) {
     return checkToken(in, "*");
 }
 
-MixedSpec* MixedSpecReader::extractMixedSpec() { return std::exchange(model, nullptr); }
+MixedSpec* MixedSpecReader::extractMixedSpec() { return model.release(); }
 
 }  // namespace Xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/reader/Reader.h"
+#include <memory>
 
 namespace Xml {
 
@@ -21,7 +22,7 @@ public:
 
 private:
     Dtd* dtd;
-    MixedSpec* model = nullptr;
+    std::unique_ptr<MixedSpec> model;
 };
 
 }  // namespace Xml

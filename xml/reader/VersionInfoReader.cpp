@@ -13,7 +13,7 @@ constexpr const char* headerTokens[] = {"<?xml", "version", "=", "\"1.0\"", "?"}
 constexpr int kVersionValue = 3;
 constexpr int kQuestionMark = 4;
 
-// Tokens behind the encoding (a standalone declaration, say) are passed over, but not for ever.
+// Tokens after the encoding (a standalone declaration, say) are passed over, but not for ever.
 constexpr int kMostTokens = 20;
 
 }  // namespace
