@@ -123,8 +123,7 @@ private:
     mutable std::string unknownEntityName;
 
     mutable std::uint64_t validationRun = 0;  // while a validation is under way: its number
-    std::int64_t entityGrowth = 0;            // bytes that readers made from references to these entities
-    std::int64_t bytesRead = 0;               // bytes of external subsets and prologs behind this Dtd
+    std::int64_t bytesRead = 0;               // for this Dtd in streams of their own: an external subset, a prolog
 };
 
 }  // namespace Xml

@@ -28,7 +28,7 @@ public:
     Dtd* extractDtd();
 
 private:
-    ORVXML_LOCAL bool readDeclaration(InStream& in, const std::string& token);
+    ORVXML_LOCAL bool readDeclaration(InStream& in, const std::string& token, EntityBudget& budget);
     ORVXML_LOCAL bool endOfData(InStream& in);
 
     std::unique_ptr<Dtd> dtd;

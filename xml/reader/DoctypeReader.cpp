@@ -3,6 +3,7 @@
 #include "orvsys/Files.h"
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/DTDReader.h"
+#include "xml/reader/internal/EntityBudget.h"
 #include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/FileInStream.h"
@@ -31,6 +32,7 @@ bool DoctypeReader::parse(InStream& in) {
     if (!checkToken(in, "<!DOCTYPE") || !getName(in, name) || !getToken(in, token)) return false;
 
     DTDReader reader(name);
+    EntityBudget::passOn(*this, reader);
     if (token == "SYSTEM") {
         if (!readExternalSubset(in, reader)) return false;
     } else if (token == "[") {
@@ -56,7 +58,7 @@ bool DoctypeReader::readExternalSubset(InStream& in, DTDReader& reader) {
     if (!file.is_open()) return fail(in, "Could not open file: " + path);
     FileInStream subset(&file);
     if (!Report::during(in, [&] { return reader.parse(subset); })) return failAs(reader);
-    DtdAccess::bytesReadBefore(*reader.getDtd()) = probe.GetLength();
+    DtdAccess::addBytesRead(*reader.getDtd(), probe.GetLength());
     return true;
 }
 

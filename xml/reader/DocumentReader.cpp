@@ -9,9 +9,12 @@
 #include "xml/reader/ElementReader.h"
 #include "xml/reader/PIReader.h"
 #include "xml/reader/VersionInfoReader.h"
+#include "xml/reader/internal/EntityBudget.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace Xml {
 
@@ -35,6 +38,7 @@ bool DocumentReader::peekToken(InStream& in, std::string& token) {
 bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
     dtd.reset();
+    ownBudget.reset();
     std::string token;
     if (!peekToken(in, token)) return false;
     if (token == "<?xml") {
@@ -58,22 +62,27 @@ bool DocumentReader::parseProlog(InStream& in) {
     }
     StreamAccess::seek(in, position);
     DoctypeReader reader;
+    auto itsBudget = std::make_unique<EntityBudget>();
+    EntityBudget::give(reader, *itsBudget);
     if (!reader.parse(in)) return failAs(reader);
     dtd.reset(reader.extractDtd());
+    ownBudget = std::move(itsBudget);
     if (!parseMisc(in)) return false;
     // Called by itself, the step with the root element counts its bytes from its own beginning.
-    if (StreamAccess::isOutermost(in)) DtdAccess::bytesReadBefore(*dtd) += StreamAccess::bytesRead(in);
+    if (StreamAccess::isOutermost(in)) DtdAccess::addBytesRead(*dtd, StreamAccess::bytesRead(in));
     return true;
 }
 
 bool DocumentReader::parseElement(InStream& in) {
     const StreamAccess::Session session(in);
     ElementReader reader(dtd.get());
+    if (ownBudget) EntityBudget::give(reader, *ownBudget);
     if (!reader.parse(in)) return failAs(reader);
     document.reset();
     document = std::make_unique<Document>(reader.getRoot(), dtd.get());
     reader.extractRoot();  // the document's now, as the Dtd
     dtd.release();
+    ownBudget.reset();
     return document->validate() || fail(in, "Doc could not be validated");
 }
 

@@ -8,6 +8,7 @@ namespace Xml {
 
 class Document;
 class Dtd;
+class EntityBudget;
 
 // Reads a whole document and validates it when it brings a document type description.
 //
@@ -45,7 +46,10 @@ private:
     ORVXML_LOCAL bool peekToken(InStream& in, std::string& token);
 
     std::unique_ptr<Document> document;
-    std::unique_ptr<Dtd> dtd;  // of a document whose root element has not been read
+
+    // Of a document whose root element has not been read. Its steps are one reading.
+    std::unique_ptr<Dtd> dtd;
+    std::unique_ptr<EntityBudget> ownBudget;  // there when the Dtd is
 };
 
 }  // namespace Xml

@@ -1,7 +1,7 @@
 #include "xml/reader/ElementReader.h"
 
 #include "xml/dom/internal/NodeAccess.h"
-#include "xml/reader/internal/ExpandValue.h"
+#include "xml/reader/internal/EntityBudget.h"
 #include "xml/reader/internal/Report.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
@@ -21,7 +21,7 @@ namespace Xml {
 class ElementReader::Run {
 public:
     Run(ElementReader& outerReader, InStream& stream)
-        : reader(outerReader), in(stream), session(stream), growth(stream, outerReader.dtd) {}
+        : reader(outerReader), in(stream), session(stream), budget(EntityBudget::of(outerReader, ownBudget)) {}
 
     ~Run() {
         // What was not finished belongs to nobody but the outermost element, which is the reader's.
@@ -93,7 +93,7 @@ private:
             if (!in.getStringInParseBuffer()) return fail();
             const std::string& literal = StreamAccess::token(in);
             DataHolder value(literal, 1, literal.size() - 2);
-            if (!expandValue(in, value, reader.dtd)) return failWith(kEntityTextTooLarge);
+            if (!budget.expand(in, value, reader.dtd)) return failWith(kEntityTextTooLarge);
             NodeAccess::appendAttribute(element, name, std::move(value));
         }
     }
@@ -147,7 +147,8 @@ private:
     ElementReader& reader;
     InStream& in;
     StreamAccess::Session session;
-    OwnGrowth growth;
+    EntityBudget ownBudget;
+    EntityBudget& budget;
     std::vector<Element*> open;  // begun and not complete, outermost first
     std::size_t depth = 0;       // of the element whose reader would be at work
     int referenceEnd = 0;        // behind the last reference that was read

@@ -6,6 +6,7 @@
 
 namespace Xml {
 
+class EntityBudget;
 class InStream;
 
 // The base of all readers. A reader reads one construct with its own `bool parse(InStream&)`, which is not virtual: it
@@ -48,7 +49,10 @@ protected:
     bool failAs(const Reader& other);
 
 private:
+    friend class EntityBudget;
+
     std::string errorMessage;
+    EntityBudget* givenBudget = nullptr;  // of the reading that this reader is a part of; null for an outermost one
 };
 
 }  // namespace Xml

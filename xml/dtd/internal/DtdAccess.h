@@ -28,14 +28,12 @@ struct DtdAccess {
         return true;
     }
 
-    // Bytes made so far, over all readers that use this Dtd.
-    static std::int64_t& entityGrowth(Dtd& dtd) { return dtd.entityGrowth; }
+    // Bytes that were read for the Dtd before a reading that uses it, or aside from it: an external subset, a prolog read as a step
+    // of its own. They count in the bound below, for a fragment that is read with a document's Dtd as well.
+    static std::int64_t bytesReadElsewhere(const Dtd& dtd) { return dtd.bytesRead; }
+    static void addBytesRead(Dtd& dtd, std::int64_t count) { dtd.bytesRead += count; }
 
-    // Bytes read for the document elsewhere than in the session at hand: the external subset, a prolog read as a step of its
-    // own.
-    static std::int64_t& bytesReadBefore(Dtd& dtd) { return dtd.bytesRead; }
-
-    // The bound that was set, 0 when there is none.
+    // The bound on text from references that was set, 0 when there is none.
     static std::int64_t entityGrowthLimit();
 };
 
