@@ -1,0 +1,111 @@
+#include "xml/reader/internal/LiteralContent.h"
+
+#include "xml/dom/internal/TreeBuilder.h"
+#include "xml/reader/ElementReader.h"
+#include "xml/reader/internal/EntityBudget.h"
+#include "xml/reader/internal/Report.h"
+#include "xml/reader/internal/Tokens.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include "xml/text/Names.h"
+#include <memory>
+#include <utility>
+
+namespace Xml {
+
+bool LiteralContent::read() {
+    if (!beginElement()) return false;
+    while (tree.isOpen()) {
+        if (!readPiece()) return false;
+    }
+    return true;
+}
+
+// --- Failures, as the reader of the innermost element reports them ---
+
+bool LiteralContent::failWith(const std::string& text) {
+    if (depth == 1) {
+        Report::message(reader, in, text);
+    } else {
+        ElementReader nested(dtd);
+        Report::message(nested, in, text);
+        reader.setMessage(nested.getErrorMessage());
+    }
+    return false;
+}
+
+bool LiteralContent::fail() { return failWith(in.getErrorMessage()); }
+
+bool LiteralContent::failSilently() {
+    if (depth > 1) reader.setMessage(std::string());  // the message of a nested reader that has none
+    return false;
+}
+
+// --- Tags ---
+
+// The start tag of an element, with its end when it has no content.
+bool LiteralContent::beginElement() {
+    ++depth;
+    if (!in.checkToken(kLessThen)) return fail();
+    StreamAccess::clear(in);
+    if (!in.getNameInParseBuffer()) return fail();
+    tree.begin(StreamAccess::token(in));
+    if (!readAttributes()) return false;
+    if (StreamAccess::token(in) == kSlashGreaterThen) {
+        endElement();
+        return true;
+    }
+    return StreamAccess::token(in) == kGreaterThen || failSilently();
+}
+
+// Up to the token after the attributes, which stays in the parse buffer.
+bool LiteralContent::readAttributes() {
+    TreeBuilder::Attributes attributes(tree);
+    std::string name;
+    while (true) {
+        if (!StreamAccess::getToken(in)) return fail();
+        if (!isName(StreamAccess::token(in))) return true;
+        name = StreamAccess::token(in);
+        if (!in.checkToken(kEqual)) return fail();
+        StreamAccess::clear(in);
+        if (!in.getStringInParseBuffer()) return fail();
+        const std::string& literal = StreamAccess::token(in);
+        DataHolder value(literal, 1, literal.size() - 2);
+        if (!budget.expand(in, value, dtd)) return failWith(kEntityTextTooLarge);
+        attributes.add(name, std::move(value));
+    }
+}
+
+bool LiteralContent::readEndTag() {
+    if (!in.checkToken(tree.innermost().getName()) || !in.checkToken(kGreaterThen)) return fail();
+    endElement();
+    return true;
+}
+
+void LiteralContent::endElement() {
+    tree.end();
+    --depth;
+}
+
+// --- Content ---
+
+// The next piece of the innermost element's content, or its end tag.
+bool LiteralContent::readPiece() {
+    const int position = StreamAccess::tell(in);
+    if (!StreamAccess::getContentToken(in, referenceEnd)) return fail();
+    const std::string& token = StreamAccess::token(in);
+    if (token[0] == '<') {
+        if (token == kLessThenSlash) return readEndTag();
+        const bool isElement = token == kLessThen;
+        if (!isElement && token != kBeginComment) return failWith("unexpected markup \"" + token + "\"");
+        StreamAccess::seek(in, position);
+        if (isElement) return beginElement();
+        return in.skip(kEndComment) || failSilently();
+    }
+    StreamAccess::seek(in, position);
+    std::unique_ptr<CharData> text = NodeAccess::makeCharData();
+    if (!in.getCharData(text->data())) return fail();
+    tree.addText(std::move(text));
+    return true;
+}
+
+}  // namespace Xml
