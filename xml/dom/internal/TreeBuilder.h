@@ -52,7 +52,9 @@ public:
     class Attributes {
     public:
         explicit Attributes(TreeBuilder& tree) : element(*tree.here) {}
-        ~Attributes() { NodeAccess::sortAttributes(element); }
+        ~Attributes() {
+            if (NodeAccess::attributes(element).size() > 1) NodeAccess::sortAttributes(element);
+        }
         Attributes(const Attributes&) = delete;
         Attributes& operator=(const Attributes&) = delete;
 
@@ -73,10 +75,9 @@ public:
             here = nullptr;
             return;
         }
-        std::unique_ptr<Element> element = std::move(inner.back());
+        here = inner.size() > 1 ? inner[inner.size() - 2].get() : root.get();
+        NodeAccess::appendChild(*here, std::move(inner.back()));
         inner.pop_back();
-        here = inner.empty() ? root.get() : inner.back().get();
-        NodeAccess::appendChild(*here, std::move(element));
     }
 
 private:
