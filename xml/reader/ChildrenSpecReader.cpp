@@ -13,23 +13,26 @@
 #include <utility>
 #include <vector>
 
-// Groups may be nested as deep as a text is long, so the readers that would run each other for them are levels on a stack. As in
-// the element reader a nested one reports under the plain class's name.
-
 namespace Xml {
 
-class ChildrenSpecReader::Run {
+namespace {
+
+// By the rules a reader runs another one for each group within its own. Groups may be nested as deep as a text is long, so these
+// readers are levels on a stack here. As in the element reader a nested one reports under the name of the plain class.
+class Groups {
 public:
-    Run(ChildrenSpecReader& outerReader, InStream& stream) : reader(outerReader), in(stream), session(stream) {}
+    Groups(ChildrenSpecReader& outermost, InStream& stream, Dtd* itsDtd) : reader(outermost), in(stream), dtd(itsDtd) {}
 
-    Run(const Run&) = delete;
-    Run& operator=(const Run&) = delete;
+    Groups(const Groups&) = delete;
+    Groups& operator=(const Groups&) = delete;
 
-    bool run() {
+    // Reads the outermost group, with all within it, and the repetition after it.
+    bool read(std::unique_ptr<ChildrenSpec>& model) {
         if (!beginGroup()) return false;
         while (!levels.empty()) {
             if (!readItem()) return false;
         }
+        model = std::move(complete);
         return true;
     }
 
@@ -43,10 +46,12 @@ private:
     };
 
     bool failWith(const std::string& text) {
-        if (levels.size() == 1) return reader.fail(in, text);
-        ChildrenSpecReader nested(reader.dtd);
-        Report::message(nested, in, text);
-        return reader.failAs(nested);
+        if (levels.size() == 1) {
+            Report::message(reader, in, text);
+        } else {
+            Report::nestedMessage(reader, ChildrenSpecReader(dtd), in, text);
+        }
+        return false;
     }
 
     bool fail() { return failWith(in.getErrorMessage()); }
@@ -71,7 +76,7 @@ private:
         return nextToken();
     }
 
-    // One item, whose first token has been read, and the token behind it.
+    // One item, whose first token has been read, and the token after it.
     bool readItem() {
         Level& level = levels.back();
         if (token == "(") {
@@ -95,9 +100,9 @@ private:
         } else if (level.choice != nullptr) {
             level.choice->addChoice(name, repetition);
         } else if (repetition != REP_ONCE) {
-            level.pending = std::make_unique<ChildrenSpec>(reader.dtd, name, repetition);
+            level.pending = std::make_unique<ChildrenSpec>(dtd, name, repetition);
         } else {
-            level.current = std::make_unique<NameSpec>(reader.dtd, name);
+            level.current = std::make_unique<NameSpec>(dtd, name);
         }
     }
 
@@ -127,14 +132,14 @@ private:
     }
 
     void openSequence(Level& level) {
-        auto sequence = std::make_unique<SeqSpec>(reader.dtd);
+        auto sequence = std::make_unique<SeqSpec>(dtd);
         level.sequence = sequence.get();
         fill(level, *sequence, &SeqSpec::add, &SeqSpec::add);
         level.current = std::move(sequence);
     }
 
     void openChoice(Level& level) {
-        auto choice = std::make_unique<ChoiceSpec>(reader.dtd);
+        auto choice = std::make_unique<ChoiceSpec>(dtd);
         level.choice = choice.get();
         fill(level, *choice, &ChoiceSpec::addChoice, &ChoiceSpec::addChoice);
         level.current = std::move(choice);
@@ -159,17 +164,17 @@ private:
         Level& level = levels.back();
         if (level.pending) {
             if (level.current) Report::diagnose(in, "<ChildrenSpecReader::parse> cur not 0");
-            auto sequence = std::make_unique<SeqSpec>(reader.dtd);
+            auto sequence = std::make_unique<SeqSpec>(dtd);
             sequence->add(level.pending.get());
             level.pending.release();
             level.current = std::move(sequence);
         }
         const RepType repetition = readMark();
-        auto group = std::make_unique<ChildrenSpec>(reader.dtd, level.current.get(), repetition);
+        auto group = std::make_unique<ChildrenSpec>(dtd, level.current.get(), repetition);
         level.current.release();
         levels.pop_back();
         if (levels.empty()) {
-            reader.model = std::move(group);
+            complete = std::move(group);
             return;
         }
         Level& outer = levels.back();
@@ -186,17 +191,23 @@ private:
 
     ChildrenSpecReader& reader;
     InStream& in;
-    StreamAccess::Session session;
+    Dtd* dtd;
     std::vector<Level> levels;  // outermost first
+    std::unique_ptr<ChildrenSpec> complete;
     std::string token;
     int position = 0;  // where the token was read, for a nested group to read it again
 };
+
+}  // namespace
 
 ChildrenSpecReader::ChildrenSpecReader(Dtd* itsDtd) : dtd(itsDtd) {}
 
 ChildrenSpecReader::~ChildrenSpecReader() = default;
 
-bool ChildrenSpecReader::parse(InStream& in) { return Run(*this, in).run(); }
+bool ChildrenSpecReader::parse(InStream& in) {
+    const StreamAccess::Session session(in);
+    return Groups(*this, in, dtd).read(model);
+}
 
 ChildrenSpec* ChildrenSpecReader::extractChildrenSpec() { return model.release(); }
 

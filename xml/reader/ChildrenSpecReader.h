@@ -22,8 +22,6 @@ public:
     ChildrenSpec* extractChildrenSpec();
 
 private:
-    class Run;
-
     Dtd* dtd;
     std::unique_ptr<ChildrenSpec> model;
 };

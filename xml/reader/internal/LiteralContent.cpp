@@ -26,9 +26,7 @@ bool LiteralContent::failWith(const std::string& text) {
     if (depth == 1) {
         Report::message(reader, in, text);
     } else {
-        ElementReader nested(dtd);
-        Report::message(nested, in, text);
-        reader.setMessage(nested.getErrorMessage());
+        Report::nestedMessage(reader, ElementReader(dtd), in, text);
     }
     return false;
 }

@@ -14,6 +14,9 @@ struct Report {
     // Calls Reader::message.
     static void message(Reader& reader, InStream& in, const std::string& text);
 
+    // Calls it for a nested reader that failed; the reader that runs it takes over what it says.
+    static void nestedMessage(Reader& outer, Reader&& nested, InStream& in, const std::string& text);
+
     // Issues a diagnostic.
     static void diagnose(const InStream& in, const std::string& text);
 

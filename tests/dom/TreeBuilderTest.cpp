@@ -1,0 +1,131 @@
+#include "xml/dom/internal/TreeBuilder.h"
+
+#include "models/Snapshot.h"
+#include "support/Trees.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace Xml::test {
+
+namespace {
+
+using Steps = std::vector<std::string>;
+
+// "<a": a begins, with the attributes named after it, each with its place as value; "/": the innermost ends; anything else is
+// text.
+void build(TreeBuilder& tree, const std::string& step) {
+    if (step == "/") return tree.end();
+    if (step[0] != '<') {
+        std::unique_ptr<CharData> text = NodeAccess::makeCharData();
+        text->data() = DataHolder(step);
+        return tree.addText(std::move(text));
+    }
+    tree.begin(step.substr(1, 1));
+    TreeBuilder::Attributes attributes(tree);
+    for (std::size_t i = 2; i < step.size(); ++i) attributes.add(step.substr(i, 1), DataHolder(std::to_string(i - 1)));
+}
+
+// The same by the operations of nodes.
+class ByOperations {
+public:
+    void build(const std::string& step) {
+        if (step == "/") {
+            if (open.size() > 1) open[open.size() - 2]->addChild(open.back().release());
+            if (open.size() == 1) root = std::move(open.back());
+            return open.pop_back();
+        }
+        if (step[0] != '<') {
+            auto text = std::make_unique<CharData>();
+            text->data() = DataHolder(step);
+            return open.back()->addChild(text.release());
+        }
+        open.push_back(std::make_unique<Element>(step.substr(1, 1)));
+        for (std::size_t i = 2; i < step.size(); ++i)
+            open.back()->setAttribute(step.substr(i, 1), DataHolder(std::to_string(i - 1)));
+    }
+
+    const Element* outermost() const { return !open.empty() ? open.front().get() : root.get(); }
+
+private:
+    std::vector<std::unique_ptr<Element>> open;
+    std::unique_ptr<Element> root;
+};
+
+const Steps kSteps = {"<a", "<bxzy", "text", "/", " ", "<c", "<d", "/", "<exx",
+                      "<f", "/",     "t",    "/", "/", "<g", "/",  "/"};
+
+}  // namespace
+
+TEST(TreeBuilderTest, LeavesWhatTheOperationsOfNodesLeaveAfterEachStep) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    ByOperations expected;
+    for (std::size_t i = 0; i < kSteps.size(); ++i) {
+        SCOPED_TRACE(std::to_string(i) + ": " + kSteps[i]);
+        build(tree, kSteps[i]);
+        expected.build(kSteps[i]);
+        EXPECT_EQ(linksOf(root.get(), nullptr), linksOf(expected.outermost(), nullptr));
+    }
+    EXPECT_EQ(dump(root.get()), "a(b[x=1 y=3 z=2]('text') ' ' c(d e[x=2](f 't')) g)");
+}
+
+TEST(TreeBuilderTest, LeavesTheFinishedChildrenOfTheOutermostElementWhereverItStops) {
+    const struct {
+        std::size_t steps;
+        const char* tree;
+        std::size_t depth;
+        const char* innermost;
+    } kCases[] = {
+        {0, "null", 0, ""},
+        {1, "a", 1, "a"},
+        {2, "a", 2, "b"},
+        {3, "a", 2, "b"},
+        {4, "a(b[x=1 y=3 z=2]('text'))", 1, "a"},
+        {5, "a(b[x=1 y=3 z=2]('text') ' ')", 1, "a"},
+        {7, "a(b[x=1 y=3 z=2]('text') ' ')", 3, "d"},
+        {8, "a(b[x=1 y=3 z=2]('text') ' ')", 2, "c"},
+        {10, "a(b[x=1 y=3 z=2]('text') ' ')", 4, "f"},
+        {14, "a(b[x=1 y=3 z=2]('text') ' ' c(d e[x=2](f 't')))", 1, "a"},
+        {17, "a(b[x=1 y=3 z=2]('text') ' ' c(d e[x=2](f 't')) g)", 0, ""},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.steps);
+        std::unique_ptr<Element> root;
+        {
+            TreeBuilder tree(root);
+            for (std::size_t i = 0; i < c.steps; ++i) build(tree, kSteps[i]);
+            EXPECT_EQ(tree.depth(), c.depth);
+            EXPECT_EQ(tree.isOpen(), c.depth > 0);
+            EXPECT_EQ(tree.isOpen() ? tree.innermost().getName() : "", c.innermost);
+        }
+        EXPECT_EQ(dump(root.get()), c.tree);
+    }
+}
+
+TEST(TreeBuilderTest, PutsAttributesInTheirOrderAndKeepsTheLastOfAName) {
+    std::string names = "abcdab";
+    std::sort(names.begin(), names.end());
+    do {
+        for (std::size_t count = 0; count <= names.size(); ++count) {
+            std::unique_ptr<Element> root;
+            TreeBuilder tree(root);
+            build(tree, "<e" + names.substr(0, count));
+            ByOperations expected;
+            expected.build("<e" + names.substr(0, count));
+            ASSERT_EQ(linksOf(root.get(), nullptr), linksOf(expected.outermost(), nullptr)) << names << " " << count;
+            ASSERT_EQ(dump(root.get()), dump(expected.outermost())) << names << " " << count;
+        }
+    } while (std::next_permutation(names.begin(), names.end()));
+}
+
+TEST(TreeBuilderTest, ReplacesTheOutermostElementThatIsThereWhenItsOwnBegins) {
+    auto root = std::make_unique<Element>("before");
+    TreeBuilder tree(root);
+    EXPECT_EQ(dump(root.get()), "before");
+    tree.begin("after");
+    EXPECT_EQ(dump(root.get()), "after");
+    tree.end();
+    EXPECT_EQ(dump(root.get()), "after");
+}
+
+}  // namespace Xml::test
