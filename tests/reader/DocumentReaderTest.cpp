@@ -21,6 +21,7 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <memory>
+#include <utility>
 
 namespace Xml::test {
 
@@ -420,6 +421,69 @@ TEST(DocumentReaderTest, CountsTheBytesOfAllItsStepsInTheBound) {
             ASSERT_TRUE(reader.parseProlog(in)) << reader.getErrorMessage();
             ASSERT_TRUE(reader.parseElement(in)) << reader.getErrorMessage();
         });
+    }
+}
+
+// The entities `e`, 5000 bytes, and `f`, that many references to it.
+std::string declaring(int references) {
+    return "<!ENTITY e '" + std::string(5000, 'x') + "'><!ENTITY f '" + repeated("&e;", references) + "'>";
+}
+
+TEST(DocumentReaderTest, CountsTheTextOfAllItsStepsInTheBound) {
+    const ScratchFile few("few.dtd", declaring(60));
+    const GrowthLimit limit(1000);
+    const struct {
+        const char* name;
+        std::string doctype;
+    } kDoctypes[] = {
+        {"internal", "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a x CDATA #IMPLIED>" + declaring(60) + "]>"},
+        {"external", "<!DOCTYPE a SYSTEM '" + few.path + "'>"},
+    };
+    for (const auto& doctype : kDoctypes) {
+        for (const bool inSteps : {false, true}) {
+            for (const auto& [references, within] : {std::pair(40, true), std::pair(80, false)}) {
+                const std::string text = doctype.doctype + "<a x='" + repeated("&e;", references) + "'/>";
+                for (auto source : kAllSources) {
+                    SCOPED_TRACE(::testing::Message()
+                                 << doctype.name << ", " << inSteps << ", " << references << ", " << source);
+                    withSource(source, text, [&, allowed = within](InStream& in) {
+                        DocumentReader reader;
+                        if (inSteps) {
+                            EXPECT_TRUE(reader.parseProlog(in)) << reader.getErrorMessage();
+                            reader.parseElement(in);
+                        } else {
+                            reader.parse(in);
+                        }
+                        const bool refused =
+                            reader.getErrorMessage().find("entity text too large") != std::string::npos;
+                        EXPECT_EQ(refused, !allowed) << reader.getErrorMessage();
+                    });
+                }
+            }
+        }
+    }
+}
+
+TEST(DocumentReaderTest, LetsEachDocumentMakeAsMuchTextAsTheFirst) {
+    const GrowthLimit limit(1000);
+    DocumentReader reader;
+    for (int documents = 0; documents < 5; ++documents) {
+        SCOPED_TRACE(documents);
+        StringInStream in(referringTo5000Bytes(80));
+        EXPECT_TRUE(reader.parse(in)) << reader.getErrorMessage();
+    }
+}
+
+TEST(DocumentReaderTest, CountsTheBytesOfTheDocumentTypeForAFragmentReadWithIt) {
+    const ScratchFile declarations("declarations.dtd", declaring(0));
+    const GrowthLimit limit(1000);
+    StringInStream in("<!DOCTYPE a SYSTEM '" + declarations.path + "'><a/>");
+    DocumentReader reader;
+    reader.parse(in);
+    ASSERT_NE(reader.getDocument(), nullptr) << reader.getErrorMessage();
+    for (const auto& [references, ok] : {std::pair(90, true), std::pair(110, false), std::pair(90, true)}) {
+        StringInStream fragment("<a x='" + repeated("&e;", references) + "'/>");
+        EXPECT_EQ(ElementReader(reader.getDocument()->getDtd()).parse(fragment), ok) << references;
     }
 }
 

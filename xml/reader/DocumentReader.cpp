@@ -38,7 +38,6 @@ bool DocumentReader::peekToken(InStream& in, std::string& token) {
 bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
     dtd.reset();
-    ownBudget.reset();
     std::string token;
     if (!peekToken(in, token)) return false;
     if (token == "<?xml") {
@@ -82,7 +81,6 @@ bool DocumentReader::parseElement(InStream& in) {
     document = std::make_unique<Document>(reader.getRoot(), dtd.get());
     reader.extractRoot();  // the document's now, as the Dtd
     dtd.release();
-    ownBudget.reset();
     return document->validate() || fail(in, "Doc could not be validated");
 }
 

@@ -49,7 +49,7 @@ private:
 
     // Of a document whose root element has not been read. Its steps are one reading.
     std::unique_ptr<Dtd> dtd;
-    std::unique_ptr<EntityBudget> ownBudget;  // there when the Dtd is
+    std::unique_ptr<EntityBudget> ownBudget;  // for text from the entities of the last Dtd
 };
 
 }  // namespace Xml
