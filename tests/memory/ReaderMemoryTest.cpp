@@ -70,14 +70,14 @@ private:
 };
 
 // What the document is: its tree and its declarations.
-std::string told(const Document* document) {
+std::string contentOf(const Document* document) {
     if (document == nullptr) return "none";
     return dump(document) + (document->getDtd() != nullptr ? textOf(*document->getDtd()) : "");
 }
 
 using Read = std::function<bool(InStream&, Dtd&, std::string&)>;
 
-// Reads with a reader made by `make`, and tells the message and what build(reader) makes of it.
+// Reads with a reader made by `make`, and gives the message and what build(reader) makes of it.
 template <class Make, class Build>
 Read readWith(Make make, Build build) {
     return [make, build](InStream& in, Dtd& dtd, std::string& result) {
@@ -150,7 +150,7 @@ TEST(ReaderMemoryTest, ADocumentThatCouldNotBeReadIsReadTheNextTime) {
             SCOPED_TRACE(source);
             const Outcome whole = readDocument(text, source);
             EXPECT_TRUE(whole.ok) << whole.error;
-            const std::string expected = told(whole.document.get());
+            const std::string expected = contentOf(whole.document.get());
             forEachFailingAllocation([&](Attempt& attempt) {
                 DocumentReader reader;
                 const auto parse = [&reader](InStream& in) { return reader.parse(in); };
@@ -163,7 +163,7 @@ TEST(ReaderMemoryTest, ADocumentThatCouldNotBeReadIsReadTheNextTime) {
                 }
                 EXPECT_TRUE(ok) << reader.getErrorMessage();
                 const std::unique_ptr<Document> document(reader.extractDocument());
-                EXPECT_EQ(told(document.get()), expected);
+                EXPECT_EQ(contentOf(document.get()), expected);
                 expectUsable(*document);
             });
         }

@@ -12,7 +12,7 @@ class Element;
 class MixedSpec;
 }  // namespace Xml
 
-// The readers once more, as plainly as they can be told: one recursive function a construct over the public operations of
+// The readers once more, as plainly as they can be written: one recursive function a construct over the public operations of
 // a stream, nodes and declarations built through the public API. No cleverness; slow, and as deep as the document is.
 namespace Xml::test {
 

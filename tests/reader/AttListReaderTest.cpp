@@ -80,7 +80,7 @@ TEST(AttListReaderTest, ReportsAValueThatIsNoStringAndFailsSilently) {
             {"keyword in lower case", "<!ATTLIST a x CDATA #required>z", silent(">z").reports(text + "#required")},
             {"fixed word", "<!ATTLIST a x CDATA #FIXED b>z", silent(">z").reports(text + "b")},
             {"fixed keyword", "<!ATTLIST a x CDATA #FIXED #IMPLIED>z", silent(">z").reports(text + "#IMPLIED")},
-            {"behind another", "<!ATTLIST a x CDATA '1' y CDATA 100%s>z",
+            {"after another", "<!ATTLIST a x CDATA '1' y CDATA 100%s>z",
              silent(">z").builds("x CDATA \"1\"").reports(text + "100%s")},
         },
         classOf<AttListReader>(), readAttList);
@@ -98,7 +98,7 @@ TEST(AttListReaderTest, ReportsWhatTheDeclarationLacks) {
             {"another type", "<!ATTLIST a x ID #REQUIRED>z", no("\"CDATA\" expected", " #REQUIRED>z")},
             {"type in lower case", "<!ATTLIST a x cdata #REQUIRED>z", no("\"CDATA\" expected", " #REQUIRED>z")},
             {"enumeration", "<!ATTLIST a x (b|c) 'b'>z", no("\"CDATA\" expected", "b|c) 'b'>z")},
-            {"another type behind an attribute", first + "y NMTOKEN '1'>z",
+            {"another type after an attribute", first + "y NMTOKEN '1'>z",
              no("\"CDATA\" expected", " '1'>z").builds(built)},
             {"nothing", "", ended()},
             {"only the keyword", "<!ATTLIST ", ended()},

@@ -40,7 +40,7 @@ TEST(DTDReaderTest, ReadsEveryDeclaration) {
                    classOf<DTDReader>(), readInternal);
     expectReadings(
         {{"external", text, yes().builds(built), yes().goes().builds(built)},
-         {"external with white space behind it", text + " \r\n", yes().builds(built), yes().goes().builds(built)}},
+         {"external with white space after it", text + " \r\n", yes().builds(built), yes().goes().builds(built)}},
         classOf<DTDReader>(), readExternal);
 }
 
@@ -56,8 +56,8 @@ TEST(DTDReaderTest, EndsAnInternalSubsetWithItsBracket) {
             {"only white space", " \n]z", no("unexpected token \"]\"", " \n]z")},
             {"no data", "", ended()},
             {"no bracket", kA, ended().builds(kA), no("").goes().builds(kA)},
-            {"no bracket behind white space", kA + " \n ", ended().builds(kA), no("").goes().builds(kA)},
-            {"no bracket behind a comment", "<!-- c -->", ended(), no("\"[\" expected").goes()},
+            {"no bracket after white space", kA + " \n ", ended().builds(kA), no("").goes().builds(kA)},
+            {"no bracket after a comment", "<!-- c -->", ended(), no("\"[\" expected").goes()},
             {"an unfinished token instead", kA + " 'x", ended().builds(kA)},
             {"a word instead", kA + " x", ended().builds(kA)},
         },
@@ -69,8 +69,8 @@ TEST(DTDReaderTest, EndsAnExternalSubsetWithTheData) {
     const Verdict good = yes().builds(kA);
     expectReadings(
         {
-            {"right behind a declaration", kA, good, good.goes()},
-            {"behind a comment", kA + "<!-- c -->", good, good.goes()},
+            {"right after a declaration", kA, good, good.goes()},
+            {"after a comment", kA + "<!-- c -->", good, good.goes()},
             {"only a comment", "<!-- c -->", yes(), yes().goes()},
             {"a last word is not looked at", kA + " x", good, good.goes()},
             {"no data", "", ended()},

@@ -37,7 +37,7 @@ Reading readDoctype(InStream& in) {
 
 std::string systemDoctype(const std::string& path) { return "<!DOCTYPE t SYSTEM \"" + path + "\">z"; }
 
-// Ends the process when a test hangs, as it does when a reader opens a pipe that nobody writes to.
+// Ends the process when a test hangs, as it does when a reader opens a pipe that nothing writes to.
 class Alarm {
 public:
     explicit Alarm(unsigned seconds) { alarm(seconds); }
@@ -104,8 +104,8 @@ TEST(DoctypeReaderTest, ReadsAnExternalSubset) {
         const char* text;
         Verdict verdict;
     } kCases[] = {
-        {"line end behind the last declaration", "external.dtd", "<!ELEMENT a EMPTY>\n", yes("z").builds(written)},
-        {"ends right behind its last declaration", "external.dtd", "<!ELEMENT a EMPTY>", yes("z").builds(written)},
+        {"line end after the last declaration", "external.dtd", "<!ELEMENT a EMPTY>\n", yes("z").builds(written)},
+        {"ends right after its last declaration", "external.dtd", "<!ELEMENT a EMPTY>", yes("z").builds(written)},
         {"comments", "external.dtd", "<!-- c --><!ELEMENT a EMPTY><!-- d -->", yes("z").builds(written)},
         {"a name with spaces", "external with spaces.dtd", "<!ELEMENT a EMPTY>\n", yes("z").builds(written)},
         {"a name with percent signs", "100%s%n.dtd", "<!ELEMENT a EMPTY>\n", yes("z").builds(written)},

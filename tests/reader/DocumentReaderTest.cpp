@@ -47,11 +47,11 @@ TEST(DocumentReaderTest, ReadsARootWithCommentsAndInstructionsAroundIt) {
             {"root alone", "<a/>", tree, tree.goes()},
             {"white space around it", " \n<a/>\r\n ", tree, tree.goes()},
             {"declaration", "<?xml version=\"1.0\"?><a/>", tree, tree.goes()},
-            {"declaration behind white space", " <?xml version=\"1.0\"?> <a/>", tree, tree.goes()},
+            {"declaration after white space", " <?xml version=\"1.0\"?> <a/>", tree, tree.goes()},
             {"encoding", "<?xml version='1.0' encoding='UTF-8'?>\n<a/>", tree, tree.goes()},
             {"comments and instructions", "<!-- c --><?x?> <!-- d -->\n<a/>", tree, tree.goes()},
             {"style sheet", "<?xml version='1.0'?><?xml-stylesheet href='x'?><a/>", tree, tree.goes()},
-            {"a comment behind the root leaves a note", "<a/> <!-- c -->", noted, noted.goes()},
+            {"a comment after the root leaves a note", "<a/> <!-- c -->", noted, noted.goes()},
             {"so does an instruction", "<a/><?x?>\n", noted, noted.goes()},
             {"and everything together", "<!-- c --><a/><!-- d --> <?x?> <!-- e --> ", noted, noted.goes()},
         },
@@ -63,8 +63,8 @@ TEST(DocumentReaderTest, LeavesWhatFollowsTheRoot) {
     expectReadings(
         {
             {"another element", "<a/><b/>", yes("<b/>").builds("a")},
-            {"another element behind white space", "<a/> \n <b/>", yes("<b/>").builds("a")},
-            {"white space behind a comment stays too", "<a/><!-- c --> <b/>", yes(" <b/>").builds("a")},
+            {"another element after white space", "<a/> \n <b/>", yes("<b/>").builds("a")},
+            {"white space after a comment stays too", "<a/><!-- c --> <b/>", yes(" <b/>").builds("a")},
             {"text", "<a/>x y", yes("x y").builds("a")},
             {"a word that ends the data", "<a/>x", yes("x").builds("a"), tree.goes()},
             {"end tag", "<a/></a>", yes("</a>").builds("a")},
@@ -147,7 +147,7 @@ TEST(DocumentReaderTest, TakesOverTheMessagesOfTheReadersItRuns) {
             {"subset", "<!DOCTYPE a []><a/>", no("unexpected token \"]\"", "]><a/>").by<DTDReader>().builds("null")},
             {"declaration", "<!DOCTYPE a [<!ELEMENT 1>]><a/>",
              no("not a name: 1", ">]><a/>").by<ElementDeclReader>().builds("null")},
-            {"root behind a document type", "<!DOCTYPE a [<!ELEMENT a ANY>]><a></b>",
+            {"root after a document type", "<!DOCTYPE a [<!ELEMENT a ANY>]><a></b>",
              no("\"a\" expected", ">").by<ElementReader>().builds("null")},
         },
         classOf<DocumentReader>(), readWhole);
@@ -163,7 +163,7 @@ TEST(DocumentReaderTest, SkipsADocumentTypeWithAPublicIdentifier) {
             {"comments before it", "<!-- c --><?x?><!DOCTYPE a PUBLIC 'p' 's'><a/>", tree, tree.goes()},
             {"any element is valid", "<!DOCTYPE b PUBLIC 'p' 's'><a x='1'>t</a>", yes().builds("a[x=1]('t')"),
              yes().goes().builds("a[x=1]('t')")},
-            {"a comment behind it is no root", "<!DOCTYPE a PUBLIC 'p' 's'><!-- c --><a/>",
+            {"a comment after it is no root", "<!DOCTYPE a PUBLIC 'p' 's'><!-- c --><a/>",
              no("\"<\" expected", " c --><a/>").by<ElementReader>().builds("null")},
             {"ends with the first bracket", "<!DOCTYPE a PUBLIC 'p' 's' [<!ELEMENT a EMPTY>]><a/>",
              no("\"<\" expected", "><a/>").by<ElementReader>().builds("null")},
@@ -511,7 +511,7 @@ TEST(DocumentReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
     }
 }
 
-// The opening behind "<!" is met three times here: tried as the name, tried as the bracket, then read as a token of its own,
+// The opening after "<!" is met three times here: tried as the name, tried as the bracket, then read as a token of its own,
 // which says nothing.
 TEST(DocumentReaderTest, LeavesTheStreamsMessageWhenAnOpeningIsReadAgain) {
     for (const std::string text : {"<?xml version='1.0'?<!<?y><a ?>z", "<?xml version='1.0'?<!<!b><a ?>z"}) {
@@ -528,7 +528,7 @@ TEST(DocumentReaderTest, LeavesTheStreamsMessageWhenAnOpeningIsReadAgain) {
     }
 }
 
-// The end of a file stream leaves no way back to the bytes that the message tells of. It shows one read late, as a zero byte,
+// The end of a file stream leaves no way back to the bytes that the message names. It shows one read late, as a zero byte,
 // so that the document fails without a message of its own.
 TEST(DocumentReaderTest, LeavesTheStreamsMessageOfAReferenceWhereAFileEnds) {
     withSource(Source::FileStream, "<!DOCTYPE a PUBLIC<?&<?&#65;><a/", [](InStream& in) {

@@ -109,7 +109,7 @@ std::string damaged(std::string text, std::size_t place, std::mt19937& random) {
     return text;
 }
 
-// Some 20 KB from the start tag behind a random place.
+// Some 20 KB from the start tag after a random place.
 std::string pieceAt(const std::string& text, std::mt19937& random) {
     std::size_t place = std::uniform_int_distribution<std::size_t>(0, text.size() - 1)(random);
     do {
@@ -127,7 +127,7 @@ std::size_t elementLength(const std::string& text) {
     return static_cast<std::size_t>(in.getPosition());
 }
 
-// The piece of several whose first element takes most of it: most elements are small, and what is behind is not read.
+// The piece of several whose first element takes most of it: most elements are small, and what comes after is not read.
 std::string longestPieceOf(const std::string& text, std::mt19937& random, std::size_t& length) {
     std::string longest = pieceAt(text, random);
     length = elementLength(longest);

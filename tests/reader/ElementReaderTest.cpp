@@ -23,7 +23,7 @@ Reading parseElement(InStream& in) {
     return {ok, reader.getErrorMessage(), dump(reader.getRoot())};
 }
 
-// Notes what it is told instead of formatting it.
+// Notes each message instead of formatting it.
 class ListeningElementReader : public ElementReader {
 public:
     using ElementReader::ElementReader;
@@ -73,7 +73,7 @@ TEST(ElementReaderTest, DropsWhiteSpaceAroundChildElementsAndKeepsItAroundText) 
             {"only white space", "<a> \r\n\t </a>", yes().builds("a")},
             {"text keeps blanks", "<a> x </a>", yes().builds("a(' x ')")},
             {"text before a child", "<a> x <b/> </a>", yes().builds("a(' x ' b)")},
-            {"text behind a child", "<a> <b/> x </a>", yes().builds("a(b ' x ')")},
+            {"text after a child", "<a> <b/> x </a>", yes().builds("a(b ' x ')")},
             {"text around a comment", "<a> x <!-- y --> z </a>", yes().builds("a(' x ' ' z ')")},
             {"white space around a comment", "<a> <!-- y --> </a>", yes().builds("a")},
             {"text within a child", "<a>\n<b> x </b>\n</a>", yes().builds("a(b(' x '))")},
@@ -133,9 +133,9 @@ TEST(ElementReaderTest, ReportsWhatTheStartTagLacks) {
             {"value of a name met before", "<a x='1' x='2' x=3/>",
              no("\"\"\" or \"'\" expected", "/>").builds("a[x=2]")},
             {"unfinished value", "<a x='1' y='2>", ended().builds("a[x=1]")},
-            {"nothing behind an attribute's name", "<a x", ended().builds("a"), silent().goes().builds("a")},
-            {"nothing behind the equals sign", "<a x=", ended().builds("a")},
-            {"nothing behind an attribute", "<a x='1'", ended().builds("a[x=1]")},
+            {"nothing after an attribute's name", "<a x", ended().builds("a"), silent().goes().builds("a")},
+            {"nothing after the equals sign", "<a x=", ended().builds("a")},
+            {"nothing after an attribute", "<a x='1'", ended().builds("a[x=1]")},
         },
         classOf<ElementReader>(), parseElement);
 }
@@ -161,12 +161,12 @@ TEST(ElementReaderTest, ReportsWhatTheContentLacks) {
             {"nothing", "<a>", ended().builds("a")},
             {"white space", "<a>  ", ended().builds("a")},
             {"text is not finished", "<a>x", ended().builds("a")},
-            {"text with a blank behind it", "<a>x y ", ended().builds("a")},
+            {"text with a blank after it", "<a>x y ", ended().builds("a")},
             {"a child and no more", "<a>x<b/>", ended().builds("a('x' b)")},
             {"an unfinished child is left out", "<a><b/><c><d/>", ended().builds("a(b)")},
             {"an ampersand that opens the text", "<a>& x</a>", ended().builds("a")},
             {"a quote that opens the text", "<a><b/>\"x</a>", ended().builds("a(b)")},
-            {"a quote behind a closed one", "<a>\"<b/>\"</a>", ended().builds("a('\"' b)")},
+            {"a quote after a closed one", "<a>\"<b/>\"</a>", ended().builds("a('\"' b)")},
             {"half a child", "<a><", ended().builds("a")},
         },
         classOf<ElementReader>(), parseElement);
@@ -176,15 +176,15 @@ TEST(ElementReaderTest, ReportsAnEndTagThatDoesNotFit) {
     expectReadings(
         {
             {"another name", "<a></b>", no("\"a\" expected", ">").builds("a")},
-            {"another name behind content", "<a>x<b/></c>z", no("\"a\" expected", ">z").builds("a('x' b)")},
+            {"another name after content", "<a>x<b/></c>z", no("\"a\" expected", ">z").builds("a('x' b)")},
             {"the end of the name only", "<ab></b>", no("\"ab\" expected", ">").builds("ab")},
             {"crossed", "<a><b></a></b>", no("\"b\" expected", "></b>").builds("a")},
             {"no name", "<a></>", no("\"a\" expected", "").builds("a")},
             {"quoted", "<a></'a'>", no("\"a\" expected", ">").builds("a")},
-            {"something behind the name", "<a></a x>", no("\">\" expected", ">").builds("a")},
-            {"ends behind the opening", "<a></", ended().builds("a")},
-            {"ends behind the name", "<a></a", ended().builds("a"), no("\"a\" expected").goes().builds("a")},
-            {"ends behind a blank", "<a></a ", ended().builds("a")},
+            {"something after the name", "<a></a x>", no("\">\" expected", ">").builds("a")},
+            {"ends after the opening", "<a></", ended().builds("a")},
+            {"ends after the name", "<a></a", ended().builds("a"), no("\"a\" expected").goes().builds("a")},
+            {"ends after a blank", "<a></a ", ended().builds("a")},
         },
         classOf<ElementReader>(), parseElement);
 }
@@ -202,8 +202,8 @@ TEST(ElementReaderTest, StopsAtMarkupThatItDoesNotConsume) {
             {"any name", "<a><!x></a>", no("unexpected markup \"<!x\"", "></a>").builds("a")},
             {"no name", "<a><! ></a>", no("unexpected markup \"<!\"", " ></a>").builds("a")},
             {"one dash", "<a><!-x--></a>", no("unexpected markup \"<!\"", "-x--></a>").builds("a")},
-            {"behind white space", "<a><b/> \n <?x?></a>", no("unexpected markup \"<?\"", "x?></a>").builds("a(b)")},
-            {"behind text", "<a>x <?x?></a>", no("unexpected markup \"<?\"", "x?></a>").builds("a('x ')")},
+            {"after white space", "<a><b/> \n <?x?></a>", no("unexpected markup \"<?\"", "x?></a>").builds("a(b)")},
+            {"after text", "<a>x <?x?></a>", no("unexpected markup \"<?\"", "x?></a>").builds("a('x ')")},
             {"in a child", "<a>x<b>y<?x?></b></a>", no("unexpected markup \"<?\"", "x?></b></a>").builds("a('x')")},
         },
         classOf<ElementReader>(), parseElement);
@@ -213,7 +213,7 @@ TEST(ElementReaderTest, FailsSilentlyAtACommentThatDoesNotEnd) {
     const Verdict lateEnd = silent().goes().builds("a(b)");
     expectReadings(
         {
-            {"text behind it", "<a><b/><!-- x", silent().builds("a(b)"), lateEnd},
+            {"text after it", "<a><b/><!-- x", silent().builds("a(b)"), lateEnd},
             {"half ended", "<a><b/><!-- x --", silent().builds("a(b)"), lateEnd},
             {"in a child", "<a><b/><c><!-- x", silent().builds("a(b)"), lateEnd},
             {"only opened", "<a><b/><!-- ", silent().builds("a(b)"), lateEnd},

@@ -66,7 +66,7 @@ TEST(EntityReaderTest, ReportsWhatTheDeclarationLacks) {
             {"digit first", "<!ENTITY 1e 'v'>z", no("not a name: 1e", " 'v'>z")},
             {"external entity", "<!ENTITY e SYSTEM 'v'>z", no("\"\"\" or \"'\" expected", "YSTEM 'v'>z")},
             {"no value", "<!ENTITY e>z", no("\"\"\" or \"'\" expected", "z")},
-            {"something behind the value", "<!ENTITY e 'v' x>z", no("\">\" expected", ">z")},
+            {"something after the value", "<!ENTITY e 'v' x>z", no("\">\" expected", ">z")},
             {"only the keyword", "<!ENTITY ", ended()},
             {"only a name", "<!ENTITY e ", ended()},
             {"the name ends the data", "<!ENTITY e", ended(), no("not a name: e").goes()},

@@ -5,7 +5,7 @@
 
 namespace Xml::test {
 
-// A reader that hears its messages itself: each, with ";" behind it.
+// A reader that hears its messages itself: each, with ";" after it.
 template <class AnyReader>
 class Listening : public AnyReader {
 public:

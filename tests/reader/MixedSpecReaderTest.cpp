@@ -39,7 +39,7 @@ TEST(MixedSpecReaderTest, ReadsTextAloneAndTextWithNames) {
             {"white space", " ( #PCDATA ) * >", yes(" >").builds("(#PCDATA)")},
             {"one name", "(#PCDATA|b)*>", yes(">").builds("(#PCDATA | b)*")},
             {"names in their order", "( #PCDATA | c | a | b ) * >", yes(" >").builds("(#PCDATA | c | a | b)*")},
-            {"what is behind it stays", "(#PCDATA) x>", yes(" x>").builds("(#PCDATA)")},
+            {"what is after it stays", "(#PCDATA) x>", yes(" x>").builds("(#PCDATA)")},
             {"the end of the keyword is enough", "(x#PCDATA)>", yes(">").builds("(#PCDATA)")},
             {"a name twice", "(#PCDATA|b|c|b)*>",
              yes(">").builds("(#PCDATA | b | c)*").reports("<MixedSpec::MixedSpec> name already added b")},

@@ -20,10 +20,10 @@ TEST(PIReaderTest, ConsumesAnInstructionUpToItsFirstEndAndNothingElse) {
         {
             {"plain", "<?php echo 1?> y", yes(" y")},
             {"white space before it", " \t\r\n <?x?>y", yes("y")},
-            {"white space behind the opening", "<? x ?>y", yes("y")},
+            {"white space after the opening", "<? x ?>y", yes("y")},
             {"empty", "<?\?>y", yes("y")},
             {"the opening's mark does not end it", "<?>?>y", yes("y")},
-            {"nor with more behind", "<?>x?>y", yes("y")},
+            {"nor with more after it", "<?>x?>y", yes("y")},
             {"a mark inside", "<?x ? > ?>y", yes("y")},
             {"quotes and markup inside", "<?x '<a \"> & ?>y", yes("y")},
             {"style sheet", "<?xml-stylesheet href='a'?>y", yes("y")},

@@ -28,12 +28,12 @@ extern const char* const kEndOfStream;
 struct Verdict {
     bool ok = false;
     std::optional<std::string> message;   // none: the reader must not say anything
-    std::string left;                     // the text behind the place where the stream stands
+    std::string left;                     // the text after the place where the stream stands
     bool gone = false;                    // the stream has no position any more: a file stream that met its end
     std::string builtText;                // what was built
     std::string diagnostics;              // each on a line of its own
     const char* reader = nullptr;         // the class that the message names; null for the reader under test
-    std::optional<std::string> noteLeft;  // the text behind the place that the message names, where that is another one
+    std::optional<std::string> noteLeft;  // the text after the place that the message names, where that is another one
 
     Verdict builds(const std::string& text) const;
     Verdict reports(const std::string& text) const;

@@ -338,7 +338,7 @@ private:
 std::string joined(const std::vector<std::string>& lines) {
     std::string text;
     for (const auto& line : lines) {
-        // Whether a missing file is reported besides the reader's message is nobody's promise.
+        // Whether a missing file is reported besides the reader's message may differ.
         if (line.find("<Xml::FileInStream::FileInStream>") != 0) text += line + "\n";
     }
     return text;
@@ -387,14 +387,14 @@ private:
     std::string path;
 };
 
-std::string told(bool ok, const std::string& error) { return (ok ? "true " : "false ") + error + "\n"; }
+std::string outcomeOf(bool ok, const std::string& error) { return (ok ? "true " : "false ") + error + "\n"; }
 
 std::string libraryDocument(InStream& in) {
     DocumentReader reader;
     const bool ok = reader.parse(in);
     const Document* document = reader.getDocument();
     const Dtd* dtd = document != nullptr ? document->getDtd() : nullptr;
-    return told(ok, reader.getErrorMessage()) + linksOf(document, dtd) + "\n" + fullText(dtd);
+    return outcomeOf(ok, reader.getErrorMessage()) + linksOf(document, dtd) + "\n" + fullText(dtd);
 }
 
 std::string naiveDocument(InStream& in) {
@@ -402,7 +402,7 @@ std::string naiveDocument(InStream& in) {
     const bool ok = reader.parse(in);
     const Document* document = reader.document.get();
     const Dtd* dtd = document != nullptr ? document->getDtd() : nullptr;
-    return told(ok, reader.error()) + linksOf(document, dtd) + "\n" + fullText(dtd);
+    return outcomeOf(ok, reader.error()) + linksOf(document, dtd) + "\n" + fullText(dtd);
 }
 
 void fillEntities(Dtd& dtd) {
@@ -418,7 +418,7 @@ std::string libraryElements(InStream& in) {
     std::string text;
     for (int i = 0; i < 4; ++i) {
         const bool ok = reader.parse(in);
-        text += told(ok, reader.getErrorMessage());
+        text += outcomeOf(ok, reader.getErrorMessage());
         const std::unique_ptr<Element> root(reader.extractRoot());
         text += linksOf(root.get(), &dtd);
         if (!ok) break;
@@ -433,7 +433,7 @@ std::string naiveElements(InStream& in) {
     std::string text;
     for (int i = 0; i < 4; ++i) {
         const bool ok = reader.parse(in);
-        text += told(ok, reader.error());
+        text += outcomeOf(ok, reader.error());
         const std::unique_ptr<Element> root(std::move(reader.root));
         text += linksOf(root.get(), &dtd);
         if (!ok) break;
@@ -445,14 +445,14 @@ template <class R>
 std::string librarySmall(InStream& in) {
     R reader;
     const bool ok = reader.parse(in);
-    return told(ok, reader.getErrorMessage());
+    return outcomeOf(ok, reader.getErrorMessage());
 }
 
 template <class R>
 std::string naiveSmall(InStream& in) {
     R reader;
     const bool ok = reader.parse(in);
-    return told(ok, reader.error());
+    return outcomeOf(ok, reader.error());
 }
 
 template <class R>
@@ -461,7 +461,7 @@ std::string libraryDeclaration(InStream& in) {
     fillEntities(dtd);
     R reader(&dtd);
     const bool ok = reader.parse(in);
-    return told(ok, reader.getErrorMessage()) + fullText(&dtd);
+    return outcomeOf(ok, reader.getErrorMessage()) + fullText(&dtd);
 }
 
 template <class R>
@@ -470,7 +470,7 @@ std::string naiveDeclaration(InStream& in) {
     fillEntities(dtd);
     R reader(&dtd);
     const bool ok = reader.parse(in);
-    return told(ok, reader.error()) + fullText(&dtd);
+    return outcomeOf(ok, reader.error()) + fullText(&dtd);
 }
 
 template <class Model>
@@ -487,14 +487,14 @@ std::string libraryMixed(InStream& in) {
     MixedSpecReader reader(&dtd);
     const bool ok = reader.parse(in);
     const std::unique_ptr<MixedSpec> model(reader.extractMixedSpec());
-    return told(ok, reader.getErrorMessage()) + written(model.get());
+    return outcomeOf(ok, reader.getErrorMessage()) + written(model.get());
 }
 
 std::string naiveMixed(InStream& in) {
     Dtd dtd("t");
     NaiveMixedSpecReader reader(&dtd);
     const bool ok = reader.parse(in);
-    return told(ok, reader.error()) + written(reader.model.get());
+    return outcomeOf(ok, reader.error()) + written(reader.model.get());
 }
 
 std::string libraryChildren(InStream& in) {
@@ -502,14 +502,14 @@ std::string libraryChildren(InStream& in) {
     ChildrenSpecReader reader(&dtd);
     const bool ok = reader.parse(in);
     const std::unique_ptr<ChildrenSpec> model(reader.extractChildrenSpec());
-    return told(ok, reader.getErrorMessage()) + written(model.get());
+    return outcomeOf(ok, reader.getErrorMessage()) + written(model.get());
 }
 
 std::string naiveChildren(InStream& in) {
     Dtd dtd("t");
     NaiveChildrenSpecReader reader(&dtd);
     const bool ok = reader.parse(in);
-    return told(ok, reader.error()) + written(reader.model.get());
+    return outcomeOf(ok, reader.error()) + written(reader.model.get());
 }
 
 template <bool Internal>
@@ -517,27 +517,27 @@ std::string librarySubset(InStream& in) {
     DTDReader reader("t");
     reader.setInternal(Internal);
     const bool ok = reader.parse(in);
-    return told(ok, reader.getErrorMessage()) + fullText(reader.getDtd());
+    return outcomeOf(ok, reader.getErrorMessage()) + fullText(reader.getDtd());
 }
 
 template <bool Internal>
 std::string naiveSubset(InStream& in) {
     NaiveDTDReader reader("t", Internal);
     const bool ok = reader.parse(in);
-    return told(ok, reader.error()) + fullText(reader.dtd.get());
+    return outcomeOf(ok, reader.error()) + fullText(reader.dtd.get());
 }
 
 std::string libraryDoctype(InStream& in) {
     DoctypeReader reader;
     const bool ok = reader.parse(in);
     const std::unique_ptr<Dtd> dtd(reader.extractDtd());
-    return told(ok, reader.getErrorMessage()) + fullText(dtd.get());
+    return outcomeOf(ok, reader.getErrorMessage()) + fullText(dtd.get());
 }
 
 std::string naiveDoctype(InStream& in) {
     NaiveDoctypeReader reader;
     const bool ok = reader.parse(in);
-    return told(ok, reader.error()) + fullText(reader.dtd.get());
+    return outcomeOf(ok, reader.error()) + fullText(reader.dtd.get());
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 class PlainReader : public Reader {};
 
-// Notes what it is told instead of formatting it.
+// Notes each message instead of formatting it.
 class ListeningReader : public Reader {
 public:
     void message(InStream&, const std::string& text) override { heard.push_back(text); }
@@ -43,10 +43,10 @@ TEST(ReaderTest, TellsLineAndColumnOfTheStream) {
         {"first line", "abc", 2, 1, 2},
         {"bare line feeds are no lines", "a\nb\nc", 4, 1, 4},
         {"exactly on the first break", "ab\r\ncd", 4, 1, 4},
-        {"behind the first break", "ab\r\ncd", 5, 1, 1},
+        {"after the first break", "ab\r\ncd", 5, 1, 1},
         {"between CR and LF", "ab\r\ncd", 3, 1, 3},
         {"exactly on the second break", "a\r\nb\r\ncd", 6, 2, 3},
-        {"behind the second break", "a\r\nb\r\ncd", 7, 2, 1},
+        {"after the second break", "a\r\nb\r\ncd", 7, 2, 1},
         {"three breaks", "\r\n\r\n\r\n1234567", 13, 3, 7},
         {"two CR", "a\r\rbc", 4, 1, 1},
     };
@@ -189,8 +189,9 @@ TEST(ReaderTest, TellsASubclassThatOverridesMessage) {
     EXPECT_FALSE(reader.getName(in, text));
     EXPECT_FALSE(reader.getString(in, text));
     EXPECT_FALSE(reader.skip(in, "-->"));
-    const std::vector<std::string> told = {"\"<\" expected", "not a name: 1", "\"\"\" or \"'\" expected", kEndOfStream};
-    EXPECT_EQ(reader.heard, told);
+    const std::vector<std::string> expected = {"\"<\" expected", "not a name: 1", "\"\"\" or \"'\" expected",
+                                               kEndOfStream};
+    EXPECT_EQ(reader.heard, expected);
     EXPECT_EQ(reader.getErrorMessage(), "");
 }
 

@@ -94,7 +94,7 @@ TEST(WriteReadTest, TextThatBeginsWithAQuoteOrAReferenceIsRefusedOnceWhatClosedI
         const char* text;
         const char* written;
     } kCases[] = {
-        {"closed in a comment behind the root", "<a>'b</a><!-- ' -->", "<a>'b</a>\n"},
+        {"closed in a comment after the root", "<a>'b</a><!-- ' -->", "<a>'b</a>\n"},
         {"closed in a comment beside it", "<a>\"b<!-- \" --></a>", "<a>\"b</a>\n"},
         {"closed by the quotes of a value", "<a>'b<c x='1'/></a>", "<a>'b<c x=\"1\"/></a>\n"},
         {"a reference", "<a>&b<c/><!-- ; --></a>", "<a>&b<c/></a>\n"},
