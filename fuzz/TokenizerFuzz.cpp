@@ -5,7 +5,7 @@
 // stream, and the caller's stream must stand where those leave it.
 //
 // Input: a line of operations, each a letter and a byte that it uses or not, then the text. Without a line break there is
-// only text. Behind the operations tokens are read to the end.
+// only text. After the operations tokens are read to the end.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
@@ -46,9 +46,9 @@ const std::string& expectedOf(char parameter) {
     return kExpected[static_cast<unsigned char>(parameter) % kExpected.size()];
 }
 
-std::string told(bool ok, const std::string& text = "") { return (ok ? "true " : "false ") + text; }
+std::string verdict(bool ok, const std::string& text = "") { return (ok ? "true " : "false ") + text; }
 
-// What a caller sees behind each operation.
+// What a caller sees after each operation.
 struct Step {
     std::string seen;
     std::string buffer;  // the naive tokenizer's
@@ -66,30 +66,30 @@ public:
         char c = 'Z';
         bool ok = false;
         switch (operation) {
-        case 't': ok = in.getToken(text); return told(ok, text);
-        case 'n': ok = in.getName(text); return told(ok, text);
-        case 's': ok = in.getString(text); return told(ok, text);
-        case 'T': return told(in.getTokenInParseBuffer());
-        case 'N': return told(in.getNameInParseBuffer());
-        case 'S': return told(in.getStringInParseBuffer());
-        case 'L': return told(in.getTokenltInParseBuffer());
-        case 'd': ok = in.getCharData(data); return told(ok, data);
-        case 'g': ok = in.get(c); return told(ok, std::string(1, c));
+        case 't': ok = in.getToken(text); return verdict(ok, text);
+        case 'n': ok = in.getName(text); return verdict(ok, text);
+        case 's': ok = in.getString(text); return verdict(ok, text);
+        case 'T': return verdict(in.getTokenInParseBuffer());
+        case 'N': return verdict(in.getNameInParseBuffer());
+        case 'S': return verdict(in.getStringInParseBuffer());
+        case 'L': return verdict(in.getTokenltInParseBuffer());
+        case 'd': ok = in.getCharData(data); return verdict(ok, data);
+        case 'g': ok = in.get(c); return verdict(ok, std::string(1, c));
         case 'b': in.putBackChar(); return "";
-        case 'c': return told(in.checkToken(expectedOf(parameter)));
+        case 'c': return verdict(in.checkToken(expectedOf(parameter)));
         case 'C': {
             const std::string& expected = expectedOf(parameter);
-            return told(in.checkTokenInParseBuffer(expected.data(), static_cast<int>(expected.size())));
+            return verdict(in.checkTokenInParseBuffer(expected.data(), static_cast<int>(expected.size())));
         }
-        case 'k': return told(in.skip(expectedOf(parameter)));
+        case 'k': return verdict(in.skip(expectedOf(parameter)));
         case 'w': in.eatWhite(); return "";
         case 'm': marks.push_back(in.StorePosition()); return "";
         case 'r':
             if (!marks.empty()) in.RestorePosition(marks[static_cast<unsigned char>(parameter) % marks.size()]);
             return "";
-        case 'G': ok = in.getChar(c); return told(ok, std::string(1, c));
+        case 'G': ok = in.getChar(c); return verdict(ok, std::string(1, c));
         case 'p': in.setPosition(static_cast<int>(static_cast<unsigned char>(parameter) % (size + 1))); return "";
-        case 'e': return told(in.eof());
+        case 'e': return verdict(in.eof());
         default: return "no operation";
         }
     }

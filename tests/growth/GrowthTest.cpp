@@ -1,6 +1,6 @@
-// Work grows as the input does. The first part counts the work at n, 2n, 4n and 8n, all else being equal. What a test cannot
-// count, such as comparisons in the library, the second part shows by size: where it is quadratic, these tests would take
-// minutes to days and end with their time limit.
+// Work grows as the input does. The first part counts the work at n, 2n, 4n and 8n, all else being equal. What a test
+// cannot count, such as comparisons in the library, the second part shows by size: where it is quadratic, these tests
+// would take minutes to days and end with their time limit.
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "support/Messages.h"
@@ -158,8 +158,8 @@ std::shared_ptr<Element> wideTree(int n) {
     return root;
 }
 
-// n levels with a text in front of the next level and one behind it. The elements are the library's: only those are gone through
-// without recursion.
+// n levels with a text in front of the next level and one behind it. The elements are the library's: only those are
+// gone through without recursion.
 std::shared_ptr<Element> deepTree(int n) {
     auto root = std::make_shared<Element>("r");
     Element* inner = root.get();

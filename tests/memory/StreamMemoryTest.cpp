@@ -7,6 +7,7 @@
 #include "xml/stream/FileSpecInStream.h"
 #include "xml/stream/FileSpecOutStream.h"
 #include "xml/stream/StringInStream.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ const std::string kTokens =
     "<![CDATA[text]]> <!<!<!<?<!x <?&another-reference-with-a-long-name; \r\n\r\n (a|b,c)*+? ] text up to <here\r\n "
     "tail";
 
-// Goes through the text with every operation that reads, and tells `note` what each one gave.
+// Goes through the text with every operation that reads, and gives `note` what each one gave.
 template <class Note>
 void readTokens(InStream& in, Note note) {
     std::string text;
@@ -55,12 +56,12 @@ void readTokens(InStream& in, Note note) {
 }
 
 std::string tokensOf(InStream& in) {
-    std::ostringstream told;
-    readTokens(in, [&told](bool ok, const std::string& text, InStream& stream) {
-        told << ok << " " << text << " " << stream.getPosition() << " " << stream.getErrorMessage() << "\n";
+    std::ostringstream outcome;
+    readTokens(in, [&outcome](bool ok, const std::string& text, InStream& stream) {
+        outcome << ok << " " << text << " " << stream.getPosition() << " " << stream.getErrorMessage() << "\n";
     });
-    told << "line " << in.getLine() << ", column " << in.getColumn();
-    return told.str();
+    outcome << "line " << in.getLine() << ", column " << in.getColumn();
+    return outcome.str();
 }
 
 }  // namespace
@@ -107,10 +108,35 @@ TEST(StreamMemoryTest, AMessageThatCannotBeMadeMovesNothingAndIsMadeWhenAskedFor
                 std::string token;
                 EXPECT_TRUE(in.getToken(token));
                 const int position = in.getPosition();
-                std::string told;
-                attempt([&] { told = in.getErrorMessage(); });
+                std::string message;
+                attempt([&] { message = in.getErrorMessage(); });
                 EXPECT_EQ(in.getPosition(), position);
                 EXPECT_EQ(in.getErrorMessage(), "not a name: " + reference);
+            });
+        });
+    }
+}
+
+// The message about a reference is put together when the reader ends, which must need no memory any more.
+TEST(StreamMemoryTest, AReaderEndsWithItsMessageWholeWhereverAllocationsFailed) {
+    const std::string reference = "&reference-with-a-long-name;";
+    const std::string text = "<!<?" + reference + " <?" + reference + " rest";
+    const ScratchFile file("reader", text);
+    for (const Source source : kAllSources) {
+        SCOPED_TRACE(source);
+        forEachFailingAllocation([&](Attempt& attempt) {
+            withSource(source, text, file.path, [&](InStream& in) {
+                std::string token;
+                const auto readTwo = [&] {
+                    const StreamAccess::Session session(in);
+                    for (int i = 0; i < 2; ++i) in.getToken(token);
+                };
+                attempt(readTwo);
+                in.setPosition(0);
+                const std::string& message = in.getErrorMessage();
+                readTwo();
+                EXPECT_EQ(token, "<?");
+                EXPECT_EQ(message, "not a name: " + reference);
             });
         });
     }

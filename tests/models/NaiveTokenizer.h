@@ -7,8 +7,8 @@
 
 namespace Xml::test {
 
-// A second tokenizer, to compare the library's with: every operation of InStream, byte by byte over nothing but the four
-// primitives of a source. It is slow on purpose: no window, no table, no search that is cleverer than a loop.
+// A second tokenizer, to compare the library's with: every operation of InStream, byte by byte over nothing but the
+// four primitives of a source. It is slow on purpose: no window, no table, no search that is cleverer than a loop.
 //
 //     StringInStream bytes(text);
 //     NaiveTokenizer tokenizer(bytes);

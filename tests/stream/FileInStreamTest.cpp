@@ -306,8 +306,8 @@ TEST(FileInStreamTest, HasNoPositionsWhereTheStreamHasNone) {
     EXPECT_FALSE(in.getChar(c));
 }
 
-// While a reader is at work its tokens come out of the stream's buffer, and it comes back to one that lies there: that shows
-// only in where the stream stands meanwhile.
+// While a reader is at work its tokens come out of the stream's buffer, and it comes back to one that lies there: that
+// shows only in where the stream stands meanwhile.
 TEST(FileInStreamTest, LeavesTheStreamWhereItStandsUntilAReaderIsDone) {
     const ScratchFile scratch("standing", "one two 'three' four five ");
     std::istringstream strings("one two 'three' four five ");
@@ -370,7 +370,8 @@ TEST(FileInStreamTest, StepsNowhereInAPipe) {
     EXPECT_FALSE(in.getChar(c));
 }
 
-// Of two bytes in the file one is a byte of the stream. Its positions are those in the file: a step back is half a byte.
+// Of two bytes in the file one is a byte of the stream. Its positions are those in the file: a step back is half a
+// byte.
 TEST(FileInStreamTest, ReadsAFileWhoseBytesAreConvertedAsItsPrimitivesDo) {
     struct EveryOther : std::codecvt<char, char, std::mbstate_t> {
         bool do_always_noconv() const noexcept override { return false; }

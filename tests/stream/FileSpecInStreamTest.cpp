@@ -164,8 +164,8 @@ TEST_F(FileSpecInStreamTest, ReadsOnlyWhatTheFileHeldAtFirst) {
     EXPECT_FALSE(in.getToken(token));
 }
 
-// While a reader is at work its tokens come out of the file's memory, and it comes back to one that lies there: that shows
-// only in where the file stands meanwhile.
+// While a reader is at work its tokens come out of the file's memory, and it comes back to one that lies there: that
+// shows only in where the file stands meanwhile.
 TEST_F(FileSpecInStreamTest, LeavesTheFileWhereItStandsUntilAReaderIsDone) {
     std::string text;
     for (int i = 0; i < 20'000; ++i) text += "<!x 'y' a &b; ";

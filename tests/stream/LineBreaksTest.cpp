@@ -246,6 +246,23 @@ TEST(LineBreaksTest, FindsManyPositionsInRandomOrder) {
     }
 }
 
+// So many that this would not end if each were looked for among all.
+TEST(LineBreaksTest, FindsManyPositionsThatFallAndThenRise) {
+    const int kCount = 300'000;
+    LineBreaks breaks;
+    for (int i = kCount; i > 0; --i) breaks.record(2 * i);
+    for (int i = kCount + 1; i <= 2 * kCount; ++i) breaks.record(2 * i);
+    int wrong = 0;
+    for (int i = 1; i <= 2 * kCount; ++i) {
+        const int number = i <= kCount ? kCount - i + 1 : i;
+        if (breaks.lineAt(2 * i) != number || breaks.lineAt(2 * i + 1) != 2 * kCount) ++wrong;
+        // Before the first that rises all are less than it; the first one met is the greatest of those that fall.
+        const int before = i <= kCount ? 0 : i == kCount + 1 ? 2 : 2 * (i - 1);
+        if (breaks.columnAt(2 * i) != 2 * i - before) ++wrong;
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST(LineBreaksTest, TakesARunAsItTakesEachByte) {
     std::mt19937 random(11);
     for (int round = 0; round < 500; ++round) {

@@ -26,8 +26,8 @@ TEST(ReadAheadTest, ReadsARunOfMarksInAStringTokenByToken) {
     }
 }
 
-// What follows a mark is tried more than once, and may end far away. A reader that comes back from there at each mark must not
-// have it all read again.
+// What follows a mark is tried more than once, and may end far away. A reader that comes back from there at each mark
+// must not have it all read again.
 TEST(ReadAheadTest, ReadsAByteAFewTimesHoweverManyMarksComeBackFromFarAfterIt) {
     const int kCount = 1000;
     for (const char* const piece :

@@ -783,8 +783,8 @@ TEST(TokenizerModelTest, MarksInMarksAgree) {
                 textOfMarks);
 }
 
-// A reader keeps the window, and what was read ahead, from operation to operation. A source that does not go where it is sent
-// is none for readers.
+// A reader keeps the window, and what was read ahead, from operation to operation. A source that does not go where it
+// is sent is none for readers.
 const std::vector<Run> kReaderRuns = {
     {"string", Kind::String, 4'000, Setting::InAReader},
     {"bare source", Kind::Bare, 4'000, Setting::InAReader},

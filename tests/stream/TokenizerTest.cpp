@@ -129,8 +129,8 @@ TEST(TokenizerTest, StandsRightAfterTheToken) {
     }
 }
 
-// What the end of the data does to a token: shown at once, and by a file stream, which hands over one zero byte first and
-// has no position any more from then on.
+// What the end of the data does to a token: shown at once, and by a file stream, which hands over one zero byte first
+// and has no position any more from then on.
 TEST(TokenizerTest, MeetsTheEndOfTheDataInEachKindOfToken) {
     struct Ending {
         bool ok;

@@ -56,8 +56,8 @@ FileInStream::~FileInStream() {
     });
 }
 
-// Finds out, before the first byte is read, whether the positions of the source fit into an int. The length of a file counts
-// only where a byte can be read: what else can be opened, a directory say, has lengths of its own kind.
+// Finds out, before the first byte is read, whether the positions of the source fit into an int. The length of a file
+// counts only where a byte can be read: what else can be opened, a directory say, has lengths of its own kind.
 void FileInStream::measure() {
     measured = true;
     withoutExceptions([&] {
@@ -104,8 +104,8 @@ bool FileInStream::eof() {
     return stream->eof();
 }
 
-// The get area serves as the window where reading from it looks like reading by get, tellg and seekg: a sound stream that
-// nothing is tied to, with one of the standard's own buffers, whose source has positions.
+// The get area serves as the window where reading from it looks like reading by get, tellg and seekg: a sound stream
+// that nothing is tied to, with one of the standard's own buffers, whose source has positions.
 bool FileInStream::lendBytes(Window& lent) {
     if (typeid(*this) != typeid(FileInStream)) return false;
     if (!stream->good() || stream->tie() != nullptr || stream->exceptions() != std::ios_base::goodbit) return false;

@@ -7,18 +7,17 @@ namespace Xml {
 
 // Reads from a standard input stream, which must support positions (a pipe has none: backtracking then fails).
 //
-// The end shows one read late: the read that meets it still returns true and stores nothing, the next one returns false.
-// The stream never throws on this object's account, also when its exceptions are switched on. A source of more than
-// 2^31 - 1 bytes cannot be read: "Source too large".
+// The end shows one read late: the read that meets it still returns true and stores nothing, the next one returns
+// false. The stream never throws on this object's account, also when its exceptions are switched on. A source of more
+// than 2^31 - 1 bytes cannot be read: "Source too large".
 class ORVXML_API FileInStream : public InStream {
 public:
     // Reads from the caller's stream, which must outlive this object and is never closed by it.
     explicit FileInStream(std::istream* stream);
 
-    // Opens the caller's `file` on `path` for binary reading, closing it first if it is open, and closes it at the end: it must
-    // outlive this object.
-    // When it cannot be opened "<Xml::FileInStream::FileInStream> Could not open file: " and the path is reported, and
-    // every read fails.
+    // Opens the caller's `file` on `path` for binary reading, closing it first if it is open, and closes it at the end:
+    // it must outlive this object. When it cannot be opened "<Xml::FileInStream::FileInStream> Could not open file: "
+    // and the path is reported, and every read fails.
     FileInStream(const std::string& path, std::ifstream* file);
     ~FileInStream() override;
 

@@ -58,7 +58,7 @@ public:
     bool getName(std::string& name);
     bool getNameInParseBuffer();
 
-    // Reads one quoted string; the result includes both quotes. There is no escape: only the quote that opened it ends it.
+    // Reads one quoted string; the result includes both quotes. Nothing escapes: only the quote that opened it ends it.
     bool getString(std::string& text);
     bool getStringInParseBuffer();
 
@@ -74,8 +74,8 @@ public:
     // Steps back by one byte, at the start not at all.
     void putBackChar();
 
-    // Reads one token and tests whether the parse buffer then ends with `expected`. It is the end that is compared: "TYPE"
-    // accepts the token "DOCTYPE".
+    // Reads one token and tests whether the parse buffer then ends with `expected`. It is the end that is compared:
+    // "TYPE" accepts the token "DOCTYPE".
     bool checkToken(const std::string& expected);
     bool checkTokenInParseBuffer(const char* expected, int length);
 
@@ -98,17 +98,17 @@ public:
     int getLine() const;
     int getColumn() const;
 
-    // The text of the last failure; attempts that failed within an operation that succeeded leave theirs too. The reference
-    // shows the text of later failures as well, once the operation or the reader has returned.
+    // The text of the last failure; attempts that failed within an operation that succeeded leave theirs too. The
+    // reference shows the text of later failures as well, once the operation or the reader has returned.
     const std::string& getErrorMessage() const;
 
 protected:
     InStream();
 
-    // A source that has its bytes in memory may lend them. Only objects of exactly a library class do: a class derived from
-    // one may override the primitives, and those are called then.
+    // A source that has its bytes in memory may lend them, so that they need not be asked for one by one. A library
+    // source does so only in objects of exactly its class: one that is derived from it has its own primitives called.
 
-    // Fills the empty window with at least one byte at the cursor and returns true; false: the primitives are to be used.
+    // Fills the empty window, with at least one byte at the cursor; false where there is nothing to lend.
     virtual bool lendBytes(Window& lent);
 
     // Makes the source stand where the cursor of the window stands.
@@ -117,7 +117,7 @@ protected:
     // The position of the first byte of a window that came without it.
     virtual int positionOfBytes(const Window& lent) const;
 
-    // Whether the source has bytes whose positions an int cannot hold: its reads fail then, with a message of their own.
+    // Whether there are bytes whose positions an int cannot hold: reads fail then, with a message of their own.
     virtual bool isTooLarge() const;
 
     // Whether the source has met its end in a way from which setPosition does not lead back.

@@ -4,10 +4,10 @@
 #include <numeric>
 #include <unordered_map>
 
-// Positions rise as long as a source is read from front to back, and what is read again after going back is found among them.
-// So they are one sorted list. A caller that jumps ahead and comes back to what was never read breaks the order; from then on
-// the numbers of all positions are in a table, and the first position that is not before a given one is looked for among the
-// leaders, those that are greater than all positions met earlier: these rise again.
+// Positions rise as long as a source is read from front to back, and what is read again after going back is found among
+// them. So they are one sorted list. A caller that jumps ahead and comes back to what was never read breaks the order;
+// from then on the numbers of all positions are in a table, and the first position that is not before a given one is
+// looked for among the leaders, those that are greater than all positions met earlier: these rise again.
 
 namespace Xml {
 

@@ -9,9 +9,9 @@ namespace Xml {
 
 // Not for callers: where the lines of a source end, a part of every InStream.
 //
-// A line break is the second byte of CR LF or CR CR, among the bytes in the order in which they are consumed. Going back in
-// the source does not go back here: a CR that was consumed last makes a pair with whatever is consumed next. The position
-// after each break is kept once, in the order met.
+// A line break is the second byte of CR LF or CR CR, among the bytes in the order in which they are consumed. Going
+// back in the source does not go back here: a CR that was consumed last makes a pair with whatever is consumed next.
+// The position after each break is kept once, in the order met.
 //
 // Recording takes O(1) amortised, looking up O(log n).
 class LineBreaks {
@@ -31,7 +31,7 @@ public:
         afterReturn = c == '\r';
     }
 
-    // The bytes [from, to) were consumed, one after the other. `positionOf(byte)` is the position of one of them or of `to`.
+    // The bytes [from, to) were consumed in this order. `positionOf(byte)` is the position of one of them or of `to`.
     template <class PositionOf>
     void noteRun(const char* from, const char* to, const PositionOf& positionOf) {
         while (from != to) {

@@ -4,8 +4,8 @@ namespace Xml {
 
 // Not for callers: the bytes in memory that a source has lent to the tokenizer, a part of every InStream.
 //
-// The tokenizer takes bytes from the cursor on, without asking the source. While bytes are lent the cursor says where the
-// source stands; the source itself moves there when it gets them back.
+// The tokenizer takes bytes from the cursor on, without asking the source. While bytes are lent the cursor says where
+// the source stands; the source itself moves there when it gets them back.
 struct Window {
     enum class Loan : unsigned char {
         None,

@@ -8,8 +8,8 @@ namespace Xml {
 // Whether a position is one: a source without positions has -1, and so has what was not met yet.
 inline bool isPlace(int position) { return position >= 0; }
 
-// How the tokenizer moves over the bytes of a stream: in the lent window where there is one, by the primitives of the source
-// elsewhere, with the same results. A cursor is cheap to make and keeps nothing; all it moves is the stream.
+// How the tokenizer moves over the bytes of a stream: in the lent window where there is one, by the primitives of the
+// source elsewhere, with the same results. A cursor is cheap to make and keeps nothing; all it moves is the stream.
 //
 // Bytes that are read are noted in the line breaks. Going back is not.
 class Cursor {

@@ -3,14 +3,15 @@
 #include "xml/text/Names.h"
 #include <string_view>
 
-// After "<!" a name is tried; if that fails "[", and after it "CDATA" and "["; if that fails "--". Each trial begins where the
-// opener ends. After "<?" only a name is tried. A trial that reads another opener calls for trials of its own, and the token
-// after "<!" is read by two of them: read as often as that, "<!<!<!" would cost a doubling and a level of stack for each.
+// After "<!" a name is tried; if that fails "[", and after it "CDATA" and "["; if that fails "--". Each trial begins
+// where the opener ends. After "<?" only a name is tried. A trial that reads another opener calls for trials of its
+// own, and the token after "<!" is read by two of them: read as often as that, "<!<!<!" would cost a doubling and a
+// level of stack for each.
 //
-// So the open ones stand on a stack, and a token that begins with '<' is read once: reading it again from the same place
-// gives the same token and the same line breaks, but for one. Going back does not restore whether the last byte was a CR, so
-// that a line end at the very start of the second reading may count as the second half of a pair (noteAgain). Tokens of
-// other kinds are short and are read again.
+// So the open ones stand on a stack, and a token that begins with '<' is read once: reading it again from the same
+// place gives the same token and the same line breaks, but for one. Going back does not restore whether the last byte
+// was a CR, so that a line end at the very start of the second reading may count as the second half of a pair
+// (noteAgain). Tokens of other kinds are short and are read again.
 
 namespace Xml {
 

@@ -9,11 +9,11 @@
 
 namespace Xml {
 
-// Tokens that begin with '<'. What follows "<!" and "<?" is found by trials, and each trial reads a token, which may begin with
-// an opener again.
+// Tokens that begin with '<'. What follows "<!" and "<?" is found by trials, and each trial reads a token, which may
+// begin with an opener again.
 //
-// Goes down a chain of openers that stand directly after each other, reads the one plain token after the innermost, and comes
-// up closing each. The depth of a chain costs memory, not stack.
+// Goes down a chain of openers that stand directly after each other, reads the one plain token after the innermost, and
+// comes up closing each. The depth of a chain costs memory, not stack.
 class Openers {
 public:
     explicit Openers(Tokenizer& itsTokenizer)

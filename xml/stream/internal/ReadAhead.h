@@ -9,13 +9,13 @@
 
 namespace Xml {
 
-// What a stream has read ahead in trials and does not read again: nested markup that was given up, the last far reference, and
-// a message about such a reference.
+// What a stream has read ahead in trials and does not read again: nested markup that was given up, the last far
+// reference, and a message about such a reference.
 //
 // All of it is cost control. What follows "<!" and "<?" is tried, mostly in vain, and read again as tokens of its own;
-// "<!<!<!" and "<!&<!&" taken token by token would cost the square of their length. Without any of this, results are the same.
-// It lives for as long as nothing can change the bytes: until the outermost reader ends, and longer over bytes that were lent
-// for good.
+// "<!<!<!" and "<!&<!&" taken token by token would cost the square of their length. Without any of this, results are
+// the same. It lives for as long as nothing can change the bytes: until the outermost reader ends, and longer over
+// bytes that were lent for good.
 class ReadAhead {
 public:
     // Switches it off, or on again, for all streams that begin to read; returns what it was. For tests.
@@ -56,15 +56,16 @@ public:
         std::shared_ptr<const std::string> text;  // ends with the ';', and begins with the first that was read up to it
     };
 
-    // The reference that begins there, when it ends where the last one did or does not end either; null when that is unknown.
+    // The reference that begins there, when it ends where the last one did or does not end either; null when that is
+    // not known.
     const Reference* referenceFrom(int position);
     void setReference(Reference met) { reference = std::move(met); }
 
     // --- Messages ---
 
-    // Begins a message that goes on with the text of the last reference. That may be as long as the source, and is mostly replaced
-    // before anybody asks; it is appended by completeMessage(), for which `message` gets room here. False when there is no such
-    // text.
+    // The message goes on with the text of the last reference; false when there is no such text. It may be as long as
+    // the source, and most such messages are replaced before they are looked at, so completeMessage() appends it,
+    // later. The message gets the room for it at once.
     bool continueMessage(std::string& message);
     void completeMessage(std::string& message) noexcept;
     bool isMessageComplete() const { return continuation == nullptr; }

@@ -27,8 +27,8 @@ struct StreamAccess {
         bool isOutermost;
     };
 
-    // A reader at work. Lets the stream keep its window over many operations: the positions below cost no look at the source
-    // then.
+    // A reader at work. Lets the stream keep its window over many operations: the positions below cost no look at the
+    // source then.
     class Session {
     public:
         explicit Session(InStream& stream) : in(stream), before(stream.nesting.work) {
@@ -75,9 +75,9 @@ struct StreamAccess {
     static void clear(InStream& in) { in.parseBuffer.clear(); }
     static const std::string& token(const InStream& in) { return in.parseBuffer; }
 
-    // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';', so
-    // that many '&' before a far one would be read over and over: one that begins before `referenceEnd`, the end of the last
-    // reference read, is not read again, and the token is "&" alone.
+    // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';',
+    // so that many '&' before a far one would be read over and over: one that begins before `referenceEnd`, the end of
+    // the last reference read, is not read again, and the token is "&" alone.
     static bool getContentToken(InStream& in, int& referenceEnd) {
         in.parseBuffer.clear();
         const Operation operation(in);
@@ -85,7 +85,8 @@ struct StreamAccess {
     }
 
 private:
-    // Nothing is under way any more: what is borrowed goes back, and what was read ahead goes where the bytes may change.
+    // Nothing is under way any more: what is borrowed goes back, and what was read ahead goes where the bytes may
+    // change.
     static void end(InStream& in) {
         in.nesting.work = Nesting::Work::None;
         const bool bytesStay = in.window.loan == Window::Loan::ForGood;

@@ -8,9 +8,10 @@
 
 namespace Xml {
 
-// The rules for tokens: a byte is read and looked at, and stepped back over where it belongs to what follows. The operations are
-// those of InStream that have these names, for an operation under way: they append to the parse buffer of the stream, leave
-// their messages there, and keep the window.
+// The rules for tokens: a byte is read and looked at, and stepped back over where it belongs to what follows.
+//
+// Each function does the work of the operation of InStream that is like it. It appends to the stream's parse buffer,
+// leaves its message there, and keeps the window.
 class Tokenizer {
 public:
     explicit Tokenizer(InStream& stream) : in(stream) {}
