@@ -57,16 +57,15 @@ void OutStream::putIndented(const char* bytes, std::size_t count) {
     while (bytes != end) {
         const char* runEnd = end;
         if (tabLevel > 0) {
-            if (*bytes != '\n' && atLineStart && !putTabs()) break;
+            if (atLineStart && *bytes != '\n' && !putTabs()) return putByBytes(bytes, end);
             const auto* const lineEnd =
                 static_cast<const char*>(std::memchr(bytes, '\n', static_cast<std::size_t>(end - bytes)));
             if (lineEnd != nullptr) runEnd = lineEnd + 1;
         }
-        if (!putChars(bytes, static_cast<std::size_t>(runEnd - bytes))) break;
+        if (!putChars(bytes, static_cast<std::size_t>(runEnd - bytes))) return putByBytes(bytes, end);
         bytes = runEnd;
         atLineStart = bytes[-1] == '\n';
     }
-    for (; bytes != end; ++bytes) putByte(*bytes);
 }
 
 bool OutStream::putTabs() {
@@ -77,15 +76,17 @@ bool OutStream::putTabs() {
     return true;
 }
 
-// The rule, for one byte. The sink may change the level, or put more, from within any putChar.
-void OutStream::putByte(char c) {
-    if (c == '\n') {
-        atLineStart = true;
-    } else if (atLineStart) {
-        atLineStart = false;
-        for (std::int32_t i = 0; i < tabLevel; ++i) putChar('\t');
+// The rule for each byte. The sink may change the level, or put more, from within any putChar.
+void OutStream::putByBytes(const char* bytes, const char* end) {
+    for (; bytes != end; ++bytes) {
+        if (*bytes == '\n') {
+            atLineStart = true;
+        } else if (atLineStart) {
+            atLineStart = false;
+            for (std::int32_t i = 0; i < tabLevel; ++i) putChar('\t');
+        }
+        putChar(*bytes);
     }
-    putChar(c);
 }
 
 }  // namespace Xml

@@ -68,7 +68,7 @@ private:
 
     ORVXML_LOCAL void putIndented(const char* bytes, std::size_t count);
     ORVXML_LOCAL bool putTabs();
-    ORVXML_LOCAL void putByte(char c);
+    ORVXML_LOCAL void putByBytes(const char* bytes, const char* end);
 
     std::int32_t tabLevel = 0;
     bool atLineStart = true;
