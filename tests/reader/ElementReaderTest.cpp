@@ -34,6 +34,18 @@ public:
 
 class RenamedElementReader : public ElementReader {};
 
+// Takes what was read out of itself as soon as it has a message.
+class TakingElementReader : public ElementReader {
+public:
+    using ElementReader::ElementReader;
+    void message(InStream&, const std::string&) override {
+        const std::unique_ptr<Element> element(extractRoot());
+        taken = dump(element.get());
+    }
+
+    std::string taken;
+};
+
 }  // namespace
 
 TEST(ElementReaderTest, ReadsTagsAndAttributes) {
@@ -424,6 +436,35 @@ TEST(ElementReaderTest, NamesASubclassInItsOwnFailuresAndThePlainReaderInThoseOf
     StringInStream childs("<a><b></a></a>");
     EXPECT_FALSE(reader.parse(childs));
     EXPECT_EQ(reader.getErrorMessage(), located(1, 9, "\"b\" expected", classOf<ElementReader>()));
+}
+
+TEST(ElementReaderTest, HandsOverWhatWasReadWhileItReports) {
+    const struct {
+        const char* name;
+        const char* text;
+        const char* taken;
+    } kCases[] = {
+        {"attributes are in order", "<a y='2' x='1' y='3' z>", "a[x=1 y=3]"},
+        {"unfinished attribute", "<a y='2' x='1' y=>", "a[x=1 y=2]"},
+        {"too much text", "<a y='2' x='1' z='&e;'>", "a[x=1 y=2]"},
+        {"content", "<a><b/>text<?x?></a>", "a(b 'text')"},
+        {"end tag", "<a><b/></c>", "a(b)"},
+        {"no name", "<1>", "null"},
+    };
+    const GrowthLimit limit(1);
+    Dtd dtd("a");
+    dtd.setEntity("e", DataHolder(std::string(100'000, 'x')));
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        for (auto source : kAllSources) {
+            withSource(source, c.text, [&](InStream& in) {
+                TakingElementReader reader(&dtd);
+                EXPECT_FALSE(reader.parse(in));
+                EXPECT_EQ(reader.taken, c.taken);
+                EXPECT_EQ(reader.getRoot(), nullptr);
+            });
+        }
+    }
 }
 
 TEST(ElementReaderTest, BoundsTheTextMadeFromOneLargeEntityInManyAttributes) {

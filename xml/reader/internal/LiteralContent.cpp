@@ -47,7 +47,10 @@ bool LiteralContent::beginElement() {
     StreamAccess::clear(in);
     if (!in.getNameInParseBuffer()) return fail();
     tree.begin(StreamAccess::token(in));
-    if (!readAttributes()) return false;
+    // The report comes after the attributes are in order: a caller's message() may ask for them.
+    const Attributes attributes = readAttributes();
+    if (attributes == Attributes::NotRead) return fail();
+    if (attributes == Attributes::TooLarge) return failWith(kEntityTextTooLarge);
     if (StreamAccess::token(in) == kSlashGreaterThen) {
         endElement();
         return true;
@@ -56,19 +59,19 @@ bool LiteralContent::beginElement() {
 }
 
 // Up to the token after the attributes, which stays in the parse buffer.
-bool LiteralContent::readAttributes() {
+LiteralContent::Attributes LiteralContent::readAttributes() {
     TreeBuilder::Attributes attributes(tree);
     std::string name;
     while (true) {
-        if (!StreamAccess::getToken(in)) return fail();
-        if (!isName(StreamAccess::token(in))) return true;
+        if (!StreamAccess::getToken(in)) return Attributes::NotRead;
+        if (!isName(StreamAccess::token(in))) return Attributes::Read;
         name = StreamAccess::token(in);
-        if (!in.checkToken(kEqual)) return fail();
+        if (!in.checkToken(kEqual)) return Attributes::NotRead;
         StreamAccess::clear(in);
-        if (!in.getStringInParseBuffer()) return fail();
+        if (!in.getStringInParseBuffer()) return Attributes::NotRead;
         const std::string& literal = StreamAccess::token(in);
         DataHolder value(literal, 1, literal.size() - 2);
-        if (!budget.expand(in, value, dtd)) return failWith(kEntityTextTooLarge);
+        if (!budget.expand(in, value, dtd)) return Attributes::TooLarge;
         attributes.add(name, std::move(value));
     }
 }

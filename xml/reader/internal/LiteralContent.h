@@ -18,7 +18,7 @@ class TreeBuilder;
 // element reader, whichever class reads the outer one, and an element becomes a child when it is complete.
 class LiteralContent {
 public:
-    // `reader` is the reader of the outermost element and gets the message. The Dtd may be null.
+    // `outermost` reads the outermost element and gets the message. The Dtd may be null.
     LiteralContent(ElementReader& outermost, InStream& stream, TreeBuilder& builder, Dtd* entities, EntityBudget& text)
         : reader(outermost), in(stream), tree(builder), dtd(entities), budget(text) {}
 
@@ -33,7 +33,8 @@ private:
     bool failSilently();
 
     bool beginElement();
-    bool readAttributes();
+    enum class Attributes { Read, NotRead, TooLarge };
+    Attributes readAttributes();
     bool readEndTag();
     void endElement();
     bool readPiece();
