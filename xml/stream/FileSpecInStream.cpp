@@ -6,6 +6,12 @@
 
 namespace Xml {
 
+namespace {
+
+constexpr std::int64_t kMostPosition = std::numeric_limits<int>::max();
+
+}  // namespace
+
 FileSpecInStream::FileSpecInStream(OrvSys::FileIO& openFile) : file(&openFile), length(openFile.GetLength()) {}
 
 FileSpecInStream::FileSpecInStream(const OrvSys::FileSpec& spec) : owned(std::make_unique<OrvSys::FileIO>(spec)) {
@@ -20,7 +26,7 @@ FileSpecInStream::FileSpecInStream(const OrvSys::FileSpec& spec) : owned(std::ma
 FileSpecInStream::~FileSpecInStream() = default;
 
 bool FileSpecInStream::getChar(char& c) {
-    if (isTooLarge() || file == nullptr || beforeStart < 0 || eof()) return false;
+    if (length > kMostPosition || file == nullptr || beforeStart < 0 || eof()) return false;
     const std::int64_t before = file->GetPosition();
     c = static_cast<char>(file->ReadUInt8());
     return file->GetPosition() != before;  // a file that was cut meanwhile has no more bytes
@@ -31,7 +37,7 @@ int FileSpecInStream::getPosition() const {
     if (file == nullptr) return -1;
     if (beforeStart < 0) return beforeStart;
     const std::int64_t position = file->GetPosition();
-    return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : -1;
+    return position <= kMostPosition ? static_cast<int>(position) : -1;
 }
 
 void FileSpecInStream::setPosition(int position) {
@@ -47,7 +53,7 @@ bool FileSpecInStream::eof() {
 
 bool FileSpecInStream::lendBytes(Window& lent) {
     if (typeid(*this) != typeid(FileSpecInStream)) return false;
-    if (isTooLarge() || file == nullptr || beforeStart < 0 || !file->IsOpen()) return false;
+    if (length > kMostPosition || file == nullptr || beforeStart < 0 || !file->IsOpen()) return false;
     const std::int64_t left = length - file->GetPosition();
     if (left <= 0) return false;
     std::size_t count = 0;
@@ -62,6 +68,6 @@ void FileSpecInStream::takeBytesBack(const Window& lent) const {
     file->SkipBuffered(static_cast<std::size_t>(lent.cursor - lent.begin));
 }
 
-bool FileSpecInStream::isTooLarge() const { return length > std::numeric_limits<int>::max(); }
+bool FileSpecInStream::isTooLarge() const { return length > kMostPosition; }
 
 }  // namespace Xml

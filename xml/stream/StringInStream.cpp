@@ -5,6 +5,12 @@
 
 namespace Xml {
 
+namespace {
+
+constexpr std::size_t kMostBytes = std::numeric_limits<int>::max();
+
+}  // namespace
+
 StringInStream::StringInStream(const std::string& bytes) : text(bytes) {}
 
 bool StringInStream::getChar(char& c) {
@@ -38,13 +44,11 @@ bool StringInStream::lendBytes(Window& lent) {
 
 void StringInStream::takeBytesBack(const Window& lent) const { position = static_cast<int>(lent.cursor - lent.begin); }
 
-bool StringInStream::isTooLarge() const {
-    return text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max());
-}
+bool StringInStream::isTooLarge() const { return text.size() > kMostBytes; }
 
 // Whether there is a byte to read at the position.
 bool StringInStream::hasByte() const {
-    return !isTooLarge() && position >= 0 && static_cast<std::size_t>(position) < text.size();
+    return text.size() <= kMostBytes && position >= 0 && static_cast<std::size_t>(position) < text.size();
 }
 
 }  // namespace Xml
