@@ -185,7 +185,7 @@ TEST(HostilePathTest, NumbersOfAnySizeAreNumbers) {
     const auto printed = [](double value) {
         std::array<char, 512> text{};
         std::snprintf(text.data(), text.size(), "%f", value);
-        return std::string(text.data()).substr(0, 255);
+        return std::string(text.data());
     };
     const std::string many = "1" + repeated("0", 299);
     // A literal is what its digits give one behind the other, an attribute the nearest number.

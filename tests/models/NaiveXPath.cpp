@@ -932,7 +932,7 @@ Text NaiveXPath::ConvertToString(const Item& item) const {
     case NODE: return GetValue(item.node);
     case STRING: return item.string;
     case NUMBER: {
-        char buffer[256];
+        char buffer[512];  // longer than any number
         std::snprintf(buffer, sizeof buffer, "%f", item.number);
         return wide(buffer);
     }

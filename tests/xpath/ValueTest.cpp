@@ -4,8 +4,15 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/internal/Folding.h"
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace Xml {
 namespace {
@@ -80,6 +87,43 @@ TEST(ValueTest, ConvertsBooleansToOneAndZero) {
     EXPECT_EQ(ConvertToString(Value::ofBoolean(0, true)), u"1");
     EXPECT_EQ(ConvertToString(Value::ofBoolean(0, false)), u"0");
     EXPECT_EQ(ConvertToString(Value::ofNumber(0, 2)), u"2.000000");
+}
+
+// In the classic locale, under which tests run, as printf writes them.
+TEST(ValueTest, WritesNumbersWholeWithSixDecimals) {
+    using Limits = std::numeric_limits<double>;
+    std::vector<double> numbers = {0.0,
+                                   -0.0,
+                                   1e300,
+                                   1e308,
+                                   -1e308,
+                                   Limits::max(),
+                                   Limits::min(),
+                                   Limits::lowest(),
+                                   Limits::denorm_min(),
+                                   0.0000005,
+                                   0.0000015,
+                                   0.9999995,
+                                   2.5,
+                                   Limits::infinity(),
+                                   -Limits::infinity(),
+                                   Limits::quiet_NaN(),
+                                   -Limits::quiet_NaN()};
+    std::mt19937_64 random(3);
+    for (int i = 0; i < 20'000; ++i) {
+        const std::uint64_t bits = random();
+        double number = 0;
+        std::memcpy(&number, &bits, sizeof number);
+        numbers.push_back(number);
+        numbers.push_back(std::ldexp(static_cast<double>(bits % 1'000'000), static_cast<int>(bits >> 58) - 32));
+    }
+    for (const double number : numbers) {
+        char expected[512];
+        std::snprintf(expected, sizeof expected, "%f", number);
+        EXPECT_EQ(textOf(number), OrvSys::PlatformCStringToUni16Char(expected));
+    }
+    EXPECT_EQ(textOf(1e300).find(u'.'), 301u);
+    EXPECT_EQ(textOf(Limits::lowest()).size(), 317u);
 }
 
 TEST(ValueTest, OrdersTextsByTheir16BitUnits) {

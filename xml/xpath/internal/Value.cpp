@@ -6,7 +6,6 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/text/internal/ClassicNumbers.h"
 #include <algorithm>
-#include <cstdio>
 
 namespace Xml {
 
@@ -97,9 +96,8 @@ const std::string& textOf(const Object& node, std::string& buffer) {
 }
 
 OrvSys::Uni16String textOf(double number) {
-    char buffer[256];
-    std::snprintf(buffer, sizeof buffer, "%f", number);
-    return OrvSys::PlatformCStringToUni16Char(buffer);
+    const std::string text = Classic::fixedPoint(number, 6);
+    return {text.begin(), text.end()};
 }
 
 double ConvertToNumber(const Value& value) {

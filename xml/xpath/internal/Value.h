@@ -45,7 +45,7 @@ using Values = std::vector<Value>;
 // The text of a node (see XPath::GetValue): as it stands in the node where it can, else in `buffer`. The tree is not touched.
 const std::string& textOf(const Object& node, std::string& buffer);
 
-// "2.000000". More than 255 characters are cut off.
+// "2.000000", whole and with a point under every locale; "inf", "nan", also with a minus.
 OrvSys::Uni16String textOf(double number);
 
 double ConvertToNumber(const Value& value);
