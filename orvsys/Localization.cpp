@@ -45,6 +45,7 @@ constexpr EnglishText kXPathTexts[] = {
      u"A position can only be compared with first(), last() or a number"},
     {"xpat/xerr/CONTEXT IS NOT A NODE", u"The context of the path is not a node"},
     {"xpat/xerr/EXPRESSION NESTED TOO DEEPLY", u"The expression is nested too deeply"},
+    {"xpat/xerr/EXPRESSION TOO COSTLY", u"The expression is too costly"},
 };
 
 // Nested maps, so that a look-up joins no strings.

@@ -2,7 +2,7 @@
 
 namespace Xml::test {
 
-// The keys of the texts of the path errors behind "xpat/xerr/", by code.
+// The keys of the texts of the path errors after "xpat/xerr/", by code.
 constexpr const char* kPathErrorKeys[] = {
     "NONE",
     "INDEX OUT OF BOUNDS",
@@ -32,6 +32,7 @@ constexpr const char* kPathErrorKeys[] = {
     "FIRST LAST OR NUMBER AFTER POSITION EXPECTED",
     "CONTEXT IS NOT A NODE",
     "EXPRESSION NESTED TOO DEEPLY",
+    "EXPRESSION TOO COSTLY",
 };
 
 }  // namespace Xml::test

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
-#include <new>
 #include <random>
 #include <string>
 #include <utility>
@@ -543,7 +542,8 @@ TEST(ExpressionTest, BoundsThePairsOfAllContextNodesTogether) {
     const Tree tree("<r><x>" + text + "</x><x>" + text + "</x></r>");
     XPath query(tree.document());
     EXPECT_EQ(query.GetValues(u"/r/x"), 2u);
-    EXPECT_THROW(query.GetValues(u"a + b"), std::bad_alloc);
+    EXPECT_EQ(query.GetValues(u"a + b"), 0u);
+    EXPECT_EQ(query.GetErrorCode(), XPath::EXPRESSION_TOO_COSTLY);
     EXPECT_EQ(query.GetValues(u"/r/x/a"), 5780u);
 }
 

@@ -36,18 +36,21 @@ std::string compared(const Value& left, const Value& right) {
     return holding([&](Operator op) { return CompareResultItems(left, right, op); });
 }
 
-TEST(ValueTest, FalseIsLessThanTrue) {
-    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(false, true, op); }), kLess);
-    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(true, false, op); }), kGreater);
-    EXPECT_EQ(holding([](Operator op) { return CompareBooleans(true, true, op); }), kEqual);
-    EXPECT_EQ(compared(Value::ofBoolean(-1, false), Value::ofBoolean(-1, true)), kLess);
+TEST(ValueTest, ComparesNumbersAndTheOrderOfTextsAlike) {
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(1.5, 2.0, op); }), kLess);
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(2.0, 2.0, op); }), kEqual);
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(2.0, 1.5, op); }), kGreater);
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(-7, 0, op); }), kLess);
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(0, 0, op); }), kEqual);
+    EXPECT_EQ(holding([](Operator op) { return CompareValue(7, 0, op); }), kGreater);
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(holding([none](Operator op) { return CompareValue(none, none, op); }), "000001");
 }
 
 TEST(ValueTest, NoOtherOperatorCompares) {
     for (const Operator op : {Operator::Plus, Operator::Minus, Operator::Divide, Operator::Multiply, Operator::None}) {
         EXPECT_FALSE(CompareValue(1.0, 1.0, op));
-        EXPECT_FALSE(CompareBooleans(true, true, op));
-        EXPECT_FALSE(CompareOrder(0, op));
+        EXPECT_FALSE(CompareValue(0, 0, op));
     }
     for (const Operator op : kComparisons) EXPECT_EQ(CalculusOnValue(2, 3, op), 0.0);
     EXPECT_EQ(CalculusOnValue(2, 3, Operator::None), 0.0);
@@ -55,8 +58,6 @@ TEST(ValueTest, NoOtherOperatorCompares) {
 
 TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
     Attribute three("n", "3");
-    Attribute empty("e", "");
-    Element none("x");
     const Literal textThree(u"3");
     const Literal one(u"1");
     const struct {
@@ -64,15 +65,8 @@ TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
         Value left, right;
         const char* holds;
     } kCases[] = {
-        {"a number and a boolean", Value::ofNumber(-1, 1), Value::ofBoolean(-1, true), kEqual},
-        {"a boolean and a number", Value::ofBoolean(-1, false), Value::ofNumber(-1, 0.5), kLess},
         {"a node and a number", Value::ofNode(-1, &three), Value::ofNumber(-1, 2), kGreater},
         {"a number and a string", Value::ofNumber(-1, 3), Value::ofString(-1, &textThree), kEqual},
-        {"a string and a boolean", Value::ofString(-1, &one), Value::ofBoolean(-1, true), kEqual},
-        {"a boolean and a string", Value::ofBoolean(-1, false), Value::ofString(-1, &textThree), kLess},
-        {"a node with a text and a boolean", Value::ofNode(-1, &three), Value::ofBoolean(-1, true), kEqual},
-        {"a node without and a boolean", Value::ofNode(-1, &empty), Value::ofBoolean(-1, true), kLess},
-        {"a boolean and an empty element", Value::ofBoolean(-1, true), Value::ofNode(-1, &none), kGreater},
         {"a node and a string", Value::ofNode(-1, &three), Value::ofString(-1, &one), kGreater},
     };
     for (const auto& c : kCases) {
@@ -81,11 +75,14 @@ TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
     }
 }
 
-TEST(ValueTest, ConvertsBooleansToOneAndZero) {
-    EXPECT_EQ(ConvertToNumber(Value::ofBoolean(0, true)), 1.0);
-    EXPECT_EQ(ConvertToNumber(Value::ofBoolean(0, false)), 0.0);
-    EXPECT_EQ(ConvertToString(Value::ofBoolean(0, true)), u"1");
-    EXPECT_EQ(ConvertToString(Value::ofBoolean(0, false)), u"0");
+TEST(ValueTest, ConvertsEachKindToANumberAndToAText) {
+    Attribute node("n", " 12 ");
+    const Literal string(u"3x");
+    EXPECT_EQ(ConvertToNumber(Value::ofNode(0, &node)), 12.0);
+    EXPECT_EQ(ConvertToNumber(Value::ofString(0, &string)), 3.0);
+    EXPECT_EQ(ConvertToNumber(Value::ofNumber(0, 2)), 2.0);
+    EXPECT_EQ(ConvertToString(Value::ofNode(0, &node)), u" 12 ");
+    EXPECT_EQ(ConvertToString(Value::ofString(0, &string)), u"3x");
     EXPECT_EQ(ConvertToString(Value::ofNumber(0, 2)), u"2.000000");
 }
 
@@ -146,24 +143,34 @@ TEST(ValueTest, OrdersTextsByTheir16BitUnits) {
     EXPECT_EQ(compared(Value::ofString(-1, &half), Value::ofNode(-1, &replaced)), kLess);
 }
 
-TEST(FoldingTest, ComparesBooleansByTheirTags) {
-    Values left = {Value::ofBoolean(0, true), Value::ofBoolean(1, false), Value::ofBoolean(2, true)};
-    const Values right = {Value::ofBoolean(0, true), Value::ofBoolean(1, true)};
+TEST(FoldingTest, ComparesValuesOfOneTagAndPutsAScalarInThePlaceOfWhatItHoldsFor) {
+    Values left = {Value::ofNumber(0, 1), Value::ofNumber(1, 2), Value::ofNumber(2, 1)};
+    const Values right = {Value::ofNumber(0, 1), Value::ofNumber(1, 1)};
     CompareExpressionItems(left, right, Operator::Equal);
     ASSERT_EQ(left.size(), 1u);
     EXPECT_EQ(left[0].tag, 0);
 
-    Values scalar = {Value::ofBoolean(-1, false)};
+    Values scalar = {Value::ofNumber(-1, 0)};
     CompareExpressionItems(scalar, right, Operator::LessThan);
     ASSERT_EQ(scalar.size(), 2u);
     EXPECT_EQ(scalar[1].tag, 1);
-    EXPECT_FALSE(scalar[1].boolean);
+    EXPECT_EQ(scalar[1].number, 0);
+}
 
-    // With a boolean a text is true or false, also where there are so many that others would be sorted.
-    Attribute three("n", "3");
-    Values node = {Value::ofNode(0, &three)};
-    CompareExpressionItems(node, Values(20, Value::ofBoolean(0, true)), Operator::Equal);
-    EXPECT_EQ(node.size(), 1u);
+TEST(FoldingTest, MakesAsManyPairsAsMayBeAndNotOneMore) {
+    const Values two = {Value::ofNumber(0, 1), Value::ofNumber(0, 2)};
+    Values left(kMostPairs / 2, Value::ofNumber(0, 3));
+    ASSERT_TRUE(CalculusOnExpressionItems(left, two, Operator::Plus));
+    EXPECT_EQ(left.size(), kMostPairs);
+    EXPECT_EQ(left.back().number, 5);
+
+    // Of two tags each makes fewer than may be; together they make one more.
+    left.assign(kMostPairs / 2, Value::ofNumber(0, 3));
+    left.push_back(Value::ofNumber(1, 3));
+    const Values right = {Value::ofNumber(0, 1), Value::ofNumber(0, 2), Value::ofNumber(1, 1)};
+    EXPECT_FALSE(CalculusOnExpressionItems(left, right, Operator::Plus));
+    EXPECT_EQ(left.size(), kMostPairs / 2 + 1);
+    EXPECT_EQ(left.front().number, 3);
 }
 
 }  // namespace

@@ -554,6 +554,7 @@ TEST(XPathTest, NumbersItsErrorCodesInTheOrderOfTheirTexts) {
     EXPECT_EQ(static_cast<int>(XPath::FIRST_LAST_OR_NUMBER_AFTER_POSITION_EXPECTED), 25);
     EXPECT_EQ(static_cast<int>(XPath::CONTEXT_IS_NOT_A_NODE), 26);
     EXPECT_EQ(static_cast<int>(XPath::EXPRESSION_NESTED_TOO_DEEPLY), 27);
+    EXPECT_EQ(static_cast<int>(XPath::EXPRESSION_TOO_COSTLY), 28);
 }
 
 // One operation of a chain and what the query holds behind it.

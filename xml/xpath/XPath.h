@@ -3,15 +3,11 @@
 #include "orvsys/Uni16.h"
 #include "xml/Export.h"
 #include <cstdint>
-#include <string>
-#include <vector>
+#include <memory>
 
 namespace Xml {
 
-class Document;
-class Evaluation;
 class Object;
-class PathText;
 
 // Asks a tree by path expressions. The query object stands on a context, at first the node that it is made over; every
 // query replaces the context by its results, and a path that does not begin with "/" starts from there.
@@ -19,13 +15,13 @@ class PathText;
 //     Xml::XPath query(document);
 //     for (unsigned i = 0, n = query.GetValues(u"//item[@price > 10]/name"); i < n; ++i) use(query.GetValue(i, -1));
 //
-// The language is told in docs/paths.md. Paths, texts and names are 16-bit text. The tree is only read; it is not owned,
+// docs/paths.md describes the language. Paths, texts and names are 16-bit text. The tree is only read; it is not owned,
 // and what a result points to is good as long as it stays in the tree. A query object belongs to one thread at a time.
 //
 // No path makes an operation throw, but for std::bad_alloc, or takes more than its share of stack: whatever is wrong with it
-// ends in an error code, and a false, zero or empty result. Arithmetic over more than 16 million pairs counts as memory that
-// ran out. Code and text of an error stay until the next operation that says that it resets them. Finding nothing is not a
-// failure; it leaves the code NODE_NOT_FOUND and the step that found nothing.
+// ends in an error code, and a false, zero or empty result. So does asking for too much: arithmetic over more than 16 million
+// pairs, or more visits than setWorkLimit allows. Code and text of an error stay until the next operation that says that it
+// resets them. Finding nothing is not a failure; it leaves the code NODE_NOT_FOUND and the step that found nothing.
 class ORVXML_API XPath {
 public:
     enum ErrorCode {
@@ -56,7 +52,8 @@ public:
         MISSING_OPENING_PARENTHESE_AFTER_KIND_TEST,
         FIRST_LAST_OR_NUMBER_AFTER_POSITION_EXPECTED,
         CONTEXT_IS_NOT_A_NODE,
-        EXPRESSION_NESTED_TOO_DEEPLY
+        EXPRESSION_NESTED_TOO_DEEPLY,
+        EXPRESSION_TOO_COSTLY
     };
 
     // One result. The kind says which of the last four fields holds it; the others are empty.
@@ -66,7 +63,7 @@ public:
         ResultItem& operator=(const ResultItem& other);
 
         std::int32_t contextTag = -1;  // the index of the context node that a value was computed for; -1: for none
-        std::int32_t kind = 0;         // 0 node, 1 string, 2 number, 3 boolean
+        std::int32_t kind = 0;         // 0 node, 1 string, 2 number, 3 boolean, which no path yields
         Object* node = nullptr;
         OrvSys::Uni16String string;
         double number = 0;
@@ -80,8 +77,13 @@ public:
     XPath(const XPath&) = delete;
     XPath& operator=(const XPath&) = delete;
 
+    // How often one query may look at a node, in all its steps and predicates together; 0, as at first, for no limit. A query that
+    // would look at more ends with EXPRESSION_TOO_COSTLY. Returns what was set before. It is a setting of all query objects,
+    // not to be made while others run in other threads. What counts as a visit may become less with another version.
+    static std::int64_t setWorkLimit(std::int64_t visits);
+
     // Evaluates the path and makes what it yields the results; false on an error, and then there are none. It resets no
-    // error: an error of before stays unless a new one takes its place. Behind SyntaxOK it only checks, as that does,
+    // error: an error of before stays unless a new one takes its place. After SyntaxOK it only checks, as that does,
     // until GetValues or GetValue by path is called.
     bool FindNodes(const OrvSys::Uni16String& path);
 
@@ -93,7 +95,7 @@ public:
     // The same, and the first result as GetValue(0, token) gives it; empty on an error or without a result.
     OrvSys::Uni16String GetValue(const OrvSys::Uni16String& path, int token);
 
-    // The result with that 0-based index as text: the text of a node, a string, a number with six decimals, 1 or 0 for a boolean. Of
+    // The result with that 0-based index as text: the text of a node, a string, a number with six decimals. Of
     // an attribute a token other than -1 takes one word: the token-th, from 0, of the parts between blanks. Resets the
     // error code; an index or a word that is not there gives INDEX_OUT_OF_BOUNDS and an empty text.
     OrvSys::Uni16String GetValue(unsigned index, int token);
@@ -116,18 +118,9 @@ public:
     const ResultItem& GetResult(unsigned index) const;
 
 private:
-    void reset();
-    bool fail(ErrorCode code, OrvSys::Uni16String&& text);
-    void setError(const Evaluation& evaluation, const PathText& text);
-    void setResults(Evaluation& evaluation);
+    struct ORVXML_LOCAL Kept;
 
-    ErrorCode errorCode = NONE;
-    bool syntaxCheck = false;
-    Document* document = nullptr;
-    std::vector<Object*> nodes;               // the results, where they are nodes
-    mutable std::vector<ResultItem> results;  // where they are not; those of nodes are made when one is asked for
-    std::uint32_t errorDepth = 0;             // of the step named by NODE_NOT_FOUND
-    OrvSys::Uni16String errorText;
+    std::unique_ptr<Kept> kept;
 };
 
 }  // namespace Xml

@@ -1,50 +1,58 @@
 #pragma once
 
-#include "xml/xpath/XPath.h"
 #include <algorithm>
+#include <optional>
 
 namespace Xml {
 
 struct Step;
 
-// The book that an evaluation keeps of steps that found nothing: which one NODE_NOT_FOUND names. That is the deepest one since
-// a step last found something. Another error that stands already is left alone.
-struct Absence {
-    XPath::ErrorCode code = XPath::NONE;
-    unsigned depth = 0;
-    const Step* step = nullptr;  // null where the one that stood before this evaluation still stands
-    bool withPredicates = false;
-    bool anyFound = false;
-    unsigned deepestCleared = 0;  // of the steps that found nothing before another found something
+// A step that found nothing, and how an error names it.
+struct Missed {
+    enum class Name { WithAxis, WithPredicates };
 
+    const Step* step;
+    unsigned depth;  // of the step in the query, from 1
+    Name name;
+};
+
+// What some steps, taken one after the other, leave to say about those that found nothing: the deepest one since a step last found
+// something. NODE_NOT_FOUND names it.
+//
+// Absences of parts of a walk are put together as the parts are, so that one can be kept and used again. tests/xpath/AbsenceTest.cpp
+// holds that.
+class Absence {
+public:
     void found() {
-        anyFound = true;
-        if (code != XPath::NODE_NOT_FOUND) return;
-        deepestCleared = std::max(deepestCleared, depth);
-        code = XPath::NONE;
-        depth = 0;
+        anyFound_ = true;
+        missed_.reset();
     }
 
-    void foundNothing(const Step& itsStep, unsigned itsDepth, bool itsPredicates) {
-        if (depth >= itsDepth || (code != XPath::NONE && code != XPath::NODE_NOT_FOUND)) return;
-        code = XPath::NODE_NOT_FOUND;
-        depth = itsDepth;
-        step = &itsStep;
-        withPredicates = itsPredicates;
+    void foundNothing(const Missed& missed) {
+        deepest_ = std::max(deepest_, missed.depth);
+        if (!missed_ || missed.depth > missed_->depth) missed_ = missed;
     }
 
-    // As if what `later` recorded, beginning with an empty book, had been recorded here. Where a depth stands alone, finding
-    // something clears it only behind a deeper step that found nothing.
+    // As if the steps of `later` had been taken after these.
     void append(const Absence& later) {
-        if (code != XPath::NONE && code != XPath::NODE_NOT_FOUND) return;
-        const Absence before = *this;
-        if (later.depth > depth || (isDepthAlone() ? later.deepestCleared > depth : later.anyFound)) *this = later;
-        anyFound = before.anyFound || later.anyFound;
-        deepestCleared = std::max({before.deepestCleared, later.deepestCleared, later.anyFound ? before.depth : 0});
+        if (later.anyFound_) missed_.reset();
+        if (later.missed_ && (!missed_ || later.missed_->depth > missed_->depth)) missed_ = later.missed_;
+        anyFound_ = anyFound_ || later.anyFound_;
+        deepest_ = std::max(deepest_, later.deepest_);
     }
 
-    // Without its code, which GetValue(index) forgets.
-    bool isDepthAlone() const { return code == XPath::NONE && depth > 0; }
+    const std::optional<Missed>& missed() const { return missed_; }
+
+    // Whether any step found something.
+    bool anyFound() const { return anyFound_; }
+
+    // The depth of the deepest step that found nothing, also where one found something after it; 0 for none.
+    unsigned deepest() const { return deepest_; }
+
+private:
+    std::optional<Missed> missed_;
+    bool anyFound_ = false;
+    unsigned deepest_ = 0;
 };
 
 }  // namespace Xml

@@ -1,35 +1,44 @@
 #pragma once
 
 #include "xml/xpath/internal/Step.h"
+#include "xml/xpath/internal/VisitBudget.h"
+#include "xml/xpath/internal/axes/Siblings.h"
+#include "xml/xpath/internal/axes/Taker.h"
 #include <cstddef>
-#include <vector>
 
 namespace Xml {
 
 class Document;
-class Object;
 
-// Nodes in the order in which a walk has first come upon them, each once.
-struct NodeList {
-    std::vector<Object*> nodes;
-
-    // False where surely no node lies below another one. Walks downwards need not look out for each other then.
-    bool nested = false;
-};
-
-// Where among its siblings the last context node stood, for the next one: they mostly come one behind the other.
-struct SiblingHint {
-    const Object* parent = nullptr;
-    std::size_t place = 0;
-};
-
-// Replaces `found` by what the step's axis finds from the nodes of `from`, taken in their order, that passes its node test;
-// predicates are not looked at. It may stop when `enough` nodes were found. Without a document the axes following and preceding find
-// nothing. `hint` is that of the step.
+// What a query walks along: the axes of its document, and how many nodes it may still look at.
 //
-// All axes from all nodes of a document cost O(nodes visited + nodes found), also where what they reach overlaps: a walk stops
-// where another one has collected all that follows.
-void collect(const Step& step, const NodeList& from, Document* document, NodeList& found, std::size_t enough,
-             SiblingHint& hint);
+// Results keep the order of first discovery, and a node is taken once, without being looked up among those found already: what
+// two context nodes both reach is always a whole region (all below a node, all above it, all siblings after it, all before it in
+// the document), so that it is enough to remember which regions are done. So all axes from all nodes of a document cost
+// O(nodes visited + nodes found), also where what they reach overlaps. tests/xpath/AxesTest.cpp and the model tests hold it.
+class Axes {
+public:
+    // Without a document the axes following and preceding find nothing.
+    Axes(Document* itsDocument, VisitBudget itsBudget) : document_(itsDocument), budget(itsBudget) {}
+
+    Document* document() const { return document_; }
+
+    // Replaces `found` by what the step's axis finds from the nodes of `from`, taken in their order, that passes its node test;
+    // predicates are not looked at. It may stop when `enough` nodes were found, and soon stops when the budget is spent.
+    // `hint` is that of the step.
+    void collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found);
+
+    // Says that as many nodes were looked at in another way.
+    void visit(std::size_t nodes) { budget.spend(nodes); }
+
+    // Whether the query has looked at more nodes than it may. What was found last may be incomplete then.
+    bool isSpent() const { return budget.isSpent(); }
+
+private:
+    void along(const Step& step, const NodeList& from, SiblingHint& hint, Taker& taker, NodeList& found) const;
+
+    Document* document_;
+    VisitBudget budget;
+};
 
 }  // namespace Xml

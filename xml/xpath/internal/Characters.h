@@ -5,7 +5,7 @@
 namespace Xml {
 
 // The classes of characters that paths are made of. A unit is judged by its low byte alone, so that U+0120 counts as a blank
-// and U+0141 as a letter: intended, paths have always been read so.
+// and U+0141 as a letter.
 bool IsWhiteSpace(OrvSys::uni16char unit);
 bool IsBeginLiteral(OrvSys::uni16char unit);
 bool isFirstNCChar(OrvSys::uni16char unit);
@@ -16,14 +16,14 @@ bool IsWhiteSpace(char c);
 
 using Unit = const OrvSys::uni16char*;
 
-// Moves `at` behind the name that begins there; false, and `at` unmoved, where none does.
+// Moves `at` after the name that begins there; false, and `at` unmoved, where none does.
 bool skipNCName(Unit& at, Unit end);
 
 // Reads a name with an optional prefix: "item", "xs:item". False, and nothing changed, where none begins. A colon without a
-// name behind it is left where it is.
+// name after it is left where it is.
 bool GetQName(Unit& at, Unit end, OrvSys::Uni16String& name);
 
-// Moves `at` behind "@" or "attribute::"; false, and `at` unmoved, where neither stands there.
+// Moves `at` after "@" or "attribute::"; false, and `at` unmoved, where neither stands there.
 bool IsAttributeAxis(Unit& at, Unit end);
 
 // Whether 16-bit text begins with, or is, that ASCII text.

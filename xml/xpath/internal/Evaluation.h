@@ -4,7 +4,9 @@
 #include "xml/xpath/internal/Expression.h"
 #include "xml/xpath/internal/NodeMap.h"
 #include "xml/xpath/internal/PathError.h"
+#include "xml/xpath/internal/QueryState.h"
 #include "xml/xpath/internal/Value.h"
+#include "xml/xpath/internal/VisitBudget.h"
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -22,50 +24,44 @@ class Object;
 // middle of a walk while a predicate of the step is evaluated in the frame above it.
 class Evaluation {
 public:
-    // With `check` expressions are only read, each once, without nodes. `before` is what earlier queries left.
-    Evaluation(Expressions& itsExpressions, Document* itsDocument, bool itsCheck, const Absence& before);
+    // As many nodes as the outcomes of walks may hold, all together.
+    static constexpr std::size_t kMostKept = 4'000'000;
+
+    Evaluation(Expressions& expressions, Document* itsDocument, VisitBudget budget, std::size_t mostKept = kMostKept);
     ~Evaluation();
 
-    // Evaluates the expression from the context nodes, none of which is null. With `noNodes` the context holds values instead, and
-    // every operand that asks for it is an error. False on an error.
-    bool run(Expression& expression, const std::vector<Object*>& contexts, bool noNodes);
+    // What the query starts from.
+    struct Start {
+        const std::vector<Object*>& contexts;  // none of them null
+        bool noNodes;  // whether the context holds values instead, so that every operand that asks for it is an error
+        unsigned depthAlone;  // how deep an earlier query missed a step, where its error was forgotten since; else 0
+    };
 
-    // The value of the expression: the nodes that it found, each once, where it is just a path; else the values.
+    // False on an error.
+    bool run(Expression& query, const Start& start);
+
+    // The value of the query: the nodes that it found, each once, where it is just a path; else the values.
     std::vector<Object*> nodes;
     Values values;
 
-    const PathError& error() const { return error_; }
-    const Absence& absence() const { return absence_; }
+    PathError& error() { return state.error; }
+    Absence absence() const { return state.absences.whole(); }
 
 private:
     struct Frame;
 
     bool go();
     void push(Expression& expression, const std::vector<Object*>& contexts, bool reverse, unsigned depth);
+    bool beginOperand(Frame& frame);
+    bool beginWalk(Frame& frame, ExpressionItem& item, Path& path);
+    bool goOn(Frame& frame);
+    void gather(Frame& frame);
+    bool end(Frame& frame);
     bool isWhole(const Frame& frame) const { return &frame == frames.front().get(); }
-    bool beginItem(Frame& frame);
-    void callFunction(const Frame& frame, ExpressionItem::Kind function, Values& result) const;
 
-    bool walk(Frame& frame);
-    bool startFrom(Frame& frame, Path& path);
-    bool takeStep(Frame& frame, Path& path);
-    void endContext(Frame& frame, Path& path);
-    void useOutcome(Frame& frame, Path& path, const Path::Outcome& outcome);
-    void keep(Path& path, NodeMap& numbers, const Object* from, const std::vector<Object*>& found);
-    void filter(Frame& frame, const Values& outcome);
-
-    bool mayWalkTogether(const Frame& frame) const;
-    void recordOneByOne(const Frame& frame, Path& path);
-    void record(const NodeList& list, unsigned depth, const Path::Read& read, bool withPredicates);
-
-    Expressions& expressions;
-    Document* const document;
-    const bool check;
-    bool contextWithoutNodes = false;  // of the whole query; within predicates there are only nodes
-    std::size_t stored = 0;            // how many nodes the outcomes of paths hold
-    NodeMap taken;                     // those of `nodes`, where several context nodes may find the same
-    Absence absence_;
-    PathError error_;
+    QueryState state;
+    const Start* start = nullptr;
+    NodeMap taken;  // those of `nodes`, where several context nodes may find the same
 
     std::vector<std::unique_ptr<Frame>> frames;  // those from `height` on are kept for their memory
     std::size_t height = 0;

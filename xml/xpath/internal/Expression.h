@@ -1,26 +1,28 @@
 #pragma once
 
-#include "xml/xpath/internal/Absence.h"
-#include "xml/xpath/internal/Axes.h"
-#include "xml/xpath/internal/NodeMap.h"
 #include "xml/xpath/internal/Operators.h"
+#include "xml/xpath/internal/Outcomes.h"
 #include "xml/xpath/internal/PathError.h"
 #include "xml/xpath/internal/Step.h"
 #include "xml/xpath/internal/Value.h"
+#include "xml/xpath/internal/axes/Siblings.h"
 #include <cstddef>
 #include <deque>
 #include <memory>
+#include <variant>
 #include <vector>
 
 namespace Xml {
 
 class PathText;
 class Expressions;
-struct Expression;
+class Expression;
 
-// A location path. Its steps are read one by one as walks come to them: what is wrong with a step that none comes to is nobody's
-// concern.
+// A location path. Its steps are read one by one as walks come to them: what is wrong with a step that no walk comes to is never
+// found.
 struct Path {
+    Path(Unit begin, Unit itsEnd);
+
     struct Read {
         Step step;
         unsigned depth = 0;  // of the step in the path: 0 for the first one, one more for each slash
@@ -28,59 +30,55 @@ struct Path {
         SiblingHint hint;
     };
 
-    // The step with that number, which must be the first or follow one that is not the last. Null, and the error told, where it
+    // The step with that number, which must be the first or follow one that is not the last. Null, and the error set, where it
     // cannot be read.
-    const Read* step(std::size_t number, Expressions& expressions, PathError& error);
+    Read* step(std::size_t number, Expressions& expressions, PathError& error);
 
-    bool isAbsolute = false;
-    Unit next = nullptr;  // where the first step begins that was not read yet
-    Unit end = nullptr;
+    bool isAbsolute;
+    Unit next;  // where the first step begins that was not read yet
+    Unit end;
     std::vector<std::unique_ptr<Read>> steps;
-    std::size_t tail = 0;  // the step behind the first ones upwards; 0 where there is none
 
-    // What came of a walk, or of the rest of one.
-    struct Outcome {
-        std::vector<Object*> found;
-        Absence absence;
-    };
-
-    // The numbers in `outcomes` of walks that may come again: from context nodes; and from that step on, or from the first one
-    // of an absolute path, where there is one node to go on from. Context nodes often share a parent, and always the document.
-    NodeMap walkedFrom;
-    NodeMap tailFrom;
-    std::vector<Outcome> outcomes;
+    // Of walks that may come again: from context nodes; and, where one node is left to go on from there, from the step after the
+    // first ones upwards, or from the first one of an absolute path. Context nodes often share a parent, and always the document.
+    Outcomes walks;
+    Outcomes tails;
+    std::size_t tail = 0;  // the step after the first ones upwards; 0 where there is none
 };
 
-// One operand of an expression, and the operator behind it.
+// A function of an expression.
+enum class Function { Position, Last };
+
+// One operand of an expression, and the operator after it.
 struct ExpressionItem {
-    enum class Kind { Unread, String, Number, Position, Last, Path };
+    // What it is, once it was read.
+    using Operand = std::variant<std::monostate, Literal, double, Function, Path>;
 
     ExpressionItem(Unit begin, Unit end, Operator itsOp) : text{begin, end}, op(itsOp) {}
 
-    // Finds out what the operand is. False, and the error told, where it is nothing.
+    // Finds out what the operand is, at the first call. False, and the error set, where it is nothing.
     bool read(const PathText& whole, PathError& error);
 
     Span text;
     Operator op;
-    Kind kind = Kind::Unread;
-    std::unique_ptr<Literal> string;
-    double number = 0;
-    Path path;
+    Operand operand;
 
 private:
     bool readNumber(const PathText& whole, PathError& error);
-    bool readCall(const PathText& whole, const char* name, PathError& error);
+    bool readCall(const PathText& whole, Function function, const char* name, PathError& error);
 };
 
-// A whole query, or what stands in the brackets of a predicate: operands with operators between them. It is taken apart when
-// it is first evaluated.
-struct Expression {
+// A whole query, or what stands in the brackets of a predicate: operands with operators between them.
+class Expression {
+public:
     explicit Expression(Span itsText) : text(itsText) {}
 
-    void split(const PathText& whole);
+    // At least one; taken apart at the first call.
+    std::vector<ExpressionItem>& items(const PathText& whole);
 
+private:
     Span text;
-    std::vector<ExpressionItem> items;  // none before split
+    std::vector<ExpressionItem> items_;
 };
 
 // The expressions of one query, and the text that they are parts of. They do not own each other, so that no depth of nesting

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <iterator>
 #include <memory>
-#include <new>
 #include <vector>
 
 namespace Xml {
@@ -39,25 +38,15 @@ void keepIf(Values& values, Holds holds) {
 // Keeps those of the values for which `scalar op value` holds.
 void keepAgainst(const Value& scalar, Values& values, Operator op) {
     if (values.empty()) return;
-    switch (domainOf(scalar.kind, values.front().kind)) {
-    case Domain::Numbers: {
+    if (domainOf(scalar.kind, values.front().kind) == Domain::Numbers) {
         const double number = ConvertToNumber(scalar);
         keepIf(values, [&](const Value& value) { return CompareValue(number, ConvertToNumber(value), op); });
-        break;
-    }
-    case Domain::Texts: {
+    } else {
         ValueText text(scalar);
         keepIf(values, [&](const Value& value) {
             ValueText other(value);
-            return CompareOrder(text.compare(other), op);
+            return CompareValue(text.compare(other), 0, op);
         });
-        break;
-    }
-    case Domain::Booleans: {
-        const bool boolean = ConvertToBoolean(scalar);
-        keepIf(values, [&](const Value& value) { return CompareBooleans(boolean, ConvertToBoolean(value), op); });
-        break;
-    }
     }
 }
 
@@ -117,16 +106,12 @@ public:
                                                     [&text](const auto& other) { return other->compare(text) < 0; });
             return place != sorted.end() && (*place)->compare(text) == 0;
         }
-        return CompareOrder(text.compare(*sorted.front()), op) || CompareOrder(text.compare(*sorted.back()), op);
+        return CompareValue(text.compare(*sorted.front()), 0, op) || CompareValue(text.compare(*sorted.back()), 0, op);
     }
 
 private:
     std::vector<std::unique_ptr<ValueText>> sorted;
 };
-
-// As many numbers arithmetic may make of pairs. Pairs multiply with every operand, so that a short path could ask for more
-// than any memory holds; it is told so at once.
-constexpr std::size_t kMostPairs = 16'000'000;
 
 // Comparing one with each is quicker than sorting up to about this many.
 constexpr std::ptrdiff_t kFew = 4;
@@ -136,15 +121,14 @@ Values satisfied(const Values& left, const Values& right, Operator op) {
     Values kept;
     forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
         const auto keep = [&](auto anySatisfies) { std::copy_if(from, to, std::back_inserter(kept), anySatisfies); };
-        const Domain domain = domainOf(from->kind, rightFrom->kind);
         // For more left values than one each right one would be read again and again.
         const bool isQuick = to - from == 1 && rightTo - rightFrom <= kFew;
-        if (isQuick || domain == Domain::Booleans) {
+        if (isQuick) {
             keep([&](const Value& value) {
                 return std::any_of(rightFrom, rightTo,
                                    [&](const Value& other) { return CompareResultItems(value, other, op); });
             });
-        } else if (domain == Domain::Numbers) {
+        } else if (domainOf(from->kind, rightFrom->kind) == Domain::Numbers) {
             const NumberRange range(rightFrom, rightTo);
             keep([&](const Value& value) { return range.anySatisfies(value, op); });
         } else {
@@ -155,9 +139,57 @@ Values satisfied(const Values& left, const Values& right, Operator op) {
     return kept;
 }
 
+// How many pairs of one left and one right value of the same tag there are, as far as kMostPairs; then any larger number.
+std::size_t countPairs(const Values& left, const Values& right) {
+    std::size_t pairs = 0;
+    forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
+        const auto lefts = static_cast<std::size_t>(to - from);
+        const auto rights = static_cast<std::size_t>(rightTo - rightFrom);
+        const bool fits = pairs <= kMostPairs && lefts <= (kMostPairs - pairs) / rights;
+        pairs = fits ? pairs + lefts * rights : kMostPairs + 1;
+    });
+    return pairs;
+}
+
+// The number of each pair.
+Values combined(const Values& left, const Values& right, std::size_t pairs, Operator op) {
+    Values made;
+    made.reserve(pairs);
+    std::vector<double> numbers;
+    forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
+        numbers.clear();
+        std::transform(rightFrom, rightTo, std::back_inserter(numbers), ConvertToNumber);
+        for (; from != to; ++from) {
+            const double number = ConvertToNumber(*from);
+            for (const double other : numbers)
+                made.push_back(Value::ofNumber(from->tag, CalculusOnValue(number, other, op)));
+        }
+    });
+    return made;
+}
+
+enum class Rank { Product, Sum, Order, Equality, None };
+
+Rank rankOf(Operator op) {
+    switch (op) {
+    case Operator::Divide:
+    case Operator::Multiply: return Rank::Product;
+    case Operator::Plus:
+    case Operator::Minus: return Rank::Sum;
+    case Operator::LessThan:
+    case Operator::LessOrEqual:
+    case Operator::GreaterThan:
+    case Operator::GreaterOrEqual: return Rank::Order;
+    case Operator::Equal:
+    case Operator::NotEqual: return Rank::Equality;
+    case Operator::None: break;
+    }
+    return Rank::None;
+}
+
 }  // namespace
 
-void CalculusOnExpressionItems(Values& left, const Values& right, Operator op) {
+bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op) {
     if (isScalar(left)) {
         const double number = ConvertToNumber(left.front());
         left = right;
@@ -168,22 +200,11 @@ void CalculusOnExpressionItems(Values& left, const Values& right, Operator op) {
         for (Value& value : left)
             value = Value::ofNumber(value.tag, CalculusOnValue(ConvertToNumber(value), number, op));
     } else {
-        Values pairs;
-        std::vector<double> numbers;
-        forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {
-            if (static_cast<std::size_t>(to - from) >
-                (kMostPairs - pairs.size()) / static_cast<std::size_t>(rightTo - rightFrom))
-                throw std::bad_alloc();
-            numbers.clear();
-            std::transform(rightFrom, rightTo, std::back_inserter(numbers), ConvertToNumber);
-            for (; from != to; ++from) {
-                const double number = ConvertToNumber(*from);
-                for (const double other : numbers)
-                    pairs.push_back(Value::ofNumber(from->tag, CalculusOnValue(number, other, op)));
-            }
-        });
-        left = std::move(pairs);
+        const std::size_t pairs = countPairs(left, right);
+        if (pairs > kMostPairs) return false;
+        left = combined(left, right, pairs, op);
     }
+    return true;
 }
 
 void CompareExpressionItems(Values& left, const Values& right, Operator op) {
@@ -201,6 +222,28 @@ void CompareExpressionItems(Values& left, const Values& right, Operator op) {
     } else {
         left = satisfied(left, right, op);
     }
+}
+
+bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values) {
+    if (items.size() == 1) return true;
+    std::vector<Operator> operators;
+    for (const ExpressionItem& item : items) operators.push_back(item.op);
+    std::size_t count = operators.size();
+    for (const Rank rank : {Rank::Product, Rank::Sum, Rank::Order, Rank::Equality}) {
+        std::size_t left = 0;
+        for (std::size_t right = 1; right < count; ++right) {
+            if (rankOf(operators[left]) != rank) {
+                if (++left != right) values[left] = std::move(values[right]);
+            } else if (rank == Rank::Product || rank == Rank::Sum) {
+                if (!CalculusOnExpressionItems(values[left], values[right], operators[left])) return false;
+            } else {
+                CompareExpressionItems(values[left], values[right], operators[left]);
+            }
+            operators[left] = operators[right];
+        }
+        count = left + 1;
+    }
+    return true;
 }
 
 }  // namespace Xml

@@ -32,18 +32,18 @@ bool NodeTest::read(const PathText& text, Unit begin, Unit end, PathError& error
     const Unit open = begin + std::strlen(keyword->text);
     if (open == end) return true;
     if (*open != u'(') {
-        return error.tell(XPath::MISSING_OPENING_PARENTHESE_AFTER_KIND_TEST, text.written(begin, end));
+        return error.set(XPath::MISSING_OPENING_PARENTHESE_AFTER_KIND_TEST, text.written(begin, end));
     }
     const Unit close = std::find(open + 1, end, u')');
     if (close == end) {
-        return error.tell(XPath::MISSING_CLOSING_PARENTHESE_AFTER_KIND_TEST, text.written(begin, end));
+        return error.set(XPath::MISSING_CLOSING_PARENTHESE_AFTER_KIND_TEST, text.written(begin, end));
     }
     if (close > open + 1 && !readName(text, open + 1, close, error)) return false;
-    return close + 1 == end || error.tell(XPath::ILLEGAL_CHAR_AFTER_KINDTEST, text.written(begin, end));
+    return close + 1 == end || error.set(XPath::ILLEGAL_CHAR_AFTER_KINDTEST, text.written(begin, end));
 }
 
 bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& error) {
-    const auto refuse = [&] { return error.tell(XPath::NO_VALID_NAME_OR_TEST, text.written(begin, end)); };
+    const auto refuse = [&] { return error.set(XPath::NO_VALID_NAME_OR_TEST, text.written(begin, end)); };
     Unit at = begin;
     if (at != end && *at == u'*') {
         if (++at == end) return true;
@@ -53,7 +53,7 @@ bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& e
         setName(Names::Local, local, end);
         return true;
     }
-    if (!skipNCName(at, end)) return false;  // silent: intended
+    if (!skipNCName(at, end)) return false;  // without a code
     if (at == end) {
         setName(Names::Whole, begin, end);
         return true;

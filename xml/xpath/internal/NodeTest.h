@@ -18,8 +18,8 @@ enum class KindTest { None, Node, Element, Attribute, Document, Text };
 // narrowed to what a malformed name would be widened to.
 class NodeTest {
 public:
-    // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error told, where it is none of these; it
-    // stays untold where a name does not begin as names do.
+    // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error set, where it is none of these; without
+    // a code where a name does not begin as names do.
     bool read(const PathText& text, Unit begin, Unit end, PathError& error);
 
     // Whether the node is of the kind and has the name.
@@ -33,8 +33,6 @@ public:
 
     // The same of a node that is no element.
     bool acceptsOther(const Object& node) const;
-
-    bool acceptsAll() const { return names == Names::All && (kind == KindTest::None || kind == KindTest::Node); }
 
     // The name that an attribute must have; null where the test asks for more or less than one name.
     const std::string* attributeName() const {
@@ -52,7 +50,7 @@ private:
     KindTest kind = KindTest::None;
     bool elements = true;  // whether the kind allows for elements
     Names names = Names::All;
-    std::string name;  // whole, behind the first colon, or up to it
+    std::string name;  // whole, after the first colon, or up to it
 };
 
 }  // namespace Xml

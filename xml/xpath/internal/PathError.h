@@ -5,13 +5,13 @@
 
 namespace Xml {
 
-// What ended an evaluation. A code of NONE is an error too: some paths fail without saying why, as they always have.
+// What ended an evaluation. A code of NONE is an error too: some paths fail without saying why.
 struct PathError {
     XPath::ErrorCode code = XPath::NONE;
     OrvSys::Uni16String text;
 
     // For returning at once.
-    bool tell(XPath::ErrorCode itsCode, OrvSys::Uni16String&& itsText) {
+    bool set(XPath::ErrorCode itsCode, OrvSys::Uni16String&& itsText) {
         code = itsCode;
         text = std::move(itsText);
         return false;

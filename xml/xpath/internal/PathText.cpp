@@ -14,25 +14,25 @@ void PathText::findEnds() {
     sourceNext.resize(source.size());
     std::vector<std::size_t> open;
     for (std::size_t at = 0; at < source.size();) {
-        std::size_t behind = at + 1;
+        std::size_t after = at + 1;
         if (IsBeginLiteral(source[at])) {
             const std::size_t close = source.find(source[at], at + 1);
             if (close == OrvSys::Uni16String::npos) {
                 source += source[at];
                 sourceNext.resize(source.size());
-                behind = source.size();
+                after = source.size();
             } else {
-                behind = close + 1;
+                after = close + 1;
             }
         } else if (source[at] == u'[') {
             open.push_back(at);
             nesting_ = std::max(nesting_, open.size());
         } else if (source[at] == u']' && !open.empty()) {
-            sourceNext[open.back()] = behind;
+            sourceNext[open.back()] = after;
             open.pop_back();
         }
-        sourceNext[at] = behind;
-        at = behind;
+        sourceNext[at] = after;
+        at = after;
     }
     unclosed = open.empty() ? source.size() : open.front();
 }
@@ -52,41 +52,41 @@ void PathText::removeWhiteSpace() {
     };
     for (std::size_t at = 0; at < source.size();) {
         const std::size_t place = text.size();
-        std::size_t behind = at + 1;
+        std::size_t after = at + 1;
         if (IsBeginLiteral(source[at])) {
-            behind = sourceNext[at];
-            copy(at, behind);
+            after = sourceNext[at];
+            copy(at, after);
             next[place] = text.size();
         } else if (IsWhiteSpace(source[at]) && at < unclosed) {
             Unit operatorEnd = sourceBegin + at;
             ExtractOperator(operatorEnd, sourceEnd);
             const auto kept = static_cast<std::size_t>(operatorEnd - sourceBegin);
             copy(at, kept);
-            behind = std::max(behind, kept);
+            after = std::max(after, kept);
         } else {
-            copy(at, behind);
-            if (source[at] == u'[' && sourceNext[at] > behind) {
+            copy(at, after);
+            if (source[at] == u'[' && sourceNext[at] > after) {
                 open.push_back(place);
-            } else if (source[at] == u']' && !open.empty() && sourceNext[sourcePlace[open.back()]] == behind) {
+            } else if (source[at] == u']' && !open.empty() && sourceNext[sourcePlace[open.back()]] == after) {
                 next[open.back()] = text.size();
                 open.pop_back();
             }
         }
-        at = behind;
+        at = after;
     }
 }
 
 OrvSys::Uni16String PathText::written(Unit from, Unit to) const {
     OrvSys::Uni16String result;
-    for (Unit behindThis = from; from < to; from = behindThis) {
-        behindThis = behind(from);
+    for (Unit afterThis = from; from < to; from = afterThis) {
+        afterThis = after(from);
         if (isClosedBracket(from)) {
             const std::size_t begin = sourcePlace[static_cast<std::size_t>(from - this->begin())];
             const std::size_t end =
-                behindThis <= to ? sourceNext[begin] : sourcePlace[static_cast<std::size_t>(to - this->begin())];
+                afterThis <= to ? sourceNext[begin] : sourcePlace[static_cast<std::size_t>(to - this->begin())];
             result.append(source, begin, end - begin);
         } else {
-            result.append(from, std::min(behindThis, to));
+            result.append(from, std::min(afterThis, to));
         }
     }
     return result;

@@ -21,9 +21,9 @@ public:
     Unit begin() const { return text.data(); }
     Unit end() const { return text.data() + text.size(); }
 
-    // The place behind what begins at `at`: a whole literal; a whole "[...]" that is closed; else the one unit.
-    Unit behind(Unit at) const { return begin() + next[static_cast<std::size_t>(at - begin())]; }
-    bool isClosedBracket(Unit at) const { return *at == u'[' && behind(at) > at + 1; }
+    // The place after what begins at `at`: a whole literal; a whole "[...]" that is closed; else the one unit.
+    Unit after(Unit at) const { return begin() + next[static_cast<std::size_t>(at - begin())]; }
+    bool isClosedBracket(Unit at) const { return *at == u'[' && after(at) > at + 1; }
 
     // A part of the text, with what stands in its outermost brackets as it was written. It may end within a
     // bracket or a literal.
@@ -42,7 +42,7 @@ private:
     std::size_t nesting_ = 0;
 
     OrvSys::Uni16String text;
-    std::vector<std::size_t> next;         // for each unit the place behind what begins there
+    std::vector<std::size_t> next;         // for each unit the place after what begins there
     std::vector<std::size_t> sourcePlace;  // of each unit
 };
 

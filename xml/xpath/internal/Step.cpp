@@ -29,12 +29,12 @@ constexpr AxisName kAxisNames[] = {{"descendant-or-self", Axis::DescendantOrSelf
 
 bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
     for (; at != end && *at == u'/'; ++slashes) {
-        if (++at == end) return error.tell(XPath::DOUBLE_SLASH_AT_THE_END_NOT_ALLOWED, u"//");
+        if (++at == end) return error.set(XPath::DOUBLE_SLASH_AT_THE_END_NOT_ALLOWED, u"//");
     }
     return split(text, at, end, error) && extractPredicates(text, error) && extractAxis(text, error);
 }
 
-// A slash ends the step where as many brackets were closed as opened. One that is closed without being opened counts too: behind it
+// A slash ends the step where as many brackets were closed as opened. One that is closed without being opened counts too: after it
 // it takes an open bracket for a slash to end the step.
 bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.begin = at;
@@ -45,29 +45,29 @@ bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
             ++at;
         } else {
             if (*at == u']') --open;
-            at = text.behind(at);
+            at = text.after(at);
         }
     }
     whole.end = at;
     isLast = at == end;
     if (isLast || ++at != end) return true;
-    return error.tell(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
+    return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
 }
 
 bool Step::extractPredicates(const PathText& text, PathError& error) {
     headEnd = whole.begin;
-    while (headEnd != whole.end && *headEnd != u'[') headEnd = text.behind(headEnd);
+    while (headEnd != whole.end && *headEnd != u'[') headEnd = text.after(headEnd);
 
     Unit last = headEnd;
-    for (Unit at = headEnd; at != whole.end; at = text.behind(at)) {
+    for (Unit at = headEnd; at != whole.end; at = text.after(at)) {
         if (*at != u'[') {
-            return error.tell(XPath::ILLEGAL_CHAR_AFTER_PREDICATE, text.written(last, at));
+            return error.set(XPath::ILLEGAL_CHAR_AFTER_PREDICATE, text.written(last, at));
         }
-        if (!text.isClosedBracket(at) || text.behind(at) > whole.end) {
-            return error.tell(XPath::MISSING_CLOSING_BRACKET_AFTER_PREDICATE, text.written(at, whole.end));
+        if (!text.isClosedBracket(at) || text.after(at) > whole.end) {
+            return error.set(XPath::MISSING_CLOSING_BRACKET_AFTER_PREDICATE, text.written(at, whole.end));
         }
         last = at;
-        predicates.push_back({at + 1, text.behind(at) - 1});
+        predicates.push_back({at + 1, text.after(at) - 1});
     }
     return true;
 }
@@ -84,7 +84,7 @@ bool Step::extractAxis(const PathText& text, PathError& error) {
     if (separator != headEnd) {
         const auto row = std::find_if(std::begin(kAxisNames), std::end(kAxisNames),
                                       [&](const AxisName& name) { return equals(whole.begin, separator, name.text); });
-        if (row == std::end(kAxisNames)) return error.tell(XPath::NO_VALID_AXIS, text.written(whole.begin, headEnd));
+        if (row == std::end(kAxisNames)) return error.set(XPath::NO_VALID_AXIS, text.written(whole.begin, headEnd));
         axis = row->axis;
         testBegin = separator + 2;
     } else if (startsWith(whole.begin, headEnd, "@")) {
@@ -102,8 +102,8 @@ bool Step::isReverse() const {
 OrvSys::Uni16String Step::withAxis(const PathText& text) const { return text.written(whole.begin, headEnd); }
 
 OrvSys::Uni16String Step::withPredicates(const PathText& text) const {
-    const OrvSys::Uni16String behindAxis = testBegin == nullptr ? u"node()" : text.written(testBegin, headEnd);
-    return behindAxis + text.written(headEnd, whole.end);
+    const OrvSys::Uni16String afterAxis = testBegin == nullptr ? u"node()" : text.written(testBegin, headEnd);
+    return afterAxis + text.written(headEnd, whole.end);
 }
 
 }  // namespace Xml

@@ -11,27 +11,6 @@ namespace Xml {
 
 namespace {
 
-// The orders of two texts that an operator accepts, up to the mark -2.
-constexpr int oGoodValuesLess[] = {-1, -2};
-constexpr int oGoodValuesLessOrEqual[] = {-1, 0, -2};
-constexpr int oGoodValuesEqual[] = {0, -2};
-constexpr int oGoodValuesGreater[] = {1, -2};
-constexpr int oGoodValuesGreaterOrEqual[] = {0, 1, -2};
-constexpr int oGoodValuesNotEqual[] = {-1, 1, -2};
-constexpr int oGoodValuesNone[] = {-2};
-
-const int* goodValues(Operator op) {
-    switch (op) {
-    case Operator::LessThan: return oGoodValuesLess;
-    case Operator::LessOrEqual: return oGoodValuesLessOrEqual;
-    case Operator::Equal: return oGoodValuesEqual;
-    case Operator::GreaterThan: return oGoodValuesGreater;
-    case Operator::GreaterOrEqual: return oGoodValuesGreaterOrEqual;
-    case Operator::NotEqual: return oGoodValuesNotEqual;
-    default: return oGoodValuesNone;
-    }
-}
-
 // The character data that an element or a character data node has its text from; null where there is none.
 const CharData* dataOf(const Object& node) {
     if (node.isCharData()) return static_cast<const CharData*>(&node);
@@ -73,14 +52,6 @@ Value Value::ofNumber(std::int32_t tag, double number) {
     return value;
 }
 
-Value Value::ofBoolean(std::int32_t tag, bool boolean) {
-    Value value;
-    value.tag = tag;
-    value.kind = Kind::Boolean;
-    value.boolean = boolean;
-    return value;
-}
-
 const std::string& textOf(const Object& node, std::string& buffer) {
     if (node.isAttribute()) return static_cast<const Attribute&>(node).getValue();
     const CharData* const data = dataOf(node);
@@ -106,7 +77,6 @@ double ConvertToNumber(const Value& value) {
     case Value::Kind::Node: return Classic::atof(textOf(*value.node, buffer).c_str());
     case Value::Kind::String: return Classic::atof(value.string->bytes.c_str());
     case Value::Kind::Number: return value.number;
-    case Value::Kind::Boolean: return value.boolean ? 1.0 : 0.0;
     }
     return 0.0;
 }
@@ -117,13 +87,8 @@ OrvSys::Uni16String ConvertToString(const Value& value) {
     case Value::Kind::Node: return OrvSys::UTF8ToUni16Char(textOf(*value.node, buffer));
     case Value::Kind::String: return value.string->text;
     case Value::Kind::Number: return textOf(value.number);
-    case Value::Kind::Boolean: return value.boolean ? u"1" : u"0";
     }
     return {};
-}
-
-bool ConvertToBoolean(const Value& value) {
-    return value.kind == Value::Kind::Boolean ? value.boolean : !ConvertToString(value).empty();
 }
 
 ValueText::ValueText(const Value& value) {
@@ -144,11 +109,11 @@ int ValueText::compare(ValueText& other) {
             std::mismatch(bytes->begin(), bytes->end(), other.bytes->begin(), other.bytes->end());
         const int next = place == bytes->end() ? -1 : static_cast<unsigned char>(*place);
         const int otherNext = otherPlace == other.bytes->end() ? -1 : static_cast<unsigned char>(*otherPlace);
-        // Equal bytes widen to equal units, and ASCII behind them to a unit of its own.
+        // Equal bytes widen to equal units, and ASCII after them to a unit of its own.
         if (next == otherNext) return 0;
         if (next < 0x80 && otherNext < 0x80) return next < otherNext ? -1 : 1;
     }
-    return std::clamp(OrvSys::Uni16CharCompare(widened(), other.widened()), -1, 1);
+    return OrvSys::Uni16CharCompare(widened(), other.widened());
 }
 
 const OrvSys::Uni16String& ValueText::widened() {
@@ -169,44 +134,16 @@ double CalculusOnValue(double left, double right, Operator op) {
     }
 }
 
-bool CompareValue(double left, double right, Operator op) {
-    switch (op) {
-    case Operator::LessThan: return left < right;
-    case Operator::LessOrEqual: return left <= right;
-    case Operator::Equal: return left == right;
-    case Operator::GreaterThan: return left > right;
-    case Operator::GreaterOrEqual: return left >= right;
-    case Operator::NotEqual: return left != right;
-    default: return false;
-    }
-}
-
-bool CompareBooleans(bool left, bool right, Operator op) {
-    return CompareValue(left ? 1.0 : 0.0, right ? 1.0 : 0.0, op);
-}
-
-bool CompareOrder(int order, Operator op) {
-    const int* good = goodValues(op);
-    while (*good != -2 && *good != order) ++good;
-    return *good != -2;
-}
-
 Domain domainOf(Value::Kind left, Value::Kind right) {
-    using Kind = Value::Kind;
-    if (left == Kind::Number || right == Kind::Number) return Domain::Numbers;
-    if (left == Kind::String || right == Kind::String) return Domain::Texts;
-    return left == Kind::Node && right == Kind::Node ? Domain::Texts : Domain::Booleans;
+    return left == Value::Kind::Number || right == Value::Kind::Number ? Domain::Numbers : Domain::Texts;
 }
 
 bool CompareResultItems(const Value& left, const Value& right, Operator op) {
-    switch (domainOf(left.kind, right.kind)) {
-    case Domain::Numbers: return CompareValue(ConvertToNumber(left), ConvertToNumber(right), op);
-    case Domain::Booleans: return CompareBooleans(ConvertToBoolean(left), ConvertToBoolean(right), op);
-    case Domain::Texts: break;
-    }
+    if (domainOf(left.kind, right.kind) == Domain::Numbers)
+        return CompareValue(ConvertToNumber(left), ConvertToNumber(right), op);
     ValueText text(left);
     ValueText other(right);
-    return CompareOrder(text.compare(other), op);
+    return CompareValue(text.compare(other), 0, op);
 }
 
 }  // namespace Xml

@@ -21,12 +21,11 @@ struct Literal {
 
 // What an expression computes with. It refers to its string or node and does not own it.
 struct Value {
-    enum class Kind : std::int32_t { Node, String, Number, Boolean };
+    enum class Kind : std::int32_t { Node, String, Number };  // as the kinds of XPath::ResultItem
 
     static Value ofNode(std::int32_t tag, Object* node);
     static Value ofString(std::int32_t tag, const Literal* string);
     static Value ofNumber(std::int32_t tag, double number);
-    static Value ofBoolean(std::int32_t tag, bool boolean);
 
     std::int32_t tag;  // the index of the context node that it was computed for; -1: for none
     Kind kind;
@@ -34,7 +33,6 @@ struct Value {
         Object* node;
         const Literal* string;
         double number;
-        bool boolean;
     };
 };
 
@@ -50,7 +48,6 @@ OrvSys::Uni16String textOf(double number);
 
 double ConvertToNumber(const Value& value);
 OrvSys::Uni16String ConvertToString(const Value& value);
-bool ConvertToBoolean(const Value& value);
 
 // A value as text, for comparing it again and again. It stays 8-bit text as long as that tells the order; 16-bit text is made
 // at most once. The value's string or node must stay.
@@ -60,7 +57,7 @@ public:
     ValueText(const ValueText&) = delete;
     ValueText& operator=(const ValueText&) = delete;
 
-    // -1, 0 or 1, by the values of 16-bit units.
+    // Below 0, 0 or above 0, by the values of 16-bit units.
     int compare(ValueText& other);
 
 private:
@@ -74,15 +71,22 @@ private:
 
 double CalculusOnValue(double left, double right, Operator op);
 
-// Whether `left op right` holds; for no operator but the six comparisons. Of booleans false is the lesser. Of texts what counts
-// is their order: -1, 0 or 1.
-bool CompareValue(double left, double right, Operator op);
-bool CompareBooleans(bool left, bool right, Operator op);
-bool CompareOrder(int order, Operator op);
+// Whether `left op right` holds; for no operator but the six comparisons. Of texts it is asked of their order and 0.
+template <class Number>
+bool CompareValue(Number left, Number right, Operator op) {
+    switch (op) {
+    case Operator::LessThan: return left < right;
+    case Operator::LessOrEqual: return left <= right;
+    case Operator::Equal: return left == right;
+    case Operator::GreaterThan: return left > right;
+    case Operator::GreaterOrEqual: return left >= right;
+    case Operator::NotEqual: return left != right;
+    default: return false;
+    }
+}
 
-// What two values are compared as: as numbers where one is a number, else as texts where one is a string or both are nodes, else
-// as booleans, a node being true where its text is not empty.
-enum class Domain { Numbers, Texts, Booleans };
+// What two values are compared as: as numbers where one is a number, else as texts.
+enum class Domain { Numbers, Texts };
 Domain domainOf(Value::Kind left, Value::Kind right);
 
 // Whether `left op right` holds.

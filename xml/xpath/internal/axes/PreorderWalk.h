@@ -2,34 +2,25 @@
 
 #include "xml/dom/Document.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include <cstddef>
 #include <vector>
 
 namespace Xml {
 
-// A run of nodes.
-struct NodeRange {
-    Object* const* at = nullptr;
-    Object* const* end = nullptr;
-
-    bool empty() const { return at == end; }
-};
-
 // The children of an element; none for any other node.
-inline NodeRange elementChildren(const Object& node) {
-    if (!node.isElement()) return {};
-    const NodeSpan children = NodeAccess::children(static_cast<const Element&>(node));
-    return {children.begin(), children.end()};
+inline NodeSpan elementChildren(const Object& node) {
+    return node.isElement() ? NodeAccess::children(static_cast<const Element&>(node)) : NodeSpan();
 }
 
-// The same, and of a document its root, which is put into `root`; the range is good as long as that is then.
-inline NodeRange childrenOf(Object& node, Object*& root) {
+// The same, and of a document its root, which is put into `root`; the span is good as long as that is then.
+inline NodeSpan childrenOf(Object& node, Object*& root) {
     if (!node.isDocument()) return elementChildren(node);
     root = static_cast<Document&>(node).getRoot();
     return {&root, &root + (root != nullptr ? 1 : 0)};
 }
 
 // The nodes below a node in document order, one at a time. It keeps its place on a stack of its own. The tree must not change
-// meanwhile.
+// meanwhile. The model tests of the axes hold it.
 class PreorderWalk {
 public:
     PreorderWalk() = default;
@@ -44,11 +35,11 @@ public:
 
     // The next node; null at the end.
     Object* next() {
-        if (!below.empty()) open.push_back(below);
+        if (!below.empty()) open.push_back({below.begin(), below.end()});
         for (; !open.empty(); open.pop_back()) {
-            NodeRange& range = open.back();
-            if (range.empty()) continue;
-            Object* const node = *range.at++;
+            Row& row = open.back();
+            if (row.next == row.end) continue;
+            Object* const node = *row.next++;
             below = elementChildren(*node);
             return node;
         }
@@ -57,7 +48,7 @@ public:
     }
 
     // The children of the node that came last, or of the one that the walk starts from.
-    NodeRange children() const { return below; }
+    NodeSpan children() const { return below; }
 
     // Leaves out what is below the node that came last.
     void skipBelow() { below = {}; }
@@ -66,8 +57,13 @@ public:
     std::size_t depth() const { return open.size(); }
 
 private:
-    std::vector<NodeRange> open;
-    NodeRange below;
+    struct Row {
+        Object* const* next;
+        Object* const* end;
+    };
+
+    std::vector<Row> open;
+    NodeSpan below;
     Object* root = nullptr;  // what a document has in place of children
 };
 

@@ -1,0 +1,141 @@
+#include "xml/xpath/internal/Walk.h"
+
+#include <utility>
+
+namespace Xml {
+
+Walk::Stop Walk::go() {
+    const std::size_t contexts = path.isAbsolute ? 1 : start.contexts.size();
+    for (;;) {
+        switch (at) {
+        case At::Begin:
+            if (context == contexts) return Stop::Done;
+            beginContext();
+            break;
+        case At::Step:
+            if (!takeStep()) return Stop::Failed;
+            break;
+        case At::Predicates:
+            if (predicate_ < read().predicates.size()) {
+                state.axes.visit(room.list.nodes.size());
+                return state.isAffordable() ? Stop::Predicate : Stop::Failed;
+            }
+            endStep();
+            break;
+        case At::End:
+            endContext();
+            if (!state.isAffordable()) return Stop::Failed;
+            if (!found().empty()) return Stop::Found;
+            break;
+        }
+    }
+}
+
+// Puts the node to go out from into the list; or what comes of the walk, where it is known.
+//
+// It may be known within a predicate of a predicate, whose context nodes may come again and again: without that each level could
+// multiply the walks.
+inline void Walk::beginContext() {
+    step = 0;
+    at = At::Step;
+    room.list.mayNest = false;
+    room.list.nodes.clear();
+    if (path.isAbsolute) {
+        ++context;
+        room.list.nodes.push_back(state.axes.document());
+        return;
+    }
+    Object* const node = start.contexts[context++];
+    if (start.mayComeAgain) {
+        if (const Outcome* const known = path.walks.find(node)) return use(*known);
+        if (state.room.isLeft()) {
+            state.absences.begin();
+            keptWalk = node;
+        }
+    }
+    room.list.nodes.push_back(node);
+}
+
+// Whether what comes of the walk from this step on depends on one node only, to which other context nodes may lead as well.
+inline bool Walk::isTail() const {
+    return room.list.nodes.size() == 1 && (path.isAbsolute ? step == 0 : step > 0 && step == path.tail);
+}
+
+// Puts what the next step finds into the list; or what the rest of the walk finds, where it is known. False on an error.
+inline bool Walk::takeStep() {
+    Path::Read* const next = path.step(step, state.expressions, state.error);
+    if (next == nullptr) return false;
+    if (isTail()) {
+        const Object* const node = room.list.nodes.front();
+        if (const Outcome* const known = path.tails.find(node)) {
+            use(*known);
+            return true;
+        }
+        if (state.room.isLeft()) {
+            state.absences.begin();
+            keptTail = node;
+        }
+    }
+    const bool mayStopEarly = next->step.isLast && next->predicates.empty();
+    state.axes.collect(next->step, room.list, mayStopEarly ? start.wanted : Taker::kAll, next->hint, room.found);
+    if (!state.isAffordable()) return false;
+    std::swap(room.list, room.found);
+    record(Missed::Name::WithAxis);
+    predicate_ = 0;
+    at = At::Predicates;
+    return true;
+}
+
+inline void Walk::endStep() {
+    if (read().step.isLast || room.list.nodes.empty()) {
+        at = At::End;
+    } else {
+        ++step;
+        at = At::Step;
+    }
+}
+
+inline void Walk::endContext() {
+    if (found().size() > start.wanted) found().resize(start.wanted);
+    if (const Object* const node = std::exchange(keptTail, nullptr))
+        path.tails.keep(node, found(), state.absences.end(), state.room);
+    if (const Object* const node = std::exchange(keptWalk, nullptr))
+        path.walks.keep(node, found(), state.absences.end(), state.room);
+    at = At::Begin;
+}
+
+void Walk::use(const Outcome& outcome) {
+    state.axes.visit(outcome.found.size());
+    state.absences.top().append(outcome.absence);
+    room.list.nodes = outcome.found;
+    at = At::End;
+}
+
+inline void Walk::record(Missed::Name name) {
+    if (room.list.nodes.empty()) {
+        state.absences.top().foundNothing({&read().step, start.depth + read().depth, name});
+    } else {
+        state.absences.top().found();
+    }
+}
+
+Walk::Predicate Walk::predicate() const {
+    return {*read().predicates[predicate_], room.list.nodes, predicate_ == 0 && read().step.isReverse(),
+            start.depth + read().depth};
+}
+
+void Walk::filter(const Values& outcome) {
+    ++predicate_;
+    std::vector<Object*>& list = room.list.nodes;
+    std::size_t kept = 0;
+    std::int32_t last = -1;
+    for (const Value& value : outcome) {
+        if (value.tag == last) continue;
+        last = value.tag;
+        list[kept++] = list[static_cast<std::size_t>(last)];
+    }
+    list.resize(kept);
+    record(Missed::Name::WithPredicates);
+}
+
+}  // namespace Xml

@@ -1,0 +1,49 @@
+#include "xml/xpath/internal/axes/Above.h"
+
+#include "xml/xpath/internal/NodeMap.h"
+#include <vector>
+
+namespace Xml {
+
+namespace {
+
+// Takes what is above the context nodes, from first(context) on.
+template <class First>
+void climb(const NodeList& from, Taker& taker, First first) {
+    NodeMap climbed;
+    std::vector<Object*> way;
+    for (Object* const context : from.nodes) {
+        way.clear();
+        for (Object* node = first(*context); node != nullptr; node = node->getParent()) {
+            if (from.nodes.size() > 1 && !climbed.insert(node).second) break;
+            way.push_back(node);
+        }
+        taker.visit(way.size());
+        for (auto node = way.rbegin(); node != way.rend(); ++node) taker.take(**node);
+        if (taker.isDone()) return;
+    }
+}
+
+}  // namespace
+
+void takeParents(const NodeList& from, Taker& taker) {
+    NodeMap taken;
+    Object* last = nullptr;
+    for (Object* const node : from.nodes) {
+        if (!node->isElement() && !node->isAttribute() && !node->isCharData()) continue;
+        Object* const parent = node->getParent();
+        if (parent == nullptr || parent == last) continue;
+        last = parent;
+        if (from.nodes.size() == 1 || taken.insert(parent).second) taker.take(*parent);
+    }
+}
+
+void takeAncestors(const NodeList& from, Taker& taker) {
+    climb(from, taker, [](Object& context) { return context.getParent(); });
+}
+
+void takeAncestorsOrSelf(const NodeList& from, Taker& taker) {
+    climb(from, taker, [](Object& context) { return &context; });
+}
+
+}  // namespace Xml
