@@ -1,0 +1,166 @@
+// What a query may cost: within its limit a query answers as without one, past it it ends with one code and no results.
+#include "support/Texts.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/xpath/XPath.h"
+#include "xpath/Queries.h"
+#include "xpath/RandomPaths.h"
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Xml::test {
+namespace {
+
+using OrvSys::Uni16String;
+
+// For as long as it lives.
+class Limit {
+public:
+    explicit Limit(std::int64_t visits) : before(XPath::setWorkLimit(visits)) {}
+    ~Limit() { XPath::setWorkLimit(before); }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+
+private:
+    const std::int64_t before;
+};
+
+const char* const kTooCostly = "| failed 28";
+
+// The answer under a limit, from the document.
+std::string answerWithin(std::int64_t visits, const Tree& tree, const Uni16String& path) {
+    const Limit limit(visits);
+    return answer(tree.document(), path);
+}
+
+// The least limit under which the path is answered.
+std::int64_t costOf(const Tree& tree, const Uni16String& path) {
+    std::int64_t refused = 0;
+    std::int64_t answered = 1;
+    while (answerWithin(answered, tree, path) == kTooCostly) answered *= 2;
+    while (answered - refused > 1) {
+        const std::int64_t middle = refused + (answered - refused) / 2;
+        (answerWithin(middle, tree, path) == kTooCostly ? refused : answered) = middle;
+    }
+    return answered;
+}
+
+const char* const kText = "<r><x n='1'><y/><y>t</y><z/></x><x n='2'><y/><y/><z><y/></z></x><x n='3'/></r>";
+
+TEST(WorkLimitTest, IsNoneAtFirstAndAfterZero) {
+    EXPECT_EQ(XPath::setWorkLimit(5), 0);
+    EXPECT_EQ(XPath::setWorkLimit(-3), 5);
+    const Tree tree(kText);
+    EXPECT_EQ(answer(tree.document(), u"//@n"), "@n=1 @n=2 @n=3");
+    EXPECT_EQ(XPath::setWorkLimit(0), -3);
+    EXPECT_EQ(answer(tree.document(), u"//@n"), "@n=1 @n=2 @n=3");
+}
+
+TEST(WorkLimitTest, EndsAQueryThatGoesPastItWithoutResults) {
+    const Tree tree(kText);
+    const Limit limit(10);
+    XPath query(tree.document());
+    EXPECT_EQ(query.GetValues(u"/r/x"), 3u);
+    EXPECT_FALSE(query.FindNodes(u"//y[../z]"));
+    EXPECT_EQ(query.GetErrorCode(), XPath::EXPRESSION_TOO_COSTLY);
+    EXPECT_EQ(query.GetErrorString(), u"The expression is too costly");
+    EXPECT_EQ(query.GetNrOfResults(), 0u);
+    EXPECT_EQ(query.GetValue(u"//y[../z]", -1), u"");
+    EXPECT_EQ(query.GetErrorCode(), XPath::EXPRESSION_TOO_COSTLY);
+    // It goes on from the document, or from what it finds next.
+    EXPECT_EQ(query.GetValues(u"x"), 0u);
+    EXPECT_EQ(query.GetErrorCode(), XPath::RELATIVE_XPATH_EXPRESSION_NOT_ALLOWED_WITHOUT_CONTEXT_NODES);
+    EXPECT_EQ(query.GetValues(u"/r/x"), 3u);
+    EXPECT_EQ(query.GetErrorCode(), XPath::NONE);
+    EXPECT_EQ(query.GetValues(u"@n"), 3u);
+}
+
+TEST(WorkLimitTest, IsForEachQueryAnew) {
+    const Tree tree(kText);
+    const std::int64_t cost = costOf(tree, u"//y");
+    const Limit limit(cost);
+    XPath query(tree.document());
+    for (int i = 0; i < 100; ++i) ASSERT_EQ(query.GetValues(u"//y"), 5u);
+}
+
+TEST(WorkLimitTest, NeverEndsACheckOfThePath) {
+    const Tree tree(kText);
+    const Limit limit(1);
+    XPath query(tree.document());
+    EXPECT_TRUE(query.SyntaxOK(u"//y[../z[//x]]/preceding::*"));
+    EXPECT_TRUE(query.FindNodes(u"//y[../z[//x]]/preceding::*"));
+    EXPECT_EQ(query.GetErrorCode(), XPath::NONE);
+    EXPECT_EQ(query.GetNrOfResults(), 1u);
+}
+
+TEST(WorkLimitTest, GivesTheAnswerWithoutALimitOrNone) {
+    Dice dice(1);
+    RandomPaths paths(dice);
+    int answered = 0;
+    int refused = 0;
+    for (int trees = 0; trees < 300; ++trees) {
+        const RandomTree tree(dice);
+        for (int i = 0; i < 20; ++i) {
+            const Uni16String before = dice.chance(50) ? u"//node()" : u"/*";
+            const Uni16String path = dice.chance(70) ? paths.wellFormed(dice.chance(40)) : paths.withMistakes(true);
+            const auto hasContext = [&] { return XPath(tree.document.get()).GetValues(before) > 0; };
+            if (!hasContext()) continue;
+            const std::string expected = answer(tree.document.get(), path, before);
+            for (const std::int64_t visits : {1, 10, 40, 150, 1'000'000}) {
+                const Limit limit(visits);
+                if (!hasContext()) continue;
+                const std::string actual = answer(tree.document.get(), path, before);
+                if (actual == kTooCostly) {
+                    ++refused;
+                    EXPECT_LT(visits, 1'000'000) << narrow(path);
+                } else {
+                    ++answered;
+                    ASSERT_EQ(actual, expected) << narrow(path) << " within " << visits;
+                }
+            }
+        }
+    }
+    EXPECT_GE(answered, 10'000);
+    EXPECT_GE(refused, 2'000);
+}
+
+TEST(WorkLimitTest, CountsTheNodesThatStepsAndPredicatesLookAt) {
+    const Tree tree(kText);
+    EXPECT_GE(costOf(tree, u"//node()"), 12);
+    EXPECT_LT(costOf(tree, u"//node()"), 40);
+    EXPECT_LT(costOf(tree, u"/r"), 5);
+    const Uni16String kCheapAndDear[][2] = {
+        {u"/r/x", u"/r/x/y"},
+        {u"//y", u"//y[..]"},
+        {u"//y[..]", u"//y[../z]"},
+        {u"//y", u"//y[position() > 0]"},
+        {u"//y[position() > 0]", u"//y[position() > 0][position() > 0]"},
+        {u"//x", u"//x/preceding::*"},
+        {u"//x/preceding::*", u"//x[preceding::* = 't']"},
+        {u"//x", u"//x/following::*"},
+        {u"//x", u"//x/ancestor::*"},
+        {u"//y", u"//y/ancestor::x/ancestor::*"},
+        {u"//x", u"//x/@*"},
+        {u"/r/x", u"/r/x/self::x"},
+        {u"//y", u"//y + 1 = //y"},
+    };
+    for (const auto& pair : kCheapAndDear) {
+        SCOPED_TRACE(narrow(pair[0]) + " and " + narrow(pair[1]));
+        EXPECT_LT(costOf(tree, pair[0]), costOf(tree, pair[1]));
+    }
+}
+
+TEST(WorkLimitTest, RefusesPairsThatAreTooManyWithoutALimitToo) {
+    std::string text;
+    for (int i = 0; i < 5'000; ++i) text += "<a/>";
+    const Tree tree("<r>" + text + "</r>");
+    for (const Uni16String path : {u"/r/a + /r/a", u"/r[a * a = 0]", u"//a - //a div //a"})
+        EXPECT_EQ(answer(tree.document(), path), kTooCostly) << narrow(path);
+    EXPECT_EQ(answer(tree.document(), u"/r[a + 1 = 1]"), "r");
+    XPath query(tree.document());
+    EXPECT_TRUE(query.SyntaxOK(u"/r/a + /r/a"));
+}
+
+}  // namespace
+}  // namespace Xml::test
