@@ -77,9 +77,10 @@ public:
     XPath(const XPath&) = delete;
     XPath& operator=(const XPath&) = delete;
 
-    // How often one query may look at a node, in all its steps and predicates together; 0, as at first, for no limit. A query that
-    // would look at more ends with EXPRESSION_TOO_COSTLY. Returns what was set before. It is a setting of all query objects,
-    // not to be made while others run in other threads. What counts as a visit may become less with another version.
+    // How often one query may visit a node, in all its steps and predicates together, or make a number; 0, as at first, for no
+    // limit. A query that goes past it, by a row of siblings at most, ends with EXPRESSION_TOO_COSTLY. Returns what was set
+    // before. It is a setting for all query objects, not to be made while queries run in other threads. What counts as a visit
+    // may become less from version to version.
     static std::int64_t setWorkLimit(std::int64_t visits);
 
     // Evaluates the path and makes what it yields the results; false on an error, and then there are none. It resets no

@@ -54,7 +54,7 @@ inline void Axes::along(const Step& step, const NodeList& from, SiblingHint& hin
 
 void Axes::collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found) {
     found.nodes.clear();
-    Taker taker(step.test, found.nodes, enough, budget);
+    Taker taker(step.test, found.nodes, enough, budget_);
     taker.visit(from.nodes.size());
     if (step.slashes == 0) {
         along(step, from, hint, taker, found);

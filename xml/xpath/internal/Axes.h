@@ -19,7 +19,7 @@ class Document;
 class Axes {
 public:
     // Without a document the axes following and preceding find nothing.
-    Axes(Document* itsDocument, VisitBudget itsBudget) : document_(itsDocument), budget(itsBudget) {}
+    Axes(Document* itsDocument, VisitBudget itsBudget) : document_(itsDocument), budget_(itsBudget) {}
 
     Document* document() const { return document_; }
 
@@ -28,17 +28,14 @@ public:
     // `hint` is that of the step.
     void collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found);
 
-    // Says that as many nodes were looked at in another way.
-    void visit(std::size_t nodes) { budget.spend(nodes); }
-
-    // Whether the query has looked at more nodes than it may. What was found last may be incomplete then.
-    bool isSpent() const { return budget.isSpent(); }
+    // What is left to be looked at. Once it is spent, what was found last may be incomplete.
+    VisitBudget& budget() { return budget_; }
 
 private:
     void along(const Step& step, const NodeList& from, SiblingHint& hint, Taker& taker, NodeList& found) const;
 
     Document* document_;
-    VisitBudget budget;
+    VisitBudget budget_;
 };
 
 }  // namespace Xml

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <variant>
 
 namespace Xml {
@@ -90,8 +91,8 @@ bool Evaluation::beginOperand(Frame& frame) {
         call(*function, frame.contexts->size(), frame.reverse, result);
     } else if (const Literal* const string = std::get_if<Literal>(&item.operand)) {
         result.push_back(Value::ofString(-1, string));
-    } else {
-        result.push_back(Value::ofNumber(-1, std::get<double>(item.operand)));
+    } else if (const double* const number = std::get_if<double>(&item.operand)) {
+        result.push_back(Value::ofNumber(-1, *number));
     }
     return true;
 }
@@ -145,7 +146,8 @@ void Evaluation::gather(Frame& frame) {
 
 // Folds the values of the operands into that of the expression, which goes to the query, or to the step that it is a predicate of.
 bool Evaluation::end(Frame& frame) {
-    if (!fold(*frame.items, frame.values)) return state.error.set(XPath::EXPRESSION_TOO_COSTLY, {});
+    if (!fold(*frame.items, frame.values, state.axes.budget()))
+        return state.error.set(XPath::EXPRESSION_TOO_COSTLY, {});
     if (--height == 0) {
         values = std::move(frame.values.front());
     } else {

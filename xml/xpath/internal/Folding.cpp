@@ -224,7 +224,7 @@ void CompareExpressionItems(Values& left, const Values& right, Operator op) {
     }
 }
 
-bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values) {
+bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values, VisitBudget& budget) {
     if (items.size() == 1) return true;
     std::vector<Operator> operators;
     for (const ExpressionItem& item : items) operators.push_back(item.op);
@@ -236,6 +236,8 @@ bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values)
                 if (++left != right) values[left] = std::move(values[right]);
             } else if (rank == Rank::Product || rank == Rank::Sum) {
                 if (!CalculusOnExpressionItems(values[left], values[right], operators[left])) return false;
+                budget.spend(values[left].size());
+                if (budget.isSpent()) return false;
             } else {
                 CompareExpressionItems(values[left], values[right], operators[left]);
             }

@@ -2,6 +2,7 @@
 
 #include "xml/xpath/internal/Expression.h"
 #include "xml/xpath/internal/Value.h"
+#include "xml/xpath/internal/VisitBudget.h"
 #include <cstddef>
 #include <vector>
 
@@ -23,7 +24,8 @@ bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op);
 void CompareExpressionItems(Values& left, const Values& right, Operator op);
 
 // Folds the values of operands into those of the first one, by the rank of the operators between them: products, sums, orders,
-// equalities, each from left to right. False where an operator would make more pairs than may be.
-bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values);
+// equalities, each from left to right. A number that is made costs as much as a node that is looked at. False where an operator would
+// make more pairs than may be, or where the budget is spent.
+bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values, VisitBudget& budget);
 
 }  // namespace Xml

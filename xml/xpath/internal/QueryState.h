@@ -17,7 +17,7 @@ struct QueryState {
     PathError error;
 
     // Whether the query has not yet looked at more nodes than it may; else the error is set.
-    bool isAffordable() { return !axes.isSpent() || error.set(XPath::EXPRESSION_TOO_COSTLY, {}); }
+    bool isAffordable() { return !axes.budget().isSpent() || error.set(XPath::EXPRESSION_TOO_COSTLY, {}); }
 };
 
 }  // namespace Xml

@@ -17,7 +17,7 @@ Walk::Stop Walk::go() {
             break;
         case At::Predicates:
             if (predicate_ < read().predicates.size()) {
-                state.axes.visit(room.list.nodes.size());
+                state.axes.budget().spend(room.list.nodes.size());
                 return state.isAffordable() ? Stop::Predicate : Stop::Failed;
             }
             endStep();
@@ -105,7 +105,7 @@ inline void Walk::endContext() {
 }
 
 void Walk::use(const Outcome& outcome) {
-    state.axes.visit(outcome.found.size());
+    state.axes.budget().spend(outcome.found.size());
     state.absences.top().append(outcome.absence);
     room.list.nodes = outcome.found;
     at = At::End;

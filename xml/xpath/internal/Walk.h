@@ -12,12 +12,7 @@ namespace Xml {
 
 // The walk of one operand that is a path, step by step: from each context node in turn, or once from the document.
 //
-// It stops where its owner has something to do, and goes on from there:
-//
-//     for (Walk::Stop stop = walk.go();; stop = walk.go()) ...
-//         Predicate: evaluate walk.predicate(), then walk.filter(what came of it)
-//         Found:     walk.found() is what the walk from one context node has found, until it goes on
-//         Done, Failed
+// It stops where there is something to do for its owner, and goes on from there with the next call of go().
 //
 // What came of a walk from a node, or of the rest of one, is kept with the path where it may come again. The model tests
 // hold it, tests/xpath/OutcomesTest.cpp that keeping changes nothing.
@@ -45,7 +40,13 @@ public:
         unsigned depth;  // in errors, of the step that it belongs to
     };
 
-    enum class Stop { Predicate, Found, Done, Failed };
+    // Why it stops.
+    enum class Stop {
+        Predicate,  // predicate() is to be evaluated, and filter() to be called with what comes of it
+        Found,      // found() is what the walk from a context node has found; it may be taken away
+        Done,
+        Failed  // the error is set
+    };
 
     Walk(QueryState& itsState, Path& itsPath, const Start& itsStart, Room& itsRoom)
         : state(itsState), path(itsPath), start(itsStart), room(itsRoom) {}
