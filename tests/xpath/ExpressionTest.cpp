@@ -38,20 +38,20 @@ TEST(ExpressionTest, TakesDigitsWithOnePointForANumber) {
         {"a fraction", u"7.25", "7.25#-1"},
         {"a long fraction", u"0.03125", "0.03125#-1"},
         {"a point at the end", u"12.", "12#-1"},
-        {"noughts behind the point", u"12.000", "12#-1"},
+        {"noughts after the point", u"12.000", "12#-1"},
         {"with blanks", u" 1 2 ", "12#-1"},
         {"a letter", u"12a", "| failed 9: 12a"},
         {"an exponent", u"1e5", "| failed 9: 1e5"},
         {"two points", u"1.2.3", "| failed 9: 1.2.3"},
         {"two points in a row", u"1..", "| failed 9: 1.."},
-        {"a letter behind the point", u"1.x", "| failed 9: 1.x"},
+        {"a letter after the point", u"1.x", "| failed 9: 1.x"},
         {"a comma", u"1,5", "| failed 9: 1,5"},
         {"a predicate", u"1[x]", "| failed 9: 1[x]"},
         {"a slash", u"1/x", "| failed 9: 1/x"},
         {"a literal", u"1'x'", "| failed 9: 1'x'"},
         {"an operator without blanks", u"1-x", "| failed 9: 1-x"},
         {"as it is written", u"1 [ x ]", "| failed 9: 1[ x ]"},
-        {"behind an operator", u"1 + 2b", "| failed 9: 2b"},
+        {"after an operator", u"1 + 2b", "| failed 9: 2b"},
         {"before an operator", u"1a + 2", "| failed 9: 1a"},
         {"in a predicate", u"/r/x[@n = 2b]", "| failed 9: 2b"},
         {"a point first is a path", u".5", "| failed 0"},
@@ -73,9 +73,9 @@ TEST(ExpressionTest, CalculatesTimesBeforePlusBeforeOrderBeforeEquality) {
         {"times", u"4 * 3", "12#-1"},
         {"div", u"10 div 4", "2.5#-1"},
         {"a negative difference", u"2 - 7", "-5#-1"},
-        {"times behind plus", u"2 + 3 * 4", "14#-1"},
+        {"times after plus", u"2 + 3 * 4", "14#-1"},
         {"times before plus", u"2 * 3 + 4", "10#-1"},
-        {"div behind minus", u"10 - 4 div 2", "8#-1"},
+        {"div after minus", u"10 - 4 div 2", "8#-1"},
         {"several of each", u"1 + 2 * 3 - 8 div 4 * 2 + 1", "4#-1"},
         {"minus from the left", u"7 - 2 - 1", "4#-1"},
         {"minus and plus from the left", u"7 - 2 + 1", "6#-1"},
@@ -143,7 +143,7 @@ TEST(ExpressionTest, KnowsSixComparisonsByWordAndBySign) {
         {"letters beyond ASCII before a number", u"'\u00E912'", u"0", 0,
          "str(\xC3\xA9"
          "12)#-1"},
-        {"letters beyond ASCII behind a number", u"'12\u00E9'", u"12", 0, "str(12\xC3\xA9)#-1"},
+        {"letters beyond ASCII after a number", u"'12\u00E9'", u"12", 0, "str(12\xC3\xA9)#-1"},
         {"digits beyond ASCII", u"'\u0131'", u"0", 0, "str(\xC4\xB1)#-1"},
         {"infinity above all", u"1 div 0", u"9999999999", 1, "inf#-1"},
         {"infinity alike", u"1 div 0", u"2 div 0", 0, "inf#-1"},
@@ -161,10 +161,10 @@ TEST(ExpressionTest, KnowsSixComparisonsByWordAndBySign) {
 TEST(ExpressionTest, FindsOperatorsAnywhereOutsideLiteralsAndPredicates) {
     const Tree tree(kText);
     const PathCase kCases[] = {
-        {"behind a step", u"/r/x/@n=2", "@n=2"},
+        {"after a step", u"/r/x/@n=2", "@n=2"},
         {"between two paths", u"/r/x/v=/r/key", "v2 v3"},
         {"in what looks like one path", u"/r/x/@n>3/v", "| failed 9: 3/v"},
-        {"behind a predicate", u"/r/x[v]/@n=2", "@n=2"},
+        {"after a predicate", u"/r/x[v]/@n=2", "@n=2"},
         {"in a kind test", u"/r/element(a<b)", "| failed 23: element(a"},
         {"not in a literal", u"'a = b'", "str(a = b)#-1"},
         {"not in a predicate", u"/r/x[@n=2]", "x2"},
@@ -273,7 +273,7 @@ TEST(ExpressionTest, NumbersTheNodesOfTheContext) {
         {"the last over no nodes", u"/r/nope[last()]", "| 2: nope"},
         {"as a step", u"/r/position", "| 2: position"},
         {"as a later step", u"r/last", "| 2: last"},
-        {"behind a dot", u"./position", "| 2: position"},
+        {"after a dot", u"./position", "| 2: position"},
         {"without parentheses", u"position", "| failed 22: position"},
         {"a word that begins with it", u"positions()", "| failed 22: positions()"},
         {"a path that begins with it", u"lastname/first", "| failed 22: lastname/first"},
@@ -282,13 +282,13 @@ TEST(ExpressionTest, NumbersTheNodesOfTheContext) {
         {"last without parentheses", u"last", "| failed 22: last"},
         {"last with an opening one", u"last( x", "| failed 21: last(x"},
         {"last with a closing one", u"last)", "| failed 22: last)"},
-        {"something behind", u"position()x", "| failed 7: position()x"},
-        {"something behind a blank", u"position() x", "| failed 7: position()x"},
-        {"a predicate behind", u"last()[ 1 ]", "| failed 7: last()[ 1 ]"},
-        {"a path behind", u"last()/x", "| failed 7: last()/x"},
+        {"something after", u"position()x", "| failed 7: position()x"},
+        {"something after a blank", u"position() x", "| failed 7: position()x"},
+        {"a predicate after", u"last()[ 1 ]", "| failed 7: last()[ 1 ]"},
+        {"a path after", u"last()/x", "| failed 7: last()/x"},
         {"two pairs", u"last()()", "| failed 7: last()()"},
         {"a second closing one", u"position(a))", "| failed 7: position(a))"},
-        {"behind an operator", u"1 + last", "| failed 22: last"},
+        {"after an operator", u"1 + last", "| failed 22: last"},
         {"in a predicate", u"/r/x[lastname]", "| failed 22: lastname"},
         {"in a predicate over no nodes", u"/r/nope[position()x]", "| failed 7: position()x"},
     };
@@ -314,20 +314,20 @@ TEST(ExpressionTest, AsksNoPathAndNoPlaceOfWhatIsNotANode) {
         {"a step of a text", u"'a'", u"x", "| failed 26", "ok"},
         {"a step of values of nodes", u"r/x/@n + 1", u"..", "| failed 26", "ok"},
         {"the dot", u"1 + 1", u".", "| failed 26", "ok"},
-        {"two slashes behind the dot", u"1 + 1", u".//x", "| failed 26", "ok"},
+        {"two slashes after the dot", u"1 + 1", u".//x", "| failed 26", "ok"},
         {"a place", u"1 + 1", u"position()", "| failed 26", "failed 26"},
         {"the last", u"'a'", u"last()", "| failed 26", "failed 26"},
         {"a place of values of nodes", u"r/x/@n + 1", u"position() = 1", "| failed 26", "failed 26"},
-        {"behind an operator", u"1 + 1", u"1 + x", "| failed 26", "ok"},
+        {"after an operator", u"1 + 1", u"1 + x", "| failed 26", "ok"},
         {"before a wrong axis", u"1 + 1", u"x::y", "| failed 26", "failed 15: x::y"},
         {"before what is no name", u"1 + 1", u"-x", "| failed 26", "failed 0"},
-        {"behind another error", u"1 + 1", u"12a + x", "| failed 9: 12a", "failed 9: 12a"},
+        {"after another error", u"1 + 1", u"12a + x", "| failed 9: 12a", "failed 9: 12a"},
         {"before another error", u"1 + 1", u"x + 12a", "| failed 26", "failed 9: 12a"},
         {"a number", u"1 + 1", u"3", "3#-1", "ok"},
         {"a text", u"1 + 1", u"'a'", "str(a)#-1", "ok"},
         {"a path from the document", u"1 + 1", u"/r", "r", "ok"},
         {"a place in its predicate", u"1 + 1", u"/r/x[position() = 2]", "x2", "ok"},
-        {"a path behind it", u"1 + 1", u"/r/@k + r/@k", "10#0", "ok"},
+        {"a path after it", u"1 + 1", u"/r/@k + r/@k", "10#0", "ok"},
         {"the same turned", u"1 + 1", u"r/@k + /r/@k", "| failed 26", "ok"},
     };
     for (const Case& c : kCases) {
@@ -342,7 +342,7 @@ TEST(ExpressionTest, AsksNoPathAndNoPlaceOfWhatIsNotANode) {
     EXPECT_EQ(errorIn(query), "13: x") << "the failure left no results";
 }
 
-// The number that the digits give as the language has it, one behind the other; not what the nearest double would be.
+// The number that the digits give as the language has it, one after the other; not what the nearest double would be.
 double accumulated(const Uni16String& digits) {
     double number = 0;
     for (const char16_t digit : digits) number = number * 10 + (digit - u'0');
@@ -396,7 +396,7 @@ TEST(ExpressionTest, PrintsNumbersWholeWithSixDecimals) {
     EXPECT_EQ(narrow(query.GetValue(oneAndNoughts(300), -1)).find('.'), 301u);
 }
 
-// The sign of what is no number tells nothing.
+// The sign of what is no number means nothing.
 std::string signless(const std::string& text) { return text == "-nan" ? "nan" : text; }
 
 // One value of a side, as it is compared: nodes with nodes as texts, else as numbers.
@@ -523,7 +523,7 @@ TEST(ExpressionTest, DiffersFromWhatIsNoNumberAmongManyThatAreAlike) {
         {"none else", "", 0, 1},
         {"one that is no number", "<b>nan</b>", 1, 1},
         {"one in front of them", "<b>6</b>", 1, 1},
-        {"one behind them", "<b>8</b>", 1, 1},
+        {"one after them", "<b>8</b>", 1, 1},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);

@@ -124,7 +124,7 @@ TEST(ValueTest, WritesNumbersWholeWithSixDecimals) {
 }
 
 TEST(ValueTest, OrdersTextsByTheir16BitUnits) {
-    // In UTF-8 U+10000 comes behind U+FFFF; its units, a surrogate pair, come before.
+    // In UTF-8 U+10000 comes after U+FFFF; its units, a surrogate pair, come before.
     Attribute high("a", "\xF0\x90\x80\x80");
     Attribute low("a", "\xEF\xBF\xBF");
     EXPECT_EQ(compared(Value::ofNode(-1, &high), Value::ofNode(-1, &low)), kLess);
@@ -132,7 +132,7 @@ TEST(ValueTest, OrdersTextsByTheir16BitUnits) {
     Attribute bad("a", "x\xFFy");
     Attribute alsoBad("a", "x\xC0y");
     EXPECT_EQ(compared(Value::ofNode(-1, &bad), Value::ofNode(-1, &alsoBad)), kEqual);
-    // The beginning of a character that does not go on is widened by itself, and comes behind the whole one.
+    // The beginning of a character that does not go on is widened by itself, and comes after the whole one.
     Attribute begun("a", "\xC3z");
     Attribute whole("a", "\xC3\x80");
     EXPECT_EQ(compared(Value::ofNode(-1, &begun), Value::ofNode(-1, &whole)), kGreater);

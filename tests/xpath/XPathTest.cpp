@@ -32,7 +32,7 @@ const char* const kText =
     "<r i='r'>"
     "<x i='x1' w='a  b c'><n i='n1'>1</n><n i='n2'>2</n></x>"
     "<x i='x2' w=''>t &lt; u</x>"
-    "<y i='y' w='one'><e/>behind<e/>again</y>"
+    "<y i='y' w='one'><e/>after<e/>again</y>"
     "</r>";
 
 // The kinds of node that a query is made over, by name.
@@ -311,14 +311,14 @@ TEST(XPathTest, CutsTheValueOfAnAttributeIntoWords) {
     } const kCases[] = {
         {"whole", u"/r/@a", -1, "a  b c", XPath::NONE},
         {"first", u"/r/@a", 0, "a", XPath::NONE},
-        {"behind a run of blanks", u"/r/@a", 1, "b", XPath::NONE},
+        {"after a run of blanks", u"/r/@a", 1, "b", XPath::NONE},
         {"last", u"/r/@a", 2, "c", XPath::NONE},
         {"one too many", u"/r/@a", 3, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"far too many", u"/r/@a", 2147483647, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"below -1", u"/r/@a", -2, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"far below -1", u"/r/@a", -2147483647 - 1, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"leading blanks", u"/r/@lead", 0, "x", XPath::NONE},
-        {"behind leading blanks", u"/r/@lead", 1, "y", XPath::NONE},
+        {"after leading blanks", u"/r/@lead", 1, "y", XPath::NONE},
         {"leading blanks make no word", u"/r/@lead", 2, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"whole with leading blanks", u"/r/@lead", -1, "  x y", XPath::NONE},
         {"before trailing blanks", u"/r/@trail", 1, "y", XPath::NONE},
@@ -328,9 +328,9 @@ TEST(XPathTest, CutsTheValueOfAnAttributeIntoWords) {
         {"blanks, whole", u"/r/@blanks", -1, "   ", XPath::NONE},
         {"blanks, first word", u"/r/@blanks", 0, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"one word", u"/r/@one", 0, "alone", XPath::NONE},
-        {"behind it", u"/r/@one", 1, "", XPath::INDEX_OUT_OF_BOUNDS},
+        {"after it", u"/r/@one", 1, "", XPath::INDEX_OUT_OF_BOUNDS},
         {"a tab parts nothing", u"/r/@tab", 0, "a\tb", XPath::NONE},
-        {"behind the blank", u"/r/@tab", 1, "c", XPath::NONE},
+        {"after the blank", u"/r/@tab", 1, "c", XPath::NONE},
         {"not only ASCII", u"/r/@wide", 0, "A\xC3\xA9", XPath::NONE},
         {"an element has no words", u"/r", 1, "a  b c", XPath::NONE},
         {"nor has text", u"/r/e/text()", 7, "p q", XPath::NONE},
@@ -382,7 +382,7 @@ TEST(XPathTest, GivesTheTextOfNodes) {
         "<coded i='coded'>a &lt; &amp;amp; &who; &#66;</coded>"
         "<empty i='empty'/>"
         "<nested i='nested'><b>in</b></nested>"
-        "<mixed i='mixed'><b>in</b>behind<b/>again</mixed>"
+        "<mixed i='mixed'><b>in</b>after<b/>again</mixed>"
         "<wide i='wide'>\xE2\x82\xAC \xF0\x9F\x98\x80 \xC3\xA9</wide>"
         "</r>");
     Outside outside;
@@ -399,7 +399,7 @@ TEST(XPathTest, GivesTheTextOfNodes) {
         {"text beyond ASCII", tree["wide"]->getChild(0), u"\u20AC \U0001F600 \u00E9"},
         {"an element's text", tree["plain"], u"text"},
         {"an element's decoded text", tree["coded"], u"a < &amp; w@rld B"},
-        {"an element's first text among its children", tree["mixed"], u"behind"},
+        {"an element's first text among its children", tree["mixed"], u"after"},
         {"none of an element without children", tree["empty"], u""},
         {"none of an element with elements only", tree["nested"], u""},
         {"none of a root without text", tree.root(), u""},
@@ -447,13 +447,13 @@ TEST(XPathTest, GivesTheTextOfTheFirstResultForAPath) {
         EXPECT_EQ(narrow(query.GetValue(c.path, -1)), c.value);
         EXPECT_EQ(errorIn(query), c.error);
     }
-    // The results are there behind it, all of them.
+    // The results are there after it, all of them.
     XPath query(tree.document());
     query.GetValue(u"//n", -1);
     EXPECT_EQ(resultsOf(query), "n1 n2");
 }
 
-// A path for each code that a path can end in, and what stands behind " --> "; null for codes without a suffix.
+// A path for each code that a path can end in, and what stands after " --> "; null for codes without a suffix.
 struct ErrorCase {
     XPath::ErrorCode code;
     const char* key;
@@ -505,7 +505,7 @@ private:
     Uni16String before;
 };
 
-TEST(XPathTest, TellsEachErrorByItsTextAndMostWithThePartOfThePathThatCausedIt) {
+TEST(XPathTest, NamesEachErrorByItsTextAndMostWithThePartOfThePathThatCausedIt) {
     const Tree tree(kText);
     for (const ErrorCase& c : kErrors) {
         SCOPED_TRACE(c.key);
@@ -557,7 +557,7 @@ TEST(XPathTest, NumbersItsErrorCodesInTheOrderOfTheirTexts) {
     EXPECT_EQ(static_cast<int>(XPath::EXPRESSION_TOO_COSTLY), 28);
 }
 
-// One operation of a chain and what the query holds behind it.
+// One operation of a chain and what the query holds after it.
 struct Operation {
     enum Kind { Values, Value, Find, Syntax, Index } kind;
     const char16_t* path;
@@ -603,7 +603,7 @@ TEST(XPathTest, ResetsTheErrorOfBeforeWhereItSaysSoAndOnlyThere) {
           {Op::Find, u"nope", "", ""}}},
         {"an index that is not there is an error that steps leave alone",
          {{Op::Values, u"/r/nope", "", "2: nope"}, {Op::Index, nullptr, "", "1"}, {Op::Find, u"/r/x", "x1 x2", "1"}}},
-        {"behind SyntaxOK FindNodes only checks",
+        {"after SyntaxOK FindNodes only checks",
          {{Op::Values, u"/r/x", "x1 x2", ""},
           {Op::Syntax, u"/r", "x1 x2", ""},
           {Op::Find, u"/r", "x1 x2", ""},
@@ -734,7 +734,7 @@ TEST(XPathTest, OnlyReadsTheTreeAndMindsNoOtherQueryOverIt) {
     EXPECT_EQ(resultsOf(first), "x1");
     EXPECT_EQ(errorIn(first), "");
     EXPECT_EQ(errorIn(second), "14: nope/");
-    EXPECT_EQ(first.GetValues(u"//text()[. = 'behind']/preceding::*/.."), 6u);
+    EXPECT_EQ(first.GetValues(u"//text()[. = 'after']/preceding::*/.."), 6u);
     for (const char16_t* path : {u"self::*", u"ancestor::*", u"//@*", u"//*[text() < 2]", u"/r/following::*"})
         first.GetValues(path);
     EXPECT_EQ(dump(tree.document()), before);
@@ -761,7 +761,7 @@ TEST(XPathTest, FindsTheDocumentAloneInADocumentWithoutARoot) {
         {"nothing anywhere", u"//r", "| 2: r"},
         {"itself below and here", u"//.", "/"},
         {"nothing before", u"preceding::*", "| 2: preceding::*"},
-        {"nothing behind", u"following::*", "| 2: following::*"},
+        {"nothing after", u"following::*", "| 2: following::*"},
         {"numbers", u"1 + 1", "2#-1"},
     };
     expectAnswers(&document, kCases);
