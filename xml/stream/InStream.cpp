@@ -20,7 +20,10 @@ InStream::~InStream() = default;
 
 // --- What a source may override ---
 
-bool InStream::lendBytes(Window&) { return false; }
+bool InStream::lendBytes(Window& lent) {
+    lent.loan = Window::Loan::Never;
+    return false;
+}
 
 void InStream::takeBytesBack(const Window&) const {}
 

@@ -9,11 +9,12 @@ namespace Xml {
 struct Window {
     enum class Loan : unsigned char {
         None,
+        Never,    // and the source is not asked again
         ForNow,   // once given back, the bytes may change
         ForGood,  // the bytes never change
     };
 
-    bool isLent() const { return loan != Loan::None; }
+    bool isLent() const { return loan >= Loan::ForNow; }
 
     const char* begin = nullptr;
     const char* cursor = nullptr;  // the next byte

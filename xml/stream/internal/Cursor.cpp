@@ -6,6 +6,7 @@
 namespace Xml {
 
 bool Cursor::fetch(InStream& in, char& c) {
+    if (in.window.loan == Window::Loan::Never) return in.getChar(c);
     in.releaseWindow();
     if (!in.lendBytes(in.window)) return in.getChar(c);
     c = *in.window.cursor++;
