@@ -442,39 +442,103 @@ TEST(ContentModelTest, ValidatesTreesAsTheNaiveMatcherDoes) {
     balance.expectBoth(15);
 }
 
+namespace {
+
 // Groups of repetitions in repetitions, over few names, so that what one of them takes is given up and tried again.
+ParticleValue nestedRepetitions(Random& random, int depth) {
+    const RepType kRepetitions[] = {REP_ONCE,         REP_OPTIONAL,    REP_ZERO_OR_MORE,
+                                    REP_ZERO_OR_MORE, REP_ONE_OR_MORE, REP_ONE_OR_MORE};
+    ParticleValue made;
+    made.kind = random.chance(50) ? ParticleValue::Choice : ParticleValue::Sequence;
+    for (int i = 2 + random.below(2); i > 0; --i) {
+        ParticleValue member;
+        if (depth > 0 && random.chance(60)) {
+            member = nestedRepetitions(random, depth - 1);
+        } else {
+            member.name = std::string(1, "abc"[random.below(3)]);
+        }
+        member.repetition = random.pick(kRepetitions);
+        made.members.push_back(member);
+    }
+    made.repetition = random.chance(50) ? REP_ZERO_OR_MORE : REP_ONE_OR_MORE;
+    return made;
+}
+
+void retargetSome(ParticleValue& particle, Random& random) {
+    if (random.chance(20)) particle.dtd = 1;
+    for (ParticleValue& member : particle.members) retargetSome(member, random);
+}
+
+std::vector<NodeValue> fewNames(Random& random) {
+    std::string children;
+    for (int i = 1 + random.below(7); i > 0; --i) children += std::string(1, "aabc"[random.below(4)]) + " ";
+    return nodesOf(children);
+}
+
+}  // namespace
+
 TEST(ContentModelTest, TriesNestedRepetitionsAgainAsTheNaiveMatcherDoes) {
     Random random(31);
-    const auto group = [&random](const auto& self, int depth) -> std::string {
-        const char* const separator = random.chance(50) ? " | " : ", ";
-        std::string text = "(";
-        for (int i = 1 + random.below(2); i >= 0; --i) {
-            const char* const kMarks[] = {"", "?", "*", "*", "+", "+"};
-            text += depth > 0 && random.chance(60) ? self(self, depth - 1) : std::string(1, "abc"[random.below(3)]);
-            text += random.pick(kMarks);
-            if (i > 0) text += separator;
-        }
-        return text + ")";
-    };
     const std::vector<DtdValue> values = {dtdValueOf("a: EMPTY; b: EMPTY; c: EMPTY")};
     const auto dtd = dtdOf("a: EMPTY; b: EMPTY; c: EMPTY");
     Balance balance;
     while (balance.compared() < 8'000) {
-        const std::string model = group(group, 2) + (random.chance(50) ? "*" : "+");
-        std::string children;
-        for (int i = 1 + random.below(7); i > 0; --i) children += std::string(1, "aabc"[random.below(4)]) + " ";
-        std::vector<NodeValue> nodes = nodesOf(children);
+        ModelValue model;
+        model.kind = ModelValue::Children;
+        model.particle = nestedRepetitions(random, 2);
+        std::vector<NodeValue> nodes = fewNames(random);
+        const std::string before = describe(nodes);
         NaiveMatcher naive(values, 2000);
         try {
-            const bool expected = naive.validateModel(modelOf(model), nodes);
-            const auto spec = specOf(model, dtd.get());
-            ASSERT_EQ(spec->validate(NodeList(nodes).list()), expected) << model << " over " << children;
+            const bool expected = naive.validateModel(model, nodes);
+            const std::unique_ptr<ContentSpec> spec(makeModel(model, {dtd.get()}));
+            ASSERT_EQ(spec->validate(NodeList(nodes).list()), expected) << describe(model) << " over " << before;
             balance.count(expected);
         } catch (const TooManySteps&) {
             balance.skip();
         }
     }
     balance.expectBoth(15);
+}
+
+// The names belong to two Dtds, and each links what it decides: which of them came last shows what was tried again.
+TEST(ContentModelTest, LinksByNestedRepetitionsOfTwoDtdsAsTheNaiveMatcherDoes) {
+    Random random(47);
+    Balance balance;
+    int linkedByBoth = 0;
+    while (balance.compared() < 20'000) {
+        // In one of the Dtds some of the elements may have content that belongs to the other one again.
+        std::vector<DtdValue> values = {
+            dtdValueOf("a: EMPTY; b: EMPTY; c: EMPTY; a@x IMPLIED; b@x IMPLIED; c@x IMPLIED"),
+            dtdValueOf(random.chance(50) ? "a: EMPTY; b: EMPTY; c: EMPTY; a@x IMPLIED; b@x IMPLIED; c@x IMPLIED"
+                                         : "a: EMPTY; c: EMPTY; c@x IMPLIED")};
+        Dtd first("first"), second("second");
+        declare(first, values[0], {&first, &second});
+        declare(second, values[1], {&first, &second});
+        for (int i = 0; i < 10; ++i) {
+            ModelValue model;
+            model.kind = ModelValue::Children;
+            model.particle = nestedRepetitions(random, 2);
+            retargetSome(model.particle, random);
+            std::vector<NodeValue> nodes = fewNames(random);
+            const std::string before = describe(nodes);
+            const NodeList list(nodes);
+            NaiveMatcher naive(values, 2000);
+            try {
+                const bool expected = naive.validateModel(model, nodes);
+                const std::unique_ptr<ContentSpec> spec(makeModel(model, {&first, &second}));
+                ASSERT_EQ(spec->validate(list.list()), expected) << describe(model) << " over " << before;
+                const std::string links = describe(nodes);
+                ASSERT_EQ(linksOfAll(list.list(), {&first, &second}), links) << describe(model) << " over " << before;
+                linkedByBoth += links.find('*') != std::string::npos && links.find('+') != std::string::npos ? 1 : 0;
+                balance.count(expected);
+            } catch (const TooManySteps&) {
+                balance.skip();
+            }
+        }
+    }
+    balance.expectBoth(8);
+    EXPECT_GT(linkedByBoth, 1000);
 }
 
 TEST(ContentModelTest, CopiesOfADtdValidateByThemselves) {

@@ -223,6 +223,44 @@ TEST(ValidationLinksTest, EachModelLinksToTheDtdItPointsBackTo) {
     EXPECT_EQ(linksOf(*tree, {&copy}), "a*(b*(c*) c* d*)");
 }
 
+// Between two tries another Dtd may have linked the element: nothing that came of the first is used again then.
+TEST(ValidationLinksTest, ARepetitionThatIsTriedAgainLinksAgainWhereNamesOfTwoDtdsTakeTurns) {
+    const struct {
+        const char* name;
+        const char* model;  // the first of its names that is "c" is of the second Dtd
+        const char* children;
+        const char* links;
+    } kCases[] = {
+        {"tried again after a name of the other", "((c, z) | (a?, c*, x) | a)*", "a c", "r(a* c*)"},
+        {"at least once", "((c, z) | (a?, c+, x) | a)*", "a c", "r(a* c*)"},
+        {"several", "((c, z) | (a?, c*, x) | a)*", "a c c", "r(a* c* c*)"},
+        {"where it ended", "(((c, z)?, (a*, c*)?)*, x)?", "a c", "r(a* c*)"},
+        {"the name of the other is tried last", "((a?, d*, x) | a | (c, z))*", "a c", "r(a* c+)"},
+    };
+    const char* const kDeclarations = "; a: EMPTY; a@k IMPLIED; c: EMPTY; c@k IMPLIED; d: EMPTY; x: EMPTY; z: EMPTY";
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        ParticleValue particle = particleOf(c.model);
+        const auto ofSecond = [](const auto& self, ParticleValue& from) -> bool {
+            if (from.kind == ParticleValue::Name && from.name == "c") {
+                from.dtd = 1;
+                return true;
+            }
+            for (ParticleValue& member : from.members) {
+                if (self(self, member)) return true;
+            }
+            return false;
+        };
+        ASSERT_TRUE(ofSecond(ofSecond, particle));
+        const auto first = dtdOf(kDeclarations + 2), second = dtdOf(kDeclarations + 2);
+        const Dtds both = {first.get(), second.get()};
+        first->addElementDecl("r", makeChildren(particle, both));
+        const auto tree = elementOf("r(" + std::string(c.children) + ")");
+        EXPECT_FALSE(first->validate(tree.get()));
+        EXPECT_EQ(linksOf(*tree, {first.get(), second.get()}), c.links);
+    }
+}
+
 // --- Nodes of a caller's own ---
 
 namespace {

@@ -175,6 +175,27 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheChildren) {
     }
 }
 
+TEST(ModelGrowthTest, ValidatingTakesNoMoreMemoryForMoreRowsOfNestedRepetitions) {
+    // What came of repetitions is forgotten with the row that it is about: not even the heap is asked again for the next row.
+    for (const char* const model : {"((a*, b) | a)*", "((a+, b) | a)*", "((((a*, b) | a)*, c) | a)*",
+                                    "((a*, b?)*, c?)*", "(((a | b)*, (b, c)) | a)*"}) {
+        const auto dtd = readDtd(std::string("<!ELEMENT r (row*)><!ELEMENT row ") + model +
+                                 "><!ELEMENT a EMPTY><!ELEMENT b EMPTY><!ELEMENT c EMPTY>");
+        expectSame(
+            model,
+            [&dtd](int n) {
+                auto root = std::make_shared<Element>("r");
+                for (int i = 0; i < n; ++i) {
+                    auto* const row = new Element("row");
+                    for (int k = 0; k < 10; ++k) row->addChild(new Element("a"));
+                    root->addChild(row);
+                }
+                return [root, &dtd] { EXPECT_TRUE(dtd->validate(root.get())); };
+            },
+            AllocatedBytes, 200);
+    }
+}
+
 TEST(ModelGrowthTest, ValidatingAsksAChildNoMoreOftenWhereAChoiceIsWider) {
     // A choice among plain names is looked up, not tried one by one: neither a match nor a miss costs its width.
     for (const std::string& name : {numbered("e", 0), std::string("last"), std::string("other")}) {

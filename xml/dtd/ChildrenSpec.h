@@ -3,7 +3,6 @@
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ContentSpec.h"
 #include "xml/dtd/RepType.h"
-#include <cstdint>
 #include <string>
 
 namespace Xml {
@@ -44,13 +43,6 @@ private:
 
     RepType repetition;
     CpSpec* particle;
-
-    // Where this repetition within another one last found nothing more to take, and what came of trying: those around it
-    // try it again there, each of them. Of one run of validation.
-    mutable std::uint64_t triedRun = 0;
-    mutable ChildQueue triedAt;
-    mutable ChildQueue triedLeft;
-    mutable bool triedMatched = false;
 };
 
 }  // namespace Xml

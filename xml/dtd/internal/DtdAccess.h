@@ -7,10 +7,16 @@
 
 namespace Xml {
 
-// What the readers use of a Dtd beside its public operations.
+// What the readers and validation use of a Dtd beside its public operations.
 struct DtdAccess {
     static bool isDeclared(const Dtd& dtd, const std::string& element) {
         return dtd.elements.find(element) != dtd.elements.end();
+    }
+
+    // The model of a declared element, else null.
+    static const ContentSpec* findModel(const Dtd& dtd, const std::string& element) {
+        const auto declaration = dtd.elements.find(element);
+        return declaration != dtd.elements.end() ? declaration->second : nullptr;
     }
 
     // The list with the element's attributes; null while none is defined.
@@ -19,6 +25,13 @@ struct DtdAccess {
         const auto list = dtd.attributeLists.find(element);
         return list != dtd.attributeLists.end() ? &list->second : nullptr;
     }
+    static const AttributeList* findList(const Dtd& dtd, const std::string& element) {
+        const auto list = dtd.attributeLists.find(element);
+        return list != dtd.attributeLists.end() ? &list->second : nullptr;
+    }
+
+    // While a validation by this Dtd is under way: its number; else 0.
+    static std::uint64_t& validationRun(const Dtd& dtd) { return dtd.validationRun; }
 
     // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd of the
     // list is for the caller to touch.

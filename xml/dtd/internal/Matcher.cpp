@@ -1,52 +1,23 @@
 #include "xml/dtd/internal/Matcher.h"
 
-#include "xml/dom/internal/Linking.h"
-#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/Element.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/CharSpec.h"
-#include "xml/dtd/Dtd.h"
 #include "xml/dtd/EmptySpec.h"
 #include "xml/dtd/MixedSpec.h"
 #include "xml/dtd/internal/SpecAccess.h"
-#include <algorithm>
-#include <atomic>
-#include <utility>
+#include <limits>
 
 namespace Xml {
 
 namespace {
 
-// What an element keeps of a run: its number in the upper bits, and these.
-constexpr std::uint64_t kValid = 1;
-constexpr std::uint64_t kLinked = 2;  // with its whole subtree
-constexpr int kRunShift = 2;
-
-// Runs of different threads, over trees of their own, need not agree on anything but on being different.
-std::uint64_t newRun() {
-    static std::atomic<std::uint64_t> last{0};
-    return ++last;
-}
-
-// Of the models without steps of their own here.
-bool isOwn(const ContentSpec& model) {
+// Of the library's models that have no steps of their own here.
+bool isOwnAndPlain(const ContentSpec& model) {
     return isExactlySpec<EmptySpec>(model) || isExactlySpec<AnySpec>(model) || isExactlySpec<CharSpec>(model);
 }
 
 }  // namespace
-
-Matcher::~Matcher() {
-    for (const Dtd* dtd : runs) dtd->validationRun = 0;
-}
-
-std::uint64_t Matcher::runOf(const Dtd& dtd) {
-    if (dtd.validationRun == 0) {
-        runs.push_back(&dtd);
-        dtd.validationRun = newRun();
-    } else if (!foreign && std::find(runs.begin(), runs.end(), &dtd) == runs.end()) {
-        foreign = true;  // begun by the matcher that called a caller's code, which called this one
-    }
-    return dtd.validationRun;
-}
 
 // --- Ways in ---
 
@@ -126,35 +97,35 @@ void Matcher::finish(bool outcome) {
 bool Matcher::beginElement(const Dtd* dtd, Element& element) {
     matched = false;
     if (dtd == nullptr) return true;
-    const std::uint64_t verdict = NodeAccess::verdict(element);
-    if (verdict >> kRunShift == runOf(*dtd)) {
-        matched = (verdict & kValid) != 0;
+    repetitions.noteDecision(*dtd);
+    const Verdicts::Verdict verdict = verdicts.of(*dtd, element);
+    if (verdict != Verdicts::Verdict::None) {
+        matched = verdict == Verdicts::Verdict::Valid;
         return true;
     }
-    const auto declaration = dtd->elements.find(element.getName());
-    if (declaration == dtd->elements.end()) {
-        decide(*dtd, element, false);
+    const ContentSpec* const model = DtdAccess::findModel(*dtd, element.getName());
+    if (model == nullptr) {
+        matched = verdicts.decide(*dtd, element, false);
         return true;
     }
 
-    const ContentSpec& model = *declaration->second;
-    const bool isMixed = isExactlySpec<MixedSpec>(model);
-    if (!isMixed && !isExactlySpec<ChildrenSpec>(model)) {
-        if (!isOwn(model)) foreign = true;
-        decide(*dtd, element, model.validate(NodeAccess::childList(element)));
+    const bool isMixed = isExactlySpec<MixedSpec>(*model);
+    if (!isMixed && !isExactlySpec<ChildrenSpec>(*model)) {
+        if (!isOwnAndPlain(*model)) verdicts.noteCallersCode();
+        matched = verdicts.decide(*dtd, element, model->validate(NodeAccess::childList(element)));
         return true;
     }
     const NodeSpan children = NodeAccess::children(element);
     const ChildQueue all(children.begin(), children.end());
     push(Step::Element, &element, queue);
     frames.back().dtd = dtd;
-    enclosing.push_back({std::exchange(repetitions, 0), outcomes.size()});
+    repetitions.enterElement();
     if (isMixed) {
         queue = ChildQueue();
-        push(Step::Mixed, &static_cast<const MixedSpec&>(model), all);
+        push(Step::Mixed, static_cast<const MixedSpec*>(model), all);
     } else {
         queue = all;
-        push(Step::Repeated, &static_cast<const ChildrenSpec&>(model), queue);
+        push(Step::Repeated, static_cast<const ChildrenSpec*>(model), queue);
     }
     return false;
 }
@@ -164,62 +135,8 @@ void Matcher::resumeElement() {
     const bool fits = matched && queue.empty();
     queue = frame.queue;
     frames.pop_back();
-    repetitions = enclosing.back().repetitions;
-    if (outcomes.size() > enclosing.back().outcomes) outcomes.resize(enclosing.back().outcomes);
-    enclosing.pop_back();
-    decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
-}
-
-// The content has come out as `fits`: what remains are the attributes, and the verdict.
-void Matcher::decide(const Dtd& dtd, Element& element, bool fits) {
-    matched = fits && attributesFit(dtd, element);
-    // The link that has just been set, if any, marked the element as linked.
-    const std::uint64_t linked =
-        NodeAccess::verdict(element) >> kRunShift == runOf(dtd) ? NodeAccess::verdict(element) & kLinked : 0;
-    NodeAccess::verdict(element) = runOf(dtd) << kRunShift | linked | (matched ? kValid : 0);
-}
-
-// Looks at the element's own attributes only: each has to be defined, and those that are required to be all there are.
-bool Matcher::attributesFit(const Dtd& dtd, Element& element) {
-    const AttributeSpan attributes = NodeAccess::attributes(element);
-    const auto list = dtd.attributeLists.find(element.getName());
-    if (list == dtd.attributeLists.end()) return attributes.empty();
-
-    const auto& definitions = list->second.definitions;
-    std::size_t required = 0;
-    for (const Attribute* const attribute : attributes) {
-        const auto definition = definitions.find(attribute->getName());
-        if (definition == definitions.end()) return false;
-        if (definition->second->isRequired()) ++required;
-    }
-    if (required != list->second.required) return false;
-    NodeAccess::verdict(element) = runOf(dtd) << kRunShift;
-    link(element, &dtd);
-    return true;
-}
-
-// --- Links ---
-
-void Matcher::link(Object& node, const Dtd* dtd) {
-    if (!isExactly<Element>(node) || dtd == nullptr) {
-        node.setDtd(dtd);
-    } else {
-        linkSubtree(static_cast<Element&>(node), dtd);
-    }
-}
-
-// As Element::setDtd, but for the subtrees that have all their links already.
-void Matcher::linkSubtree(Element& top, const Dtd* dtd) {
-    const std::uint64_t run = runOf(*dtd);
-    const bool linksStay = !foreign;
-    linkBelow(top, dtd, [dtd, run, linksStay](Element& element) {
-        std::uint64_t& verdict = NodeAccess::verdict(element);
-        const bool mine = verdict >> kRunShift == run;
-        if (mine && linksStay && (verdict & kLinked) != 0) return false;
-        verdict = mine ? verdict | kLinked : 0;  // a verdict of another run may speak of links that are no more
-        NodeAccess::setOwnDtd(element, dtd);
-        return true;
-    });
+    repetitions.leaveElement();
+    matched = verdicts.decide(*frame.dtd, *static_cast<Element*>(const_cast<void*>(frame.subject)), fits);
 }
 
 // --- The mixed model ---
@@ -228,12 +145,12 @@ void Matcher::resumeMixed() {
     const auto& model = *static_cast<const MixedSpec*>(frames.back().subject);
     const Dtd* const dtd = SpecAccess::dtd(model);
     const std::size_t mine = frames.size() - 1;
-    if (frames[mine].started) {
+    if (frames[mine].stage != Stage::Fresh) {
         if (!matched) return finish(false);
-        link(*frames[mine].queue.front(), dtd);
+        verdicts.link(*frames[mine].queue.front(), dtd);
         frames[mine].queue.pop();
     }
-    frames[mine].started = true;
+    frames[mine].stage = Stage::Inside;
     while (!frames[mine].queue.empty()) {
         Object* const child = frames[mine].queue.front();
         if (child->isElement()) {
@@ -241,7 +158,7 @@ void Matcher::resumeMixed() {
             if (!model.hasName(element.getName())) return finish(false);
             if (!beginElement(dtd, element)) return;
             if (!matched) return finish(false);
-            link(element, dtd);
+            verdicts.link(element, dtd);
         } else {
             if (!child->isCharData()) return finish(false);
             child->setDtd(dtd);
@@ -259,12 +176,12 @@ bool Matcher::beginParticle(const CpSpec& particle) {
         push(isExactlySpec<ChoiceSpec>(particle) ? Step::Choice : Step::Sequence, group, queue);
         return false;
     }
-    foreign = true;
+    verdicts.noteCallersCode();
     matched = particle.validate(queue);
     return true;
 }
 
-// Does not take the child: who asked does when it matched.
+// Does not take the child: what asked does when it matched.
 bool Matcher::beginName(const NameSpec& spec) {
     matched = false;
     const std::string& name = SpecAccess::name(spec);
@@ -287,24 +204,28 @@ void Matcher::resumeRepeated() {
     const bool isName = isExactlySpec<NameSpec>(particle);
     const std::size_t mine = frames.size() - 1;
     const bool repeats = repetition == REP_ZERO_OR_MORE || repetition == REP_ONE_OR_MORE;
-    if (!frames[mine].started) {
+    if (frames[mine].stage == Stage::Fresh) {
         if (repeats) {
-            frames[mine].nested = repetitions > 0;
-            if (frames[mine].nested) {
-                if (recall(spec)) return finish(matched);
-                frames[mine].firstPass = static_cast<std::uint32_t>(passes.size());
-                passes.push_back(queue);
+            frames[mine].passes = repetitions.anyUnderWay() ? Passes::ManyNested : Passes::Many;
+            if (frames[mine].passes == Passes::ManyNested) {
+                if (const Outcome* const known = recall(spec)) {
+                    queue = known->left;
+                    return finish(known->matched);
+                }
+                frames[mine].firstPass = repetitions.passCount();
+                repetitions.beginPass(queue);
             }
-            ++repetitions;
+            repetitions.begin();
         }
-        frames[mine].started = true;
+        frames[mine].stage = Stage::Inside;
         if (!beginParticle(particle)) return;
     }
     for (;;) {
         Frame& frame = frames[mine];
+        const bool isNested = frame.passes == Passes::ManyNested;
         if (!matched) {
             giveUp(frame.queue);
-            if (frame.nested) note(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
+            if (isNested) keepEnd(spec, frame.queue, repetition == REP_ZERO_OR_MORE);
             const bool fails = repetition == REP_ONCE || (repetition == REP_ONE_OR_MORE && frame.number == 0);
             if (!fails) queue = frame.queue;
             return repeats ? finishRepeated(!fails) : finish(!fails);
@@ -314,81 +235,59 @@ void Matcher::resumeRepeated() {
         ++frame.number;
         if (queue.empty()) return finishRepeated(true);
         if (queue.size() == frame.queue.size()) {  // a pass that took nothing would go on for ever
-            if (frame.nested) note(spec, frame.queue, true);
+            if (isNested) keepEnd(spec, frame.queue, true);
             return finishRepeated(true);
         }
         frame.queue = queue;
-        if (frame.nested) {
-            if (recall(spec)) {
-                if (!matched) queue = frame.queue;
+        if (isNested) {
+            if (const Outcome* const known = recall(spec)) {
+                queue = known->matched ? known->left : frame.queue;
                 return finishRepeated(true);
             }
-            passes.push_back(queue);
+            repetitions.beginPass(queue);
         }
         if (!beginParticle(particle)) return;
     }
 }
 
-// The repetition on top, which has come out so, would have from the start of each of its passes: but for the last one of "+",
-// which took nothing. Where the repetition around it began its pass at the same child, that one is asked there: repetitions right
-// within each other need not all be kept for every child.
 void Matcher::finishRepeated(bool outcome) {
-    --repetitions;
+    repetitions.end();
     const Frame& frame = frames.back();
-    if (!frame.nested) return finish(outcome);
-    const auto& spec = *static_cast<const ChildrenSpec*>(frame.subject);
-    const bool needsOne = SpecAccess::repetition(spec) == REP_ONE_OR_MORE;
-    const bool isAskedThere = frame.firstPass > 0 && passes[frame.firstPass - 1] == passes[frame.firstPass];
-    for (std::size_t i = frame.firstPass + (isAskedThere ? 1 : 0); i < passes.size() && !foreign; ++i) {
-        const ChildQueue& start = passes[i];
-        if (start.empty()) break;
-        const bool matches = outcome && !(needsOne && i - frame.firstPass >= frame.number);
-        if (matches || i == frame.firstPass) outcomes.push_back({{&spec, start.front()}, {matches, queue}});
+    if (frame.passes == Passes::ManyNested) {
+        const auto& spec = *static_cast<const ChildrenSpec*>(frame.subject);
+        if (verdicts.areOfOwnCode()) {
+            const bool needsOne = SpecAccess::repetition(spec) == REP_ONE_OR_MORE;
+            const std::size_t matching = needsOne ? frame.number : std::numeric_limits<std::size_t>::max();
+            repetitions.keepPasses(spec, frame.firstPass, matching, {outcome, queue});
+        } else {
+            repetitions.dropPasses(frame.firstPass);
+        }
     }
-    passes.resize(frame.firstPass);
     return finish(outcome);
 }
 
-// Whether it is known what comes of the nested repetition here; that is in `matched` and `queue` then.
-bool Matcher::recall(const ChildrenSpec& spec) {
-    const Dtd* const dtd = SpecAccess::dtd(spec);
-    if (dtd != nullptr && spec.triedRun == runOf(*dtd) && !foreign && spec.triedAt == queue) {
-        matched = spec.triedMatched;
-        queue = spec.triedLeft;
-        return true;
-    }
-    if (foreign || queue.empty() || outcomeOf.empty()) return false;
-    const auto found = outcomeOf.find({&spec, queue.front()});
-    if (found == outcomeOf.end()) return false;
-    matched = found->second.matched;
-    queue = found->second.left;
-    return true;
+// What is known to come of the nested repetition here.
+const Outcome* Matcher::recall(const ChildrenSpec& spec) const {
+    return verdicts.areOfOwnCode() ? repetitions.find(spec, queue) : nullptr;
 }
 
-// Keeps what came of the nested repetition where its last pass began, which failed or took nothing.
-void Matcher::note(const ChildrenSpec& spec, const ChildQueue& at, bool outcome) {
-    const Dtd* const dtd = SpecAccess::dtd(spec);
-    if (dtd == nullptr) return;
-    spec.triedRun = runOf(*dtd);
-    if (foreign) spec.triedRun = 0;
-    spec.triedAt = at;
-    spec.triedLeft = outcome ? at : queue;
-    spec.triedMatched = outcome;
+// The nested repetition ends here with a pass that failed or took nothing; it would have come out so if it had begun
+// here.
+void Matcher::keepEnd(const ChildrenSpec& spec, const ChildQueue& start, bool outcome) {
+    if (verdicts.areOfOwnCode()) repetitions.keepEnd(spec, start, {outcome, outcome ? start : queue});
 }
 
-// Who comes back to `before` may try again what has been tried since.
+// What comes back to `before` may try again what has been tried since.
 void Matcher::giveUp(const ChildQueue& before) {
-    if (queue.size() == before.size()) return;
-    outcomeOf.insert(outcomes.begin(), outcomes.end());
-    outcomes.clear();
+    if (queue.size() != before.size()) repetitions.giveUp();
 }
 
 void Matcher::resumeSequence() {
     const auto& members = SpecAccess::members(*static_cast<const GroupSpec*>(frames.back().subject));
     const std::size_t mine = frames.size() - 1;
     for (;;) {
-        if (frames[mine].started && !matched) return finish(false);
-        frames[mine].started = true;
+        if (frames[mine].stage != Stage::Fresh && !matched) return finish(false);
+        frames[mine].stage = Stage::Inside;
         if (frames[mine].number == members.size()) return finish(true);
         if (!beginRepeated(*members[frames[mine].number++])) return;
     }
@@ -400,23 +299,23 @@ void Matcher::resumeChoice() {
     const std::size_t mine = frames.size() - 1;
     for (;;) {
         Frame& frame = frames[mine];
-        if (!frame.started) {
+        if (frame.stage == Stage::Fresh) {
             // Of the leading names only the one that the next child has can match.
-            frame.started = true;
+            frame.stage = Stage::Inside;
             frame.number = choice.leadingCount;
             if (!queue.empty() && queue.front()->isElement()) {
                 const auto found = choice.leadingNames.find(static_cast<const Element*>(queue.front())->getName());
                 if (found != choice.leadingNames.end()) {
                     frame.number = found->second;
-                    frame.alone = true;
+                    frame.stage = Stage::InsideNamed;
                 }
             }
         } else {
             if (matched) return finish(true);
             giveUp(frame.queue);
             queue = frame.queue;
-            frame.number = frame.alone ? choice.leadingCount : frame.number + 1;
-            frame.alone = false;
+            frame.number = frame.stage == Stage::InsideNamed ? choice.leadingCount : frame.number + 1;
+            frame.stage = Stage::Inside;
         }
         if (frame.number == members.size()) break;
         if (!beginRepeated(*members[frame.number])) return;
