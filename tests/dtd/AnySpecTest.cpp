@@ -1,7 +1,7 @@
 #include "xml/dtd/AnySpec.h"
 
 #include "models/Models.h"
-#include "support/NodeTestAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {
@@ -30,8 +30,8 @@ TEST(AnySpecTest, ClonesForTheGivenDtd) {
     const AnySpec model(&dtd);
     const std::unique_ptr<ContentSpec> copy(model.clone(&other));
     EXPECT_NE(dynamic_cast<AnySpec*>(copy.get()), nullptr);
-    EXPECT_EQ(NodeTestAccess::owner(model), &dtd);
-    EXPECT_EQ(NodeTestAccess::owner(*copy), &other);
+    EXPECT_EQ(SpecAccess::dtd(model), &dtd);
+    EXPECT_EQ(SpecAccess::dtd(*copy), &other);
 }
 
 }  // namespace Xml::test

@@ -1,7 +1,7 @@
 #include "xml/dtd/CharSpec.h"
 
 #include "models/Models.h"
-#include "support/NodeTestAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {
@@ -37,7 +37,7 @@ TEST(CharSpecTest, ClonesForTheGivenDtd) {
     const CharSpec model(&dtd);
     const std::unique_ptr<ContentSpec> copy(model.clone(&other));
     EXPECT_NE(dynamic_cast<CharSpec*>(copy.get()), nullptr);
-    EXPECT_EQ(NodeTestAccess::owner(model), &dtd);
+    EXPECT_EQ(SpecAccess::dtd(model), &dtd);
 
     const NodeList nodes("'text'");
     EXPECT_TRUE(copy->validate(nodes.list()));

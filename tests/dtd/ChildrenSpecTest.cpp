@@ -1,9 +1,9 @@
 #include "xml/dtd/ChildrenSpec.h"
 
 #include "models/Models.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/NameSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/FileOutStream.h"
 #include <gtest/gtest.h>
 #include <sstream>
@@ -192,7 +192,7 @@ TEST(ChildrenSpecTest, WritesItsMarkDirectlyBehindTheParticle) {
 TEST(ChildrenSpecTest, WritesAsAMemberWithoutParenthesesAroundAName) {
     Dtd dtd("test");
     const ChildrenSpec model(&dtd, "b", REP_ONE_OR_MORE);
-    EXPECT_EQ(NodeTestAccess::owner(model), &dtd);
+    EXPECT_EQ(SpecAccess::dtd(model), &dtd);
     // The form with the flag hands it on to the particle.
     class Recorder : public NameSpec {
     public:
@@ -236,9 +236,9 @@ TEST(ChildrenSpecTest, CopiesDeeplyForTheSameDtd) {
     auto model =
         std::make_unique<ChildrenSpec>(dtd.get(), makeParticle(particleOf("(a, (b | a)*)"), {dtd.get()}), REP_OPTIONAL);
     const ChildrenSpec copy(*model);
-    EXPECT_NE(NodeTestAccess::particle(copy), NodeTestAccess::particle(*model));
-    EXPECT_EQ(NodeTestAccess::owner(copy), dtd.get());
-    EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(copy)), dtd.get());
+    EXPECT_NE(&SpecAccess::particle(copy), &SpecAccess::particle(*model));
+    EXPECT_EQ(SpecAccess::dtd(copy), dtd.get());
+    EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(copy)), dtd.get());
     model.reset();
     EXPECT_EQ(written(copy), "(a, (b | a)*)?");
     const NodeList nodes("a b a");

@@ -2,11 +2,11 @@
 
 #include "models/Models.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/NameSpec.h"
 #include "xml/dtd/SeqSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -134,12 +134,12 @@ TEST(ChoiceSpecTest, AddsMembersInThreeWays) {
     EXPECT_EQ(messages.texts(), Texts()) << "neither duplicates nor bad names are reported";
     EXPECT_EQ(written(choice, true), "(a+ | b? | c* |  | a)");
 
-    const std::vector<ChildrenSpec*>& members = NodeTestAccess::members(choice);
+    const SpecAccess::Members& members = SpecAccess::members(choice);
     ASSERT_EQ(members.size(), 5U);
-    EXPECT_EQ(members[0], member) << "a member is appended as it is";
-    for (const ChildrenSpec* each : members) {
-        EXPECT_EQ(NodeTestAccess::owner(*each), dtd.get());
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*each)), dtd.get());
+    EXPECT_EQ(members[0].get(), member) << "a member is appended as it is";
+    for (const auto& each : members) {
+        EXPECT_EQ(SpecAccess::dtd(*each), dtd.get());
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*each)), dtd.get());
     }
 }
 
@@ -202,9 +202,9 @@ TEST(ChoiceSpecTest, CopiesDeeplyForTheSameDtd) {
         EXPECT_TRUE(copy.validate(queue));
         EXPECT_EQ(queue.size(), left);
     }
-    for (const ChildrenSpec* member : NodeTestAccess::members(copy)) {
-        EXPECT_EQ(NodeTestAccess::owner(*member), dtd.get());
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*member)), dtd.get());
+    for (const auto& member : SpecAccess::members(copy)) {
+        EXPECT_EQ(SpecAccess::dtd(*member), dtd.get());
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*member)), dtd.get());
     }
 }
 
@@ -214,12 +214,12 @@ TEST(ChoiceSpecTest, ClonesForTheGivenDtd) {
     auto choice = std::unique_ptr<CpSpec>(makeParticle(particleOf("(a | b | #PCDATA)"), {dtd.get()}));
     const std::unique_ptr<CpSpec> copy(choice->clone(other.get()));
     choice.reset();
-    EXPECT_EQ(NodeTestAccess::owner(*copy), other.get());
-    const auto& members = NodeTestAccess::members(dynamic_cast<const ChoiceSpec&>(*copy));
+    EXPECT_EQ(SpecAccess::dtd(*copy), other.get());
+    const auto& members = SpecAccess::members(dynamic_cast<const ChoiceSpec&>(*copy));
     ASSERT_EQ(members.size(), 2U);
-    for (const ChildrenSpec* member : members) {
-        EXPECT_EQ(NodeTestAccess::owner(*member), other.get());
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*member)), other.get());
+    for (const auto& member : members) {
+        EXPECT_EQ(SpecAccess::dtd(*member), other.get());
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*member)), other.get());
     }
     const NodeList nodes("b 'x' a");
     ChildQueue queue(nodes.list());

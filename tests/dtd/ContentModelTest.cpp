@@ -1,12 +1,12 @@
 #include "models/Models.h"
 #include "models/NaiveMatcher.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/ChoiceSpec.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/dtd/SeqSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -370,7 +370,7 @@ TEST(ContentModelTest, MatchesChildrenAsTheNaiveMatcherDoes) {
                 naiveQueue = NaiveMatcher::queueOf(nodes);
                 queue = ChildQueue(list.list());
                 const bool matchedOnce = naive.validateParticle(model.particle, naiveQueue);
-                ASSERT_EQ(NodeTestAccess::particle(*children)->validate(queue), matchedOnce)
+                ASSERT_EQ(SpecAccess::particle(*children).validate(queue), matchedOnce)
                     << describe(model) << " over " << before << describe(values);
                 ASSERT_EQ(leftIn(queue, naiveQueue), naiveQueue.size()) << describe(model) << " over " << before;
                 ASSERT_EQ(linksOfAll(list.list(), {dtd.get()}), describe(nodes))
@@ -683,19 +683,19 @@ TEST(ContentModelTest, ValidatesDeepTreesAsTheNaiveMatcherDoes) {
 namespace {
 
 bool pointsBackTo(const CpSpec& particle, const Dtd* dtd) {
-    if (NodeTestAccess::owner(particle) != dtd) return false;
+    if (SpecAccess::dtd(particle) != dtd) return false;
     const auto* group = dynamic_cast<const GroupSpec*>(&particle);
     if (group == nullptr) return true;
-    const std::vector<ChildrenSpec*>& members = NodeTestAccess::members(*group);
-    return std::all_of(members.begin(), members.end(), [dtd](const ChildrenSpec* member) {
-        return NodeTestAccess::owner(*member) == dtd && pointsBackTo(*NodeTestAccess::particle(*member), dtd);
+    const SpecAccess::Members& members = SpecAccess::members(*group);
+    return std::all_of(members.begin(), members.end(), [dtd](const auto& member) {
+        return SpecAccess::dtd(*member) == dtd && pointsBackTo(SpecAccess::particle(*member), dtd);
     });
 }
 
 bool pointsBackTo(const ContentSpec& model, const Dtd* dtd) {
-    if (NodeTestAccess::owner(model) != dtd) return false;
+    if (SpecAccess::dtd(model) != dtd) return false;
     const auto* children = dynamic_cast<const ChildrenSpec*>(&model);
-    return children == nullptr || pointsBackTo(*NodeTestAccess::particle(*children), dtd);
+    return children == nullptr || pointsBackTo(SpecAccess::particle(*children), dtd);
 }
 
 }  // namespace
@@ -719,7 +719,7 @@ TEST(ContentModelTest, WritesAndClonesAsTheNaiveWriterDoes) {
         ASSERT_TRUE(pointsBackTo(*model, &dtd)) << expected;
         if (const auto* children = dynamic_cast<const ChildrenSpec*>(model.get())) {
             std::vector<std::string> ignored;
-            ASSERT_EQ(written(*NodeTestAccess::particle(*children), false), naiveText(value.particle, false, ignored));
+            ASSERT_EQ(written(SpecAccess::particle(*children), false), naiveText(value.particle, false, ignored));
             messages.take();
             const ChildrenSpec copy(*children);
             ASSERT_EQ(written(copy), expected);

@@ -7,6 +7,8 @@
 #include "xml/dtd/EmptySpec.h"
 #include "xml/dtd/NameSpec.h"
 #include "xml/dtd/SeqSpec.h"
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/FileOutStream.h"
 #include <gtest/gtest.h>
 #include <sstream>
@@ -16,6 +18,10 @@ namespace Xml::test {
 using Texts = std::vector<std::string>;
 
 namespace {
+
+bool hasAttributeList(const Dtd& dtd, const std::string& element) {
+    return DtdAccess::findList(dtd, element) != nullptr;
+}
 
 // Count themselves, so that a test sees who frees them and how often.
 struct CountedModel : EmptySpec {
@@ -37,7 +43,7 @@ struct CountedDefinition : AttStringType {
 };
 
 std::string modelText(const Dtd& dtd, const std::string& element) {
-    return written(*NodeTestAccess::model(dtd, element));
+    return written(*DtdAccess::findModel(dtd, element));
 }
 
 }  // namespace
@@ -59,10 +65,10 @@ TEST(DtdTest, DeclaresElementsInFourWays) {
     EXPECT_EQ(modelText(dtd, "d"), "(#PCDATA)");
     EXPECT_EQ(modelText(dtd, "e"), "()") << "what is no name is stored as the empty name";
     for (const char* name : {"a", "b", "c", "d", "e"}) {
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(dtd, name)), &dtd) << name;
+        EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(dtd, name)), &dtd) << name;
     }
-    const auto& made = dynamic_cast<const ChildrenSpec&>(*NodeTestAccess::model(dtd, "c"));
-    EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(made)), &dtd);
+    const auto& made = dynamic_cast<const ChildrenSpec&>(*DtdAccess::findModel(dtd, "c"));
+    EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(made)), &dtd);
 }
 
 TEST(DtdTest, KeepsTheFirstDeclarationAndReportsASecondInEveryForm) {
@@ -219,7 +225,7 @@ TEST(DtdTest, AsksForDefaultsDoNotMakeAttributeLists) {
     const auto dtd = dtdOf("a: EMPTY");
     EXPECT_FALSE(dtd->hasDefaultValue("a", "x"));
     EXPECT_EQ(dtd->getDefaultValue("a", "x"), "");
-    EXPECT_FALSE(NodeTestAccess::hasAttributeList(*dtd, "a"));
+    EXPECT_FALSE(hasAttributeList(*dtd, "a"));
 }
 
 // --- Entities ---
@@ -365,10 +371,10 @@ TEST(DtdTest, CopiesEverythingDeeplyAndForItself) {
         EXPECT_EQ(NodeTestAccess::writeEnd(*copy), -1);
         EXPECT_EQ(written(*copy), text);
         for (const char* name : {"a", "b", "c", "d", "e"}) {
-            EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(*copy, name)), copy.get()) << name;
+            EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(*copy, name)), copy.get()) << name;
         }
         EXPECT_EQ(copy->getDefaultValue("a", "x"), "1");
-        EXPECT_TRUE(NodeTestAccess::hasAttributeList(*copy, "z")) << "also for an element that is not declared";
+        EXPECT_TRUE(hasAttributeList(*copy, "z")) << "also for an element that is not declared";
         EXPECT_EQ(copy->getEntityName("<v>"), "e1");
 
         const auto tree = elementOf("a(b('t' a) c d c)");
@@ -424,9 +430,9 @@ TEST(DtdTest, MergesDeclarationsAndLetsReplaceDecideConflicts) {
                                      "\"\n>\n<!ELEMENT mine ANY>\n<!ATTLIST mine\n\tx CDATA #IMPLIED\n>\n"
                                      "<!ELEMENT theirs (#PCDATA)>\n<!ENTITY both \"" +
                                      kept + "\">\n<!ENTITY mine \"mine\">\n<!ENTITY theirs \"theirs\">\n]>\n");
-        EXPECT_TRUE(NodeTestAccess::hasAttributeList(*dtd, "none"));
+        EXPECT_TRUE(hasAttributeList(*dtd, "none"));
         for (const char* name : {"both", "mine", "theirs"}) {
-            EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(*dtd, name)), dtd.get()) << name;
+            EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(*dtd, name)), dtd.get()) << name;
         }
         EXPECT_EQ(dtd->validate(elementOf("both[t=1](theirs('text'))").get()), replace);
         EXPECT_EQ(dtd->validate(elementOf("both[t=1]").get()), true);
@@ -450,9 +456,9 @@ TEST(DtdTest, MergeFreesWhatItReplaces) {
 TEST(DtdTest, MergeLeavesOutEmptyAttributeLists) {
     for (const bool replace : {false, true}) {
         Dtd dtd("doc"), other("other");
-        NodeTestAccess::addAttributeList(other, "a");
+        DtdAccess::makeList(other, "a");
         dtd.merge(other, replace);
-        EXPECT_FALSE(NodeTestAccess::hasAttributeList(dtd, "a"));
+        EXPECT_FALSE(hasAttributeList(dtd, "a"));
     }
 }
 
@@ -463,7 +469,7 @@ TEST(DtdTest, MergeLeavesTheOtherAndTheNameAlone) {
     const std::string before = written(*other);
     dtd.merge(*other, true);
     EXPECT_EQ(written(*other), before);
-    EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(*other, "a")), other.get());
+    EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(*other, "a")), other.get());
     EXPECT_EQ(written(dtd).substr(0, 16), "<!DOCTYPE doc [\n");
 }
 
@@ -556,7 +562,7 @@ TEST(DtdTest, CopiesAndMergesModelsOfACallersOwnByTheirClone) {
     EXPECT_EQ(log.targets, (std::vector<const Dtd*>{&copy, &copy, &copy}));
     EXPECT_EQ(log.definitions, 1);
     EXPECT_EQ(written(copy), "<!DOCTYPE doc [\n" + declarations);
-    EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(copy, "a")), &copy);
+    EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(copy, "a")), &copy);
 
     Dtd merged("merged");
     log.targets.clear();

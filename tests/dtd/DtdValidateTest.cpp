@@ -1,7 +1,6 @@
 #include "models/Models.h"
 #include "models/NaiveMatcher.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dom/CharData.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/ChildQueue.h"
@@ -12,6 +11,8 @@
 #include "xml/dtd/MixedSpec.h"
 #include "xml/dtd/NameSpec.h"
 #include "xml/dtd/SeqSpec.h"
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/OutStream.h"
 #include <functional>
 #include <gtest/gtest.h>
@@ -81,7 +82,7 @@ TEST(DtdValidateTest, DoesNotCompareTheDocumentTypeName) {
 
 TEST(DtdValidateTest, AnEmptyAttributeListAllowsNoAttributesButGivesTheLink) {
     const auto dtd = dtdOf("a: (#PCDATA)");
-    NodeTestAccess::addAttributeList(*dtd, "a");
+    DtdAccess::makeList(*dtd, "a");
     auto tree = elementOf("a('t')");
     EXPECT_TRUE(dtd->validate(tree.get()));
     EXPECT_EQ(linksOf(*tree, {dtd.get()}), "a*('t'*)");
@@ -340,19 +341,19 @@ std::string deepText(const GroupShape& shape) {
 // How many groups point back to that Dtd, from the outermost inwards.
 int countOwned(const CpSpec* particle, const Dtd* dtd) {
     int count = 0;
-    while (NodeTestAccess::owner(*particle) == dtd) {
+    while (SpecAccess::dtd(*particle) == dtd) {
         const auto* group = dynamic_cast<const GroupSpec*>(particle);
         if (group == nullptr) break;
-        const std::vector<ChildrenSpec*>& members = NodeTestAccess::members(*group);
+        const SpecAccess::Members& members = SpecAccess::members(*group);
         const ChildrenSpec* inner = nullptr;
-        for (const ChildrenSpec* member : members) {
-            if (NodeTestAccess::owner(*member) != dtd) return count;
-            const auto* name = dynamic_cast<const NameSpec*>(NodeTestAccess::particle(*member));
-            if (name == nullptr || members.size() == 1) inner = member;
+        for (const auto& member : members) {
+            if (SpecAccess::dtd(*member) != dtd) return count;
+            const auto* name = dynamic_cast<const NameSpec*>(&SpecAccess::particle(*member));
+            if (name == nullptr || members.size() == 1) inner = member.get();
         }
         ++count;
         if (inner == nullptr) break;
-        particle = NodeTestAccess::particle(*inner);
+        particle = &SpecAccess::particle(*inner);
     }
     return count;
 }
@@ -381,14 +382,14 @@ TEST(DtdValidateTest, GroupsNestVeryDeep) {
 
         const std::string text = deepText(shape);
         EXPECT_TRUE(written(*particle, true) == text) << "the text of the particle differs";
-        EXPECT_TRUE(written(*NodeTestAccess::model(*dtd, "doc")) == text) << "the text of the model differs";
+        EXPECT_TRUE(written(*DtdAccess::findModel(*dtd, "doc")) == text) << "the text of the model differs";
 
         Dtd other("other");
         const std::unique_ptr<CpSpec> copy(particle->clone(&other));
         EXPECT_EQ(countOwned(copy.get(), &other), kDeep);
         EXPECT_TRUE(written(*copy, true) == text) << "the text of the copy differs";
-        const ChildrenSpec copied(dynamic_cast<const ChildrenSpec&>(*NodeTestAccess::model(*dtd, "doc")));
-        EXPECT_EQ(countOwned(NodeTestAccess::particle(copied), dtd.get()), kDeep);
+        const ChildrenSpec copied(dynamic_cast<const ChildrenSpec&>(*DtdAccess::findModel(*dtd, "doc")));
+        EXPECT_EQ(countOwned(&SpecAccess::particle(copied), dtd.get()), kDeep);
 
         other.merge(*dtd, false);
         dtd.reset();
@@ -731,13 +732,13 @@ TEST(DtdValidateTest, AsksClassesDerivedFromTheLibrarysByWhatTheyOverride) {
         dtd->addElementDecl("doc", c.make(dtd.get()));
         const auto doc = elementOf("doc(" + std::string(c.children) + ")");
         EXPECT_EQ(dtd->validate(doc.get()), c.valid);
-        EXPECT_EQ(written(*NodeTestAccess::model(*dtd, "doc")), c.text);
+        EXPECT_EQ(written(*DtdAccess::findModel(*dtd, "doc")), c.text);
 
         const Dtd copy(*dtd);
         dtd.reset();
         EXPECT_EQ(copy.validate(doc.get()), c.valid) << "the copy";
-        EXPECT_EQ(written(*NodeTestAccess::model(copy, "doc")), c.text) << "the copy";
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::model(copy, "doc")), &copy);
+        EXPECT_EQ(written(*DtdAccess::findModel(copy, "doc")), c.text) << "the copy";
+        EXPECT_EQ(SpecAccess::dtd(*DtdAccess::findModel(copy, "doc")), &copy);
     }
 }
 
@@ -756,10 +757,10 @@ TEST(DtdValidateTest, CopiesAMemberOfACallersOwnClassByItsClone) {
             group = std::move(sequence);
         }
         const std::unique_ptr<CpSpec> copy(group->clone(&other));
-        const ChildrenSpec* member = NodeTestAccess::members(dynamic_cast<const GroupSpec&>(*copy)).at(0);
+        const ChildrenSpec* const member = SpecAccess::members(dynamic_cast<const GroupSpec&>(*copy)).at(0).get();
         EXPECT_NE(dynamic_cast<const LooseChildren*>(member), nullptr);
-        EXPECT_EQ(NodeTestAccess::owner(*member), &other);
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*member)), &other);
+        EXPECT_EQ(SpecAccess::dtd(*member), &other);
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*member)), &other);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "support/NodeTestAccess.h"
 #include "xml/dtd/AttStringType.h"
 #include "xml/dtd/Dtd.h"
+#include "xml/dtd/internal/DtdAccess.h"
 #include "xml/stream/FileOutStream.h"
 #include <gtest/gtest.h>
 #include <sstream>
@@ -65,7 +66,7 @@ TEST(DtdWriteTest, LeavesOutAttributeListsOfElementsThatAreNotDeclared) {
 
 TEST(DtdWriteTest, LeavesOutAttributeListsWithoutDefinitions) {
     const auto dtd = dtdOf("a: EMPTY");
-    NodeTestAccess::addAttributeList(*dtd, "a");
+    DtdAccess::makeList(*dtd, "a");
     EXPECT_EQ(written(*dtd), "<!DOCTYPE test [\n<!ELEMENT a EMPTY>\n]>\n");
 }
 

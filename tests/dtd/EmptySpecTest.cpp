@@ -1,7 +1,7 @@
 #include "xml/dtd/EmptySpec.h"
 
 #include "models/Models.h"
-#include "support/NodeTestAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {
@@ -33,8 +33,8 @@ TEST(EmptySpecTest, ClonesForTheGivenDtd) {
     const EmptySpec model(&dtd);
     const std::unique_ptr<ContentSpec> copy(model.clone(&other));
     EXPECT_NE(dynamic_cast<EmptySpec*>(copy.get()), nullptr);
-    EXPECT_EQ(NodeTestAccess::owner(model), &dtd);
-    EXPECT_EQ(NodeTestAccess::owner(*copy), &other);
+    EXPECT_EQ(SpecAccess::dtd(model), &dtd);
+    EXPECT_EQ(SpecAccess::dtd(*copy), &other);
 }
 
 }  // namespace Xml::test

@@ -2,7 +2,7 @@
 
 #include "models/Models.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {
@@ -100,8 +100,8 @@ TEST(MixedSpecTest, ClonesItsNamesForTheGivenDtd) {
     const auto model = specOf("(#PCDATA | b | c)*", dtd.get());
     const std::unique_ptr<ContentSpec> copy(model->clone(other.get()));
     EXPECT_EQ(written(*copy), "(#PCDATA | b | c)*");
-    EXPECT_EQ(NodeTestAccess::owner(*copy), other.get());
-    EXPECT_EQ(NodeTestAccess::owner(*model), dtd.get());
+    EXPECT_EQ(SpecAccess::dtd(*copy), other.get());
+    EXPECT_EQ(SpecAccess::dtd(*model), dtd.get());
 
     const NodeList nodes("'text' b c");
     EXPECT_FALSE(copy->validate(nodes.list())) << "the other Dtd does not know c";

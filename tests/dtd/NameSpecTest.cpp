@@ -2,9 +2,9 @@
 
 #include "models/Models.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ChildrenSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {
@@ -105,7 +105,7 @@ TEST(NameSpecTest, ClonesForTheGivenDtd) {
     const auto other = dtdOf("a: (a)");
     const NameSpec particle(dtd.get(), "a");
     const std::unique_ptr<CpSpec> copy(particle.clone(other.get()));
-    EXPECT_EQ(NodeTestAccess::owner(*copy), other.get());
+    EXPECT_EQ(SpecAccess::dtd(*copy), other.get());
     EXPECT_EQ(written(*copy, true), "(a)");
 
     const NodeList nodes("a");

@@ -2,10 +2,10 @@
 
 #include "models/Models.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/NameSpec.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -83,12 +83,12 @@ TEST(SeqSpecTest, AddsMembersInThreeWays) {
     EXPECT_EQ(messages.texts(), Texts()) << "neither duplicates nor bad names are reported";
     EXPECT_EQ(written(sequence, true), "(a+, b?, c*, , a)");
 
-    const std::vector<ChildrenSpec*>& members = NodeTestAccess::members(sequence);
+    const SpecAccess::Members& members = SpecAccess::members(sequence);
     ASSERT_EQ(members.size(), 5U);
-    EXPECT_EQ(members[0], member) << "a member is appended as it is";
-    for (const ChildrenSpec* each : members) {
-        EXPECT_EQ(NodeTestAccess::owner(*each), &dtd);
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*each)), &dtd);
+    EXPECT_EQ(members[0].get(), member) << "a member is appended as it is";
+    for (const auto& each : members) {
+        EXPECT_EQ(SpecAccess::dtd(*each), &dtd);
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*each)), &dtd);
     }
 }
 
@@ -146,9 +146,9 @@ TEST(SeqSpecTest, CopiesDeeplyForTheSameDtd) {
     ChildQueue queue(nodes.list());
     EXPECT_TRUE(copy.validate(queue));
     EXPECT_TRUE(queue.empty());
-    for (const ChildrenSpec* member : NodeTestAccess::members(copy)) {
-        EXPECT_EQ(NodeTestAccess::owner(*member), dtd.get());
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*member)), dtd.get());
+    for (const auto& member : SpecAccess::members(copy)) {
+        EXPECT_EQ(SpecAccess::dtd(*member), dtd.get());
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*member)), dtd.get());
     }
 }
 
@@ -158,12 +158,12 @@ TEST(SeqSpecTest, ClonesForTheGivenDtd) {
     auto sequence = std::unique_ptr<CpSpec>(makeParticle(particleOf("(a, b)"), {dtd.get()}));
     const std::unique_ptr<CpSpec> copy(sequence->clone(other.get()));
     sequence.reset();
-    EXPECT_EQ(NodeTestAccess::owner(*copy), other.get());
-    const auto& members = NodeTestAccess::members(dynamic_cast<const SeqSpec&>(*copy));
+    EXPECT_EQ(SpecAccess::dtd(*copy), other.get());
+    const auto& members = SpecAccess::members(dynamic_cast<const SeqSpec&>(*copy));
     ASSERT_EQ(members.size(), 2U);
-    for (const ChildrenSpec* member : members) {
-        EXPECT_EQ(NodeTestAccess::owner(*member), other.get());
-        EXPECT_EQ(NodeTestAccess::owner(*NodeTestAccess::particle(*member)), other.get());
+    for (const auto& member : members) {
+        EXPECT_EQ(SpecAccess::dtd(*member), other.get());
+        EXPECT_EQ(SpecAccess::dtd(SpecAccess::particle(*member)), other.get());
     }
     const NodeList nodes("a b");
     ChildQueue queue(nodes.list());

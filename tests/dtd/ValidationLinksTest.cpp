@@ -3,6 +3,7 @@
 #include "support/NodeTestAccess.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Entity.h"
+#include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/dtd/MixedSpec.h"
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 // Content models, declarations and validation while memory runs out.
 #include "memory/Failing.h"
 #include "memory/Usable.h"
-#include "support/NodeTestAccess.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
@@ -15,6 +14,8 @@
 #include "xml/dtd/MixedSpec.h"
 #include "xml/dtd/NameSpec.h"
 #include "xml/dtd/SeqSpec.h"
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -23,6 +24,10 @@
 namespace Xml::test {
 
 namespace {
+
+bool hasAttributeList(const Dtd& dtd, const std::string& element) {
+    return DtdAccess::findList(dtd, element) != nullptr;
+}
 
 // Names that need memory.
 const std::string kPea = "pea-that-climbs-upwards";
@@ -160,7 +165,7 @@ TEST(DtdMemoryTest, AModelThatCannotBeMadeCopiedOrDeclaredLeavesNothingBehind) {
                 return;
             }
             EXPECT_EQ(written(*copy), c.text);
-            EXPECT_EQ(NodeTestAccess::owner(*copy), &other);
+            EXPECT_EQ(SpecAccess::dtd(*copy), &other);
             const bool complete = attempt([&] {
                 dtd.addElementDecl("garden-behind-the-house", model.get());
                 model.release();
@@ -296,12 +301,12 @@ TEST(DtdMemoryTest, ADeclarationThatCannotBeMadeLeavesTheDtdAsItWas) {
         forEachFailingAllocation([&c](Attempt& attempt) {
             const auto dtd = makeDtd();
             const std::string before = textOf(*dtd);
-            const bool listed = NodeTestAccess::hasAttributeList(*dtd, kPot);
+            const bool listed = hasAttributeList(*dtd, kPot);
             if (attempt([&] { c.declare(*dtd); })) {
                 EXPECT_EQ(textOf(*dtd) == before, c.refused);
             } else {
                 EXPECT_EQ(textOf(*dtd), before);
-                EXPECT_EQ(NodeTestAccess::hasAttributeList(*dtd, kPot), listed);
+                EXPECT_EQ(hasAttributeList(*dtd, kPot), listed);
                 c.declare(*dtd);
                 EXPECT_EQ(textOf(*dtd) == before, c.refused);
             }

@@ -2,7 +2,7 @@
 
 #include "xml/dtd/internal/Matcher.h"
 #include "xml/dtd/internal/SpecAccess.h"
-#include <memory>
+#include "xml/dtd/internal/SpecWriter.h"
 
 namespace Xml {
 
@@ -10,18 +10,12 @@ ChildrenSpec::ChildrenSpec(Dtd* itsDtd, CpSpec* itsParticle, RepType itsRepetiti
     : ContentSpec(itsDtd), repetition(itsRepetition), particle(itsParticle) {}
 
 ChildrenSpec::ChildrenSpec(Dtd* itsDtd, const std::string& name, RepType itsRepetition)
-    : ContentSpec(itsDtd), repetition(itsRepetition), particle(new NameSpec(itsDtd, name)) {}
+    : ContentSpec(itsDtd), repetition(itsRepetition), particle(std::make_unique<NameSpec>(itsDtd, name)) {}
 
 ChildrenSpec::ChildrenSpec(const ChildrenSpec& other)
     : ContentSpec(other), repetition(other.repetition), particle(other.particle->clone(SpecAccess::dtd(other))) {}
 
-ChildrenSpec::~ChildrenSpec() { delete particle; }
-
-CpSpec* ChildrenSpec::releaseParticle() {
-    CpSpec* const released = particle;
-    particle = nullptr;
-    return released;
-}
+ChildrenSpec::~ChildrenSpec() = default;
 
 bool ChildrenSpec::validate(const std::vector<Object*>& children) const {
     return Matcher().matchModel(*this, children);
@@ -33,7 +27,7 @@ void ChildrenSpec::toStream(OutStream& out) const { toStream(out, true); }
 
 void ChildrenSpec::toStream(OutStream& out, bool outermost) const {
     particle->toStream(out, outermost);
-    SpecAccess::writeMark(repetition, out);
+    SpecWriter::writeMark(repetition, out);
 }
 
 ContentSpec* ChildrenSpec::clone(Dtd* newDtd) const {

@@ -3,6 +3,7 @@
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ContentSpec.h"
 #include "xml/dtd/RepType.h"
+#include <memory>
 #include <string>
 
 namespace Xml {
@@ -34,15 +35,11 @@ public:
     ContentSpec* clone(Dtd* dtd) const override;
 
 private:
-    friend class GroupSpec;
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
-
-    CpSpec* releaseParticle();
+    friend struct SpecTree;
 
     RepType repetition;
-    CpSpec* particle;
+    std::unique_ptr<CpSpec> particle;
 };
 
 }  // namespace Xml

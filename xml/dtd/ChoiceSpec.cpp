@@ -1,8 +1,10 @@
 #include "xml/dtd/ChoiceSpec.h"
 
 #include "xml/dtd/internal/Matcher.h"
+#include "xml/dtd/internal/NameIndex.h"
 #include "xml/dtd/internal/SpecAccess.h"
-#include <memory>
+#include "xml/dtd/internal/SpecTree.h"
+#include "xml/dtd/internal/SpecWriter.h"
 
 namespace Xml {
 
@@ -10,7 +12,7 @@ ChoiceSpec::ChoiceSpec(Dtd* itsDtd) : GroupSpec(itsDtd) {}
 
 ChoiceSpec::ChoiceSpec(const ChoiceSpec& other) : ChoiceSpec(SpecAccess::dtd(other)) {
     charData = other.charData;
-    SpecAccess::copyMembers(other, *this, SpecAccess::dtd(other));
+    SpecTree::copyMembers(other, *this, SpecAccess::dtd(other));
 }
 
 ChoiceSpec::~ChoiceSpec() = default;
@@ -33,18 +35,21 @@ void ChoiceSpec::noteMember(const ChildrenSpec& member) {
     if (place != leadingCount || !mustOccur || !isExactlySpec<NameSpec>(particle)) return;
     if (SpecAccess::dtd(particle) != SpecAccess::dtd(*this)) return;
     const std::string& name = SpecAccess::name(static_cast<const NameSpec&>(particle));
-    if (!name.empty()) leadingNames.emplace(name, place);  // an empty one matches nothing
+    if (!name.empty()) {  // an empty one matches nothing
+        if (leadingNames == nullptr) leadingNames = std::make_unique<NameIndex>();
+        leadingNames->add(name, place);
+    }
     ++leadingCount;
 }
 
 bool ChoiceSpec::validate(ChildQueue& children) const { return Matcher().matchParticle(*this, children); }
 
-void ChoiceSpec::toStream(OutStream& out, bool outermost) const { SpecAccess::writeGroup(*this, true, outermost, out); }
+void ChoiceSpec::toStream(OutStream& out, bool) const { SpecWriter::write(*this, out); }
 
 CpSpec* ChoiceSpec::clone(Dtd* newDtd) const {
     auto copy = std::make_unique<ChoiceSpec>(newDtd);
     copy->charData = charData;
-    SpecAccess::copyMembers(*this, *copy, newDtd);
+    SpecTree::copyMembers(*this, *copy, newDtd);
     return copy.release();
 }
 

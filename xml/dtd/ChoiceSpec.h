@@ -2,11 +2,12 @@
 
 #include "xml/dtd/GroupSpec.h"
 #include <cstddef>
-#include <map>
+#include <memory>
 #include <string>
-#include <string_view>
 
 namespace Xml {
+
+class NameIndex;
 
 // Alternatives: the first that matches is taken, even if a later one would have let the rest of the content match. It owns
 // them.
@@ -36,15 +37,14 @@ protected:
     void noteMember(const ChildrenSpec& member) override;
 
 private:
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
 
     bool charData = false;
 
-    // The leading alternatives that are names: the first place of each name, so that a wide choice is not tried one by one.
-    std::map<std::string_view, std::size_t> leadingNames;
+    // The leading alternatives that are names: how many, and the first place of each name (null without any), so that a wide
+    // choice is not tried one by one.
     std::size_t leadingCount = 0;
+    std::unique_ptr<NameIndex> leadingNames;
 };
 
 }  // namespace Xml

@@ -31,9 +31,7 @@ protected:
     ContentSpec(const ContentSpec&) = default;
 
 private:
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
 
     Dtd* dtd;
 };

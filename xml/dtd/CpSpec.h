@@ -32,9 +32,7 @@ protected:
     CpSpec(const CpSpec&) = default;
 
 private:
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
 
     Dtd* dtd;
 };

@@ -29,10 +29,8 @@ void reportDuplicateAttribute(const std::string& element, const std::string& att
 
 // Puts an owned object into a map, over the one that is there or where there is none.
 template <class Owned>
-void put(std::map<std::string, Owned*>& map, const std::string& name, std::unique_ptr<Owned> made) {
-    Owned*& place = map[name];
-    delete place;
-    place = made.release();
+void put(std::map<std::string, std::unique_ptr<Owned>>& map, const std::string& name, std::unique_ptr<Owned> made) {
+    map[name] = std::move(made);
 }
 
 void put(DtdAccess::AttributeList& list, const std::string& attribute, std::unique_ptr<AttDef> made) {
@@ -61,17 +59,18 @@ Dtd::Dtd(const Dtd& other) : Dtd(other.name) {
     merge(other, true);
 }
 
+// In the order of names, which a map does not keep.
 Dtd::~Dtd() {
-    for (const auto& [element, model] : elements) delete model;
-    for (const auto& [element, list] : attributeLists) {
-        for (const auto& [attribute, definition] : list.definitions) delete definition;
+    for (auto& [element, model] : elements) model.reset();
+    for (auto& [element, list] : attributeLists) {
+        for (auto& [attribute, definition] : list.definitions) definition.reset();
     }
 }
 
 // --- Declarations ---
 
 void Dtd::addElementDecl(const std::string& element, ContentSpec* model) {
-    if (elements.emplace(element, model).second) {
+    if (elements.try_emplace(element, model).second) {  // owned only where there was none
         touch();
     } else {
         reportDuplicateElement(element);
@@ -83,9 +82,9 @@ void Dtd::addElementDecl(const std::string& element, CpSpec* particle, RepType r
         reportDuplicateElement(element);
         return;
     }
-    ContentSpec*& place = elements[element];
+    std::unique_ptr<ContentSpec>& place = elements[element];
     try {
-        place = new ChildrenSpec(this, particle, repetition);
+        place.reset(new ChildrenSpec(this, particle, repetition));
     } catch (...) {
         elements.erase(element);
         throw;
@@ -119,11 +118,15 @@ void Dtd::addAttDecl(const std::string& element, const std::string& attribute, A
     touch();
 }
 
-// A list that could not take its first definition must not stay behind: it would say something about the element.
+// A list that could not take its first definition must not stay: it would say something about the element.
 void Dtd::addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition) {
-    AttributeList made;
-    DtdAccess::define(made, attribute, definition);
-    attributeLists.emplace(element, std::move(made));
+    const auto made = attributeLists.try_emplace(element).first;
+    try {
+        DtdAccess::define(made->second, attribute, definition);
+    } catch (...) {
+        attributeLists.erase(made);
+        throw;
+    }
 }
 
 void Dtd::addAttDecl(const std::string& element, const std::string& attribute, AttType rule) {
@@ -167,7 +170,7 @@ const AttDef* Dtd::findDefinition(const std::string& element, const std::string&
     const auto list = attributeLists.find(element);
     if (list == attributeLists.end()) return nullptr;
     const auto definition = list->second.definitions.find(attribute);
-    return definition != list->second.definitions.end() ? definition->second : nullptr;
+    return definition != list->second.definitions.end() ? definition->second.get() : nullptr;
 }
 
 bool Dtd::hasDefaultValue(const std::string& element, const std::string& attribute) const {
@@ -183,7 +186,7 @@ const DataHolder& Dtd::getDefaultValue(const std::string& element, const std::st
 // --- Entities ---
 
 void Dtd::setEntity(const std::string& entity, const DataHolder& value) {
-    DataHolder copy = value;  // first: an entity whose value could not be copied must not stay behind empty
+    DataHolder copy = value;  // first: an entity whose value could not be copied must not stay empty
     entities[entity] = std::move(copy);
 }
 

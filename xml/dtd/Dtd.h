@@ -23,7 +23,7 @@ class Element;
 // text: those are for one thread at a time. The other queries may be made by several.
 class ORVXML_API Dtd : public Object {
 public:
-    // `name` is the document type name: the one behind <!DOCTYPE.
+    // `name` is the document type name: the one after <!DOCTYPE.
     explicit Dtd(const std::string& name);
 
     // Deep copies of all declarations, which belong to the copy.
@@ -101,21 +101,19 @@ public:
     void write(OutStream& out) const override;
 
 private:
-    friend class Matcher;
     friend struct DtdAccess;
-    friend struct NodeTestAccess;
 
     struct AttributeList {
-        std::map<std::string, AttDef*> definitions;
-        std::size_t required = 0;  // how many of them are, so that nobody has to look at all of them for each element
+        std::map<std::string, std::unique_ptr<AttDef>> definitions;
+        std::size_t required = 0;  // how many of them are, so that not all of them are looked at for each element
     };
 
-    void addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition);
-    void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);
-    const AttDef* findDefinition(const std::string& element, const std::string& attribute) const;
-    const std::string* findEntityByValue(const DataHolder& value) const;
+    ORVXML_LOCAL void addAttributeList(const std::string& element, const std::string& attribute, AttDef* definition);
+    ORVXML_LOCAL void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);
+    ORVXML_LOCAL const AttDef* findDefinition(const std::string& element, const std::string& attribute) const;
+    ORVXML_LOCAL const std::string* findEntityByValue(const DataHolder& value) const;
 
-    std::map<std::string, ContentSpec*> elements;
+    std::map<std::string, std::unique_ptr<ContentSpec>> elements;
     std::map<std::string, AttributeList> attributeLists;
     std::string name;
     std::map<std::string, DataHolder> entities;

@@ -1,18 +1,18 @@
 #include "xml/dtd/GroupSpec.h"
 
 #include "xml/dtd/internal/SpecAccess.h"
-#include <memory>
+#include "xml/dtd/internal/SpecTree.h"
 
 namespace Xml {
 
 GroupSpec::GroupSpec(Dtd* itsDtd) : CpSpec(itsDtd) {}
 
-GroupSpec::~GroupSpec() { SpecAccess::deleteMembers(*this); }
+GroupSpec::~GroupSpec() { SpecTree::deleteMembers(*this); }
 
 void GroupSpec::append(ChildrenSpec* member) {
     if (members.size() == members.capacity()) members.reserve(members.empty() ? 2 : 2 * members.size());
     noteMember(*member);
-    members.push_back(member);  // has room: nothing can fail once the member is noted
+    members.emplace_back(member);  // has room: nothing can fail once the member is noted
 }
 
 void GroupSpec::append(const std::string& name, RepType repetition) {
@@ -25,7 +25,7 @@ void GroupSpec::append(CpSpec* particle, RepType repetition) {
     // A wrapper that cannot be appended must not take the particle with it.
     struct Letting {
         void operator()(ChildrenSpec* member) const {
-            member->releaseParticle();
+            SpecAccess::releaseParticle(*member);
             delete member;
         }
     };

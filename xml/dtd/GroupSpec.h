@@ -2,6 +2,7 @@
 
 #include "xml/dtd/CpSpec.h"
 #include "xml/dtd/RepType.h"
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,11 +28,10 @@ protected:
     virtual void noteMember(const ChildrenSpec& member);
 
 private:
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
+    friend struct SpecTree;
 
-    std::vector<ChildrenSpec*> members;
+    std::vector<std::unique_ptr<ChildrenSpec>> members;
     GroupSpec* outer = nullptr;  // while a nest of groups is being deleted: the way back up
 };
 

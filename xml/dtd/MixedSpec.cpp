@@ -1,29 +1,31 @@
 #include "xml/dtd/MixedSpec.h"
 
 #include "xml/dtd/internal/Matcher.h"
+#include "xml/dtd/internal/NameIndex.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/OutStream.h"
 #include "xml/text/Message.h"
-#include <memory>
 
 namespace Xml {
 
 MixedSpec::MixedSpec(Dtd* itsDtd) : ContentSpec(itsDtd) {}
 
+MixedSpec::~MixedSpec() = default;
+
 void MixedSpec::addName(const std::string& name) {
-    if (hasName(name)) {
+    if (SpecAccess::hasName(*this, name)) {
         Message("<MixedSpec::MixedSpec> name already added " + name);
         return;
     }
+    if (index == nullptr) index = std::make_unique<NameIndex>();
     names.push_back(name);
     try {
-        nameSet.insert(name);
+        index->add(name, names.size() - 1);
     } catch (...) {
         names.pop_back();
         throw;
     }
 }
-
-bool MixedSpec::hasName(const std::string& name) const { return nameSet.find(name) != nameSet.end(); }
 
 bool MixedSpec::validate(const std::vector<Object*>& children) const { return Matcher().matchModel(*this, children); }
 
@@ -36,7 +38,7 @@ void MixedSpec::toStream(OutStream& out) const {
 ContentSpec* MixedSpec::clone(Dtd* newDtd) const {
     auto copy = std::make_unique<MixedSpec>(newDtd);
     copy->names = names;
-    copy->nameSet = nameSet;
+    if (index != nullptr) copy->index = std::make_unique<NameIndex>(*index);
     return copy.release();
 }
 

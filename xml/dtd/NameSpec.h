@@ -16,9 +16,7 @@ public:
     CpSpec* clone(Dtd* dtd) const override;
 
 private:
-    friend class Matcher;
     friend struct SpecAccess;
-    friend struct NodeTestAccess;
 
     std::string name;
 };

@@ -2,6 +2,8 @@
 
 #include "xml/dtd/internal/Matcher.h"
 #include "xml/dtd/internal/SpecAccess.h"
+#include "xml/dtd/internal/SpecTree.h"
+#include "xml/dtd/internal/SpecWriter.h"
 #include <memory>
 
 namespace Xml {
@@ -9,7 +11,7 @@ namespace Xml {
 SeqSpec::SeqSpec(Dtd* itsDtd) : GroupSpec(itsDtd) {}
 
 SeqSpec::SeqSpec(const SeqSpec& other) : SeqSpec(SpecAccess::dtd(other)) {
-    SpecAccess::copyMembers(other, *this, SpecAccess::dtd(other));
+    SpecTree::copyMembers(other, *this, SpecAccess::dtd(other));
 }
 
 SeqSpec::~SeqSpec() = default;
@@ -22,11 +24,11 @@ void SeqSpec::add(CpSpec* particle, RepType repetition) { append(particle, repet
 
 bool SeqSpec::validate(ChildQueue& children) const { return Matcher().matchParticle(*this, children); }
 
-void SeqSpec::toStream(OutStream& out, bool outermost) const { SpecAccess::writeGroup(*this, false, outermost, out); }
+void SeqSpec::toStream(OutStream& out, bool outermost) const { SpecWriter::write(*this, outermost, out); }
 
 CpSpec* SeqSpec::clone(Dtd* newDtd) const {
     auto copy = std::make_unique<SeqSpec>(newDtd);
-    SpecAccess::copyMembers(*this, *copy, newDtd);
+    SpecTree::copyMembers(*this, *copy, newDtd);
     return copy.release();
 }
 

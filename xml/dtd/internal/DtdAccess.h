@@ -16,7 +16,7 @@ struct DtdAccess {
     // The model of a declared element, else null.
     static const ContentSpec* findModel(const Dtd& dtd, const std::string& element) {
         const auto declaration = dtd.elements.find(element);
-        return declaration != dtd.elements.end() ? declaration->second : nullptr;
+        return declaration != dtd.elements.end() ? declaration->second.get() : nullptr;
     }
 
     // The list with the element's attributes; null while none is defined.
@@ -33,10 +33,13 @@ struct DtdAccess {
     // While a validation by this Dtd is under way: its number; else 0.
     static std::uint64_t& validationRun(const Dtd& dtd) { return dtd.validationRun; }
 
+    // The list with the element's attributes, made without definitions where there is none.
+    static AttributeList& makeList(Dtd& dtd, const std::string& element) { return dtd.attributeLists[element]; }
+
     // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd of the
     // list is for the caller to touch.
     static bool define(AttributeList& list, const std::string& attribute, AttDef* definition) {
-        if (!list.definitions.emplace(attribute, definition).second) return false;
+        if (!list.definitions.try_emplace(attribute, definition).second) return false;
         if (definition->isRequired()) ++list.required;
         return true;
     }

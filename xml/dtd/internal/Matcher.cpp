@@ -155,7 +155,7 @@ void Matcher::resumeMixed() {
         Object* const child = frames[mine].queue.front();
         if (child->isElement()) {
             auto& element = static_cast<Element&>(*child);
-            if (!model.hasName(element.getName())) return finish(false);
+            if (!SpecAccess::hasName(model, element.getName())) return finish(false);
             if (!beginElement(dtd, element)) return;
             if (!matched) return finish(false);
             verdicts.link(element, dtd);
@@ -302,11 +302,12 @@ void Matcher::resumeChoice() {
         if (frame.stage == Stage::Fresh) {
             // Of the leading names only the one that the next child has can match.
             frame.stage = Stage::Inside;
-            frame.number = choice.leadingCount;
+            frame.number = SpecAccess::leadingCount(choice);
             if (!queue.empty() && queue.front()->isElement()) {
-                const auto found = choice.leadingNames.find(static_cast<const Element*>(queue.front())->getName());
-                if (found != choice.leadingNames.end()) {
-                    frame.number = found->second;
+                const std::string& name = static_cast<const Element*>(queue.front())->getName();
+                const std::size_t place = SpecAccess::findLeading(choice, name);
+                if (place != NameIndex::kNone) {
+                    frame.number = place;
                     frame.stage = Stage::InsideNamed;
                 }
             }
@@ -314,7 +315,7 @@ void Matcher::resumeChoice() {
             if (matched) return finish(true);
             giveUp(frame.queue);
             queue = frame.queue;
-            frame.number = frame.stage == Stage::InsideNamed ? choice.leadingCount : frame.number + 1;
+            frame.number = frame.stage == Stage::InsideNamed ? SpecAccess::leadingCount(choice) : frame.number + 1;
             frame.stage = Stage::Inside;
         }
         if (frame.number == members.size()) break;
