@@ -61,7 +61,7 @@ TEST(ChildrenSpecTest, IsValidWhenTheParticleMatchesAndTakesEveryChild) {
         {"plus, another alone", "a+", "b", false},
         {"text alone", "a?", "'x'", false},
         {"text in front", "a", "'x' a", false},
-        {"text behind", "a*", "a 'x'", false},
+        {"text after", "a*", "a 'x'", false},
         {"white space", "a", "a ' '", false},
         {"empty text", "a*", "''", false},
         {"neither element nor text", "a*", "@", false},
@@ -148,10 +148,10 @@ TEST(ChildrenSpecTest, TakesAsMuchByANestedRepetitionThatIsTriedAgainAsTheFirstT
         {"plus in front of what it has taken", "(((a*, b)+, b) | a+)+", "a b b", false},
         {"plus, and what follows is there", "(((a*, b)+, c) | a+)+", "a b b c", true},
         {"plus, and what follows is there the second time", "(((a, b)+, c) | a | b)+", "a b a b c", true},
-        {"plus behind a repeated choice", "(c, ((a+ | c*)+, a+)*)*", "c c c a", false},
-        {"plus behind a repeated choice, enough left", "(c, ((a+ | c*)+, b+)*)*", "c c c a b", true},
-        {"plus behind a repeated choice, in front of more", "(((a+ | c*)+, a+)*, a*)*", "a c a", false},
-        {"plus of a choice behind an optional plus", "(c*, ((b+)?, (a+ | b+)+)?)+", "c b b", false},
+        {"plus after a repeated choice", "(c, ((a+ | c*)+, a+)*)*", "c c c a", false},
+        {"plus after a repeated choice, enough left", "(c, ((a+ | c*)+, b+)*)*", "c c c a b", true},
+        {"plus after a repeated choice, in front of more", "(((a+ | c*)+, a+)*, a*)*", "a c a", false},
+        {"plus of a choice after an optional plus", "(c*, ((b+)?, (a+ | b+)+)?)+", "c b b", false},
     };
     expectVerdicts(std::begin(kCases), std::end(kCases));
 }

@@ -45,13 +45,13 @@ TEST(ChoiceSpecTest, TakesTheFirstAlternativeThatMatches) {
         {"a longer match in front", "((a, b) | a)", "a b", true, 0},
         {"a failed alternative is put back", "((a, b) | (a, d))", "a d", true, 0},
         {"all are put back when none matches", "((a, b) | (a, d))", "a a", false, 2},
-        {"an optional alternative always matches", "(a? | b)", "b", true, 1},
-        {"a star alternative always matches", "(b | a*)", "d", true, 1},
+        {"an optional alternative matches anything", "(a? | b)", "b", true, 1},
+        {"a star alternative matches anything", "(b | a*)", "d", true, 1},
         {"a repeated name", "(a+ | b)", "a a b", true, 1},
         {"the same name twice, once repeated", "(a | a+)", "a a", true, 1},
         {"the same name twice, repeated first", "(a+ | a)", "a a", true, 0},
         {"an element of the name that is not valid", "(c | a)", "c a", false, 2},
-        {"a name behind a group", "((a, a) | a | b)", "a b", true, 1},
+        {"a name after a group", "((a, a) | a | b)", "a b", true, 1},
         {"no alternatives", "(|)", "a", false, 1},
         {"no alternatives, nothing waits", "(|)", "", false, 0},
         {"one alternative", "(a |)", "a", true, 0},
@@ -106,7 +106,7 @@ TEST(ChoiceSpecTest, TakesCharacterDataBehindAllAlternatives) {
     }
 }
 
-TEST(ChoiceSpecTest, DoesNotAllowCharacterDataUntilToldTo) {
+TEST(ChoiceSpecTest, DoesNotAllowCharacterDataUntilItIsAdded) {
     const auto dtd = dtdOf("a: ANY");
     ChoiceSpec choice(dtd.get());
     choice.addChoice("a", REP_ONCE);

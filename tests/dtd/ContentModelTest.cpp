@@ -228,7 +228,7 @@ private:
     int texts = 0;
 };
 
-// --- Telling what failed ---
+// --- Texts of what failed ---
 
 std::string describe(const ModelValue& model) {
     std::vector<std::string> ignored;
@@ -314,7 +314,7 @@ private:
 };
 
 std::size_t leftIn(ChildQueue queue, const NaiveMatcher::Queue& naive) {
-    // The same nodes must wait, in the same order: tells how many, or that they differ.
+    // The same nodes must wait, in the same order: how many, or that they differ.
     std::size_t count = 0;
     for (; !queue.empty(); queue.pop(), ++count) {
         if (count >= naive.size() || naive[count]->object != queue.front()) return static_cast<std::size_t>(-1);
@@ -616,7 +616,7 @@ TEST(ContentModelTest, ValidatesDeepTreesAsTheNaiveMatcherDoes) {
         Dtd dtd("random");
         declare(dtd, values[0], {&dtd}, &log);
 
-        // Each level fits mostly: a few siblings in front, the next level, a few behind.
+        // Each level fits mostly: a few siblings in front, the next level, a few after it.
         const int depth = 1 + random.below(400);
         const int damagedLevel = random.chance(40) ? random.below(depth) : -1;
         NodeValue chain;

@@ -23,7 +23,7 @@ bool hasAttributeList(const Dtd& dtd, const std::string& element) {
     return DtdAccess::findList(dtd, element) != nullptr;
 }
 
-// Count themselves, so that a test sees who frees them and how often.
+// Count themselves, so that a test sees what frees them and how often.
 struct CountedModel : EmptySpec {
     CountedModel(Dtd* owner, int* counter) : EmptySpec(owner), alive(counter) { ++*alive; }
     ~CountedModel() override { --*alive; }

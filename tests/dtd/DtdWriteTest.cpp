@@ -109,7 +109,7 @@ TEST(DtdWriteTest, IndentsEveryLineByTheLevelOfTheStream) {
     FileOutStream out(&text);
     out.incTab();
     dtd->toStream(out);
-    out << "behind";
+    out << "after";
     EXPECT_EQ(text.str(),
               "\t<!DOCTYPE test [\n"
               "\t<!ELEMENT a EMPTY>\n"
@@ -121,7 +121,7 @@ TEST(DtdWriteTest, IndentsEveryLineByTheLevelOfTheStream) {
               "\t<!ENTITY e \"1\n"
               "\t2\">\n"
               "\t]>\n"
-              "\tbehind");
+              "\tafter");
 }
 
 TEST(DtdWriteTest, RecordsWhereItWasWritten) {

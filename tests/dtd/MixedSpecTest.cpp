@@ -30,7 +30,7 @@ TEST(MixedSpecTest, AcceptsTextAndItsNamesInAnyOrderAndNumber) {
         {"no names, nothing", "(#PCDATA)", "", true},
         {"no names, text", "(#PCDATA)", "'x' 'y'", true},
         {"no names, element", "(#PCDATA)", "a", false},
-        {"no names, element behind text", "(#PCDATA)", "'x' a", false},
+        {"no names, element after text", "(#PCDATA)", "'x' a", false},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);

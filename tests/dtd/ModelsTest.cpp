@@ -1,4 +1,5 @@
-// The short texts that the tests make models and trees from end with an error where they do not fit, whatever is missing.
+// The short texts that the tests make models and trees from end with an error where they do not fit, whatever is
+// missing.
 #include "models/Models.h"
 #include <gtest/gtest.h>
 #include <stdexcept>

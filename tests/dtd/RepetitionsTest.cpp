@@ -20,7 +20,8 @@ protected:
         return queue;
     }
 
-    // What is known of the repetition before a child: "?" for nothing, else whether it matches and how many nodes it leaves.
+    // What is known of the repetition before a child: "?" for nothing, else whether it matches and how many nodes it
+    // leaves.
     std::string known(const ChildrenSpec& spec, std::size_t child) const {
         const Outcome* const outcome = kept.find(spec, at(child));
         if (outcome == nullptr) return "?";

@@ -56,7 +56,7 @@ TEST(SeqSpecTest, DoesNotPutBackWhatEarlierMembersTook) {
         {"all match", "(a, b)", "a b c", true, 1},
         {"the first fails", "(a, b)", "b a", false, 2},
         {"the last fails", "(a, b, c)", "a b a", false, 1},
-        {"the members behind a failure are not asked", "(a, b, a)", "a a", false, 1},
+        {"the members after a failure are not asked", "(a, b, a)", "a a", false, 1},
         {"runs out", "(a, b)", "a", false, 0},
         {"empty takes nothing", "()", "a b", true, 2},
     };

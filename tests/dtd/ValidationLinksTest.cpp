@@ -8,7 +8,7 @@
 #include "xml/dtd/MixedSpec.h"
 #include <gtest/gtest.h>
 
-// Which nodes link to the Dtd after a validation: "*" stands behind those that do.
+// Which nodes link to the Dtd after a validation: "*" stands after those that do.
 namespace Xml::test {
 
 namespace {
@@ -81,8 +81,8 @@ TEST(ValidationLinksTest, LinksSetBeforeAFailureStay) {
         {"later sibling missing", "a: (b, c); b: (#PCDATA); b@x IMPLIED; c: EMPTY", "a(b('t'))", false, "a(b*('t'*))"},
         {"later sibling invalid", "a: (b, c); b: (#PCDATA); b@x IMPLIED; c: EMPTY", "a(b('t') c('u'))", false,
          "a(b*('t'*) c('u'))"},
-        {"nothing behind the failure", "a: (b, b, b); b: (#PCDATA); b@x REQUIRED", "a(b[x=1]('t') b('u') b[x=1])",
-         false, "a(b*[x*]('t'*) b('u'*) b[x])"},
+        {"nothing after the failure", "a: (b, b, b); b: (#PCDATA); b@x REQUIRED", "a(b[x=1]('t') b('u') b[x=1])", false,
+         "a(b*[x*]('t'*) b('u'*) b[x])"},
         {"one too many", "a: (b); b: (#PCDATA)", "a(b('t') b('u'))", false, "a(b('t'*) b('u'))"},
         {"one too many, list", "a: (b); a@x IMPLIED; b: (#PCDATA); b@x IMPLIED", "a(b('t') b('u'))", false,
          "a(b*('t'*) b('u'))"},

@@ -262,7 +262,7 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheModel) {
 }
 
 TEST(ModelGrowthTest, ValidatingIsLinearInTheDepth) {
-    // Each level has an "l" of the caller's, in front of the next level and behind it.
+    // Each level has an "l" of the caller's, in front of the next level and after it.
     const struct {
         const char* name;
         const char* model;

@@ -367,9 +367,9 @@ TEST(DtdMemoryTest, NoCopyOrAnswerIsWrongForLackOfMemory) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
         forEachFailingAllocation([&](Attempt& attempt) {
-            std::string told;
-            if (attempt([&] { told = c.ask(*dtd); })) {
-                EXPECT_EQ(told, c.expected);
+            std::string answer;
+            if (attempt([&] { answer = c.ask(*dtd); })) {
+                EXPECT_EQ(answer, c.expected);
             }
             EXPECT_EQ(textOf(*dtd), before);
         });

@@ -37,7 +37,7 @@ public:
         skipBlanks();
         return at < text.size() ? text[at] : '\0';
     }
-    // Without skipping blanks: what stands directly behind the last token.
+    // Without skipping blanks: what stands directly after the last token.
     char next() const { return at < text.size() ? text[at] : '\0'; }
     bool take(char c) {
         if (peek() != c) return false;

@@ -121,7 +121,7 @@ std::string written(const CpSpec& particle, bool outermost);
 std::string written(const AttDef& definition);
 std::string written(const Object& node);
 
-// The tree with the mark of the linked Dtd behind each linked name or text: "*" for the first of the Dtds, "+" for the
+// The tree with the mark of the linked Dtd after each linked name or text: "*" for the first of the Dtds, "+" for the
 // second, "-" for the third, "?" for any other: a*[x*](b 'text'*).
 std::string linksOf(const Object& node, const std::vector<const Dtd*>& dtds);
 std::string linksOf(const NodeValue& node);

@@ -27,7 +27,7 @@ public:
 
     bool fits(const Names& names) const;
 
-    // Whether the next name always tells which place of the particle it belongs to.
+    // Whether the next name alone shows which place of the particle it belongs to.
     bool isDeterministic() const;
 
 private:

@@ -237,7 +237,7 @@ Verdict verdictOnTree(const DocumentType& type, const DocumentNode& root) {
 // --- Where they differ ---
 
 enum Rule {
-    // (a? | b): an alternative that can be empty matches before those behind it are looked at, so here they never are.
+    // (a? | b): an alternative that can be empty matches before those after it are looked at, so here they never are.
     HidesAlternatives,
 
     // (a*, a), (a | (a, b)): an ambiguous model. Nothing that was taken is given back here. libxml2 complains of most such

@@ -195,7 +195,7 @@ DocumentType PairMaker::makeType() {
         if (name != type.name && percent(6)) continue;  // undeclared
         type.elements.push_back({name, makeModel()});
     }
-    // A document that is but one element tells little.
+    // A document that is but one element shows little.
     ContentModel& model = type.elements[0].model;
     for (int i = 0; i < 3 && model.kind != ContentModel::Children; ++i) model = makeModel();
     if (percent(5)) type.elements.push_back({oneOf(alphabet), makeModel()});  // a second declaration

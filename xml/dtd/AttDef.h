@@ -42,7 +42,7 @@ public:
     // Empty for REQUIRED and IMPLIED.
     const DataHolder& getDefault() const;
 
-    // Writes the definition as it stands behind the attribute's name in a declaration.
+    // Writes the definition as it stands after the attribute's name in a declaration.
     void toStream(OutStream& out) const;
 
 protected:

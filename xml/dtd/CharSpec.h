@@ -4,7 +4,7 @@
 
 namespace Xml {
 
-// Character data only. The readers make a MixedSpec for (#PCDATA); this one is for callers who build models.
+// Character data only. The readers make a MixedSpec for (#PCDATA); this one is for callers that build models.
 class ORVXML_API CharSpec : public ContentSpec {
 public:
     explicit CharSpec(Dtd* dtd);

@@ -25,8 +25,8 @@ void ChoiceSpec::addChoice(CpSpec* particle, RepType repetition) { append(partic
 
 void ChoiceSpec::addCharDataAsChoice(bool allowed) { charData = allowed; }
 
-// A name that must occur fails without a trace unless the next child has that name, and then no other alternative of the same
-// name and Dtd does better: only the first needs to be tried.
+// A name that must occur fails without a trace unless the next child has that name, and then no other alternative of
+// the same name and Dtd does better: only the first needs to be tried.
 void ChoiceSpec::noteMember(const ChildrenSpec& member) {
     const std::size_t place = SpecAccess::members(*this).size();
     const RepType repetition = SpecAccess::repetition(member);

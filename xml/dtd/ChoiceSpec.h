@@ -9,8 +9,8 @@ namespace Xml {
 
 class NameIndex;
 
-// Alternatives: the first that matches is taken, even if a later one would have let the rest of the content match. It owns
-// them.
+// Alternatives: the first that matches is taken, even if a later one would have let the rest of the content match. It
+// owns them.
 class ORVXML_API ChoiceSpec : public GroupSpec {
 public:
     explicit ChoiceSpec(Dtd* dtd);
@@ -24,12 +24,13 @@ public:
     void addChoice(const std::string& name, RepType repetition);
     void addChoice(CpSpec* particle, RepType repetition);
 
-    // Whether character data is one more alternative, behind all others; false at first.
+    // Whether character data is one more alternative, after all others; false at first.
     void addCharDataAsChoice(bool allowed);
 
     bool validate(ChildQueue& children) const override;
 
-    // With fewer than two alternatives nothing is written, and "<ChoiceSpec::toStream> need at least 2 items" is reported.
+    // With fewer than two alternatives nothing is written, and "<ChoiceSpec::toStream> need at least 2 items" is
+    // reported.
     void toStream(OutStream& out, bool outermost) const override;
     CpSpec* clone(Dtd* dtd) const override;
 
@@ -41,8 +42,8 @@ private:
 
     bool charData = false;
 
-    // The leading alternatives that are names: how many, and the first place of each name (null without any), so that a wide
-    // choice is not tried one by one.
+    // The leading alternatives that are names: how many, and the first place of each name (null without any), so that a
+    // wide choice is not tried one by one.
     std::size_t leadingCount = 0;
     std::unique_ptr<NameIndex> leadingNames;
 };

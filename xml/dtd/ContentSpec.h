@@ -17,8 +17,8 @@ public:
     virtual ~ContentSpec();
 
     // Whether the children of an element fit. Children that are looked at are validated themselves, and those that fit
-    // get links to the Dtd, also when the whole does not fit in the end. Reports nothing. A model of your own may validate
-    // what it is given, and must not change the tree meanwhile.
+    // get links to the Dtd, also when the whole does not fit in the end. Reports nothing. A model of your own may
+    // validate what it is given, and must not change the tree meanwhile.
     virtual bool validate(const std::vector<Object*>& children) const = 0;
 
     // Writes the model as it stands in a declaration.

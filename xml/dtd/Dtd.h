@@ -16,11 +16,11 @@ class ContentSpec;
 class CpSpec;
 class Element;
 
-// A document type description: element declarations, attribute lists and general entities. It owns the content models and
-// attribute definitions in it, and outlives every node that links to it.
+// A document type description: element declarations, attribute lists and general entities. It owns the content models
+// and attribute definitions in it, and outlives every node that links to it.
 //
-// Validation is const but sets links in what it validates, and look-ups of unknown entities report them and keep a scratch
-// text: those are for one thread at a time. The other queries may be made by several.
+// Validation is const but sets links in what it validates, and look-ups of unknown entities report them and keep a
+// scratch text: those are for one thread at a time. The other queries may be made by several.
 class ORVXML_API Dtd : public Object {
 public:
     // `name` is the document type name: the one after <!DOCTYPE.

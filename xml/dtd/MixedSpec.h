@@ -16,7 +16,8 @@ public:
     MixedSpec(const MixedSpec&) = delete;
     ~MixedSpec() override;
 
-    // A name that is there already is reported ("<MixedSpec::MixedSpec> name already added ", the name) and not added again.
+    // A name that is there already is reported ("<MixedSpec::MixedSpec> name already added ", the name) and not added
+    // again.
     void addName(const std::string& name);
 
     bool validate(const std::vector<Object*>& children) const override;

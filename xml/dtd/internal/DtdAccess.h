@@ -36,8 +36,8 @@ struct DtdAccess {
     // The list with the element's attributes, made without definitions where there is none.
     static AttributeList& makeList(Dtd& dtd, const std::string& element) { return dtd.attributeLists[element]; }
 
-    // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd of the
-    // list is for the caller to touch.
+    // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd
+    // of the list is for the caller to touch.
     static bool define(AttributeList& list, const std::string& attribute, AttDef* definition) {
         if (!list.definitions.try_emplace(attribute, definition).second) return false;
         if (definition->isRequired()) ++list.required;

@@ -18,7 +18,7 @@ struct Outcome {
 // Outcomes of repetitions by the place where they began: those pushed last are dropped first.
 //
 // Pushing is cheap; an outcome is found once it has been indexed. The index is a table with open addressing. It needs
-// no marks for what has been taken out of it, because that was always put in last: nothing else was moved on by it.
+// no marks for what has been taken out of it, because that was put in last: no other entry was moved on by it.
 class OutcomeStack {
 public:
     std::size_t size() const { return entries.size(); }

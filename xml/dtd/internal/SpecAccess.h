@@ -14,7 +14,8 @@
 
 namespace Xml {
 
-// Whether a model or particle is of exactly this class; a class derived from it may override what the library's loops do.
+// Whether a model or particle is of exactly this class; a class derived from it may override what the library's loops
+// do.
 template <class Spec, class Base>
 bool isExactlySpec(const Base& spec) {
     return typeid(spec) == typeid(Spec);

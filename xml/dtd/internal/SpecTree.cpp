@@ -25,8 +25,8 @@ GroupSpec* SpecTree::groupOf(const ChildrenSpec& member) {
     return isGroup ? static_cast<GroupSpec*>(particle) : nullptr;
 }
 
-// Goes down into the last member as long as that is a group with members, and comes back up by the `outer` links, which only
-// this uses.
+// Goes down into the last member as long as that is a group with members, and comes back up by the `outer` links, which
+// only this uses.
 void SpecTree::deleteMembers(GroupSpec& top) {
     GroupSpec* here = &top;
     for (;;) {

@@ -12,7 +12,8 @@ class GroupSpec;
 class OutStream;
 class SeqSpec;
 
-// Writes groups as they stand in a declaration, with a stack of its own: groups may be nested as deep as a text is long.
+// Writes groups as they stand in a declaration, with a stack of its own: groups may be nested as deep as a text is
+// long.
 class SpecWriter {
 public:
     static void write(const ChoiceSpec& choice, OutStream& out);
