@@ -119,8 +119,8 @@ bool XPath::Kept::find(const OrvSys::Uni16String& path) {
     return ok;
 }
 
-// Of nodes each is a result once, though it may be the value of several context nodes; values are results as they are. All or,
-// where memory runs out, none of them.
+// Of nodes each is a result once, though it may be the value of several context nodes; values are results as they are.
+// All or, where memory runs out, none of them.
 void XPath::Kept::setResults(Evaluation& evaluation) {
     std::vector<Object*> foundNodes = std::move(evaluation.nodes);
     std::vector<ResultItem> foundValues;

@@ -18,10 +18,11 @@ class Object;
 // docs/paths.md describes the language. Paths, texts and names are 16-bit text. The tree is only read; it is not owned,
 // and what a result points to is good as long as it stays in the tree. A query object belongs to one thread at a time.
 //
-// No path makes an operation throw, but for std::bad_alloc, or takes more than its share of stack: whatever is wrong with it
-// ends in an error code, and a false, zero or empty result. So does asking for too much: arithmetic over more than 16 million
-// pairs, or more visits than setWorkLimit allows. Code and text of an error stay until the next operation that says that it
-// resets them. Finding nothing is not a failure; it leaves the code NODE_NOT_FOUND and the step that found nothing.
+// No path makes an operation throw, but for std::bad_alloc, or takes more than its share of stack: whatever is wrong
+// with it ends in an error code, and a false, zero or empty result. So does asking for too much: arithmetic over more
+// than 16 million pairs, or more visits than setWorkLimit allows. Code and text of an error stay until the next
+// operation that says that it resets them. Finding nothing is not a failure; it leaves the code NODE_NOT_FOUND and the
+// step that found nothing.
 class ORVXML_API XPath {
 public:
     enum ErrorCode {
@@ -70,17 +71,17 @@ public:
         bool boolean = false;
     };
 
-    // Stands on that node, in the document above it. Without a node, or above it no document, GetValues and GetValue by path
-    // find nothing and report nothing.
+    // Stands on that node, in the document above it. Without a node, or above it no document, GetValues and GetValue by
+    // path find nothing and report nothing.
     explicit XPath(Object* context);
     ~XPath();
     XPath(const XPath&) = delete;
     XPath& operator=(const XPath&) = delete;
 
-    // How often one query may visit a node, in all its steps and predicates together, or make a number; 0, as at first, for no
-    // limit. A query that goes past it, by a row of siblings at most, ends with EXPRESSION_TOO_COSTLY. Returns what was set
-    // before. It is a setting for all query objects, not to be made while queries run in other threads. What counts as a visit
-    // may become less from version to version.
+    // How often one query may visit a node, in all its steps and predicates together, or make a number; 0, as at first,
+    // for no limit. A query that goes past it, by a row of siblings at most, ends with EXPRESSION_TOO_COSTLY. Returns
+    // what was set before. It is a setting for all query objects, not to be made while queries run in other threads.
+    // What counts as a visit may become less from version to version.
     static std::int64_t setWorkLimit(std::int64_t visits);
 
     // Evaluates the path and makes what it yields the results; false on an error, and then there are none. It resets no
@@ -101,16 +102,16 @@ public:
     // error code; an index or a word that is not there gives INDEX_OUT_OF_BOUNDS and an empty text.
     OrvSys::Uni16String GetValue(unsigned index, int token);
 
-    // The text of a node: an attribute's value, character data decoded, of an element the first character data among its
-    // children; else, and for null, empty.
+    // The text of a node: an attribute's value, character data decoded, of an element the first character data among
+    // its children; else, and for null, empty.
     OrvSys::Uni16String GetValue(Object* node) const;
 
-    // Whether the path can be read, from its first step to its last and in all predicates, whatever the tree holds. The results
-    // stay. Resets the error of before.
+    // Whether the path can be read, from its first step to its last and in all predicates, whatever the tree holds. The
+    // results stay. Resets the error of before.
     bool SyntaxOK(const OrvSys::Uni16String& path);
 
-    // The localised text of the error (OrvSys::Localization, domain "XPath"), for most followed by " --> " and the part of
-    // the path that caused it.
+    // The localised text of the error (OrvSys::Localization, domain "XPath"), for most followed by " --> " and the part
+    // of the path that caused it.
     OrvSys::Uni16String GetErrorString();
 
     ErrorCode GetErrorCode() const;

@@ -16,11 +16,11 @@ struct Missed {
     Name name;
 };
 
-// What some steps, taken one after the other, leave to say about those that found nothing: the deepest one since a step last found
-// something. NODE_NOT_FOUND names it.
+// What some steps, taken one after the other, leave to say about those that found nothing: the deepest one since a step
+// last found something. NODE_NOT_FOUND names it.
 //
-// Absences of parts of a walk are put together as the parts are, so that one can be kept and used again. tests/xpath/AbsenceTest.cpp
-// holds that.
+// Absences of parts of a walk are put together as the parts are, so that one can be kept and used again.
+// tests/xpath/AbsenceTest.cpp holds that.
 class Absence {
 public:
     void found() {

@@ -5,8 +5,8 @@
 
 namespace Xml {
 
-// The absence of a query, and on top of it those of the parts that are under way and will be kept. Steps are added to the
-// top one. tests/xpath/AbsenceTest.cpp holds it.
+// The absence of a query, and on top of it those of the parts that are under way and will be kept. Steps are added to
+// the top one. tests/xpath/AbsenceTest.cpp holds it.
 class AbsenceStack {
 public:
     Absence& top() { return open.back(); }

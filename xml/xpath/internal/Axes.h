@@ -12,10 +12,11 @@ class Document;
 
 // What a query walks along: the axes of its document, and how many nodes it may still look at.
 //
-// Results keep the order of first discovery, and a node is taken once, without being looked up among those found already: what
-// two context nodes both reach is always a whole region (all below a node, all above it, all siblings after it, all before it in
-// the document), so that it is enough to remember which regions are done. So all axes from all nodes of a document cost
-// O(nodes visited + nodes found), also where what they reach overlaps. tests/xpath/AxesTest.cpp and the model tests hold it.
+// Results keep the order of first discovery, and a node is taken once, without being looked up among those found
+// already: what two context nodes both reach is always a whole region (all below a node, all above it, all siblings
+// after it, all before it in the document), so that it is enough to remember which regions are done. So all axes from
+// all nodes of a document cost O(nodes visited + nodes found), also where what they reach overlaps.
+// tests/xpath/AxesTest.cpp and the model tests hold it.
 class Axes {
 public:
     // Without a document the axes following and preceding find nothing.
@@ -23,9 +24,9 @@ public:
 
     Document* document() const { return document_; }
 
-    // Replaces `found` by what the step's axis finds from the nodes of `from`, taken in their order, that passes its node test;
-    // predicates are not looked at. It may stop when `enough` nodes were found, and soon stops when the budget is spent.
-    // `hint` is that of the step.
+    // Replaces `found` by what the step's axis finds from the nodes of `from`, taken in their order, that passes its
+    // node test; predicates are not looked at. It may stop when `enough` nodes were found, and soon stops when the
+    // budget is spent. `hint` is that of the step.
     void collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found);
 
     // What is left to be looked at. Once it is spent, what was found last may be incomplete.

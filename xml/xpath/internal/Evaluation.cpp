@@ -144,7 +144,8 @@ void Evaluation::gather(Frame& frame) {
     }
 }
 
-// Folds the values of the operands into that of the expression, which goes to the query, or to the step that it is a predicate of.
+// Folds the values of the operands into that of the expression, which goes to the query, or to the step that it is a
+// predicate of.
 bool Evaluation::end(Frame& frame) {
     if (!fold(*frame.items, frame.values, state.axes.budget()))
         return state.error.set(XPath::EXPRESSION_TOO_COSTLY, {});

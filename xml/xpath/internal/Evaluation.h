@@ -18,10 +18,10 @@ class Object;
 
 // Evaluates one query.
 //
-// Operands are evaluated one after the other and folded by the rank of the operators between them. A relative path is walked from
-// each context node, step by step; the nodes that a step has found are the context of its predicates, which are expressions.
-// Predicates within predicates are kept on a stack in the heap: an expression under evaluation is a frame, which waits in the
-// middle of a walk while a predicate of the step is evaluated in the frame above it.
+// Operands are evaluated one after the other and folded by the rank of the operators between them. A relative path is
+// walked from each context node, step by step; the nodes that a step has found are the context of its predicates, which
+// are expressions. Predicates within predicates are kept on a stack in the heap: an expression under evaluation is a
+// frame, which waits in the middle of a walk while a predicate of the step is evaluated in the frame above it.
 class Evaluation {
 public:
     // As many nodes as the outcomes of walks may hold, all together.

@@ -18,8 +18,8 @@ class PathText;
 class Expressions;
 class Expression;
 
-// A location path. Its steps are read one by one as walks come to them: what is wrong with a step that no walk comes to is never
-// found.
+// A location path. Its steps are read one by one as walks come to them: what is wrong with a step that no walk comes to
+// is never found.
 struct Path {
     Path(Unit begin, Unit itsEnd);
 
@@ -30,8 +30,8 @@ struct Path {
         SiblingHint hint;
     };
 
-    // The step with that number, which must be the first or follow one that is not the last. Null, and the error set, where it
-    // cannot be read.
+    // The step with that number, which must be the first or follow one that is not the last. Null, and the error set,
+    // where it cannot be read.
     Read* step(std::size_t number, Expressions& expressions, PathError& error);
 
     bool isAbsolute;
@@ -39,8 +39,9 @@ struct Path {
     Unit end;
     std::vector<std::unique_ptr<Read>> steps;
 
-    // Of walks that may come again: from context nodes; and, where one node is left to go on from there, from the step after the
-    // first ones upwards, or from the first one of an absolute path. Context nodes often share a parent, and always the document.
+    // Of walks that may come again: from context nodes; and, where one node is left to go on from there, from the step
+    // after the first ones upwards, or from the first one of an absolute path. Context nodes often share a parent, and
+    // always the document.
     Outcomes walks;
     Outcomes tails;
     std::size_t tail = 0;  // the step after the first ones upwards; 0 where there is none
@@ -81,8 +82,8 @@ private:
     std::vector<ExpressionItem> items_;
 };
 
-// The expressions of one query, and the text that they are parts of. They do not own each other, so that no depth of nesting
-// makes the end of a query recurse.
+// The expressions of one query, and the text that they are parts of. They do not own each other, so that no depth of
+// nesting makes the end of a query recurse.
 class Expressions {
 public:
     explicit Expressions(const PathText& itsText) : text(itsText) {}

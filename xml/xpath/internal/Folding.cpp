@@ -61,8 +61,8 @@ Operator mirrored(Operator op) {
     }
 }
 
-// The right values of one tag, looked through once, so that it costs at most a binary search to say whether a left value
-// satisfies a comparison with any of them.
+// The right values of one tag, looked through once, so that it costs at most a binary search to say whether a left
+// value satisfies a comparison with any of them.
 class NumberRange {
 public:
     template <class Iterator>
@@ -139,7 +139,8 @@ Values satisfied(const Values& left, const Values& right, Operator op) {
     return kept;
 }
 
-// How many pairs of one left and one right value of the same tag there are, as far as kMostPairs; then any larger number.
+// How many pairs of one left and one right value of the same tag there are, as far as kMostPairs; then any larger
+// number.
 std::size_t countPairs(const Values& left, const Values& right) {
     std::size_t pairs = 0;
     forEachTag(left, right, [&](auto from, auto to, auto rightFrom, auto rightTo) {

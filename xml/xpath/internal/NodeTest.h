@@ -14,12 +14,12 @@ enum class KindTest { None, Node, Element, Attribute, Document, Text };
 
 // What a step asks of a node: its kind, its name, or both.
 //
-// Names are compared as the 8-bit text that nodes hold. That is the same as comparing 16-bit text, since a name test is never
-// narrowed to what a malformed name would be widened to.
+// Names are compared as the 8-bit text that nodes hold. That is the same as comparing 16-bit text, since a name test is
+// never narrowed to what a malformed name would be widened to.
 class NodeTest {
 public:
-    // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error set, where it is none of these; without
-    // a code where a name does not begin as names do.
+    // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error set, where it is none of
+    // these; without a code where a name does not begin as names do.
     bool read(const PathText& text, Unit begin, Unit end, PathError& error);
 
     // Whether the node is of the kind and has the name.

@@ -10,8 +10,8 @@ namespace {
 
 // How many of the last context nodes the first step finds nothing from. It finds something from one of them.
 //
-// That one is looked for from the end, in blocks that double; in the block that has it, by halves. All of them together are hardly
-// more context nodes than there are.
+// That one is looked for from the end, in blocks that double; in the block that has it, by halves. All of them together
+// are hardly more context nodes than there are.
 std::ptrdiff_t countLastInVain(Axes& axes, Path::Read& first, const std::vector<Object*>& contexts) {
     NodeList from;
     NodeList found;

@@ -18,8 +18,8 @@ enum class Operator {
     None
 };
 
-// The operator whose text stands at `at`, which moves after it; None, and `at` unmoved, where there is none. Words and the
-// signs of arithmetic carry a blank on each side, so that `a - b` is apart from the name `a-b`.
+// The operator whose text stands at `at`, which moves after it; None, and `at` unmoved, where there is none. Words and
+// the signs of arithmetic carry a blank on each side, so that `a - b` is apart from the name `a-b`.
 Operator ExtractOperator(Unit& at, Unit end);
 
 }  // namespace Xml

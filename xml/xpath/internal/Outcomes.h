@@ -28,8 +28,8 @@ private:
     std::size_t nodes;
 };
 
-// What came of walks along one path, by the node that each went out from, so that none is made twice. Only cost depends on it:
-// tests/xpath/OutcomesTest.cpp compares queries with and without room for outcomes.
+// What came of walks along one path, by the node that each went out from, so that none is made twice. Only cost depends
+// on it: tests/xpath/OutcomesTest.cpp compares queries with and without room for outcomes.
 class Outcomes {
 public:
     // Null where none is kept.

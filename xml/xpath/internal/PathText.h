@@ -9,9 +9,10 @@ namespace Xml {
 
 // The text of a query without its white space, and where its literals and brackets end.
 //
-// White space goes at all levels at once: outside of literals every white-space character that does not belong to an operator
-// such as " - " is dropped, also in predicates, and theirs. The text as it was written in brackets stays at hand for messages.
-// A literal that is not closed runs to the end and is closed there. Behind a bracket that is not closed nothing is dropped.
+// White space goes at all levels at once: outside of literals every white-space character that does not belong to an
+// operator such as " - " is dropped, also in predicates, and theirs. The text as it was written in brackets stays at
+// hand for messages. A literal that is not closed runs to the end and is closed there. Behind a bracket that is not
+// closed nothing is dropped.
 //
 // It costs O(length), whatever the nesting.
 class PathText {

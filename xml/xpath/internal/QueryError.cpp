@@ -81,8 +81,8 @@ bool QueryError::set(XPath::ErrorCode code, OrvSys::Uni16String&& part) {
     return false;
 }
 
-// A step that is found clears the code of one that was not, and the depth with it; a depth that stands alone only after a deeper
-// step that found nothing, which brings the code back.
+// A step that is found clears the code of one that was not, and the depth with it; a depth that stands alone only after
+// a deeper step that found nothing, which brings the code back.
 bool QueryError::counts(const Absence& absence) const {
     if (code_ != XPath::NONE && code_ != XPath::NODE_NOT_FOUND) return false;
     if (depthAlone() > 0) return absence.deepest() > depth;

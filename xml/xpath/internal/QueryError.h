@@ -9,8 +9,8 @@ namespace Xml {
 
 class PathText;
 
-// The error that a query object holds: a code, the part of a path that it is about, and how deep the step is that NODE_NOT_FOUND
-// names. The depth outlives the code where only that is forgotten. tests/xpath/XPathTest.cpp holds it.
+// The error that a query object holds: a code, the part of a path that it is about, and how deep the step is that
+// NODE_NOT_FOUND names. The depth outlives the code where only that is forgotten. tests/xpath/XPathTest.cpp holds it.
 class QueryError {
 public:
     XPath::ErrorCode code() const { return code_; }
@@ -29,9 +29,9 @@ public:
     // The depth where it stands without its code; else 0.
     unsigned depthAlone() const { return code_ == XPath::NONE ? depth : 0; }
 
-    // Takes over what a query left: first which step found nothing, then what ended it. A step does not count where another
-    // error stands, nor one that is no deeper than that of an earlier query where nothing was found since. All or, where memory
-    // runs out, nothing is set.
+    // Takes over what a query left: first which step found nothing, then what ended it. A step does not count where
+    // another error stands, nor one that is no deeper than that of an earlier query where nothing was found since. All
+    // or, where memory runs out, nothing is set.
     void takeOver(const Absence& absence, const PathError& error, const PathText& text);
 
 private:

@@ -33,22 +33,23 @@ struct Span {
 
 // One step of a path: an axis, a node test, and the texts of its predicates.
 struct Step {
-    // Reads the step that begins at `at`, with the slashes in front of it, and moves `at` after it and the slash that ends
-    // it. False, and the error set, where there is none.
+    // Reads the step that begins at `at`, with the slashes in front of it, and moves `at` after it and the slash that
+    // ends it. False, and the error set, where there is none.
     bool read(const PathText& text, Unit& at, Unit end, PathError& error);
 
     // Whether it finds at most one node from each.
     bool isParent() const { return axis == Axis::Parent && slashes == 0; }
 
-    // Whether the first predicate counts positions from the end of what the step found. This is so on five axes, not only on those that lead backwards.
+    // Whether the first predicate counts positions from the end of what the step found. This is so on five axes, not
+    // only on those that lead backwards.
     bool isReverse() const;
 
     // The step as it is written: with its axis and without its predicates; and the other way round.
     OrvSys::Uni16String withAxis(const PathText& text) const;
     OrvSys::Uni16String withPredicates(const PathText& text) const;
 
-    // The slashes of "//" in front of it, after the one that ended the step before. With any the step goes out from the context
-    // nodes and from all nodes below them.
+    // The slashes of "//" in front of it, after the one that ended the step before. With any the step goes out from the
+    // context nodes and from all nodes below them.
     unsigned slashes = 0;
 
     Axis axis = Axis::Child;

@@ -36,11 +36,12 @@ struct Value {
     };
 };
 
-// The value of an expression or of a part of one. All are of one kind, and in the order of their tags: paths and functions
-// give them so, and neither computing nor comparing changes it.
+// The value of an expression or of a part of one. All are of one kind, and in the order of their tags: paths and
+// functions give them so, and neither computing nor comparing changes it.
 using Values = std::vector<Value>;
 
-// The text of a node (see XPath::GetValue): as it stands in the node where it can, else in `buffer`. The tree is not touched.
+// The text of a node (see XPath::GetValue): as it stands in the node where it can, else in `buffer`. The tree is not
+// touched.
 const std::string& textOf(const Object& node, std::string& buffer);
 
 // "2.000000", whole and with a point under every locale; "inf", "nan", also with a minus.
@@ -49,8 +50,8 @@ OrvSys::Uni16String textOf(double number);
 double ConvertToNumber(const Value& value);
 OrvSys::Uni16String ConvertToString(const Value& value);
 
-// A value as text, for comparing it again and again. It stays 8-bit text as long as that tells the order; 16-bit text is made
-// at most once. The value's string or node must stay.
+// A value as text, for comparing it again and again. It stays 8-bit text as long as that tells the order; 16-bit text
+// is made at most once. The value's string or node must stay.
 class ValueText {
 public:
     explicit ValueText(const Value& value);

@@ -6,8 +6,8 @@
 
 namespace Xml {
 
-// How many more nodes a query may look at. What looks at nodes spends from it, a row of siblings or a region at a time, and
-// stops as soon as it is spent.
+// How many more nodes a query may look at. What looks at nodes spends from it, a row of siblings or a region at a time,
+// and stops as soon as it is spent.
 class VisitBudget {
 public:
     // A limit that is not above 0 is none.

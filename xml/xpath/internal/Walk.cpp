@@ -33,8 +33,8 @@ Walk::Stop Walk::go() {
 
 // Puts the node to go out from into the list; or what comes of the walk, where it is known.
 //
-// It may be known within a predicate of a predicate, whose context nodes may come again and again: without that each level could
-// multiply the walks.
+// It may be known within a predicate of a predicate, whose context nodes may come again and again: without that each
+// level could multiply the walks.
 inline void Walk::beginContext() {
     step = 0;
     at = At::Step;
@@ -56,12 +56,14 @@ inline void Walk::beginContext() {
     room.list.nodes.push_back(node);
 }
 
-// Whether what comes of the walk from this step on depends on one node only, to which other context nodes may lead as well.
+// Whether what comes of the walk from this step on depends on one node only, to which other context nodes may lead as
+// well.
 inline bool Walk::isTail() const {
     return room.list.nodes.size() == 1 && (path.isAbsolute ? step == 0 : step > 0 && step == path.tail);
 }
 
-// Puts what the next step finds into the list; or what the rest of the walk finds, where it is known. False on an error.
+// Puts what the next step finds into the list; or what the rest of the walk finds, where it is known. False on an
+// error.
 inline bool Walk::takeStep() {
     Path::Read* const next = path.step(step, state.expressions, state.error);
     if (next == nullptr) return false;

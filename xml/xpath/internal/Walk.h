@@ -14,8 +14,8 @@ namespace Xml {
 //
 // It stops where there is something to do for its owner, and goes on from there with the next call of go().
 //
-// What came of a walk from a node, or of the rest of one, is kept with the path where it may come again. The model tests
-// hold it, tests/xpath/OutcomesTest.cpp that keeping changes nothing.
+// What came of a walk from a node, or of the rest of one, is kept with the path where it may come again. The model
+// tests hold it, tests/xpath/OutcomesTest.cpp that keeping changes nothing.
 class Walk {
 public:
     // Lists that outlive a walk, for their memory.

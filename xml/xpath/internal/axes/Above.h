@@ -4,8 +4,8 @@
 
 namespace Xml {
 
-// The axes that lead upwards. What two context nodes both reach is all above a node, so a climb ends where another one went on
-// from. tests/xpath/AxesTest.cpp and the model tests hold them.
+// The axes that lead upwards. What two context nodes both reach is all above a node, so a climb ends where another one
+// went on from. tests/xpath/AxesTest.cpp and the model tests hold them.
 
 void takeParents(const NodeList& from, Taker& taker);
 

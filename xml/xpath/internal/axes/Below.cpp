@@ -10,8 +10,8 @@ namespace Xml {
 
 namespace {
 
-// Walks from each context node through all below it; what was walked through already is left out. Calls start(node) for a
-// context node from which it walks, enter(node) for each node on the way, and again(node) for a context node that it
+// Walks from each context node through all below it; what was walked through already is left out. Calls start(node) for
+// a context node from which it walks, enter(node) for each node on the way, and again(node) for a context node that it
 // walked from before and that now turns out to lie below another one. It ends when `taker` is done.
 template <class Start, class Enter, class Again>
 void walkBelow(const NodeList& from, Taker& taker, Start start, Enter enter, Again again) {
@@ -65,8 +65,8 @@ void takeAttributesFromBelow(const NodeList& from, Taker& taker) {
     walkBelow(from, taker, take, take, [](Object&) {});
 }
 
-// It is a walk of its own, since it is what most queries do: it looks at each node once, and keeps only elements that have
-// children on its stack.
+// It is a walk of its own, since it is what most queries do: it looks at each node once, and keeps only elements that
+// have children on its stack.
 void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
     NodeMap walked;  // of the context nodes those whose children were taken
     if (from.mayNest) {

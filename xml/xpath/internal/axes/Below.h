@@ -4,8 +4,8 @@
 
 namespace Xml {
 
-// The axes that lead downwards. What two context nodes both reach is all that is below one of them, so it is enough to remember
-// which context nodes were walked from. tests/xpath/AxesTest.cpp and the model tests hold them.
+// The axes that lead downwards. What two context nodes both reach is all that is below one of them, so it is enough to
+// remember which context nodes were walked from. tests/xpath/AxesTest.cpp and the model tests hold them.
 
 inline void takeChildren(const NodeList& from, Taker& taker) {
     for (Object* const node : from.nodes) {

@@ -9,8 +9,9 @@ namespace Xml {
 
 namespace {
 
-// Numbers the nodes of a document in document order, up to the last context node, and says for each where what is below it ends.
-// What lies before a context node is then a run of numbers, without its ancestors: the nodes of that run that end after it.
+// Numbers the nodes of a document in document order, up to the last context node, and says for each where what is below
+// it ends. What lies before a context node is then a run of numbers, without its ancestors: the nodes of that run that
+// end after it.
 class DocumentOrder {
 public:
     DocumentOrder(Element& root, const NodeList& contexts, Taker& taker) : numberOf(contexts.nodes.size()) {
@@ -27,7 +28,8 @@ public:
 
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    // The number of a context node, or of the element that an attribute belongs to; kNone for one that is not in the document.
+    // The number of a context node, or of the element that an attribute belongs to; kNone for one that is not in the
+    // document.
     std::uint32_t operator[](const Object* node) { return *numberOf.find(node); }
 
     std::vector<Object*> nodes;       // the root is 0
@@ -66,8 +68,8 @@ private:
     bool toEnd = false;
 };
 
-// Nodes before a context node are taken in document order, but for its ancestors. Those wait until a context node comes that they are
-// no ancestors of. They form a chain, each below the one before it, from whose end they go.
+// Nodes before a context node are taken in document order, but for its ancestors. Those wait until a context node comes
+// that they are no ancestors of. They form a chain, each below the one before it, from whose end they go.
 void takeAllPreceding(const NodeList& from, Element& root, Taker& taker) {
     DocumentOrder order(root, from, taker);
     const auto count = static_cast<std::uint32_t>(order.nodes.size());
@@ -96,9 +98,9 @@ void takeAllPreceding(const NodeList& from, Element& root, Taker& taker) {
     }
 }
 
-// Whether anything that the taker takes lies before the context node: then it takes one such node, not far from the document's
-// beginning, without going through all that lies before. What contains the context node does not count; a node is known not
-// to once the walk has left it.
+// Whether anything that the taker takes lies before the context node: then it takes one such node, not far from the
+// document's beginning, without going through all that lies before. What contains the context node does not count; a
+// node is known not to once the walk has left it.
 void takeAnyPreceding(Object& context, Element& root, Taker& taker) {
     if (&context == &root) return;
     const Object* const anchor = context.isAttribute() ? context.getParent() : &context;

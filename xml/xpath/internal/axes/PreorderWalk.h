@@ -19,8 +19,8 @@ inline NodeSpan childrenOf(Object& node, Object*& root) {
     return {&root, &root + (root != nullptr ? 1 : 0)};
 }
 
-// The nodes below a node in document order, one at a time. It keeps its place on a stack of its own. The tree must not change
-// meanwhile. The model tests of the axes hold it.
+// The nodes below a node in document order, one at a time. It keeps its place on a stack of its own. The tree must not
+// change meanwhile. The model tests of the axes hold it.
 class PreorderWalk {
 public:
     PreorderWalk() = default;

@@ -29,9 +29,9 @@ public:
         return {children.begin() + from, children.begin() + std::max(place, from)};
     }
 
-    // The place of a child; the number of children for a node that is none of them. Context nodes mostly come in the order of
-    // the children, so the search goes on where the last one ended. Where they turn back more than once, which takes some steps
-    // along different axes, all places are noted.
+    // The place of a child; the number of children for a node that is none of them. Context nodes mostly come in the
+    // order of the children, so the search goes on where the last one ended. Where they turn back more than once, which
+    // takes some steps along different axes, all places are noted.
     std::size_t placeOf(const Object* child, Taker& taker) {
         if (turns > kTurns) {
             const std::uint32_t* const place = places.find(child);

@@ -5,11 +5,11 @@
 
 namespace Xml {
 
-// The axes that lead sideways. What two context nodes both reach is an end of a row of siblings, so it is enough to remember how
-// far each row was taken. tests/xpath/AxesTest.cpp and the model tests hold them.
+// The axes that lead sideways. What two context nodes both reach is an end of a row of siblings, so it is enough to
+// remember how far each row was taken. tests/xpath/AxesTest.cpp and the model tests hold them.
 
-// Where among its siblings the last context node stood, for the next one: they mostly come one after the other. Only cost
-// depends on it.
+// Where among its siblings the last context node stood, for the next one: they mostly come one after the other. Only
+// cost depends on it.
 struct SiblingHint {
     const Object* parent = nullptr;
     std::size_t place = 0;

@@ -19,8 +19,8 @@ struct NodeList {
     bool mayNest = false;
 };
 
-// Where an axis puts the nodes that it reaches: those that pass the test of the step are taken, until there are enough, or until
-// the query has looked at as many nodes as it may. tests/xpath/AxesTest.cpp holds it, through the axes.
+// Where an axis puts the nodes that it reaches: those that pass the test of the step are taken, until there are enough,
+// or until the query has looked at as many nodes as it may. tests/xpath/AxesTest.cpp holds it, through the axes.
 class Taker {
 public:
     static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
