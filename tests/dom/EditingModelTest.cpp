@@ -1,5 +1,6 @@
 #include "models/EditingWorld.h"
 #include "models/NaiveSink.h"
+#include "support/Rounds.h"
 #include "xml/stream/FileOutStream.h"
 #include <gtest/gtest.h>
 #include <sstream>
@@ -8,7 +9,7 @@ namespace Xml::test {
 namespace {
 
 TEST(EditingModelTest, RandomProgramsLeaveTheTreesLinksMarksAndFindingsOfTheNaiveModel) {
-    constexpr unsigned kPrograms = 100;
+    const auto kPrograms = static_cast<unsigned>(rounds(100));
     constexpr int kOperations = 300;
     for (unsigned seed = 1; seed <= kPrograms; ++seed) {
         EditingWorld world(seed);
@@ -23,7 +24,7 @@ TEST(EditingModelTest, RandomProgramsLeaveTheTreesLinksMarksAndFindingsOfTheNaiv
 
 // Marks fall where trees are written, so that setting them again is seen.
 TEST(EditingModelTest, RandomProgramsWithWritesBetweenLeaveTheMarksOfTheNaiveModel) {
-    constexpr unsigned kPrograms = 60;
+    const auto kPrograms = static_cast<unsigned>(rounds(60));
     constexpr int kOperations = 150;
     for (unsigned seed = 1001; seed <= 1000 + kPrograms; ++seed) {
         EditingWorld world(seed);

@@ -4,6 +4,7 @@
 #include "models/NaiveSink.h"
 #include "orvsys/Files.h"
 #include "support/NodeTestAccess.h"
+#include "support/Rounds.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
@@ -581,7 +582,7 @@ ModelNode* modelOf(ModelNode& model, const Object& node) {
 }
 
 void compareWithNaiveWriter(const SinkCase& sink) {
-    constexpr unsigned kPrograms = 60;
+    const auto kPrograms = static_cast<unsigned>(rounds(60));
     constexpr int kWrites = 40;
     for (unsigned seed = 1; seed <= kPrograms; ++seed) {
         EditingWorld world(seed * 7919);

@@ -1,6 +1,7 @@
 #include "models/Models.h"
 #include "models/NaiveMatcher.h"
 #include "support/Messages.h"
+#include "support/Rounds.h"
 #include "xml/dtd/ChildQueue.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/ChoiceSpec.h"
@@ -330,7 +331,7 @@ TEST(ContentModelTest, MatchesChildrenAsTheNaiveMatcherDoes) {
     Balance balance;
     std::vector<DtdValue> values;
     std::unique_ptr<Dtd> dtd;
-    for (int round = 0; balance.compared() < 100000; ++round) {
+    for (int round = 0; balance.compared() < rounds(100000); ++round) {
         if (round % 40 == 0) {
             values = {generator.dtd(0)};
             dtd = std::make_unique<Dtd>("random");
@@ -388,7 +389,7 @@ TEST(ContentModelTest, ValidatesTreesAsTheNaiveMatcherDoes) {
     MessageCollector messages;
     Generator generator(77, 2, true);
     Balance balance;
-    while (balance.compared() < 25000) {
+    while (balance.compared() < rounds(25000)) {
         // Two Dtds whose models point back to one another here and there, and one that nothing validates with.
         std::vector<DtdValue> values = {generator.dtd(0), generator.dtd(1)};
         OwnLog log;
@@ -482,7 +483,7 @@ TEST(ContentModelTest, TriesNestedRepetitionsAgainAsTheNaiveMatcherDoes) {
     const std::vector<DtdValue> values = {dtdValueOf("a: EMPTY; b: EMPTY; c: EMPTY")};
     const auto dtd = dtdOf("a: EMPTY; b: EMPTY; c: EMPTY");
     Balance balance;
-    while (balance.compared() < 8'000) {
+    while (balance.compared() < rounds(8'000)) {
         ModelValue model;
         model.kind = ModelValue::Children;
         model.particle = nestedRepetitions(random, 2);
@@ -506,7 +507,7 @@ TEST(ContentModelTest, LinksByNestedRepetitionsOfTwoDtdsAsTheNaiveMatcherDoes) {
     Random random(47);
     Balance balance;
     int linkedByBoth = 0;
-    while (balance.compared() < 20'000) {
+    while (balance.compared() < rounds(20'000)) {
         // In one of the Dtds some of the elements may have content that belongs to the other one again.
         std::vector<DtdValue> values = {
             dtdValueOf("a: EMPTY; b: EMPTY; c: EMPTY; a@x IMPLIED; b@x IMPLIED; c@x IMPLIED"),
@@ -545,7 +546,7 @@ TEST(ContentModelTest, CopiesOfADtdValidateByThemselves) {
     MessageCollector messages;
     Generator generator(4711, 2, true);
     Balance balance;
-    while (balance.compared() < 4000) {
+    while (balance.compared() < rounds(4000)) {
         std::vector<DtdValue> values = {generator.dtd(0), generator.dtd(1)};
         OwnLog log;
         auto first = std::make_unique<Dtd>("first");
@@ -605,7 +606,7 @@ TEST(ContentModelTest, ValidatesDeepTreesAsTheNaiveMatcherDoes) {
     MessageCollector messages;
     Random random(99);
     Balance balance;
-    for (int round = 0; round < 600; ++round) {
+    for (int round = 0; round < rounds(600); ++round) {
         std::vector<DtdValue> values = {dtdValueOf(kDtds[round % 6] + std::string(kTail))};
         ModelValue own;
         own.kind = ModelValue::Own;
@@ -706,7 +707,7 @@ TEST(ContentModelTest, WritesAndClonesAsTheNaiveWriterDoes) {
     OwnLog log;
     Dtd dtd("first"), other("other");
     int reported = 0;
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < rounds(20000); ++round) {
         const ModelValue value = generator.model();
         std::vector<std::string> expectedMessages;
         const std::string expected = naiveText(value, expectedMessages);
@@ -735,7 +736,7 @@ TEST(ContentModelTest, WritesAndClonesAsTheNaiveWriterDoes) {
         ASSERT_EQ(written(*clone), expected);
         ASSERT_EQ(messages.take(), expectedMessages) << expected;
     }
-    EXPECT_GT(reported, 1000) << "groups with too few members are among them";
+    EXPECT_GT(reported, atLeast(1000)) << "groups with too few members are among them";
 }
 
 }  // namespace Xml::test

@@ -1,4 +1,5 @@
 #include "orvsys/Files.h"
+#include "support/Rounds.h"
 #include <algorithm>
 #include <csignal>
 #include <cstdint>
@@ -792,7 +793,7 @@ private:
 };
 
 TEST_F(FilesTest, AnyMixOfReadsWritesAndSeeksGivesWhatAnUnbufferedFileGives) {
-    for (unsigned seed = 1; seed <= 10; ++seed) {
+    for (unsigned seed = 1; seed <= static_cast<unsigned>(Xml::test::rounds(10)); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         const FileSpec spec = make("");
         RandomProgram program(spec, seed);

@@ -6,6 +6,7 @@
 // and from the document, which has everything here; the text of elements, which is that of their first text here.
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
+#include "support/Rounds.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
@@ -298,7 +299,7 @@ bool isReverse(Axis axis) {
 // Makes paths at random, in pairs.
 class PathMaker {
 public:
-    // `sizeOf` tells how many nodes our path finds so far: a step that finds nothing is mostly tried anew. Of a large tree
+    // `sizeOf` says how many nodes our path finds so far: a step that finds nothing is mostly tried anew. Of a large tree
     // libxml2 is asked only what it answers in a moment, which depends on the number of context nodes.
     PathMaker(const Words& w, bool isLarge, std::mt19937& r, std::function<std::size_t(const std::string&)> s)
         : words(w), large(isLarge), random(r), sizeOf(std::move(s)) {}
@@ -367,7 +368,7 @@ private:
         state.disjoint = false;
     }
 
-    // A name test for elements or attributes. Names with a colon have no prefix that libxml2 was told of.
+    // A name test for elements or attributes. Names with a colon have no prefix that libxml2 knows.
     Both named(const std::string& name) {
         const std::size_t colon = name.find(':');
         if (colon == std::string::npos) return name;
@@ -379,7 +380,7 @@ private:
         return {name, "*[name() = '" + name + "']"};
     }
 
-    // A node test; tells whether the document may pass it.
+    // A node test; says whether the document may pass it.
     Both nodeTest(Axis axis, const State& before, bool& passesDocument) {
         passesDocument = false;
         if (axis == AttributeAxis) {
@@ -423,7 +424,7 @@ private:
             return move(state, Parent, true);
         }
         if (oneIn(12)) {
-            // Behind two slashes libxml2 takes the dot for something else.
+            // After two slashes libxml2 takes the dot for something else.
             path += path.ours.size() > 1 && path.ours.compare(path.ours.size() - 2, 2, "//") == 0
                         ? Both(".", "self::node()")
                         : Both(".");
@@ -627,7 +628,7 @@ std::string randomText(std::mt19937& random, unsigned elements) {
     const std::string root = startTag();
     text += root + ">";
     open.push_back(root.substr(0, 1));
-    bool behindText = false;
+    bool afterText = false;
     for (unsigned made = 1; made < elements && !open.empty();) {
         const unsigned choice = below(8);
         if (choice < 3) {
@@ -635,18 +636,18 @@ std::string randomText(std::mt19937& random, unsigned elements) {
             text += "<" + tag + ">";
             open.push_back(tag.substr(0, 1));
             ++made;
-            behindText = false;
+            afterText = false;
         } else if (choice == 3) {
             text += "<" + startTag() + "/>";
             ++made;
-            behindText = false;
-        } else if (choice == 4 && !behindText) {
+            afterText = false;
+        } else if (choice == 4 && !afterText) {
             text += letter("uvw1", 4);
-            behindText = true;
+            afterText = true;
         } else if (open.size() > 1) {
             text += "</" + open.back() + ">";
             open.pop_back();
-            behindText = false;
+            afterText = false;
         }
     }
     for (; !open.empty(); open.pop_back()) text += "</" + open.back() + ">";
@@ -656,7 +657,7 @@ std::string randomText(std::mt19937& random, unsigned elements) {
 TEST(LibXml2PathsTest, FindTheSameNodesInRandomTrees) {
     std::mt19937 random(20240607);
     Tally tally;
-    for (int i = 0; i < 800 && tally.different <= 10; ++i) {
+    for (int i = 0; i < rounds(800) && tally.different <= 10; ++i) {
         const Pair pair(randomText(random, 2 + static_cast<unsigned>(random() % 40)));
         ASSERT_EQ(pair.disagreement(), "");
         const Words words = wordsOf(pair);
@@ -668,7 +669,7 @@ TEST(LibXml2PathsTest, FindTheSameNodesInRandomTrees) {
         }
     }
     EXPECT_EQ(tally.different, 0u);
-    EXPECT_EQ(tally.compared, 48000u);
+    EXPECT_EQ(tally.compared, static_cast<std::size_t>(rounds(800)) * 60);
     EXPECT_GT(tally.found, tally.compared * 2 / 5) << "too many paths find nothing";
     RecordProperty("found", std::to_string(tally.found));
 }
@@ -750,12 +751,12 @@ TEST_P(LibXml2DocumentPathsTest, FindTheSameNodes) {
     Tally tally;
     std::size_t from = 0;
     PathMaker maker(words, true, random, [&](const std::string& path) { return pair.find(path, from).size(); });
-    for (int i = 0; i < 300 && tally.different <= 10; ++i) {
+    for (int i = 0; i < rounds(300) && tally.different <= 10; ++i) {
         from = random() % 5 == 0 ? 0 : random() % pair.size();
         compare(pair, maker.path(*pair.node(from)), from, tally);
     }
     EXPECT_EQ(tally.different, 0u);
-    EXPECT_EQ(tally.compared, 300u);
+    EXPECT_EQ(tally.compared, static_cast<std::size_t>(rounds(300)));
     EXPECT_GT(tally.found, tally.compared * 2 / 5) << "too many paths find nothing";
     RecordProperty("found", std::to_string(tally.found));
 }

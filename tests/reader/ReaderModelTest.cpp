@@ -2,6 +2,7 @@
 #include "models/NaiveReaders.h"
 #include "models/Snapshot.h"
 #include "support/Messages.h"
+#include "support/Rounds.h"
 #include "support/Sources.h"
 #include "support/WithoutReadAhead.h"
 #include "xml/dom/Document.h"
@@ -546,7 +547,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnDocuments) {
     Maker make(5);
     Comparison comparison;
     int wellFormed = 0;
-    for (int i = 0; i < 50000; ++i) {
+    for (int i = 0; i < rounds(50000); ++i) {
         const std::string text = make.chance(10) ? make.soup() : make.damaged(make.document());
         ASSERT_TRUE(comparison.agree(text, libraryDocument, naiveDocument)) << "input " << i;
         StringInStream in(text);
@@ -555,14 +556,14 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnDocuments) {
         wellFormed += reader.parse(in) ? 1 : 0;
     }
     // Neither good nor bad inputs may be rare.
-    EXPECT_GT(wellFormed, 10000);
-    EXPECT_LT(wellFormed, 40000);
+    EXPECT_GT(wellFormed, atLeast(10000));
+    EXPECT_LT(wellFormed, rounds(40000));
 }
 
 TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnElements) {
     Maker make(52);
     Comparison comparison;
-    for (int i = 0; i < 15000; ++i) {
+    for (int i = 0; i < rounds(15000); ++i) {
         std::string text = make.element(3);
         while (make.chance(40)) text += make.blank() + make.element(2);
         ASSERT_TRUE(comparison.agree(make.damaged(text), libraryElements, naiveElements)) << "input " << i;
@@ -572,7 +573,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnElements) {
 TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnTheSmallConstructs) {
     Maker make(51);
     Comparison comparison;
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < rounds(1500); ++i) {
         SCOPED_TRACE(i);
         const std::string rest = make.gap() + "z";
         ASSERT_TRUE(comparison.agree(make.damaged(make.comment() + rest), librarySmall<CommentReader>,
@@ -587,7 +588,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnTheSmallConstructs) {
 TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnDeclarations) {
     Maker make(54);
     Comparison comparison;
-    for (int i = 0; i < 2500; ++i) {
+    for (int i = 0; i < rounds(2500); ++i) {
         SCOPED_TRACE(i);
         const std::string declaration = make.damaged(make.declaration() + make.gap());
         ASSERT_TRUE(comparison.agree(declaration, libraryDeclaration<ElementDeclReader>,
@@ -604,7 +605,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnDeclarations) {
 TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnSubsets) {
     Maker make(53);
     Comparison comparison;
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < rounds(4000); ++i) {
         SCOPED_TRACE(i);
         const std::string subset =
             make.damaged((make.chance(50) ? make.subset() : make.richSubset()) + (make.chance(50) ? "]" : ""));
@@ -618,7 +619,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnSubsetsInFiles) {
     Maker make(531);
     Comparison comparison;
     const std::string path = scratchPath("model.dtd");
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < rounds(1500); ++i) {
         std::remove(path.c_str());
         writeFile(path, make.damaged(make.chance(50) ? make.subset() : make.richSubset()));
         const std::string text = "<!DOCTYPE a SYSTEM '" + path + "'>" + make.misc() + make.element(2);
