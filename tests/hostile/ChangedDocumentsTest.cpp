@@ -28,8 +28,11 @@
 #include <cstdio>
 #include <functional>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
+#include <sys/mman.h>
 #include <typeinfo>
+#include <unistd.h>
 #include <vector>
 
 namespace Xml::test {
@@ -91,7 +94,7 @@ Result resultOf(InStream& in, const Read& read) {
     result.rest += "\n" + stateOf(in);
     result.position = in.getPosition();
     for (const std::string& text : messages.take()) {
-        // Whether a missing file is reported besides the reader's message is nobody's promise.
+        // Whether a missing file is reported besides the reader's message is no rule.
         if (text.find("<Xml::FileInStream::FileInStream>") != 0) result.diagnostics.push_back(text);
     }
     return result;
@@ -130,7 +133,7 @@ bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// Whether this is one of the texts of docs/errors.md, with its place in front and the name of a reader behind it. An internal
+// Whether this is one of the texts of docs/errors.md, with its place in front and the name of a reader after it. An internal
 // subset that runs out over a file stream reports what the stream said last, which may be nothing.
 bool isLocatedMessage(const std::string& message) {
     if (message == "(line = 1, column = -1)  <" + std::string(typeid(DTDReader).name()) + ">") return true;
@@ -156,8 +159,8 @@ bool isLocatedMessage(const std::string& message) {
         const std::string end = std::string(" <") + name + ">";
         if (!endsWith(text, end)) continue;
         const std::string rest = text.substr(0, text.size() - end.size());
-        for (const auto& told : kTexts) {
-            if (rest.rfind(told[0], 0) == 0 && endsWith(rest, told[1])) return true;
+        for (const auto& known : kTexts) {
+            if (rest.rfind(known[0], 0) == 0 && endsWith(rest, known[1])) return true;
         }
     }
     return false;
@@ -188,8 +191,8 @@ public:
         ++outcomes[result.ok ? 0 : result.message.empty() ? 2 : 1];
     }
 
-    // How many succeeded, were told of, were silent; or the first complaints.
-    std::string told() const {
+    // How many succeeded, left a message, were silent; or the first complaints.
+    std::string verdict() const {
         if (complaints > 0) return std::to_string(complaints) + " complaints:" + texts;
         return outcomes[0] > 0 && outcomes[1] > 0 ? "all as they may be" : "there is no success, or no failure";
     }
@@ -229,40 +232,53 @@ void check(const std::string& text, const std::string& path, Judge& judge) {
     judge.compare("over the primitives of a file stream", late, resultOf(in, readByLibrary), text);
 }
 
-void rewrite(const std::string& path, const std::string& text) {
-    std::remove(path.c_str());  // to empty a file that is there waits for the disk
-    std::FILE* const file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr) return;
-    std::fwrite(text.data(), 1, text.size(), file);
-    std::fclose(file);
-}
+// A regular file in memory, which costs no work of a disk however often it is rewritten. It has a path as long as it lives.
+class MemoryFile {
+public:
+    MemoryFile() : descriptor(::memfd_create("changed", 0)), path("/proc/self/fd/" + std::to_string(descriptor)) {
+        if (descriptor < 0) throw std::runtime_error("no file in memory");
+    }
+    ~MemoryFile() { ::close(descriptor); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    void hold(const std::string& text) {
+        const auto size = static_cast<ssize_t>(text.size());
+        if (::ftruncate(descriptor, size) != 0 || ::pwrite(descriptor, text.data(), text.size(), 0) != size)
+            throw std::runtime_error("the file in memory cannot be written");
+    }
+
+private:
+    const int descriptor;
+
+public:
+    const std::string path;
+};
 
 // What is made only once is made here, and not by a process that must give everything back.
-void makeWhatIsMadeOnce(const std::string& path) {
+void makeWhatIsMadeOnce(MemoryFile& file) {
     Judge judge;
     for (const char* text : {"<a b", "<!DOCTYPE a [<!ELEMENT a b ", "<?xml a"}) {
-        rewrite(path, text);
-        check(text, path, judge);
+        file.hold(text);
+        check(text, file.path, judge);
     }
 }
 
 // All changes of a sample, in a process of its own.
 std::string judged(const std::string& sample) {
-    const std::string path = scratchPath("changed.xml");
-    makeWhatIsMadeOnce(path);
-    const std::string told = runGuarded([&] {
+    MemoryFile file;
+    makeWhatIsMadeOnce(file);
+    return runGuarded([&] {
         Judge judge;
         int number = 0;
         for (const std::string& text : changesOf(sample)) {
             if (kScale > 1 && ++number % 8 != 0) continue;
             nowAt(text);
-            rewrite(path, text);
-            check(text, path, judge);
+            file.hold(text);
+            check(text, file.path, judge);
         }
-        return judge.told();
+        return judge.verdict();
     });
-    std::remove(path.c_str());
-    return told;
 }
 
 }  // namespace
@@ -289,18 +305,18 @@ TEST(ChangedDocumentsTest, SoDoThoseOfADocumentWithAnExternalSubset) {
 }
 
 TEST(ChangedDocumentsTest, SoDoThoseOfTheSubsetItself) {
-    const std::string subset = scratchPath("changed.dtd");
-    const std::string document = "<!DOCTYPE a SYSTEM '" + subset + "'><a x='&e;'/>";
+    MemoryFile subset;
+    const std::string document = "<!DOCTYPE a SYSTEM '" + subset.path + "'><a x='&e;'/>";
     const ScratchFile file("document.xml", document);
     makeWhatIsMadeOnce(subset);
-    const std::string told = runGuarded([&] {
+    const std::string answer = runGuarded([&] {
         Judge judge;
         int number = 0;
         for (const std::string& text :
              changesOf("<!ELEMENT a (b|c)*>\r\n<!ATTLIST a x CDATA 'y'><!-- c --><!ENTITY e '&lt;'>\n")) {
             if (kScale > 1 && ++number % 8 != 0) continue;
             nowAt(text);
-            rewrite(subset, text);
+            subset.hold(text);
             Result prompt;
             {
                 BareInStream in(document);
@@ -332,10 +348,9 @@ TEST(ChangedDocumentsTest, SoDoThoseOfTheSubsetItself) {
                 });
             }
         }
-        return judge.told();
+        return judge.verdict();
     });
-    std::remove(subset.c_str());
-    EXPECT_EQ(told, "all as they may be");
+    EXPECT_EQ(answer, "all as they may be");
 }
 
 }  // namespace Xml::test

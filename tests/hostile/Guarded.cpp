@@ -3,6 +3,7 @@
 #include "orvsys/Uni16.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
+#include "xml/dtd/Dtd.h"
 #include "xml/text/Message.h"
 #include "xml/xpath/XPath.h"
 #include <algorithm>
@@ -134,7 +135,7 @@ bool runOnSmallStack(Child& child) {
 
 // --- The parent ---
 
-// What is made only once would look like a leak of whoever asks first.
+// What is made only once would look like a leak of the first job that asks for it.
 void makeWhatIsMadeOnce() {
     static bool made = false;
     if (made) return;
@@ -151,6 +152,7 @@ void makeWhatIsMadeOnce() {
     query.GetErrorString();
     query.GetValues(u"1");
     query.GetValue(0u, -1);
+    Dtd("a").toString();
 }
 
 std::string received(int pipe) {
@@ -194,12 +196,12 @@ std::string runGuarded(const std::function<std::string()>& job, const Bounds& bo
         runChild({job, bounds, ends[1]});
     }
     ::close(ends[1]);
-    const std::string told = received(ends[0]);
+    const std::string answer = received(ends[0]);
     ::close(ends[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
     const std::string end = endOf(status);
-    return end.empty() ? told : told.empty() ? end : told + ", then " + end;
+    return end.empty() ? answer : answer.empty() ? end : answer + ", then " + end;
 }
 
 void nowAt(const std::string& what) {

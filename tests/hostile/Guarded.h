@@ -24,12 +24,12 @@ constexpr bool kMemoryIsBounded = true;
 #endif
 
 // What the job returns; or how it ended instead, such as "killed by signal 11 (Segmentation fault)" or "threw
-// std::bad_alloc". Behind it stands " [memory was not given back]" when the job leaves any behind.
+// std::bad_alloc". After it stands " [memory was not given back]" when the job has not given all of it back.
 //
 // What the library makes only once is there before the job begins. Diagnostics are not printed.
 std::string runGuarded(const std::function<std::string()>& job, const Bounds& bounds = {});
 
-// For a job that does many things: what it is at, which is told when it does not survive that.
+// For a job that does many things: what it is at, which its outcome names when it does not survive that.
 void nowAt(const std::string& what);
 
 }  // namespace Xml::test

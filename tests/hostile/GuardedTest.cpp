@@ -36,13 +36,13 @@ TEST(GuardedTest, TellsHowAJobEndsThatDoesNotReturn) {
 TEST(GuardedTest, EndsAJobThatTakesTooLong) {
     Bounds bounds;
     bounds.seconds = 1;
-    const std::string told = runGuarded(
+    const std::string answer = runGuarded(
         [] {
             for (volatile bool on = true; on;) continue;
             return std::string("ended");
         },
         bounds);
-    EXPECT_EQ(told, "killed by signal 24 (CPU time limit exceeded)");
+    EXPECT_EQ(answer, "killed by signal 24 (CPU time limit exceeded)");
 }
 
 TEST(GuardedTest, GivesAJobAsMuchStackAsIsToldAndNoMore) {
@@ -63,11 +63,11 @@ TEST(GuardedTest, RefusesMoreMemoryThanIsAllowed) {
 
 TEST(GuardedTest, NoticesMemoryThatWasNotGivenBack) {
     if (!kMemoryIsBounded) GTEST_SKIP() << "the leak sanitizer would print it";
-    const std::string told = runGuarded([] {
+    const std::string answer = runGuarded([] {
         kept = ::operator new(1);
         return std::string("done");
     });
-    EXPECT_EQ(told, "done [memory was not given back]");
+    EXPECT_EQ(answer, "done [memory was not given back]");
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ bool contains(const std::string& text, const char* part) { return text.find(part
 bool isLiteral(const std::string& token) { return !token.empty() && (token[0] == '"' || token[0] == '\''); }
 
 // The tokens of a text from a place on, one by one, as plainly as can be: markup that begins with "<!" or "<?" is one to the
-// end of the text, since nothing that may stand behind it is looked at here.
+// end of the text, since nothing that may stand after it is looked at here.
 class Tokens {
 public:
     Tokens(const std::string& bytes, std::size_t from) : text(bytes), at(from) {}
@@ -50,12 +50,12 @@ private:
     std::size_t endFrom(std::size_t begin) const {
         if (begin >= text.size()) return begin;
         const char c = text[begin];
-        const char behind = begin + 1 < text.size() ? text[begin + 1] : '\0';
+        const char after = begin + 1 < text.size() ? text[begin + 1] : '\0';
         if (c == '&') return through(';', begin + 1);
         if (c == '"' || c == '\'') return through(c, begin + 1);
-        if (c == '<' && (behind == '!' || behind == '?')) return text.size();
-        if (c == '<') return begin + (behind == '/' ? 2 : 1);
-        if (c == '/') return begin + (behind == '>' ? 2 : 1);
+        if (c == '<' && (after == '!' || after == '?')) return text.size();
+        if (c == '<') return begin + (after == '/' ? 2 : 1);
+        if (c == '/') return begin + (after == '>' ? 2 : 1);
         const std::size_t end = text.find_first_of(kWordEnds, begin);
         return end == begin ? begin + 1 : std::min(end, text.size());
     }
@@ -71,7 +71,7 @@ bool isWrongTokenLeft(Tokens& tokens) {
 }
 
 // A name and attributes from the place on, up to a token that is neither the name of another nor an end of a tag.
-// `takesRest` takes what stands behind the name of an attribute, and says whether that may stand there.
+// `takesRest` takes what stands after the name of an attribute, and says whether that may stand there.
 template <class TakesRest>
 bool areAttributesEndedByAnythingElse(const std::string& read, std::size_t place, TakesRest takesRest) {
     Tokens tokens(read, place);

@@ -1,4 +1,4 @@
-// Sources that were made to break whoever reads them: positions outside of them, sizes that no position reaches, devices,
+// Sources that were made to break a reader: positions outside of them, sizes that no position reaches, devices,
 // streams that throw or have no positions.
 #include "hostile/Inputs.h"
 #include "orvsys/Files.h"
@@ -34,10 +34,10 @@ TEST(HostileStreamTest, NothingIsReadAtPositionsOutsideOfTheText) {
         };
     };
     const auto text = [] { return std::string("<a>text</a>"); };
-    expectTold({
+    expectOutcomes({
         {"the end", text, at(11), "not read none"},
-        {"behind the end", text, at(12), "not read none"},
-        {"far behind", text, at(kMost), "not read none"},
+        {"after the end", text, at(12), "not read none"},
+        {"far after", text, at(kMost), "not read none"},
         {"in front", text, at(-1), "not read none"},
         {"far in front", text, at(kLeast), "not read none"},
         {"inside", text, at(3), "read text"},
@@ -45,7 +45,7 @@ TEST(HostileStreamTest, NothingIsReadAtPositionsOutsideOfTheText) {
 }
 
 TEST(HostileStreamTest, SteppingAboutEndsWhereItBegan) {
-    expectTold({
+    expectOutcomes({
         {"back from the start, again and again", [] { return std::string("<a/>"); },
          [](InStream& source) {
              for (int i = 0; i < kBrackets; ++i) source.putBackChar();
@@ -86,16 +86,16 @@ TEST(HostileStreamTest, ASourceWithoutPositionsForAllOfItIsRefused) {
     const auto over = [&path](Source source, off_t size) {
         return [&path, source, size] {
             if (::truncate(path.c_str(), size) != 0) return std::string("no such size");
-            std::string told;
-            withSource(source, "", path, [&told](InStream& in) {
+            std::string answer;
+            withSource(source, "", path, [&answer](InStream& in) {
                 ElementReader reader;
-                told = reader.parse(in) ? "read" : reader.getErrorMessage();
+                answer = reader.parse(in) ? "read" : reader.getErrorMessage();
             });
-            return told;
+            return answer;
         };
     };
     const off_t most = kMost;
-    expectTold({
+    expectOutcomes({
         {"file stream, as large as may be", over(Source::FileStream, most), "read"},
         {"file stream, a byte more", over(Source::FileStream, most + 1), failed<ElementReader>(0, "Source too large")},
         {"file stream, ten times as much", over(Source::FileStream, most * 10),
@@ -157,7 +157,7 @@ TEST(HostileStreamTest, StreamsOfAnyKindThrowNothing) {
     const std::string early = failed<ElementReader>(-1, "Unexpected end of stream");
     for (const bool throwing : {false, true}) {
         SCOPED_TRACE(throwing ? "with exceptions" : "without exceptions");
-        expectTold({
+        expectOutcomes({
             {"a byte at a time", buffered(slow, throwing), whole},
             {"a buffer that dies", buffered(dies, throwing), early},
             {"a buffer that dies at once", buffered(diesAtOnce, throwing), nothing},
@@ -200,7 +200,7 @@ TEST(HostileStreamTest, PlatformFilesAreRegularOnes) {
         };
     };
     const std::string nothing = failed<DocumentReader>(-1, "Unexpected end of stream");
-    expectTold({
+    expectOutcomes({
         {"missing", file("/no/such/file"), nothing},
         {"a directory", file("/"), nothing},
         {"a device that never ends", file("/dev/zero"), nothing},
@@ -266,7 +266,7 @@ TEST(HostileStreamTest, ASourceThatLiesHarmsNobody) {
             return std::string("ended");
         };
     };
-    expectTold({
+    expectOutcomes({
         {"nothing and no end", over(LyingSource::NothingAndNoEnd), "ended"},
         {"no bytes", over(LyingSource::NoBytesForLong), "ended", Bounds{256 * kMiB}},
         {"bytes of anywhere", over(LyingSource::PositionsOfAnywhere), "ended", Bounds{256 * kMiB}},
