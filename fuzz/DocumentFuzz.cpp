@@ -2,7 +2,7 @@
 //
 // String, platform file and bare source must give the same verdict, message, place, tree with its links and marks, document
 // type and diagnostics; standard streams, over a file and over a buffer of few bytes, the same as the naive readers over
-// their primitives. What was written must be read as it was, and written again be the same text (RoundTrip.h tells the
+// their primitives. What was written must be read as it was, and written again be the same text (RoundTrip.h has the
 // exceptions).
 //
 // Input: the document.
@@ -42,13 +42,13 @@ const char* const kGrowthMessage = "entity text too large";
 std::string joined(const MessageCollector& collector) {
     std::string text;
     for (const std::string& line : collector.texts()) {
-        // Whether a missing file is reported besides the reader's message is nobody's promise.
+        // Whether a missing file is reported besides the reader's message is no rule.
         if (line.find("<Xml::FileInStream::FileInStream>") != 0) text += line + "\n";
     }
     return text;
 }
 
-// All that shows behind a reading.
+// All that shows after a reading.
 std::string outcome(bool ok, const std::string& error, const Document* document, const InStream& in,
                     const MessageCollector& diagnostics) {
     const Dtd* dtd = document != nullptr ? document->getDtd() : nullptr;

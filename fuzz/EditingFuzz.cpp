@@ -42,7 +42,7 @@ void check(const std::string& input) {
     while (!program.empty()) {
         world.dice = test::Dice(seed());
         const std::string edited = world.edit();
-        if (!edited.empty()) expectSame("trees behind " + world.lastOperation(), "", edited);
+        if (!edited.empty()) expectSame("trees after " + world.lastOperation(), "", edited);
         if (world.dice.chance(30)) write(world);
         const std::string searched = world.dice.chance(30) ? world.search() : "";
         if (!searched.empty()) expectSame("answers of " + world.lastOperation(), "", searched);

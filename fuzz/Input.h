@@ -13,7 +13,7 @@ public:
 
     bool empty() const { return next == end; }
 
-    // 0 behind the end.
+    // 0 after the end.
     unsigned byte() { return empty() ? 0 : static_cast<unsigned char>(*next++); }
 
     std::size_t below(std::size_t bound) { return byte() % bound; }

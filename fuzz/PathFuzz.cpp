@@ -132,7 +132,7 @@ const NaiveXPath::Item& resultOf(const NaiveXPath& query, unsigned index) { retu
 const XPath::ResultItem& resultOf(const XPath& query, unsigned index) { return query.GetResult(index); }
 
 std::string shown(const Text& text) {
-    // A number that is none may be printed with a sign, which no rule tells.
+    // A number that is none may be printed with a sign, for which there is no rule.
     if (text == u"-nan") return "nan";
     std::string result;
     for (const OrvSys::uni16char c : text) {

@@ -5,7 +5,7 @@
 // a touch (Attribute::setValue, the non-const data()), a node that was written is put back as a copy, and children are
 // touched when their parent's layout changes: with text beside them they stand in the line, without on lines of their own.
 //
-// Input: a byte chooses an operation, those behind it what it works on.
+// Input: a byte chooses an operation, those after it what it works on.
 #include "dom/Settings.h"
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"

@@ -89,13 +89,13 @@ bool staysOpen(const std::string& written, int place) {
 }
 
 bool holdsOpenText(const Element& element, const std::string& written) {
-    bool behindText = false;
+    bool afterText = false;
     for (int i = 0; i < element.getChildCount(); ++i) {
         const Object& child = *element.getChild(i);
         if (child.isElement() && holdsOpenText(*child.toElement(), written)) return true;
         // Texts in a row are one text to the next reader.
-        if (child.isCharData() && !behindText && staysOpen(written, NodeTestAccess::writeStart(child))) return true;
-        behindText = child.isCharData();
+        if (child.isCharData() && !afterText && staysOpen(written, NodeTestAccess::writeStart(child))) return true;
+        afterText = child.isCharData();
     }
     return false;
 }

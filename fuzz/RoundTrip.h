@@ -34,7 +34,7 @@ struct Written {
 // What writing reports is taken from the collector.
 Written writtenDtd(const Dtd& dtd, test::MessageCollector& diagnostics);
 
-// Refused is further: text that begins with a quote or with "&" while nothing behind it closes that. What closed it may
+// Refused is further: text that begins with a quote or with "&" while nothing after it closes that. What closed it may
 // have stood in a comment, which is not written.
 //
 // The further lines of attribute values grow by the tabs of their element's level, and texts in a row become one. The

@@ -177,7 +177,7 @@ void checkPromptSources(const Script& script, const std::string& path) {
     compare("platform file", script, file, expected);
 }
 
-// As long as positions are in the text, what stands behind a standard stream makes no difference.
+// As long as positions are in the text, what buffer a standard stream has makes no difference.
 void checkStandardStreams(const Script& script, const std::string& path) {
     std::istringstream naiveStream(script.text);
     Steps expected;

@@ -81,7 +81,7 @@ public:
         const std::string links = test::linksOf(*root.object, {&dtd});
         const auto verdict = [](bool valid) { return std::string(valid ? "valid" : "invalid"); };
         if (actual != expected) expectSame("the verdict on " + links, verdict(expected), verdict(actual));
-        expectSame("the links behind validation are the naive matcher's", test::linksOf(root), links);
+        expectSame("the links after validation are the naive matcher's", test::linksOf(root), links);
         return true;
     }
 

@@ -48,7 +48,7 @@ ssize_t writeAt(int descriptor, const char* bytes, std::size_t count, std::int64
 }
 
 // A descriptor of the regular file at the path, -1 when there is none or it may not be opened so. It is looked at before,
-// since to open a device or a pipe may do something by itself, and again behind that, since it may have been exchanged.
+// since to open a device or a pipe may do something by itself, and again after that, since it may have been exchanged.
 // O_NONBLOCK keeps the open of a pipe from waiting for its other end, and means nothing to a regular file.
 int openRegular(const std::string& path, int flags) {
     if (path.find('\0') != std::string::npos) {
@@ -221,8 +221,8 @@ void FileIOBase::Flush() {
     unwrittenBegin = unwrittenEnd = 0;
 }
 
-// Makes the position one where the buffer can take a byte: inside the bytes held or right behind them, and inside the
-// unwritten ones, if there are any, or right behind these. Bytes that were only read are never written back: the file may
+// Makes the position one where the buffer can take a byte: inside the bytes held or right after them, and inside the
+// unwritten ones, if there are any, or right after these. Bytes that were only read are never written back: the file may
 // have got others there meanwhile.
 void FileIOBase::PrepareToWrite() {
     NeedBuffer();

@@ -24,7 +24,7 @@ enum SeekOrigin : std::int32_t { FromStart, FromCurrent, FromEnd };
 // The bytes of an open file and one position among them, counted in bytes from 0, for reading and writing alike.
 //
 // Both directions go through one buffer of 64 KiB, made when it is first needed. Reads, writes and seeks may be mixed
-// freely and give what they would give without a buffer, as long as nobody else changes the file meanwhile. Written
+// freely and give what they would give without a buffer, as long as nothing else changes the file meanwhile. Written
 // bytes reach the file when the buffer is needed for another place or the file is closed.
 //
 // No operation reports an error: a failed read gives 0, a failed write is dropped. On a file that is not open reading
@@ -38,11 +38,11 @@ public:
     FileIOBase(const FileIOBase&) = delete;
     FileIOBase& operator=(const FileIOBase&) = delete;
 
-    // The byte at the position, which moves behind it. At or past the end, in a file that cannot be read, and after an
+    // The byte at the position, which moves past it. At or past the end, in a file that cannot be read, and after an
     // error of the system it gives 0 and the position stays.
     std::uint8_t ReadUInt8();
 
-    // Puts the byte at the position, over the one that is there or behind the end, and moves behind it. Written past the
+    // Puts the byte at the position, over the one that is there or after the end, and moves past it. Written past the
     // end, the gap is filled with zeros. In a file that was opened for reading nothing happens. Where the system refuses
     // the byte later (a full disk), the position has moved and the file holds what it held.
     void WriteUInt8(std::uint8_t byte);

@@ -36,7 +36,7 @@ ORVSYS_API std::size_t Uni16CharGetLength(const uni16char* text);
 ORVSYS_API int Uni16CharCompare(const Uni16String& a, const Uni16String& b);
 
 // Compares the first `units` units in the same way; both texts must hold that many. A zero is a unit like any other.
-// Nothing behind the first difference is read, and nothing at all when `units` is 0.
+// Nothing after the first difference is read, and nothing at all when `units` is 0.
 ORVSYS_API int Uni16CharPartialCompare(const uni16char* a, const uni16char* b, std::size_t units);
 
 // The first place among the first `units` units where `wanted` stands, null when it is absent. The text must hold that

@@ -55,7 +55,7 @@ TEST(GrowthTest, ReadingIsLinearInWhateverADocumentHasManyOf) {
         {"carriage returns", [&](int n) { return in("x" + repeated("\r", n)); }},
         {"comments", [&](int n) { return in(repeated("<!-- c -->", n)); }},
         {"comments in front", [](int n) { return repeated("<!-- c -->", n) + "<r/>"; }},
-        {"comments behind", [](int n) { return "<r/>" + repeated("<!-- c -->", n); }},
+        {"comments after", [](int n) { return "<r/>" + repeated("<!-- c -->", n); }},
         {"instructions in front", [](int n) { return repeated("<?p i?>", n) + "<r/>"; }},
         {"a long comment", [&](int n) { return in("<!--" + repeated(" - -- ", n) + "-->"); }},
         {"a comment of dashes", [&](int n) { return in("<!--" + repeated("-", n) + "-->"); }},
@@ -92,8 +92,8 @@ TEST(GrowthTest, ReadingThatFailsIsLinearToo) {
         {"levels with a wrong end", [](int n) { return repeated("<a>t", n) + "</b>" + repeated("</a>", n); }},
         {"ampersands without a semicolon", [](int n) { return "<r>" + repeated("<b/>&", n) + "</r>"; }},
         {"a lone quote", [](int n) { return "<r>" + repeated("<b/>'", n) + "<b/>x'<b/>\"</r>"; }},
-        {"a wrong end behind many lines", [](int n) { return "<r>" + repeated("\r\n<a/>", n) + "</s>"; }},
-        {"text behind the ampersands", [](int n) { return "<r>" + repeated("&<b/>", n) + ";"; }},
+        {"a wrong end after many lines", [](int n) { return "<r>" + repeated("\r\n<a/>", n) + "</s>"; }},
+        {"text after the ampersands", [](int n) { return "<r>" + repeated("&<b/>", n) + ";"; }},
         {"no document", [](int n) { return repeated("<!-- c -->\r\n", n); }},
     };
     for (const TextCase& c : kCases) {
@@ -493,7 +493,7 @@ TEST(GrowthTest, AMillionLinesAreCounted) {
     } kCases[] = {
         {"between elements", repeated("\r\n<b/>", kMillion)},
         // The lines are met when the reader looks for the semicolon, and once more as it reads on.
-        {"behind ampersands", repeated("&\r\n<b/>", kMillion) + ";"},
+        {"after ampersands", repeated("&\r\n<b/>", kMillion) + ";"},
         {"in quotes", repeated("\"\r\n<b/>'\r\n<b/>", kMillion / 2) + "x'\""},
     };
     for (const auto& c : kCases) {

@@ -65,7 +65,7 @@ constexpr int kSize = 125;
 using Paths = std::function<std::vector<Uni16String>(int)>;
 
 // Two trees are asked at each size, of n and of 2n elements: the sets of nodes that a query keeps grow fourfold at a time, and one
-// such step lies between the two or behind them.
+// such step lies between the two or after them.
 Jobs asking(const Shape& shape, const Paths& pathsFor) {
     return [&shape, pathsFor](int n) {
         std::vector<std::function<void()>> jobs;
@@ -279,7 +279,7 @@ TEST(PathGrowthTest, APathIsLinearInItsLength) {
         {"steps sideways", NodeCalls,
          [](int n) { return u"/x/*" + repeated(u"/following-sibling::*/preceding-sibling::*", n); }},
         {"steps through the whole tree", NodeCalls, [](int n) { return u"/x" + repeated(u"//y/ancestor::x", n); }},
-        {"steps before and behind", NodeCalls,
+        {"steps before and after", NodeCalls,
          [](int n) { return u"//y" + repeated(u"/preceding::x/following::y", n); }},
         {"steps that find nothing", AllocatedBytes, [](int n) { return u"/x" + repeated(u"/nothing", n); }},
         {"predicates of one step", NodeCalls, [](int n) { return u"/x/*" + repeated(u"[@a]", n); }},

@@ -16,7 +16,7 @@ namespace {
 constexpr Kind kAllKinds[] = {SourceCalls, SinkCalls, NodeCalls, Allocations, AllocatedBytes};
 static_assert(std::size(kAllKinds) == kKinds);
 
-std::string told(const Growth& growth, Kind kind) {
+std::string shown(const Growth& growth, Kind kind) {
     std::ostringstream text;
     text << kKindNames[kind] << " at n, 2n, 4n, 8n:";
     for (const Work& work : growth) text << ' ' << work[kind];
@@ -24,13 +24,13 @@ std::string told(const Growth& growth, Kind kind) {
     return text.str();
 }
 
-// The largest exponent met by this process. It is told at the end, as a property of no test.
+// The largest exponent met by this process. It is reported at the end, as a property of no test.
 double largest = 0;
 
-class TellLargest : public testing::Environment {
+class ReportLargest : public testing::Environment {
     void TearDown() override { testing::Test::RecordProperty("largest_exponent", std::to_string(largest)); }
 };
-const auto* const tellLargest = testing::AddGlobalTestEnvironment(new TellLargest);
+const auto* const reportLargest = testing::AddGlobalTestEnvironment(new ReportLargest);
 
 // Records the largest exponent of a case as a property of the test.
 void record(const std::string& name, const Growth& growth) {
@@ -93,7 +93,7 @@ std::vector<Kind> tooFast(const Growth& growth) {
 double expectAtMostLinear(const std::string& name, const Jobs& jobs, Kind kind, int n) {
     const Growth growth = growthOf(jobs, n);
     record(name, growth);
-    for (const Kind fast : tooFast(growth)) ADD_FAILURE() << name << ": " << told(growth, fast);
+    for (const Kind fast : tooFast(growth)) ADD_FAILURE() << name << ": " << shown(growth, fast);
     return exponentOf(growth, kind);
 }
 
@@ -105,9 +105,9 @@ void expectLinear(const std::string& name, const Jobs& jobs, Kind kind, int n) {
 void expectSame(const std::string& name, const Jobs& jobs, Kind kind, int n) {
     const Growth growth = growthOf(jobs, n);
     record(name, growth);
-    for (const Kind fast : tooFast(growth)) ADD_FAILURE() << name << ": " << told(growth, fast);
+    for (const Kind fast : tooFast(growth)) ADD_FAILURE() << name << ": " << shown(growth, fast);
     EXPECT_GT(growth.front()[kind], 0) << name << ": " << kKindNames[kind] << " were not counted";
-    EXPECT_LE(growth.back()[kind], growth.front()[kind] * 11 / 10) << name << ": " << told(growth, kind);
+    EXPECT_LE(growth.back()[kind], growth.front()[kind] * 11 / 10) << name << ": " << shown(growth, kind);
 }
 
 }  // namespace Xml::test

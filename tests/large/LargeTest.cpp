@@ -18,7 +18,7 @@ std::string in(const std::string& content) { return "<r>" + content + "</r>"; }
 
 TEST(LargeTest, OneThingMayBeAsLongAsTheSource) {
     const std::string x(kGigabyte, 'x');
-    expectTold({
+    expectOutcomes({
         {"text", [&] { return in(x); }, document, facts(1, 1, 0, 1, kGigabyte), kBounds},
         {"value", [&] { return "<r a='" + x + "'/>"; }, document, facts(1, 1, 1, 0, kGigabyte), kBounds},
         {"comment", [&] { return in("<!--" + x + "-->"); }, document, facts(1, 1), kBounds},
@@ -39,14 +39,14 @@ TEST(LargeTest, OneThingMayBeAsLongAsTheSource) {
 TEST(LargeTest, NamesMayBeAsLong) {
     constexpr int kLength = kGigabyte / 4;
     const std::string name(kLength, 'n');
-    expectTold({
+    expectOutcomes({
         {"of an element", [&] { return "<" + name + "></" + name + ">"; }, document, facts(1, 1), kBounds},
         {"of an attribute", [&] { return "<r " + name + "=''/>"; }, document, facts(1, 1, 1), kBounds},
     });
 }
 
 TEST(LargeTest, ThereMayBeTenMillionOfAThing) {
-    expectTold({
+    expectOutcomes({
         {"siblings", [] { return in(repeated("<a b=''/>", kTenMillion)); }, document,
          facts(kTenMillion + 1, 2, kTenMillion), kBounds},
         {"levels", [] { return repeated("<a>x", kTenMillion) + repeated("</a>", kTenMillion); }, document,
@@ -68,9 +68,9 @@ TEST(LargeTest, ThereMayBeTenMillionOfAThing) {
 }
 
 TEST(LargeTest, MarkupIsReadBehindAParseBufferWhoseLengthAnIntJustHolds) {
-    expectTold({{"each kind",
+    expectOutcomes({{"each kind",
                  [] {
-                     std::string told;
+                     std::string answer;
                      const std::string text = "<!a> <!--x <!-x <![CDATA[x <![a[ <?xml <?php <!<!<!x .";
                      StringInStream source(text);
                      for (std::size_t begin = 0; text[begin] != '.'; begin = text.find(' ', begin) + 1) {
@@ -81,9 +81,9 @@ TEST(LargeTest, MarkupIsReadBehindAParseBufferWhoseLengthAnIntJustHolds) {
                          const bool whole = source.CheckParseBufferEnd(token.data(), length);
                          const bool alone = source.CheckParseBufferEnd(('\0' + token).data(), length + 1);
                          const bool full = source.StorePosition().second == INT_MAX;
-                         told += token + (whole && alone && full ? " " : " (not in the buffer) ");
+                         answer += token + (whole && alone && full ? " " : " (not in the buffer) ");
                      }
-                     return told;
+                     return answer;
                  },
                  "<!a <!-- <! <![CDATA[ <![ <?xml <? <! ", kBounds}});
 }
@@ -95,13 +95,13 @@ TEST(LargeTest, AStringThatIsTooLongForPositionsIsRefused) {
             return document(source);
         };
     };
-    expectTold(
+    expectOutcomes(
         {{"as long as may be", read(INT_MAX), facts(1, 1), kBounds},
          {"a byte more", read(INT_MAX + std::size_t{1}), failed<DocumentReader>(0, "Source too large"), kBounds}});
 }
 
 TEST(LargeTest, TheLevelOfTabsEndsWhereItCanGrowNoMore) {
-    expectTold({{"one more than there are",
+    expectOutcomes({{"one more than there are",
                  [] {
                      std::ostringstream text;
                      FileOutStream out(&text);
@@ -114,18 +114,18 @@ TEST(LargeTest, TheLevelOfTabsEndsWhereItCanGrowNoMore) {
 }
 
 TEST(LargeTest, PathsFindTenMillionNodes) {
-    expectTold({{"on some axes",
+    expectOutcomes({{"on some axes",
                  [] {
                      StringInStream source(in(repeated("<a/>", kTenMillion)));
                      DocumentReader reader;
                      if (!reader.parse(source)) return std::string(reader.getErrorMessage());
                      XPath query(reader.getDocument());
-                     std::string told;
+                     std::string answer;
                      for (const char16_t* path :
                           {u"//a", u"/r/a[last()]/preceding-sibling::a", u"//a/..", u"/r/a[position() > 1]"}) {
-                         told += std::to_string(query.GetValues(path)) + " ";
+                         answer += std::to_string(query.GetValues(path)) + " ";
                      }
-                     return told;
+                     return answer;
                  },
                  "10000000 9999999 1 9999999 ", kBounds}});
 }

@@ -41,7 +41,7 @@ std::vector<Row> tableBelow(const std::string& heading, const std::string& first
     return {rows.begin() + 2, rows.end()};
 }
 
-// The message without its position in front and its class behind.
+// The message without its position in front and its class after.
 std::string plainText(const std::string& message) {
     std::smatch parts;
     return std::regex_match(message, parts, std::regex("\\(line = \\d+, column = \\d+\\) (.*) <\\w+>")) ? parts[1].str()

@@ -1,5 +1,5 @@
 // Reads docs/paths.md and does what it says. Every table of the page has a column `path` and a column `result`, and each of its
-// rows is a case; the notation of results is told at the top of the page.
+// rows is a case; the notation of results is explained at the top of the page.
 #include "orvsys/Localization.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
@@ -194,7 +194,7 @@ std::string shortOf(Object* node) {
     return node->toElement()->getName() + (id != nullptr ? "#" + id->getValue() : "");
 }
 
-// The code of an error, and the text behind the arrow of its message: "2: shed".
+// The code of an error, and the text after the arrow of its message: "2: shed".
 std::string errorIn(XPath& query) {
     const std::string arrow = " --> ";
     const std::string message = narrow(query.GetErrorString());
@@ -272,7 +272,7 @@ TEST(PathsPageTest, GivesForEveryPathTheResultThatStandsBesideIt) {
     const MessageCollector quiet;
     forEachPath([](const Row& row, const std::string& path) {
         SCOPED_TRACE("line " + std::to_string(row.line));
-        EXPECT_EQ(row["result"], "`" + codeIn(row["result"]) + "`");  // and nothing behind it that nobody compares
+        EXPECT_EQ(row["result"], "`" + codeIn(row["result"]) + "`");  // and nothing after it that is not compared
         if (row.has("token")) {
             EXPECT_EQ(askForText(path, std::stoi(row["token"])), codeIn(row["result"]));
             return;

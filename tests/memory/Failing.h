@@ -23,7 +23,7 @@ public:
         return run(operation, true);
     }
 
-    // The same of an operation that is told to take the failure upon itself. It must come to its end.
+    // The same of an operation that must take the failure upon itself. It must come to its end.
     template <class Operation>
     void absorbed(Operation operation) {
         run(operation, false);

@@ -135,9 +135,9 @@ TEST(OrvSysMemoryTest, ATextThatCannotBeInstalledLeavesTheOneThatWasThere) {
         OrvSys::Localization::SetString(key, domain, u"text of before, which is not short either");
         const bool complete = attempt([&] { OrvSys::Localization::SetString(key, domain, kWide); });
         EXPECT_EQ(installed(key, domain), complete ? narrow(kWide) : "text of before, which is not short either");
-        std::string told;
-        if (attempt([&] { told = installed(key, domain); })) {
-            EXPECT_EQ(told, installed(key, domain));
+        std::string answer;
+        if (attempt([&] { answer = installed(key, domain); })) {
+            EXPECT_EQ(answer, installed(key, domain));
         }
         EXPECT_EQ(installed("another-key-that-is-not-short", domain), "another text");
     });
@@ -188,9 +188,9 @@ TEST(OrvSysMemoryTest, WhatIsMadeAtTheFirstUseIsMadeAtTheNextOne) {
             long number = 0;
             while (!complete) {
                 Attempt attempt(++number);
-                std::string told;
-                complete = attempt([&] { told = c.use(); });
-                EXPECT_EQ(told, complete ? c.expected : "") << c.name;
+                std::string answer;
+                complete = attempt([&] { answer = c.use(); });
+                EXPECT_EQ(answer, complete ? c.expected : "") << c.name;
             }
             EXPECT_GT(number, 1) << c.name << ": nothing was allocated that could fail";
         }

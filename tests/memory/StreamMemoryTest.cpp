@@ -143,7 +143,7 @@ TEST(StreamMemoryTest, AReaderEndsWithItsMessageWholeWhereverAllocationsFailed) 
 }
 
 TEST(StreamMemoryTest, ALineBreakThatCouldNotBeNotedIsNotedTheNextTime) {
-    // Read from behind first, so that positions do not rise.
+    // Read from the end first, so that positions do not rise.
     const std::string text = "a\r\nb\r\nc\r\nd\r\ne\r\nf";
     const auto readBackwards = [](InStream& in) {
         for (const int position : {12, 9, 6, 3, 0}) {
@@ -199,7 +199,7 @@ TEST(StreamMemoryTest, ASinkThatCannotBeMadeEmptiesNoFile) {
     struct Case {
         const char* name;
         std::function<Made(std::ofstream&)> make;
-        bool opensBeforeItAllocates;  // the standard's own order, which nobody can change
+        bool opensBeforeItAllocates;  // the standard's own order, which cannot be changed
     };
     const Case kCases[] = {
         {"file stream", [&](auto& stream) { return Made(new FileOutStream(file.path, &stream)); }, true},

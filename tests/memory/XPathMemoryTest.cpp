@@ -47,7 +47,7 @@ std::string blockOf(const std::string& begin, const std::string& end, std::istre
 
 std::istringstream openPage() { return std::istringstream(readFile(sourceFolder() + "/docs/paths.md")); }
 
-// All paths of the page that tells the language, each error among them.
+// All paths of the page of the language, each error among them.
 std::vector<Query> queriesOfThePage() {
     std::istringstream page = openPage();
     std::vector<Query> queries;

@@ -316,7 +316,7 @@ bool NaiveXPath::isNestedTooDeeply(const Text& path) {
 // Steps
 // ---------------------------------------------------------------------------------------------------------------------
 
-// Cuts off one step, up to a "/" outside brackets, and moves behind that.
+// Cuts off one step, up to a "/" outside brackets, and moves past that.
 bool NaiveXPath::SplitLocationPath(const Text& path, std::size_t& at, Text& step) {
     step.clear();
     const std::size_t start = at;
@@ -531,10 +531,10 @@ private:
     }
 
     void GetFollowingSiblingsOf(Object* node) {
-        bool behind = false;
+        bool after = false;
         for (Object* sibling : siblingsOf(node)) {
-            if (behind) GetSelfOf(sibling);
-            if (sibling == node) behind = true;
+            if (after) GetSelfOf(sibling);
+            if (sibling == node) after = true;
         }
     }
 
@@ -555,7 +555,7 @@ private:
         return siblings;
     }
 
-    // What was found in a subtree is not carried back up: nothing behind the parent of the target is reached.
+    // What was found in a subtree is not carried back up: nothing after the parent of the target is reached.
     void GetFollowingOfHelper(Object* node, Object* target, bool started) {
         if (node == nullptr || !node->isElement()) return;
         Element* const element = node->toElement();
@@ -624,7 +624,7 @@ private:
 };
 
 // Walks the path from `at` over the context; what the last step finds becomes the results. The walk ends without them at
-// a step that finds nothing: what stands behind it is not read.
+// a step that finds nothing: what stands after it is not read.
 bool NaiveXPath::FindNextNodes(const Text& path, std::size_t at, const Items& context, unsigned depth) {
     if (at < path.size() && path[at] == u'/') {
         Items all;
@@ -775,7 +775,7 @@ bool NaiveXPath::EvaluateExpressionItem(const Items& context, Items& values, con
     return evaluatePath(context, values, text, depth);
 }
 
-// Digits, and at most one "." with digits or nothing behind it.
+// Digits, and at most one "." with digits or nothing after it.
 bool NaiveXPath::evaluateNumber(Items& values, const Text& text) {
     double number = 0;
     std::size_t at = 0;

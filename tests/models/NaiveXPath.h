@@ -14,7 +14,7 @@ class Object;
 
 namespace Xml::test {
 
-// A second evaluator of the path language, to compare XPath with: the rules as they are told, one operation a rule, over
+// A second evaluator of the path language, to compare XPath with: the rules as docs/paths.md has them, one operation a rule, over
 // nothing but the public interface of the nodes. It is slow on purpose: text is cut anew for every context node, lists are
 // searched from their front, everything recurses. When a rule is in doubt, this is the place to read.
 //
@@ -83,7 +83,7 @@ private:
     };
     enum FunctionCall { ANOTHER, MALFORMED, CALLED };
 
-    // An operand, the operator behind it, and what the operand yields.
+    // An operand, the operator after it, and what the operand yields.
     struct ExpressionItem {
         Text text;
         Operator op = NO_OPERATOR;
@@ -93,7 +93,7 @@ private:
     void reset();
     bool fail(XPath::ErrorCode code, const Text& text);
 
-    // --- Text: every `at` is the place read from, and is moved behind what was read ---
+    // --- Text: every `at` is the place read from, and is moved past what was read ---
     static Text ExtractLiteral(const Text& text, std::size_t& at, bool keepQuotes);
     static bool ExtractPredicate(const Text& text, std::size_t& at, Text& predicate, bool keepBrackets);
     static Operator ExtractOperator(const Text& text, std::size_t& at);

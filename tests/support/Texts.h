@@ -13,7 +13,7 @@ OrvSys::Uni16String wide(const std::string& text);
 std::string repeated(const std::string& text, int count);
 OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, int count);
 
-// The pieces for 0 to count - 1, one behind the other.
+// The pieces for 0 to count - 1, one after the other.
 std::string pieces(int count, const std::function<std::string(int)>& piece);
 
 }  // namespace Xml::test
