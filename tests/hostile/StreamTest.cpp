@@ -17,7 +17,6 @@
 namespace Xml::test {
 namespace {
 
-constexpr std::size_t kMiB = std::size_t{1} << 20;
 constexpr int kMost = std::numeric_limits<int>::max();
 constexpr int kLeast = std::numeric_limits<int>::min();
 constexpr auto kAllExceptions = std::ios::badbit | std::ios::failbit | std::ios::eofbit;
@@ -228,48 +227,6 @@ TEST(HostileStreamTest, PlatformFilesAreRegularOnes) {
              return document(in);
          },
          failed<DocumentReader>(0, "Unexpected end of stream")},
-    });
-}
-
-// A caller's source that does not keep what it should.
-class LyingSource : public InStream {
-public:
-    enum Habit { NothingAndNoEnd, NoBytesForLong, PositionsOfAnywhere };
-
-    explicit LyingSource(Habit itsHabit) : habit(itsHabit) {}
-
-    bool getChar(char& c) override {
-        if (habit == NothingAndNoEnd || ++calls > 1'000'000) return false;
-        if (habit == PositionsOfAnywhere) c = static_cast<char>(calls * 37 % 256);
-        return true;
-    }
-    int getPosition() const override {
-        return habit == NoBytesForLong ? kMost : habit == PositionsOfAnywhere ? kLeast + calls % 3 : 0;
-    }
-    void setPosition(int) override {}
-    bool eof() override { return habit == PositionsOfAnywhere; }
-
-private:
-    Habit habit;
-    int calls = 0;
-};
-
-TEST(HostileStreamTest, ASourceThatLiesHarmsNobody) {
-    const auto over = [](LyingSource::Habit habit) {
-        return [habit] {
-            LyingSource source(habit);
-            ElementReader reader;
-            reader.parse(source);
-            DTDReader types("r");
-            types.parse(source);
-            CommentReader().parse(source);
-            return std::string("ended");
-        };
-    };
-    expectOutcomes({
-        {"nothing and no end", over(LyingSource::NothingAndNoEnd), "ended"},
-        {"no bytes", over(LyingSource::NoBytesForLong), "ended", Bounds{256 * kMiB}},
-        {"bytes of anywhere", over(LyingSource::PositionsOfAnywhere), "ended", Bounds{256 * kMiB}},
     });
 }
 
