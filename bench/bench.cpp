@@ -282,8 +282,8 @@ void validateLibXml2(benchmark::State& state, const std::string& name) {
     setBytes(state, text.size());
 }
 
-// A question asked by paths of equal meaning. `theirs` is XPath 1.0: it counts positions for each context node where we count
-// them over all that a step has found, and its * leaves out character data and the document.
+// A question asked by paths of equal meaning. `theirs` is XPath 1.0: it counts positions for each context node where we
+// count them over all that a step has found, and its * leaves out character data and the document.
 struct Question {
     const char* name;
     const char* document;

@@ -1,5 +1,5 @@
-// Reads a document, checks it against its document type, shows what it holds, asks it by paths, changes it and writes it to
-// another file.
+// Reads a document, checks it against its document type, shows what it holds, asks it by paths, changes it and writes
+// it to another file.
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -22,18 +22,18 @@ namespace {
 
 const char kHelp[] = R"(Usage: demo [--data FOLDER] [FILE [PATH ...]]
 
-Without a PATH: reads FILE, checks it, shows what it holds, asks it a few paths, changes it and writes the changed document to
-NAME-changed.ENDING in the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml in the folder of the
-examples' data.
+Without a PATH: reads FILE, checks it, shows what it holds, asks it a few paths, changes it and writes the changed
+document to NAME-changed.ENDING in the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml
+in the folder of the examples' data.
 
-With a PATH: prints what it finds in FILE, one result a line, or the text of its error. A PATH that does not begin with / goes
-out from the document, or from what the PATH before it has found.
+With a PATH: prints what it finds in FILE, one result a line, or the text of its error. A PATH that does not begin with
+/ goes out from the document, or from what the PATH before it has found.
 
 A document is checked against the document type in its DOCTYPE (a file named there is looked for in the working
 directory); one without a DOCTYPE against NAME.dtd, if there is such a file beside it.
 
-Exit status: 0, or 1 if FILE could not be read, is not well-formed or not valid, or could not be written, or if a PATH found
-nothing.
+Exit status: 0, or 1 if FILE could not be read, is not well-formed or not valid, or could not be written, or if a PATH
+found nothing.
 )";
 
 class Stopwatch {
@@ -90,7 +90,8 @@ void tellMisfit(const Xml::Dtd& dtd, Xml::Element* element) {
               << brief(element->toString()) << ">\n";
 }
 
-// The document in a file, with the document type that belongs to it, and a line about it to `out`; null, and why on standard error.
+// The document in a file, with the document type that belongs to it, and a line about it to `out`; null, and why on
+// standard error.
 std::unique_ptr<Xml::Document> read(const fs::path& path, std::ostream& out) {
     if (std::error_code error; !fs::is_regular_file(path, error)) {
         std::cerr << path.string() << (fs::exists(path, error) ? ": not a regular file\n" : ": no such file\n");

@@ -1,9 +1,9 @@
 // The document reader.
 //
-// String, platform file and bare source must give the same verdict, message, place, tree with its links and marks, document
-// type and diagnostics; standard streams, over a file and over a buffer of few bytes, the same as the naive readers over
-// their primitives. What was written must be read as it was, and written again be the same text (RoundTrip.h has the
-// exceptions).
+// String, platform file and bare source must give the same verdict, message, place, tree with its links and marks,
+// document type and diagnostics; standard streams, over a file and over a buffer of few bytes, the same as the naive
+// readers over their primitives. What was written must be read as it was, and written again be the same text
+// (RoundTrip.h has the exceptions).
 //
 // Input: the document.
 #include "fuzz/Input.h"

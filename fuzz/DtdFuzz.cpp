@@ -1,9 +1,10 @@
 // The text of document types: read, written, read again and written again it is the same, as an internal subset after
-// <!DOCTYPE and as the declarations of a file alone (RoundTrip.h has the exceptions). Attribute lists of undeclared elements
-// are not written, so it is the first written text that counts. What was read again judges elements as the first did.
+// <!DOCTYPE and as the declarations of a file alone (RoundTrip.h has the exceptions). Attribute lists of undeclared
+// elements are not written, so it is the first written text that counts. What was read again judges elements as the
+// first did.
 //
-// Input: the declarations, read once as a file's and once as an internal subset that ends with "]". What stands before a
-// mistake counts too.
+// Input: the declarations, read once as a file's and once as an internal subset that ends with "]". What stands before
+// a mistake counts too.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/RoundTrip.h"

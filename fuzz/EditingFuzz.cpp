@@ -1,8 +1,9 @@
 // Editing: a program of operations on some trees, which are written in between, so that marks of change fall. Results,
-// order, links to parents and to the Dtd, marks, written text, diagnostics and all searches must be those of the naive tree.
+// order, links to parents and to the Dtd, marks, written text, diagnostics and all searches must be those of the naive
+// tree.
 //
-// Input: two bytes an operation. They are the seed of all that is random in it, so an operation does the same wherever it
-// stands in a program and whatever stands around it.
+// Input: two bytes an operation. They are the seed of all that is random in it, so an operation does the same wherever
+// it stands in a program and whatever stands around it.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"

@@ -23,7 +23,8 @@ private:
     const char* end;
 };
 
-// An input as a file that lives in memory, for the sources that open one. There is one at a time: the next takes its place.
+// An input as a file that lives in memory, for the sources that open one. There is one at a time: the next takes its
+// place.
 std::string pathOfFileWith(const std::string& bytes);
 
 // Thrown where a naive model would take longer than an input is worth; the input is given up then.

@@ -1,5 +1,5 @@
-// Runs a target over the files and folders that are named, in the order of their names: its seeds and what it found before,
-// as an ordinary test and with any compiler.
+// Runs a target over the files and folders that are named, in the order of their names: its seeds and what it found
+// before, as an ordinary test and with any compiler.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

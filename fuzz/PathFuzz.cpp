@@ -1,10 +1,10 @@
 // The path engine: answers, results with their order, kinds and tags, and errors must be those of the naive evaluator.
 //
-// Input: lines of operations, each a letter and what it takes: "V path" GetValues, "F path" FindNodes, "S path" SyntaxOK,
-// "T path" GetValue by path with a word's number from its first digit, "I digits" GetValue by index and word, "C digit" a new
-// query from another context node, "K digit" another of the fixed trees. A line that begins with "<" begins a document, to
-// the end of the input, whose tree is asked instead of the fixed ones. Paths are UTF-8; a byte 0xFF and two more are a
-// 16-bit unit.
+// Input: lines of operations, each a letter and what it takes: "V path" GetValues, "F path" FindNodes, "S path"
+// SyntaxOK, "T path" GetValue by path with a word's number from its first digit, "I digits" GetValue by index and word,
+// "C digit" a new query from another context node, "K digit" another of the fixed trees. A line that begins with "<"
+// begins a document, to the end of the input, whose tree is asked instead of the fixed ones. Paths are UTF-8; a byte
+// 0xFF and two more are a 16-bit unit.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
@@ -105,15 +105,17 @@ Text pathOf(const std::string& line) {
     return path + OrvSys::UTF8ToUni16Char(bytes);
 }
 
-// Whether arithmetic could ask for more than the 16 million values that the library makes at once: one of each pair, so each
-// operator takes the number of nodes once more, and there may be as many context nodes. "d" is one of "div" or "mod".
+// Whether arithmetic could ask for more than the 16 million values that the library makes at once: one of each pair, so
+// each operator takes the number of nodes once more, and there may be as many context nodes. "d" is one of "div" or
+// "mod".
 bool mayBeRefused(const Text& path, std::size_t nodeCount) {
     const auto operators = std::count_if(
         path.begin(), path.end(), [](OrvSys::uni16char c) { return c == u'*' || c == u'+' || c == u'-' || c == u'd'; });
     return std::pow(static_cast<double>(nodeCount), static_cast<double>(operators + 2)) > 16e6;
 }
 
-// The naive evaluator asks a predicate again for each node, and so the predicates in it: nodes to the power of the nesting.
+// The naive evaluator asks a predicate again for each node, and so the predicates in it: nodes to the power of the
+// nesting.
 bool isAffordable(const Text& path, std::size_t nodeCount) {
     double steps = static_cast<double>(path.size() + 1);
     int depth = 0;
@@ -185,8 +187,8 @@ std::string answer(Query& query, char operation, const std::string& rest, const 
     }
 }
 
-// Both evaluators, standing where the operations before left them. Where one operation costs the naive one too much, or is
-// refused, only the library goes on, to see that it ends, until a new query begins.
+// Both evaluators, standing where the operations before left them. Where one operation costs the naive one too much, or
+// is refused, only the library goes on, to see that it ends, until a new query begins.
 class Queries {
 public:
     explicit Queries(const Tree& asked) : tree(asked) { begin(0); }

@@ -1,9 +1,11 @@
 // Rewriting: a document is edited and written, again and again, with the RW optimisation on and by one open stream that
-// goes back to its start. Up to where the stream stands then, its bytes must be those that a copy of the document writes.
+// goes back to its start. Up to where the stream stands then, its bytes must be those that a copy of the document
+// writes.
 //
-// By rule a writer passes over what has no mark and stands where it was written last. So what leaves no mark is followed by
-// a touch (Attribute::setValue, the non-const data()), a node that was written is put back as a copy, and children are
-// touched when their parent's layout changes: with text beside them they stand in the line, without on lines of their own.
+// By rule a writer passes over what has no mark and stands where it was written last. So what leaves no mark is
+// followed by a touch (Attribute::setValue, the non-const data()), a node that was written is put back as a copy, and
+// children are touched when their parent's layout changes: with text beside them they stand in the line, without on
+// lines of their own.
 //
 // Input: a byte chooses an operation, those after it what it works on.
 #include "dom/Settings.h"

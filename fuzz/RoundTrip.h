@@ -11,8 +11,8 @@ namespace Xml::test {
 class MessageCollector;
 }  // namespace Xml::test
 
-// What writing and reading again does to a document or a document type where it does not give the same back: the few cases
-// that the dialect has, each known by a rule.
+// What writing and reading again does to a document or a document type where it does not give the same back: the few
+// cases that the dialect has, each known by a rule.
 namespace Xml::fuzz {
 
 // A text as it was written, and what is known about reading it again.

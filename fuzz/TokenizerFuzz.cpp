@@ -1,11 +1,11 @@
 // The tokenizer: the same operations over the same bytes from every kind of source.
 //
-// String, bare source and platform file must answer alike, and as the naive tokenizer does over the primitives of a string;
-// standard streams, over a file and over a buffer of few bytes, as the naive tokenizer does over the primitives of a file
-// stream, and the caller's stream must stand where those leave it.
+// String, bare source and platform file must answer alike, and as the naive tokenizer does over the primitives of a
+// string; standard streams, over a file and over a buffer of few bytes, as the naive tokenizer does over the primitives
+// of a file stream, and the caller's stream must stand where those leave it.
 //
-// Input: a line of operations, each a letter and a byte that it uses or not, then the text. Without a line break there is
-// only text. After the operations tokens are read to the end.
+// Input: a line of operations, each a letter and a byte that it uses or not, then the text. Without a line break there
+// is only text. After the operations tokens are read to the end.
 #include "fuzz/Input.h"
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
@@ -155,7 +155,8 @@ void compare(const char* source, const Script& script, InStream& in, const Steps
     });
 }
 
-// Where the caller's stream stands. Asked of the buffer: the stream's own tellg would put an end of file down as a failure.
+// Where the caller's stream stands. Asked of the buffer: the stream's own tellg would put an end of file down as a
+// failure.
 std::string stateOf(std::istream& stream) {
     std::string state = std::to_string(static_cast<int>(stream.rdstate()));
     if (!stream.good()) return state;

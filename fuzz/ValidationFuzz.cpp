@@ -1,6 +1,6 @@
-// Validation: verdict and links must be those of the naive matcher, for the root by its declaration and then for each of
-// its children by theirs, over the links that were set before; and then for an element with each of a few short contents,
-// so that a model need not meet a tree by chance.
+// Validation: verdict and links must be those of the naive matcher, for the root by its declaration and then for each
+// of its children by theirs, over the links that were set before; and then for an element with each of a few short
+// contents, so that a model need not meet a tree by chance.
 //
 // Input: a line of declarations and a line with the tree, in the short texts of the tests: "a: (b, c?)*; b: ANY; a@x
 // REQUIRED" and "a[x=1](b 'text')". What does not fit these is no input.

@@ -47,9 +47,9 @@ ssize_t writeAt(int descriptor, const char* bytes, std::size_t count, std::int64
     return result;
 }
 
-// A descriptor of the regular file at the path, -1 when there is none or it may not be opened so. It is looked at before,
-// since to open a device or a pipe may do something by itself, and again after that, since it may have been exchanged.
-// O_NONBLOCK keeps the open of a pipe from waiting for its other end, and means nothing to a regular file.
+// A descriptor of the regular file at the path, -1 when there is none or it may not be opened so. It is looked at
+// before, since to open a device or a pipe may do something by itself, and again after that, since it may have been
+// exchanged. O_NONBLOCK keeps the open of a pipe from waiting for its other end, and means nothing to a regular file.
 int openRegular(const std::string& path, int flags) {
     if (path.find('\0') != std::string::npos) {
         errno = ENOENT;
@@ -184,8 +184,8 @@ void FileIOBase::NeedBuffer() {
     if (!buffer) buffer.reset(new char[kBufferSize]);
 }
 
-// Reads the bytes at the position into the buffer, as many as fit. At the end of the file, and past it, the buffer stays
-// as it is: who looks whether there is more will often go back.
+// Reads the bytes at the position into the buffer, as many as fit. At the end of the file, and past it, the buffer
+// stays as it is: who looks whether there is more will often go back.
 void FileIOBase::Fill() {
     NeedBuffer();
     Flush();
@@ -222,8 +222,8 @@ void FileIOBase::Flush() {
 }
 
 // Makes the position one where the buffer can take a byte: inside the bytes held or right after them, and inside the
-// unwritten ones, if there are any, or right after these. Bytes that were only read are never written back: the file may
-// have got others there meanwhile.
+// unwritten ones, if there are any, or right after these. Bytes that were only read are never written back: the file
+// may have got others there meanwhile.
 void FileIOBase::PrepareToWrite() {
     NeedBuffer();
     if (HasUnwritten() && (position < bufferStart + static_cast<std::int64_t>(unwrittenBegin) ||

@@ -43,8 +43,8 @@ public:
     std::uint8_t ReadUInt8();
 
     // Puts the byte at the position, over the one that is there or after the end, and moves past it. Written past the
-    // end, the gap is filled with zeros. In a file that was opened for reading nothing happens. Where the system refuses
-    // the byte later (a full disk), the position has moved and the file holds what it held.
+    // end, the gap is filled with zeros. In a file that was opened for reading nothing happens. Where the system
+    // refuses the byte later (a full disk), the position has moved and the file holds what it held.
     void WriteUInt8(std::uint8_t byte);
 
     // As WriteUInt8 for each of the bytes. `bytes` must not lie in what BufferedBytes gave.
@@ -95,8 +95,8 @@ private:
     bool writable;
     std::int64_t position;
 
-    // The buffer holds the file's bytes [bufferStart, bufferStart + heldCount) as they are or, between unwrittenBegin and
-    // unwrittenEnd (offsets in the buffer), as they will be once written.
+    // The buffer holds the file's bytes [bufferStart, bufferStart + heldCount) as they are or, between unwrittenBegin
+    // and unwrittenEnd (offsets in the buffer), as they will be once written.
     std::unique_ptr<char[]> buffer;
     std::int64_t bufferStart;
     std::size_t heldCount;
@@ -110,18 +110,19 @@ private:
 //   if (file.OpenForReading()) firstByte = file.ReadUInt8();
 //
 // Only regular files (and links to them) are opened: a directory, device, pipe or socket is refused at once, without
-// waiting for anybody at its other end. A path with a zero byte in it names no file. The file is closed with the object.
+// waiting for anybody at its other end. A path with a zero byte in it names no file. The file is closed with the
+// object.
 class ORVSYS_API FileIO : public FileIOBase {
 public:
     // Keeps a copy of the name; nothing is opened yet.
     explicit FileIO(const FileSpec& spec);
 
-    // Opens the file for reading alone, at position 0. False when there is no such file or it may not be read; the object
-    // is then closed. A file that the object has open is closed first, whatever comes of it.
+    // Opens the file for reading alone, at position 0. False when there is no such file or it may not be read; the
+    // object is then closed. A file that the object has open is closed first, whatever comes of it.
     bool OpenForReading();
 
-    // Opens the file for writing, and for reading where that is permitted, at position 0. What the file holds is kept; a
-    // file that is missing is created. False when it cannot be; the rest is as in OpenForReading.
+    // Opens the file for writing, and for reading where that is permitted, at position 0. What the file holds is kept;
+    // a file that is missing is created. False when it cannot be; the rest is as in OpenForReading.
     bool OpenForWriting();
 
     // Writes what is still to be written and closes the file. On a file that is not open, nothing.

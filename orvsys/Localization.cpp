@@ -59,8 +59,8 @@ struct Texts {
     }
 };
 
-// Made at the first use, not at load: other libraries' static objects may ask for texts before this source's are made. Never
-// destroyed, since they may do so at exit too.
+// Made at the first use, not at load: other libraries' static objects may ask for texts before this source's are made.
+// Never destroyed, since they may do so at exit too.
 Texts& allTexts() {
     static Texts& texts = *new Texts;
     return texts;

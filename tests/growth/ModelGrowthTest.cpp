@@ -1,4 +1,5 @@
-// What a document type costs to read, write, copy and validate by grows as its declarations, its models and the content do.
+// What a document type costs to read, write, copy and validate by grows as its declarations, its models and the content
+// do.
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "support/Texts.h"
@@ -218,8 +219,8 @@ TEST(ModelGrowthTest, ValidatingAsksAChildNoMoreOftenWhereAChoiceIsWider) {
 }
 
 TEST(ModelGrowthTest, ValidatingIsLinearInTheModel) {
-    // Members are tried one by one where they are no plain names, so a wider or deeper model may cost its size, and no more. The
-    // last child is one that does not fit into it.
+    // Members are tried one by one where they are no plain names, so a wider or deeper model may cost its size, and no
+    // more. The last child is one that does not fit into it.
     const struct {
         const char* name;
         Kind kind;

@@ -1,4 +1,5 @@
-// What a query costs grows as the tree does: counted by what it asks of the nodes, and where a test cannot count, shown by size.
+// What a query costs grows as the tree does: counted by what it asks of the nodes, and where a test cannot count, shown
+// by size.
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "orvsys/Uni16.h"
@@ -64,8 +65,8 @@ constexpr int kSize = 125;
 // The paths for a tree of that size, one from the results of the other, the last of them counted.
 using Paths = std::function<std::vector<Uni16String>(int)>;
 
-// Two trees are asked at each size, of n and of 2n elements: the sets of nodes that a query keeps grow fourfold at a time, and one
-// such step lies between the two or after them.
+// Two trees are asked at each size, of n and of 2n elements: the sets of nodes that a query keeps grow fourfold at a
+// time, and one such step lies between the two or after them.
 Jobs asking(const Shape& shape, const Paths& pathsFor) {
     return [&shape, pathsFor](int n) {
         std::vector<std::function<void()>> jobs;
@@ -116,8 +117,8 @@ TEST(PathGrowthTest, EveryAxisFromAllNodesIsLinearInTheNodes) {
 }
 
 TEST(PathGrowthTest, EveryAxisFromAllResultsOfAQueryIsLinearInThem) {
-    // What the first query has found is not counted here, and where steps lead back to few nodes little else is: in one of
-    // the shapes the work must grow.
+    // What the first query has found is not counted here, and where steps lead back to few nodes little else is: in one
+    // of the shapes the work must grow.
     for (const auto& axis : kAxes) {
         for (const char16_t* const test : {u"::node()", u"::nothing"}) {
             const Uni16String path = axis.name + test;

@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-// Counts what the library does where a caller can see it: the calls that it makes to a source, to a sink and to nodes of a
-// caller's own classes, and what it takes from the heap. The operators new of this program count.
+// Counts what the library does where a caller can see it: the calls that it makes to a source, to a sink and to nodes
+// of a caller's own classes, and what it takes from the heap. The operators new of this program count.
 //
 // Work is counted at n, 2n, 4n and 8n, and a power of n is fitted to the four counts. The exponent must be at most
-// kMostExponent for every kind of work. `growth_tests --gtest_output=xml` gives the exponent of each case as a property of its
-// test, and the largest of all as the attribute `largest_exponent` of <testsuites>.
+// kMostExponent for every kind of work. `growth_tests --gtest_output=xml` gives the exponent of each case as a property
+// of its test, and the largest of all as the attribute `largest_exponent` of <testsuites>.
 namespace Xml::test {
 
 enum Kind { SourceCalls, SinkCalls, NodeCalls, Allocations, AllocatedBytes, kKinds };
@@ -41,15 +41,16 @@ constexpr double kMostExponent = 1.1;
 // Of the kind that a job is about: below it the counter does not see what grows.
 constexpr double kLeastExponent = 0.9;
 
-// The exponent of n with which the work of a kind grows: the slope of the line of least squares through the logarithms. 0 is
-// the same at all sizes, 1 is linear, 2 is quadratic. Too little work to tell, such as the first blocks of a list that doubles, is 0.
+// The exponent of n with which the work of a kind grows: the slope of the line of least squares through the logarithms.
+// 0 is the same at all sizes, 1 is linear, 2 is quadratic. Too little work to tell, such as the first blocks of a list
+// that doubles, is 0.
 double exponentOf(const Growth& growth, Kind kind);
 
 // The kinds of work that grow faster than kMostExponent allows.
 std::vector<Kind> tooFast(const Growth& growth);
 
-// No kind of work may grow too fast, and the one that the job is about must grow. Cases have different names within a test:
-// failures and the properties of the test tell them apart by these.
+// No kind of work may grow too fast, and the one that the job is about must grow. Cases have different names within a
+// test: failures and the properties of the test tell them apart by these.
 void expectLinear(const std::string& name, const Jobs& jobs, Kind kind, int n = 1'000);
 
 // No kind of work may grow too fast. Returns the exponent of the one that the job is about.

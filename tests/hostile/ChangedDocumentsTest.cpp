@@ -1,7 +1,7 @@
-// Ten documents that together use the whole dialect, and all that becomes of them by one change: every prefix, every byte
-// replaced by each other byte, left out, doubled. Whatever comes of one is one of the outcomes that there are, is
-// the same from every source that shows its end at once, and is what the naive readers make of it, also over the primitives of a
-// file stream, whose end shows late.
+// Ten documents that together use the whole dialect, and all that becomes of them by one change: every prefix, every
+// byte replaced by each other byte, left out, doubled. Whatever comes of one is one of the outcomes that there are, is
+// the same from every source that shows its end at once, and is what the naive readers make of it, also over the
+// primitives of a file stream, whose end shows late.
 #include "hostile/Guarded.h"
 #include "hostile/Inputs.h"
 #include "hostile/LateSource.h"
@@ -133,8 +133,8 @@ bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// Whether this is one of the texts of docs/errors.md, with its place in front and the name of a reader after it. An internal
-// subset that runs out over a file stream reports what the stream said last, which may be nothing.
+// Whether this is one of the texts of docs/errors.md, with its place in front and the name of a reader after it. An
+// internal subset that runs out over a file stream reports what the stream said last, which may be nothing.
 bool isLocatedMessage(const std::string& message) {
     if (message == "(line = 1, column = -1)  <" + std::string(typeid(DTDReader).name()) + ">") return true;
     const char* const kClasses[] = {
@@ -232,7 +232,8 @@ void check(const std::string& text, const std::string& path, Judge& judge) {
     judge.compare("over the primitives of a file stream", late, resultOf(in, readByLibrary), text);
 }
 
-// A regular file in memory, which costs no work of a disk however often it is rewritten. It has a path as long as it lives.
+// A regular file in memory, which costs no work of a disk however often it is rewritten. It has a path as long as it
+// lives.
 class MemoryFile {
 public:
     MemoryFile() : descriptor(::memfd_create("changed", 0)), path("/proc/self/fd/" + std::to_string(descriptor)) {

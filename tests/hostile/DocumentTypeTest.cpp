@@ -1,5 +1,5 @@
-// Document types that were written to break a reader or a validation: nesting, models that consume nothing, entities that
-// multiply, and names of files that are none.
+// Document types that were written to break a reader or a validation: nesting, models that consume nothing, entities
+// that multiply, and names of files that are none.
 #include "hostile/Inputs.h"
 #include "support/Places.h"
 #include "support/Texts.h"

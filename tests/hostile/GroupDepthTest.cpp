@@ -1,6 +1,7 @@
 // Content models that are nested far deeper than any recursion could go within 256 KiB of stack.
 //
-// To add a case: a model that is read and judged is a row of NestedGroupsAreHeldOnTheHeap, one that is built by hand a row of kShapes.
+// To add a case: a model that is read and judged is a row of NestedGroupsAreHeldOnTheHeap, one that is built by hand a
+// row of kShapes.
 #include "hostile/Inputs.h"
 #include "models/Models.h"
 #include "support/Texts.h"

@@ -9,8 +9,8 @@
 namespace Xml::test {
 
 struct Bounds {
-    // Bytes that may be allocated at a time, beside what there was before. More is refused, as memory that runs out is. Not under
-    // sanitizers, which bring an allocator of their own.
+    // Bytes that may be allocated at a time, beside what there was before. More is refused, as memory that runs out is.
+    // Not under sanitizers, which bring an allocator of their own.
     std::size_t memory = std::size_t{64} << 20;
 
     // Of processor time.

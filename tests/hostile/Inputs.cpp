@@ -102,8 +102,9 @@ std::string validity(InStream& in) {
 
 namespace {
 
-// Whether a source reads the case of that number. One that takes much memory is read from a file stream, whose end shows late, and
-// from one of the prompt sources, which take turns: these differ in how bytes come, and not in what is made of them.
+// Whether a source reads the case of that number. One that takes much memory is read from a file stream, whose end
+// shows late, and from one of the prompt sources, which take turns: these differ in how bytes come, and not in what is
+// made of them.
 bool reads(Source source, const ReadCase& c, std::size_t number) {
     const bool isSmall = kScale > 1 || c.bounds.memory <= Bounds().memory;
     return isSmall || source == Source::FileStream || source == kPromptSources[number % std::size(kPromptSources)];

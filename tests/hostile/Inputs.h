@@ -50,7 +50,8 @@ Expected ended(int size) {
     return {failed<R>(size, "Unexpected end of stream"), failed<R>(-1, "Unexpected end of stream")};
 }
 
-// How many elements there are below and with the root, how many levels of them, how many attributes, texts, and bytes in both.
+// How many elements there are below and with the root, how many levels of them, how many attributes, texts, and bytes
+// in both.
 std::string factsOf(const Element& root);
 std::string facts(int elements, int levels, int attributes = 0, int texts = 0, int bytes = 0);
 
@@ -58,7 +59,8 @@ std::string facts(int elements, int levels, int attributes = 0, int texts = 0, i
 
 using Ask = std::function<std::string(InStream&)>;
 
-// Reads a document: its facts, or the message; after facts the note that a success may leave. "silent" without a message.
+// Reads a document: its facts, or the message; after facts the note that a success may leave. "silent" without a
+// message.
 std::string document(InStream& in);
 
 // The same, and whether what is written of it reads back as the same text: "..., written".
@@ -78,8 +80,8 @@ struct ReadCase {
     Bounds bounds = {};
 };
 
-// Every case from every kind of source, each in a process of its own. Where a case takes more memory than bounds give at first, two
-// of the sources read it, in turn.
+// Every case from every kind of source, each in a process of its own. Where a case takes more memory than bounds give
+// at first, two of the sources read it, in turn.
 void expectOutcomes(const std::vector<ReadCase>& cases);
 
 struct RunCase {

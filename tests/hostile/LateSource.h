@@ -6,9 +6,9 @@
 
 namespace Xml::test {
 
-// The primitives of a file stream, as a standard stream over a file would give them, over a text in memory: the read that
-// meets the end still returns true and stores nothing; from then on there are no bytes and no position, and setting one only
-// clears the mark of the end.
+// The primitives of a file stream, as a standard stream over a file would give them, over a text in memory: the read
+// that meets the end still returns true and stores nothing; from then on there are no bytes and no position, and
+// setting one only clears the mark of the end.
 class LateSource : public InStream {
 public:
     explicit LateSource(const std::string& bytes) : text(bytes) {}

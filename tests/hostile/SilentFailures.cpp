@@ -21,8 +21,8 @@ bool contains(const std::string& text, const char* part) { return text.find(part
 
 bool isLiteral(const std::string& token) { return !token.empty() && (token[0] == '"' || token[0] == '\''); }
 
-// The tokens of a text from a place on, one by one, as plainly as can be: markup that begins with "<!" or "<?" is one to the
-// end of the text, since nothing that may stand after it is looked at here.
+// The tokens of a text from a place on, one by one, as plainly as can be: markup that begins with "<!" or "<?" is one
+// to the end of the text, since nothing that may stand after it is looked at here.
 class Tokens {
 public:
     Tokens(const std::string& bytes, std::size_t from) : text(bytes), at(from) {}

@@ -1,5 +1,5 @@
-// Inputs above 64 MB, up to the largest that a source takes. They need 12 GB of memory and minutes, so they run in campaigns
-// only.
+// Inputs above 64 MB, up to the largest that a source takes. They need 12 GB of memory and minutes, so they run in
+// campaigns only.
 #include "hostile/Inputs.h"
 #include "support/Texts.h"
 #include "xml/xml.h"

@@ -14,7 +14,8 @@ namespace {
 
 std::string sourcePath(const std::string& name) { return sourceFolder() + "/" + name; }
 
-// The cells of the rows of the table below a heading, its header left out: the code in each cell, or the cell as it stands.
+// The cells of the rows of the table below a heading, its header left out: the code in each cell, or the cell as it
+// stands.
 using Row = std::vector<std::string>;
 std::vector<Row> tableBelow(const std::string& heading, const std::string& firstCell) {
     std::istringstream page(readFile(sourcePath("docs/errors.md")));

@@ -1,5 +1,5 @@
-// Reads docs/paths.md and does what it says. Every table of the page has a column `path` and a column `result`, and each of its
-// rows is a case; the notation of results is explained at the top of the page.
+// Reads docs/paths.md and does what it says. Every table of the page has a column `path` and a column `result`, and
+// each of its rows is a case; the notation of results is explained at the top of the page.
 #include "orvsys/Localization.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"

@@ -16,8 +16,8 @@ public:
     Attempt(const Attempt&) = delete;
     Attempt& operator=(const Attempt&) = delete;
 
-    // Whether the operation came to its end. Only what it allocates is counted, over all calls; when the one that is due fails,
-    // std::bad_alloc must come out of the operation, and nothing else may ever.
+    // Whether the operation came to its end. Only what it allocates is counted, over all calls; when the one that is
+    // due fails, std::bad_alloc must come out of the operation, and nothing else may ever.
     template <class Operation>
     bool operator()(Operation operation) {
         return run(operation, true);
@@ -61,10 +61,10 @@ private:
     static void judge(const std::string& thrown, bool mustShow);
 };
 
-// Runs the scenario again and again: once as it is, so that what is made only once is there, and then with the first, the
-// second, ... allocation failing, until none is left to fail. A scenario makes and checks what it needs itself; what it allocates
-// outside of the attempt is neither counted nor refused. At its end everything it has made must be gone: memory and open files. It
-// ends with the first run that fails the test.
+// Runs the scenario again and again: once as it is, so that what is made only once is there, and then with the first,
+// the second, ... allocation failing, until none is left to fail. A scenario makes and checks what it needs itself;
+// what it allocates outside of the attempt is neither counted nor refused. At its end everything it has made must be
+// gone: memory and open files. It ends with the first run that fails the test.
 //
 //     forEachFailingAllocation([](Attempt& attempt) {
 //         Element top("top");

@@ -12,8 +12,8 @@ class Document;
 
 namespace Xml::test {
 
-// Checks that everything can be done with a document that was there when memory ran out: it can be written, read again, copied,
-// validated, asked by path and edited. It is then what it was before.
+// Checks that everything can be done with a document that was there when memory ran out: it can be written, read again,
+// copied, validated, asked by path and edited. It is then what it was before.
 void expectUsable(Document& document);
 
 // The document of the text, which must have one, with no link set that validation would set.

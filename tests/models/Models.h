@@ -73,8 +73,8 @@ struct NodeValue {
     mutable const Object* object = nullptr;  // the library's node made from this
 };
 
-// "(a, b?, (c | d | #PCDATA)+)": names, sequences and choices with their repetitions. "()" is an empty sequence, "(|)" an
-// empty choice, "(a |)" a choice of one. What is no name is kept as it is given.
+// "(a, b?, (c | d | #PCDATA)+)": names, sequences and choices with their repetitions. "()" is an empty sequence, "(|)"
+// an empty choice, "(a |)" a choice of one. What is no name is kept as it is given.
 ParticleValue particleOf(const std::string& text);
 
 // EMPTY, ANY, CHARS (character data only), "(#PCDATA)" and "(#PCDATA | a)*" (mixed), else a particle.
@@ -83,8 +83,8 @@ ModelValue modelOf(const std::string& text);
 // "a: (b, c?); b: EMPTY; a@x REQUIRED; a@y DEFAULT value".
 DtdValue dtdValueOf(const std::string& text);
 
-// "a[x=1 y=2](b 'text') c": elements with attributes and children, and text. "!" is an element with an empty name, "@" an
-// attribute in the place of a child.
+// "a[x=1 y=2](b 'text') c": elements with attributes and children, and text. "!" is an element with an empty name, "@"
+// an attribute in the place of a child.
 std::vector<NodeValue> nodesOf(const std::string& text);
 
 using Dtds = std::vector<Dtd*>;

@@ -12,8 +12,9 @@ class Element;
 class MixedSpec;
 }  // namespace Xml
 
-// The readers once more, as plainly as they can be written: one recursive function a construct over the public operations of
-// a stream, nodes and declarations built through the public API. No cleverness; slow, and as deep as the document is.
+// The readers once more, as plainly as they can be written: one recursive function a construct over the public
+// operations of a stream, nodes and declarations built through the public API. No cleverness; slow, and as deep as the
+// document is.
 namespace Xml::test {
 
 class NaiveReader {

@@ -208,7 +208,8 @@ bool NaiveXPath::fail(XPath::ErrorCode code, const Text& text) {
 // Text
 // ---------------------------------------------------------------------------------------------------------------------
 
-// A quote, and all up to the same one. Without that the literal runs to the end, and still gets it when quotes are kept.
+// A quote, and all up to the same one. Without that the literal runs to the end, and still gets it when quotes are
+// kept.
 Text NaiveXPath::ExtractLiteral(const Text& text, std::size_t& at, bool keepQuotes) {
     const uni16char quote = text[at++];
     Text inner;
@@ -623,8 +624,8 @@ private:
     std::vector<Object*> ancestors;
 };
 
-// Walks the path from `at` over the context; what the last step finds becomes the results. The walk ends without them at
-// a step that finds nothing: what stands after it is not read.
+// Walks the path from `at` over the context; what the last step finds becomes the results. The walk ends without them
+// at a step that finds nothing: what stands after it is not read.
 bool NaiveXPath::FindNextNodes(const Text& path, std::size_t at, const Items& context, unsigned depth) {
     if (at < path.size() && path[at] == u'/') {
         Items all;
@@ -686,8 +687,8 @@ void NaiveXPath::keepBook(const Items& found, const Text& text, unsigned depth) 
     }
 }
 
-// A predicate keeps the nodes whose indices are tags in its outcome. What belongs to no node keeps nothing, but for a lone
-// true.
+// A predicate keeps the nodes whose indices are tags in its outcome. What belongs to no node keeps nothing, but for a
+// lone true.
 NaiveXPath::Items NaiveXPath::filtered(const Items& nodes, const Items& outcome) {
     if (outcome.size() == 1 && outcome[0].kind == BOOLEAN && outcome[0].boolean) return nodes;
     Items kept;
@@ -789,8 +790,8 @@ bool NaiveXPath::evaluateNumber(Items& values, const Text& text) {
     return true;
 }
 
-// Whether the text is a call of that function. Anything may stand between the parentheses, of which the first closing one
-// counts.
+// Whether the text is a call of that function. Anything may stand between the parentheses, of which the first closing
+// one counts.
 NaiveXPath::FunctionCall NaiveXPath::ExtractFunction(const char* name, const Text& text) {
     if (!startsWith(text, 0, wide(name))) return ANOTHER;
     const std::size_t open = std::strlen(name);
@@ -822,8 +823,8 @@ bool NaiveXPath::evaluateFunction(const Items& context, Items& values, const Tex
     return true;
 }
 
-// A path with a "/" before it is walked once, from the document; any other from each context node by itself, and what it
-// finds carries the index of that node. A check walks once, without nodes.
+// A path with a "/" before it is walked once, from the document; any other from each context node by itself, and what
+// it finds carries the index of that node. A check walks once, without nodes.
 bool NaiveXPath::evaluatePath(const Items& context, Items& values, const Text& text, unsigned depth) {
     const bool absolute = startsWith(text, 0, u"/");
     const std::size_t start = absolute ? 1 : 0;
@@ -847,8 +848,8 @@ bool NaiveXPath::evaluatePath(const Items& context, Items& values, const Text& t
     return ok;
 }
 
-// The left item gets the values. Between two sides of which neither is a scalar every left value meets those right values
-// that have its tag.
+// The left item gets the values. Between two sides of which neither is a scalar every left value meets those right
+// values that have its tag.
 void NaiveXPath::CalculusOnExpressionItems(ExpressionItem& left, const ExpressionItem& right) const {
     Items values;
     if (isScalar(left.values)) {

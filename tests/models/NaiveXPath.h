@@ -14,9 +14,9 @@ class Object;
 
 namespace Xml::test {
 
-// A second evaluator of the path language, to compare XPath with: the rules as docs/paths.md has them, one operation a rule, over
-// nothing but the public interface of the nodes. It is slow on purpose: text is cut anew for every context node, lists are
-// searched from their front, everything recurses. When a rule is in doubt, this is the place to read.
+// A second evaluator of the path language, to compare XPath with: the rules as docs/paths.md has them, one operation a
+// rule, over nothing but the public interface of the nodes. It is slow on purpose: text is cut anew for every context
+// node, lists are searched from their front, everything recurses. When a rule is in doubt, this is the place to read.
 //
 //     NaiveXPath query(document);
 //     query.GetValues(u"//item[@price > 10]/name");

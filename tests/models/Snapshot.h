@@ -10,12 +10,12 @@ class Object;
 
 namespace Xml::test {
 
-// A tree with everything that no operation shows: for each node what it is, whether it links to `dtd`, to none ("-") or to
-// another ("?"), its mark of change, its positions, and whether its parent is the node above it.
+// A tree with everything that no operation shows: for each node what it is, whether it links to `dtd`, to none ("-") or
+// to another ("?"), its mark of change, its positions, and whether its parent is the node above it.
 std::string linksOf(const Object* node, const Dtd* dtd, const Object* parent = nullptr);
 
-// The Dtd as it is written, once as it is and once with every element of the tests declared, so that all attribute lists
-// show. "none" for null.
+// The Dtd as it is written, once as it is and once with every element of the tests declared, so that all attribute
+// lists show. "none" for null.
 std::string fullText(const Dtd* dtd);
 
 // Where the stream stands and what it has to say: position, line, column, message.

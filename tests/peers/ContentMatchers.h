@@ -50,8 +50,8 @@ private:
     Part whole;
 };
 
-// Matching that takes all it can and never goes back: what a repetition has taken stays taken, and the first alternative
-// that matches is the one.
+// Matching that takes all it can and never goes back: what a repetition has taken stays taken, and the first
+// alternative that matches is the one.
 bool fitsGreedily(const ContentParticle& particle, const Names& names);
 
 // Whether some alternative that can be empty stands before another one, which is then never reached: (a? | b).

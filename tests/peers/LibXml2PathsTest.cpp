@@ -1,6 +1,6 @@
-// What paths find, beside what libxml2's XPath 1.0 finds in the same tree, as sets of nodes: over random trees and over the
-// seven documents. The two languages differ, so each path is paired with the one of equal meaning over there; where there is
-// none the difference stands in a table of its own.
+// What paths find, beside what libxml2's XPath 1.0 finds in the same tree, as sets of nodes: over random trees and over
+// the seven documents. The two languages differ, so each path is paired with the one of equal meaning over there; where
+// there is none the difference stands in a table of its own.
 //
 // Left out of the random paths: the following axis, which ends with the parent here; the preceding axis from attributes
 // and from the document, which has everything here; the text of elements, which is that of their first text here.
@@ -299,8 +299,8 @@ bool isReverse(Axis axis) {
 // Makes paths at random, in pairs.
 class PathMaker {
 public:
-    // `sizeOf` says how many nodes our path finds so far: a step that finds nothing is mostly tried anew. Of a large tree
-    // libxml2 is asked only what it answers in a moment, which depends on the number of context nodes.
+    // `sizeOf` says how many nodes our path finds so far: a step that finds nothing is mostly tried anew. Of a large
+    // tree libxml2 is asked only what it answers in a moment, which depends on the number of context nodes.
     PathMaker(const Words& w, bool isLarge, std::mt19937& r, std::function<std::size_t(const std::string&)> s)
         : words(w), large(isLarge), random(r), sizeOf(std::move(s)) {}
 
@@ -450,8 +450,8 @@ private:
         const bool oneName = test.ours.find('*') == std::string::npos && test.ours.find("()") == std::string::npos;
         if (axis == AttributeAxis) state.single = before.single && oneName;
 
-        // Places are those in the step's whole list. Over there this is so for one context node, and else in parentheses,
-        // which put the nodes into document order.
+        // Places are those in the step's whole list. Over there this is so for one context node, and else in
+        // parentheses, which put the nodes into document order.
         bool first = true;
         for (unsigned i = 0; i < 2 && oneIn(3); ++i) {
             const bool placeable = (axis != AttributeAxis || words.sortedAttributes);

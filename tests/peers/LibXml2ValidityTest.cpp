@@ -1,9 +1,9 @@
-// Whether documents are valid, asked of this library and of libxml2: over random document types and documents. The two must
-// agree except where the dialect means a difference. Every difference is known by a rule (see Rule), which is computed from
-// the document type and the document, and whatever no rule speaks of both must see alike.
+// Whether documents are valid, asked of this library and of libxml2: over random document types and documents. The two
+// must agree except where the dialect means a difference. Every difference is known by a rule (see Rule), which is
+// computed from the document type and the document, and whatever no rule speaks of both must see alike.
 //
-// What libxml2 has to say is compared fault by fault, by the codes of its errors, so that one fault does not hide what is
-// thought of another; our verdict has no reasons.
+// What libxml2 has to say is compared fault by fault, by the codes of its errors, so that one fault does not hide what
+// is thought of another; our verdict has no reasons.
 #include "peers/ContentMatchers.h"
 #include "peers/ValidityPairs.h"
 #include "support/Messages.h"
@@ -241,8 +241,8 @@ enum Rule {
     // (a? | b): an alternative that can be empty matches before those after it are looked at, so here they never are.
     HidesAlternatives,
 
-    // (a*, a), (a | (a, b)): an ambiguous model. Nothing that was taken is given back here. libxml2 complains of most such
-    // models instead of judging the content; then its automata are asked.
+    // (a*, a), (a | (a, b)): an ambiguous model. Nothing that was taken is given back here. libxml2 complains of most
+    // such models instead of judging the content; then its automata are asked.
     CommitsInAmbiguousModels,
 
     // Nothing below an ANY element is looked at here.
@@ -252,7 +252,8 @@ enum Rule {
     IgnoresFixedValues,
     IgnoresRootName,
 
-    // White space between tags, and comments, are dropped here as they are read, so that an EMPTY element may have them.
+    // White space between tags, and comments, are dropped here as they are read, so that an EMPTY element may have
+    // them.
     DropsBlanksAndComments,
 
     // White space is text here where it was not dropped: written as a reference, or put into a tree by hand. libxml2
@@ -497,7 +498,8 @@ Tally comparePairs(unsigned seed, int types, int documents, Way way) {
     return tally;
 }
 
-// That the pairs show something: both verdicts are frequent where no rule speaks of them, and each rule decides some alone.
+// That the pairs show something: both verdicts are frequent where no rule speaks of them, and each rule decides some
+// alone.
 void expectAtLeast(const Tally& least, const Tally& tally) {
     SCOPED_TRACE(tally);
     EXPECT_GE(tally.pairs, atLeast(least.pairs));

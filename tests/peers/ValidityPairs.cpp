@@ -151,7 +151,8 @@ private:
         text += blanks(0) + ")" + particle.mark;
     }
 
-    // Writes the attributes that follow of the same element, or some of them, as one list; returns where the rest begins.
+    // Writes the attributes that follow of the same element, or some of them, as one list; returns where the rest
+    // begins.
     std::size_t writeAttributes(const DocumentType& type, std::size_t at) {
         const std::string& element = type.attributes[at].element;
         text += "<!ATTLIST " + element;

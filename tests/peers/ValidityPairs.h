@@ -70,8 +70,8 @@ Names childNames(const DocumentNode& node);
 // Ours has (a | b | #PCDATA)*, which stands for (#PCDATA | a | b)* elsewhere.
 enum class Dialect { Ours, Common };
 
-// A whole document with the document type as its internal subset. The seed chooses between ways of writing that mean the
-// same: blanks, quotes, references, empty tags, the order of declarations.
+// A whole document with the document type as its internal subset. The seed chooses between ways of writing that mean
+// the same: blanks, quotes, references, empty tags, the order of declarations.
 std::string documentText(const DocumentType& type, const DocumentNode& root, unsigned seed, Dialect dialect);
 
 // Makes document types at random, and documents that are mostly close to valid: grown from the models, then changed in

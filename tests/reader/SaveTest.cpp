@@ -1,5 +1,5 @@
-// What reading a document and writing it again keeps and loses, and what else surprises at first: the sentences of README.md and the
-// table of docs/dialect.md.
+// What reading a document and writing it again keeps and loses, and what else surprises at first: the sentences of
+// README.md and the table of docs/dialect.md.
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <new>
 
-// The operators new and delete of a test program that watches over its heap. One source of the program, and no other, includes
-// this and defines the two functions.
+// The operators new and delete of a test program that watches over its heap. One source of the program, and no other,
+// includes this and defines the two functions.
 namespace Xml::test {
 
 // Null when there is no memory. The caller is tolerant that asks by std::nothrow: it can do without.

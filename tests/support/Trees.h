@@ -38,8 +38,8 @@ std::string treeOf(const std::string& text, Source source = Source::String);
 // The message of a failed DocumentReader::parse, without the class name at its end; "" after a success.
 std::string errorOf(const std::string& text, Source source = Source::String);
 
-// An element, and the document type of that name with the declarations of an internal subset. A text that cannot be read is a
-// mistake of the test, which the exception ends.
+// An element, and the document type of that name with the declarations of an internal subset. A text that cannot be
+// read is a mistake of the test, which the exception ends.
 std::unique_ptr<Element> readElement(const std::string& text);
 std::unique_ptr<Dtd> readDtd(const std::string& declarations, const std::string& name = "r");
 

@@ -1,5 +1,5 @@
-// What several threads may do at the same time. A test here proves little by passing; it is run under the thread sanitizer, which
-// reports every pair of accesses that nothing keeps apart.
+// What several threads may do at the same time. A test here proves little by passing; it is run under the thread
+// sanitizer, which reports every pair of accesses that nothing keeps apart.
 #include "dom/Settings.h"
 #include "orvsys/Files.h"
 #include "orvsys/Localization.h"
