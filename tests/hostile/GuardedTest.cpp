@@ -45,7 +45,7 @@ TEST(GuardedTest, EndsAJobThatTakesTooLong) {
     EXPECT_EQ(answer, "killed by signal 24 (CPU time limit exceeded)");
 }
 
-TEST(GuardedTest, GivesAJobAsMuchStackAsIsToldAndNoMore) {
+TEST(GuardedTest, GivesAJob256KilobytesOfStackAndNoMore) {
     if (!kMemoryIsBounded) GTEST_SKIP() << "frames have other sizes here";
     EXPECT_EQ(runGuarded([] { return descend(100) != 1 ? std::string("done") : ""; }), "done");
     EXPECT_EQ(runGuarded([] { return descend(300) != 1 ? std::string("done") : ""; }),
