@@ -69,23 +69,23 @@ TEST(LargeTest, ThereMayBeTenMillionOfAThing) {
 
 TEST(LargeTest, MarkupIsReadBehindAParseBufferWhoseLengthAnIntJustHolds) {
     expectOutcomes({{"each kind",
-                 [] {
-                     std::string answer;
-                     const std::string text = "<!a> <!--x <!-x <![CDATA[x <![a[ <?xml <?php <!<!<!x .";
-                     StringInStream source(text);
-                     for (std::size_t begin = 0; text[begin] != '.'; begin = text.find(' ', begin) + 1) {
-                         source.RestorePosition({static_cast<int>(begin), INT_MAX});
-                         if (!source.getTokenInParseBuffer()) return source.getErrorMessage();
-                         const int length = source.getPosition() - static_cast<int>(begin);
-                         const std::string token = text.substr(begin, static_cast<std::size_t>(length));
-                         const bool whole = source.CheckParseBufferEnd(token.data(), length);
-                         const bool alone = source.CheckParseBufferEnd(('\0' + token).data(), length + 1);
-                         const bool full = source.StorePosition().second == INT_MAX;
-                         answer += token + (whole && alone && full ? " " : " (not in the buffer) ");
-                     }
-                     return answer;
-                 },
-                 "<!a <!-- <! <![CDATA[ <![ <?xml <? <! ", kBounds}});
+                     [] {
+                         std::string answer;
+                         const std::string text = "<!a> <!--x <!-x <![CDATA[x <![a[ <?xml <?php <!<!<!x .";
+                         StringInStream source(text);
+                         for (std::size_t begin = 0; text[begin] != '.'; begin = text.find(' ', begin) + 1) {
+                             source.RestorePosition({static_cast<int>(begin), INT_MAX});
+                             if (!source.getTokenInParseBuffer()) return source.getErrorMessage();
+                             const int length = source.getPosition() - static_cast<int>(begin);
+                             const std::string token = text.substr(begin, static_cast<std::size_t>(length));
+                             const bool whole = source.CheckParseBufferEnd(token.data(), length);
+                             const bool alone = source.CheckParseBufferEnd(('\0' + token).data(), length + 1);
+                             const bool full = source.StorePosition().second == INT_MAX;
+                             answer += token + (whole && alone && full ? " " : " (not in the buffer) ");
+                         }
+                         return answer;
+                     },
+                     "<!a <!-- <! <![CDATA[ <![ <?xml <? <! ", kBounds}});
 }
 
 TEST(LargeTest, AStringThatIsTooLongForPositionsIsRefused) {
@@ -102,32 +102,32 @@ TEST(LargeTest, AStringThatIsTooLongForPositionsIsRefused) {
 
 TEST(LargeTest, TheLevelOfTabsEndsWhereItCanGrowNoMore) {
     expectOutcomes({{"one more than there are",
-                 [] {
-                     std::ostringstream text;
-                     FileOutStream out(&text);
-                     for (std::int64_t i = 0; i <= INT_MAX; ++i) out.incTab();
-                     for (std::int64_t i = 3; i < INT_MAX; ++i) out.decTab();
-                     out << 'x';
-                     return text.str();
-                 },
-                 "\t\t\tx", kBounds}});
+                     [] {
+                         std::ostringstream text;
+                         FileOutStream out(&text);
+                         for (std::int64_t i = 0; i <= INT_MAX; ++i) out.incTab();
+                         for (std::int64_t i = 3; i < INT_MAX; ++i) out.decTab();
+                         out << 'x';
+                         return text.str();
+                     },
+                     "\t\t\tx", kBounds}});
 }
 
 TEST(LargeTest, PathsFindTenMillionNodes) {
     expectOutcomes({{"on some axes",
-                 [] {
-                     StringInStream source(in(repeated("<a/>", kTenMillion)));
-                     DocumentReader reader;
-                     if (!reader.parse(source)) return std::string(reader.getErrorMessage());
-                     XPath query(reader.getDocument());
-                     std::string answer;
-                     for (const char16_t* path :
-                          {u"//a", u"/r/a[last()]/preceding-sibling::a", u"//a/..", u"/r/a[position() > 1]"}) {
-                         answer += std::to_string(query.GetValues(path)) + " ";
-                     }
-                     return answer;
-                 },
-                 "10000000 9999999 1 9999999 ", kBounds}});
+                     [] {
+                         StringInStream source(in(repeated("<a/>", kTenMillion)));
+                         DocumentReader reader;
+                         if (!reader.parse(source)) return std::string(reader.getErrorMessage());
+                         XPath query(reader.getDocument());
+                         std::string answer;
+                         for (const char16_t* path :
+                              {u"//a", u"/r/a[last()]/preceding-sibling::a", u"//a/..", u"/r/a[position() > 1]"}) {
+                             answer += std::to_string(query.GetValues(path)) + " ";
+                         }
+                         return answer;
+                     },
+                     "10000000 9999999 1 9999999 ", kBounds}});
 }
 
 }  // namespace
