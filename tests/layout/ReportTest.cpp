@@ -10,11 +10,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What is a way around Report in a reader's source: issuing a diagnostic, calling Reader::message, giving the window back on its own,
-// declaring what may be a duplicate. Empty when the line is none.
+// What is a way around Report in a reader's source: issuing a diagnostic, calling Reader::message, giving the window
+// back on its own, declaring what may be a duplicate. Empty when the line is none.
 std::string wayAround(const std::string& line) {
-    static const std::regex kWay(
-        R"((\bMessage\b|[.>]message\(|^\s*message\(|StreamAccess::release|(\.|->)(addAttDecl|addElementDecl|addName)\())");
+    static const std::regex kWay(R"((\bMessage\b|[.>]message\(|^\s*message\(|StreamAccess::release)"
+                                 R"(|(\.|->)(addAttDecl|addElementDecl|addName)\())");
     static const std::regex kComment(R"(\s*//.*)");
     std::smatch match;
     if (std::regex_match(line, kComment) || line.find("Report::during(") != std::string::npos) return "";

@@ -27,9 +27,9 @@ private:
     char separator_;
 };
 
-// A locale of the C library has to be installed; this one is compiled on the spot, from a source and a character map that have
-// nothing but what numbers need, so that nothing else need be installed. What the category sets for the process is kept when
-// the folder is gone.
+// A locale of the C library has to be installed; this one is compiled on the spot, from a source and a character map
+// that have nothing but what numbers need, so that nothing else need be installed. What the category sets for the
+// process is kept when the folder is gone.
 void setCNumbers(char point, char separator) {
     const std::string folder = scratchPath("locales");
     std::filesystem::create_directories(folder);

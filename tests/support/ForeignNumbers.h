@@ -5,8 +5,8 @@
 
 namespace Xml::test {
 
-// While this lives, the program's locale writes its numbers otherwise, for streams and for C: with `point` as decimal point, and
-// with `separator` between every three digits. Throws where no such locale can be made. One at a time.
+// While this lives, the program's locale writes its numbers otherwise, for streams and for C: with `point` as decimal
+// point, and with `separator` between every three digits. Throws where no such locale can be made. One at a time.
 class ForeignNumbers {
 public:
     ForeignNumbers(char point, char separator);
