@@ -89,11 +89,8 @@ void expectNoLine(const std::vector<std::string>& places, const std::vector<std:
 const std::vector<std::string> kSources = {".h", ".cpp"};
 const std::vector<std::string> kTexts = {".h", ".cpp", ".md", ".txt"};
 
-const std::vector<std::string> kPlaces = {
-    "orvsys",       "docs",         "fuzz",          "examples",      "README.md",     "SECURITY.md",   "CHANGELOG.md",
-    "tests/growth", "tests/large",  "tests/threads", "tests/layout",  "tests/mutants", "tests/support", "tests/peers",
-    "tests/memory", "tests/models", "tests/hostile", "tests/install", "tests/orvsys",
-};
+const std::vector<std::string> kPlaces = {"xml",      "orvsys",    "docs",        "tests",       "fuzz",
+                                          "examples", "README.md", "SECURITY.md", "CHANGELOG.md"};
 
 TEST(TextsTest, KnowTheLinesThatTheyLookFor) {
     const struct {
@@ -124,14 +121,20 @@ TEST(TextsTest, KnowTheLinesThatTheyLookFor) {
 TEST(TextsTest, StateRulesAsRules) { expectNoLine(kPlaces, kTexts, hasWord); }
 
 TEST(TextsTest, HaveLinesOfAtMost120Columns) {
-    std::vector<std::string> places = kPlaces;
-    places.erase(std::remove_if(places.begin(), places.end(),
-                                [](const std::string& place) {
-                                    return place == "docs" || place == "tests/mutants" || place == "tests/install" ||
-                                           place.find(".md") != std::string::npos;
-                                }),
-                 places.end());
-    expectNoLine(places, kSources, isTooLong);
+    expectNoLine({"xml", "orvsys", "tests", "fuzz", "examples", "bench"}, kSources, isTooLong);
+}
+
+TEST(TextsTest, OfTheLibraryHaveAtMost350Lines) {
+    for (const std::string& file : filesOf("xml", kSources)) EXPECT_LE(linesOf(file).size(), kMostLines) << file;
+}
+
+TEST(TextsTest, OfInstalledHeadersOpenNoDoorForTests) {
+    for (const char* folder : {"xml", "orvsys"}) {
+        for (const std::string& file : filesOf(folder, {".h"})) {
+            if (file.find("/internal/") != std::string::npos) continue;
+            for (const std::string& line : linesOf(file)) EXPECT_FALSE(hasTestFriend(line)) << file << ": " << line;
+        }
+    }
 }
 
 }  // namespace
