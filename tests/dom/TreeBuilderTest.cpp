@@ -11,8 +11,8 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-// "<a": a begins, with the attributes named after it, each with its place as value; "/": the innermost ends; anything else is
-// text.
+// "<a": a begins, with the attributes named after it, each with its place as value; "/": the innermost ends; anything
+// else is text.
 void build(TreeBuilder& tree, const std::string& step) {
     if (step == "/") return tree.end();
     if (step[0] != '<') {

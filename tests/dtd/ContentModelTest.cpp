@@ -13,8 +13,8 @@
 #include <iterator>
 #include <random>
 
-// Random models over random nodes, compared with the naive matcher: verdicts, what is left in queues, links, what models
-// of a caller's own are asked, and what is written.
+// Random models over random nodes, compared with the naive matcher: verdicts, what is left in queues, links, what
+// models of a caller's own are asked, and what is written.
 namespace Xml::test {
 
 namespace {
@@ -592,8 +592,8 @@ TEST(ContentModelTest, CopiesOfADtdValidateByThemselves) {
 }
 
 TEST(ContentModelTest, ValidatesDeepTreesAsTheNaiveMatcherDoes) {
-    // Chains of elements whose models keep one way open, so that the naive matcher ends. "own" has a model of a caller's
-    // own; t and u hold text.
+    // Chains of elements whose models keep one way open, so that the naive matcher ends. "own" has a model of a
+    // caller's own; t and u hold text.
     const char* const kTail = "; t: (#PCDATA); u: CHARS; u@x IMPLIED";
     const char* const kDtds[] = {
         "a: (t?, (a | b)?, u?); b: (#PCDATA | a | b | t)*",

@@ -177,7 +177,8 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheChildren) {
 }
 
 TEST(ModelGrowthTest, ValidatingTakesNoMoreMemoryForMoreRowsOfNestedRepetitions) {
-    // What came of repetitions is forgotten with the row that it is about: not even the heap is asked again for the next row.
+    // What came of repetitions is forgotten with the row that it is about: not even the heap is asked again for the
+    // next row.
     for (const char* const model : {"((a*, b) | a)*", "((a+, b) | a)*", "((((a*, b) | a)*, c) | a)*",
                                     "((a*, b?)*, c?)*", "(((a | b)*, (b, c)) | a)*"}) {
         const auto dtd = readDtd(std::string("<!ELEMENT r (row*)><!ELEMENT row ") + model +

@@ -389,7 +389,8 @@ TEST(PathGrowthTest, WhatAnEarlierQueryMissedDoesNotMultiplyTheWalks) {
     EXPECT_EQ(query.GetNrOfResults(), 1u);
 }
 
-// However large the tree is. A tree of three branches, in which a row of siblings, which may be gone past the limit, is short.
+// However large the tree is. A tree of three branches, in which a row of siblings, which may be gone past the limit, is
+// short.
 TEST(PathGrowthTest, AQueryPastItsLimitCostsWhatTheLimitAllows) {
     const Uni16String kPaths[] = {
         u"//node()",

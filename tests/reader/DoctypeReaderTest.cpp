@@ -227,7 +227,7 @@ TEST(DoctypeReaderTest, LooksForTheFileInTheWorkingDirectory) {
     EXPECT_EQ(there.built, "<!DOCTYPE t [ <!ELEMENT a EMPTY> ]> ");
 }
 
-TEST(DoctypeReaderTest, RefusesExternalSubsetsWhenToldTo) {
+TEST(DoctypeReaderTest, RefusesExternalSubsetsWhenSetTo) {
     const ScratchFile file("external.dtd", "<!ELEMENT a EMPTY>");
     const std::string missing = scratchPath("missing.dtd");
     EXPECT_FALSE(DoctypeReader::refuseExternalSubsets(true));

@@ -511,8 +511,8 @@ TEST(DocumentReaderTest, TellsASubclassOnlyOfItsOwnFailures) {
     }
 }
 
-// The opening after "<!" is met three times here: tried as the name, tried as the bracket, then read as a token of its own,
-// which says nothing.
+// The opening after "<!" is met three times here: tried as the name, tried as the bracket, then read as a token of its
+// own, which says nothing.
 TEST(DocumentReaderTest, LeavesTheStreamsMessageWhenAnOpeningIsReadAgain) {
     for (const std::string text : {"<?xml version='1.0'?<!<?y><a ?>z", "<?xml version='1.0'?<!<!b><a ?>z"}) {
         SCOPED_TRACE(text);
@@ -528,8 +528,8 @@ TEST(DocumentReaderTest, LeavesTheStreamsMessageWhenAnOpeningIsReadAgain) {
     }
 }
 
-// The end of a file stream leaves no way back to the bytes that the message names. It shows one read late, as a zero byte,
-// so that the document fails without a message of its own.
+// The end of a file stream leaves no way back to the bytes that the message names. It shows one read late, as a zero
+// byte, so that the document fails without a message of its own.
 TEST(DocumentReaderTest, LeavesTheStreamsMessageOfAReferenceWhereAFileEnds) {
     withSource(Source::FileStream, "<!DOCTYPE a PUBLIC<?&<?&#65;><a/", [](InStream& in) {
         DocumentReader reader;

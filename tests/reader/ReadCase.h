@@ -23,8 +23,8 @@ const char* classOf() {
 // What a stream reports at its end.
 extern const char* const kEndOfStream;
 
-// What is expected of one parse. The message is given without its place and class: a reader stops where it fails, so the
-// place is where the stream stands.
+// What is expected of one parse. The message is given without its place and class: a reader stops where it fails, so
+// the place is where the stream stands.
 struct Verdict {
     bool ok = false;
     std::optional<std::string> message;   // none: the reader must not say anything
@@ -60,7 +60,8 @@ struct ReadCase {
     std::string text;
     Verdict verdict;
 
-    // What a file stream gives instead, where its late end makes a difference. One that is `ended` loses its position anyway.
+    // What a file stream gives instead, where its late end makes a difference. One that is `ended` loses its position
+    // anyway.
     std::optional<Verdict> late = std::nullopt;
 };
 

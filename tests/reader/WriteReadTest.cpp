@@ -1,4 +1,5 @@
-// What is written and read again writes the same once more, but for a few cases. Here they are with what becomes of them.
+// What is written and read again writes the same once more, but for a few cases. Here they are with what becomes of
+// them.
 #include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"

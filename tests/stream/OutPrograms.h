@@ -17,8 +17,8 @@ public:
     std::string bytes;
 };
 
-// Writes random things in random ways: put and << of bytes and texts, writeDataHolder, levels up and down, runs that are
-// longer than any buffer now and then. The same generator state gives the same program. `afterEach` is called after
+// Writes random things in random ways: put and << of bytes and texts, writeDataHolder, levels up and down, runs that
+// are longer than any buffer now and then. The same generator state gives the same program. `afterEach` is called after
 // each operation.
 inline void runOutProgram(std::mt19937& random, OutStream& out, int steps,
                           const std::function<void()>& afterEach = {}) {

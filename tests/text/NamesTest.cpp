@@ -65,7 +65,7 @@ TEST(NamesTest, AcceptsNamesAndNoOtherTexts) {
     }
 }
 
-TEST(NamesTest, ReadsExactlyAsManyBytesAsTold) {
+TEST(NamesTest, ReadsExactlyAsManyBytesAsItsLengthSays) {
     const char text[] = "ab c";
     EXPECT_TRUE(Xml::isName(text, 1));
     EXPECT_TRUE(Xml::isName(text, 2));
@@ -80,7 +80,7 @@ TEST(NamesTest, ReadsExactlyAsManyBytesAsTold) {
     EXPECT_FALSE(Xml::isName("ab", 3));
 }
 
-TEST(NamesTest, AgreesWithTheRuleToldByteByByte) {
+TEST(NamesTest, AgreesWithTheRuleByteByByte) {
     std::mt19937 random(11);
     const std::string kBytes = "ab:_-.9Z \xe9\0/"s;
     int names = 0;

@@ -1,4 +1,5 @@
-// Which step that found nothing is named: what some steps leave, added up and taken over, is what the rule leaves step by step.
+// Which step that found nothing is named: what some steps leave, added up and taken over, is what the rule leaves step
+// by step.
 #include "xml/xpath/internal/Absence.h"
 
 #include "xml/xpath/internal/AbsenceStack.h"

@@ -1,5 +1,5 @@
-// Where the steps of a path lead: axes and their orders, node tests, what is kept by predicates, which step is named when
-// nothing is found.
+// Where the steps of a path lead: axes and their orders, node tests, what is kept by predicates, which step is named
+// when nothing is found.
 #include "support/Messages.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"

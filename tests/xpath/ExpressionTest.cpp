@@ -1,5 +1,5 @@
-// Values and operators: literals, numbers, position() and last(), precedence, which value of one side meets which of the
-// other, how texts and numbers are compared.
+// Values and operators: literals, numbers, position() and last(), precedence, which value of one side meets which of
+// the other, how texts and numbers are compared.
 #include "support/Texts.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"

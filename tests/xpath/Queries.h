@@ -31,8 +31,8 @@ private:
     std::unique_ptr<Document> document_;
 };
 
-// A node in short: an element by the value of its attribute `i`, or else by its name, an attribute as @name=value, text in
-// single quotes as it is held, a document as "/", a document type as "dtd", no node as "null".
+// A node in short: an element by the value of its attribute `i`, or else by its name, an attribute as @name=value, text
+// in single quotes as it is held, a document as "/", a document type as "dtd", no node as "null".
 std::string shortOf(const Object* node);
 
 // The results in short, with blanks between them: a node as above, a string as str(text)#tag, a number as 2.5#tag.
@@ -43,8 +43,8 @@ std::string resultsOf(const XPath& query);
 std::string errorIn(XPath& query);
 
 // What the query makes of the path: the results, then, where there is an error, " | " and the error, "failed" before it
-// where FindNodes says false (so "failed 0" for a failure without a code). All of this is had from GetValues; FindNodes and
-// GetValue on objects of their own must tell the same. `before` is asked first: its results are the context then.
+// where FindNodes says false (so "failed 0" for a failure without a code). All of this is had from GetValues; FindNodes
+// and GetValue on objects of their own must tell the same. `before` is asked first: its results are the context then.
 std::string answer(Object* context, const OrvSys::Uni16String& path, const OrvSys::Uni16String& before = {});
 
 // "ok", or "failed" and the error, as SyntaxOK has it; the results must stay. `before` as above.

@@ -32,8 +32,8 @@ private:
     std::mt19937 random;
 };
 
-// A small document, and beside it a small element that is in no document. Names, attributes and texts come from few words, so
-// that the paths of RandomPaths find something.
+// A small document, and beside it a small element that is in no document. Names, attributes and texts come from few
+// words, so that the paths of RandomPaths find something.
 class RandomTree {
 public:
     explicit RandomTree(Dice& dice);

@@ -1,7 +1,7 @@
-// The library's path engine beside the naive one: the same random queries over the same random trees, compared after each
-// operation in everything that a caller sees. What is at stake is all that the engine does to be quick: it cuts a path once,
-// reads a step when the walk reaches it, collects nodes without looking them up, and stops predicates early; it must
-// find, number, report and keep what the plain rules do.
+// The library's path engine beside the naive one: the same random queries over the same random trees, compared after
+// each operation in everything that a caller sees. What is at stake is all that the engine does to be quick: it cuts a
+// path once, reads a step when the walk reaches it, collects nodes without looking them up, and stops predicates early;
+// it must find, number, report and keep what the plain rules do.
 #include "models/NaiveXPath.h"
 #include "support/Messages.h"
 #include "support/Rounds.h"
@@ -477,14 +477,14 @@ TEST(XPathModelTest, ChainsOfStepsKeepTheOrderOfTheRules) {
     }
 }
 
-// A depth that stands without its code, since GetValue(index) forgot that, decides which steps that find nothing count. Walks whose
-// outcomes are used again must leave it as they would have left it each time.
+// A depth that stands without its code, since GetValue(index) forgot that, decides which steps that find nothing count.
+// Walks whose outcomes are used again must leave it as they would have left it each time.
 TEST(XPathModelTest, WhatAnEarlierQueryMissedCountsAsTheRulesCountIt) {
     const std::vector<Text> kSteps = {u"a", u"b", u"*", u"..", u"..", u".", u"@n", u"following-sibling::*"};
     const std::vector<Text> kStarts = {u"", u"", u"", u"/", u"//"};
     Dice dice(8);
-    // What the dice choose is put together from left to right: the parts of a sum would be made in an order that each compiler
-    // chooses.
+    // What the dice choose is put together from left to right: the parts of a sum would be made in an order that each
+    // compiler chooses.
     const auto appendPath = [&](Text& text, const Text& before, int most) {
         text += before + dice.pick(kSteps);
         for (int steps = dice.below(most); steps > 0; --steps) text += u"/" + dice.pick(kSteps);

@@ -78,12 +78,13 @@ public:
     bool isEntityName(const std::string& name) const;
     bool isEntityValue(const DataHolder& value) const;
 
-    // The value of the entity. An unknown name is reported ("<Xml::Dtd::getEntityValue> unkown entity name: ", the name) and
-    // gives the reference "&name;", good until the next unknown name.
+    // The value of the entity. An unknown name is reported ("<Xml::Dtd::getEntityValue> unkown entity name: ", the
+    // name) and gives the reference "&name;", good until the next unknown name.
     const DataHolder& getEntityValue(const std::string& name) const;
 
-    // The first name, in name order, of an entity with this value. An unknown value is reported ("<Xml::Dtd::getEntityValue>
-    // unkown entity value: ", the value) and gives the value itself, good until the next unknown value.
+    // The first name, in name order, of an entity with this value. An unknown value is reported
+    // ("<Xml::Dtd::getEntityValue> unkown entity value: ", the value) and gives the value itself, good until the next
+    // unknown value.
     const std::string& getEntityName(const DataHolder& value) const;
 
     // Readers bound the text that they make from references to entities: past this many bytes, and more than a hundred

@@ -17,8 +17,9 @@ namespace Xml {
 
 namespace {
 
-// By the rules a reader runs another one for each group within its own. Groups may be nested as deep as a text is long, so these
-// readers are levels on a stack here. As in the element reader a nested one reports under the name of the plain class.
+// By the rules a reader runs another one for each group within its own. Groups may be nested as deep as a text is long,
+// so these readers are levels on a stack here. As in the element reader a nested one reports under the name of the
+// plain class.
 class Groups {
 public:
     Groups(ChildrenSpecReader& outermost, InStream& stream, Dtd* itsDtd) : reader(outermost), in(stream), dtd(itsDtd) {}
@@ -106,8 +107,8 @@ private:
         }
     }
 
-    // What follows an item: a separator, the end of the group (and perhaps of those around it), or, without a separator, the
-    // next item.
+    // What follows an item: a separator, the end of the group (and perhaps of those around it), or, without a
+    // separator, the next item.
     bool goOn() {
         for (;;) {
             if (!nextToken()) return false;

@@ -15,8 +15,8 @@ public:
     explicit DTDReader(const std::string& name);
     ~DTDReader() override;
 
-    // Whether the declarations are an internal subset, which ends with "]" (consumed) and holds at least one declaration or
-    // comment; else they end with the data. False at first.
+    // Whether the declarations are an internal subset, which ends with "]" (consumed) and holds at least one
+    // declaration or comment; else they end with the data. False at first.
     void setInternal(bool internal);
 
     // After a failure the Dtd holds what was declared before it.

@@ -8,8 +8,8 @@ namespace Xml {
 class Dtd;
 class DTDReader;
 
-// Reads a document type declaration: its internal subset, or the external one in the file named after SYSTEM (relative to
-// the working directory of the process; regular files only).
+// Reads a document type declaration: its internal subset, or the external one in the file named after SYSTEM (relative
+// to the working directory of the process; regular files only).
 class ORVXML_API DoctypeReader : public Reader {
 public:
     DoctypeReader();
@@ -20,8 +20,8 @@ public:
     // Hands the Dtd over; null when there is none.
     Dtd* extractDtd();
 
-    // Whether external subsets are refused, without looking for the file: "external subset refused: " and the name. False
-    // at first; for the whole process. Returns what was set before.
+    // Whether external subsets are refused, without looking for the file: "external subset refused: " and the name.
+    // False at first; for the whole process. Returns what was set before.
     static bool refuseExternalSubsets(bool refuse);
 
 private:

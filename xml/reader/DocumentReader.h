@@ -17,9 +17,9 @@ class EntityBudget;
 //     if (!reader.parse(in)) std::cerr << reader.getErrorMessage() << '\n';
 //     std::unique_ptr<Xml::Document> document(reader.extractDocument());
 //
-// A document that is not valid is reported as "Doc could not be validated" and can be taken all the same. A DOCTYPE with a
-// PUBLIC identifier is skipped. After a success the error message may still hold a note: an encoding that is not supported,
-// or the end of the data after the root element.
+// A document that is not valid is reported as "Doc could not be validated" and can be taken all the same. A DOCTYPE
+// with a PUBLIC identifier is skipped. After a success the error message may still hold a note: an encoding that is not
+// supported, or the end of the data after the root element.
 class ORVXML_API DocumentReader : public Reader {
 public:
     DocumentReader();

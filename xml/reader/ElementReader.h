@@ -10,10 +10,10 @@ class Element;
 
 // Reads one element with its whole subtree.
 //
-// Attribute values are decoded with the entities of the Dtd; what those make is bounded (Dtd::setEntityGrowthLimit): "entity text
-// too large". White space between child elements, comments and tags is dropped; a run of text keeps all of its own, and is held
-// as it stands in the source, still escaped. Comments are dropped. Any other markup in content ends the parse:
-// `unexpected markup "<?"`.
+// Attribute values are decoded with the entities of the Dtd; what those make is bounded (Dtd::setEntityGrowthLimit):
+// "entity text too large". White space between child elements, comments and tags is dropped; a run of text keeps all of
+// its own, and is held as it stands in the source, still escaped. Comments are dropped. Any other markup in content
+// ends the parse: `unexpected markup "<?"`.
 class ORVXML_API ElementReader : public Reader {
 public:
     // The Dtd may be null; it is not owned.

@@ -10,8 +10,9 @@ class EntityBudget;
 class InStream;
 
 // The base of all readers. A reader reads one construct with its own `bool parse(InStream&)`, which is not virtual: it
-// returns true on success, and after a failure getErrorMessage() says where and why. Some failures are silent and leave the
-// message as it was; docs/errors.md lists them. A reader that runs another one takes over its message, an empty one too.
+// returns true on success, and after a failure getErrorMessage() says where and why. Some failures are silent and leave
+// the message as it was; docs/errors.md lists them. A reader that runs another one takes over its message, an empty one
+// too.
 class ORVXML_API Reader {
 public:
     Reader();

@@ -79,8 +79,8 @@ bool FileOutStream::putChars(const char* bytes, std::size_t count) {
     return true;
 }
 
-// Only in the standard's own buffers is the position known to be the number of bytes: in those of files as long as the locale
-// leaves the bytes as they are.
+// Only in the standard's own buffers is the position known to be the number of bytes: in those of files as long as the
+// locale leaves the bytes as they are.
 std::int64_t FileOutStream::countFrom() const {
     const std::streambuf* const buffer = stream->rdbuf();
     if (typeid(*this) != typeid(FileOutStream) || buffer == nullptr) return -1;

@@ -13,8 +13,8 @@ public:
     explicit FileOutStream(std::ostream* stream);
 
     // Opens the caller's `file` on `path` for binary writing, emptying the file and closing `file` first if it is open,
-    // and closes it at the end. When it cannot be opened "<Xml::FileOutStream::FileOutStream> Could not open file: " and
-    // the path is reported, and what is written is lost.
+    // and closes it at the end. When it cannot be opened "<Xml::FileOutStream::FileOutStream> Could not open file: "
+    // and the path is reported, and what is written is lost.
     FileOutStream(const std::string& path, std::ofstream* file);
     ~FileOutStream() override;
 

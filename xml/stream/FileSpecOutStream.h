@@ -9,8 +9,8 @@ namespace Xml {
 // Writes to a file of the platform layer.
 class ORVXML_API FileSpecOutStream : public OutStream {
 public:
-    // Writes to the caller's open file, from where it stands; it must outlive this object. The file keeps bytes back: all
-    // that is written is in it once the caller has closed it.
+    // Writes to the caller's open file, from where it stands; it must outlive this object. The file keeps bytes back:
+    // all that is written is in it once the caller has closed it.
     explicit FileSpecOutStream(OrvSys::FileIO& file);
 
     // Creates the file, or empties the one that is there, and closes it at the end. When it cannot be opened isValid()

@@ -50,8 +50,9 @@ bool OutStream::putChars(const char*, std::size_t) { return false; }
 
 std::int64_t OutStream::countFrom() const { return -1; }
 
-// Writes in runs: tabs are due only where a line begins, so a run reaches to the end of its line, or of the text when there
-// are no tabs to write. A sink that takes one byte at a time may look at the stream with each, so it gets them by the rule.
+// Writes in runs: tabs are due only where a line begins, so a run reaches to the end of its line, or of the text when
+// there are no tabs to write. A sink that takes one byte at a time may look at the stream with each, so it gets them by
+// the rule.
 void OutStream::putIndented(const char* bytes, std::size_t count) {
     const char* const end = bytes + count;
     while (bytes != end) {

@@ -52,8 +52,9 @@ protected:
     // takes its bytes by putChar, one at a time, as it does here. A sink gives the same answer for all bytes.
     virtual bool putChars(const char* bytes, std::size_t count);
 
-    // The position from which the bytes written may be counted, so that it need not be asked for at every node; -1 where
-    // counting would not do. Only the exact class of a sink can know all that moves it: a class derived from it gives -1.
+    // The position from which the bytes written may be counted, so that it need not be asked for at every node; -1
+    // where counting would not do. Only the exact class of a sink can know all that moves it: a class derived from it
+    // gives -1.
     virtual std::int64_t countFrom() const;
 
     // By these a sink that counts keeps the count right: after bytes, after a move, and when its position is lost.

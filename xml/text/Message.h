@@ -30,8 +30,8 @@ public:
     // Sets `out` to `value` and returns what it was: false silences all further messages, true lets them through again.
     static bool disableOutput(bool value);
 
-    // The text of the last message, empty before the first; changed by every message, also by those not let through. The
-    // reference stays good until the process ends, in the destructors of static objects too.
+    // The text of the last message, empty before the first; changed by every message, also by those not let through.
+    // The reference stays good until the process ends, in the destructors of static objects too.
     static const std::string& lastMessage();
     static const std::string& getLastMessage();
 

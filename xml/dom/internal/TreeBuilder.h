@@ -9,11 +9,12 @@
 
 namespace Xml {
 
-// Builds a tree in the order of a text: an element begins, gets attributes and children, and ends. Knows nothing of tokens.
+// Builds a tree in the order of a text: an element begins, gets attributes and children, and ends. Knows nothing of
+// tokens.
 //
-// An element becomes a child when it ends. So what was built of the outermost one has finished children only, whatever stops the
-// building. Links and marks are those that setAttribute and addChild leave, but nothing is walked for them: nothing links to a
-// Dtd yet, and everything is marked as changed already.
+// An element becomes a child when it ends. So what was built of the outermost one has finished children only, whatever
+// stops the building. Links and marks are those that setAttribute and addChild leave, but nothing is walked for them:
+// nothing links to a Dtd yet, and everything is marked as changed already.
 //
 //     TreeBuilder tree(root);
 //     tree.begin("a");
@@ -47,8 +48,8 @@ public:
         here = begun;
     }
 
-    // The attributes of the innermost element, in the order of the text. The element has them in its own order once this goes,
-    // however many there were: of several with one name the last.
+    // The attributes of the innermost element, in the order of the text. The element has them in its own order once
+    // this goes, however many there were: of several with one name the last.
     class Attributes {
     public:
         explicit Attributes(TreeBuilder& tree) : element(*tree.here) {}

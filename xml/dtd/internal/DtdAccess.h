@@ -36,16 +36,17 @@ struct DtdAccess {
     // The list with the element's attributes, made without definitions where there is none.
     static AttributeList& makeList(Dtd& dtd, const std::string& element) { return dtd.attributeLists[element]; }
 
-    // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The Dtd
-    // of the list is for the caller to touch.
+    // Takes the definition into a list. False, and it stays the caller's, where the attribute is defined already. The
+    // Dtd of the list is for the caller to touch.
     static bool define(AttributeList& list, const std::string& attribute, AttDef* definition) {
         if (!list.definitions.try_emplace(attribute, definition).second) return false;
         if (definition->isRequired()) ++list.required;
         return true;
     }
 
-    // Bytes that were read for the Dtd before a reading that uses it, or aside from it: an external subset, a prolog read as a step
-    // of its own. They count in the bound below, for a fragment that is read with a document's Dtd as well.
+    // Bytes that were read for the Dtd before a reading that uses it, or aside from it: an external subset, a prolog
+    // read as a step of its own. They count in the bound below, for a fragment that is read with a document's Dtd as
+    // well.
     static std::int64_t bytesReadElsewhere(const Dtd& dtd) { return dtd.bytesRead; }
     static void addBytesRead(Dtd& dtd, std::int64_t count) { dtd.bytesRead += count; }
 

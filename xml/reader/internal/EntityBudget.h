@@ -9,15 +9,16 @@ class DataHolder;
 class Dtd;
 class InStream;
 
-// How much text references to entities may make in one reading, so that a small document cannot fill the memory. Documents may be
-// large: only what is out of all proportion to the bytes that were read is refused.
+// How much text references to entities may make in one reading, so that a small document cannot fill the memory.
+// Documents may be large: only what is out of all proportion to the bytes that were read is refused.
 //
-// A reading is what the outermost reader reads, with all readers that it runs; the steps of a DocumentReader are one. Its budget
-// is its own: of a Dtd that much is read with, each reading may make as much text as the first.
+// A reading is what the outermost reader reads, with all readers that it runs; the steps of a DocumentReader are one.
+// Its budget is its own: of a Dtd that much is read with, each reading may make as much text as the first.
 class EntityBudget {
 public:
-    // Replaces the references in a value that has just been read from `in`, by the entities of `dtd` where it is given. False, and
-    // the value is unchanged, when all text that such references made would pass the bound (see Dtd::setEntityGrowthLimit).
+    // Replaces the references in a value that has just been read from `in`, by the entities of `dtd` where it is given.
+    // False, and the value is unchanged, when all text that such references made would pass the bound (see
+    // Dtd::setEntityGrowthLimit).
     bool expand(const InStream& in, DataHolder& value, const Dtd* dtd);
 
     // Bytes made so far.

@@ -13,9 +13,10 @@ class TreeBuilder;
 
 // Reads an element with its whole subtree by tokens: every rule of content, every message.
 //
-// By the rules a reader runs another one for each child element. Here that is one loop, with the open elements on the stack of
-// the builder. The readers that it stands for show in two ways: a nested element that fails reports under the name of the plain
-// element reader, whichever class reads the outer one, and an element becomes a child when it is complete.
+// By the rules a reader runs another one for each child element. Here that is one loop, with the open elements on the
+// stack of the builder. The readers that it stands for show in two ways: a nested element that fails reports under the
+// name of the plain element reader, whichever class reads the outer one, and an element becomes a child when it is
+// complete.
 class LiteralContent {
 public:
     // `outermost` reads the outermost element and gets the message. The Dtd may be null.

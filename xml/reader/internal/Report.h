@@ -7,9 +7,9 @@ namespace Xml {
 
 class Reader;
 
-// The one way from a reader to code that may be a caller's: an overridden Reader::message, the handler of diagnostics. Such code
-// may look at the source, which stands where it should only after the window went back. A layout test holds that no reader has
-// another way.
+// The one way from a reader to code that may be a caller's: an overridden Reader::message, the handler of diagnostics.
+// Such code may look at the source, which stands where it should only after the window went back. A layout test holds
+// that no reader has another way.
 struct Report {
     // Calls Reader::message.
     static void message(Reader& reader, InStream& in, const std::string& text);

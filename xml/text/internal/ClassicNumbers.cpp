@@ -63,8 +63,8 @@ std::int64_t digitsInFront(std::string_view text, unsigned base, std::int64_t mo
     return number;
 }
 
-// Moves to what follows a number such as a stream takes for one. False where it takes none: an exponent without digits makes
-// all of it none.
+// Moves to what follows a number such as a stream takes for one. False where it takes none: an exponent without digits
+// makes all of it none.
 bool skipNumber(std::string_view& text) {
     bool digits = skipDigits(text);
     if (!text.empty() && text[0] == '.') {

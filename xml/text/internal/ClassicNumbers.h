@@ -7,19 +7,20 @@
 namespace Xml::Classic {
 
 // The number that `text` begins with, as the formatted extraction of a standard stream has it: white space in front is
-// skipped, what follows the number is ignored. 0 where there is none, the largest or smallest of the type for one out of range.
+// skipped, what follows the number is ignored. 0 where there is none, the largest or smallest of the type for one out
+// of range.
 int extractInt(std::string_view text);
 double extractDouble(const std::string& text);
 
-// The same for an unsigned number of base 10 or 16, but 0 for one out of range. A sign is read (-1 is the largest number), and
-// "0x" in front of hexadecimal digits.
+// The same for an unsigned number of base 10 or 16, but 0 for one out of range. A sign is read (-1 is the largest
+// number), and "0x" in front of hexadecimal digits.
 unsigned extractUnsigned(std::string_view text, unsigned base);
 
 // As std::atof: it takes more for a number than a stream does ("inf", "0x10", the 1 of "1e").
 double atof(const char* text);
 
-// Fixed-point text, as printf's "%f" has it, with `precision` digits after the point: a double has no more than 1074 that
-// are not zero, and more are not written.
+// Fixed-point text, as printf's "%f" has it, with `precision` digits after the point: a double has no more than 1074
+// that are not zero, and more are not written.
 std::string fixedPoint(double number, int precision);
 
 }  // namespace Xml::Classic

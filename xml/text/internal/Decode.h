@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-// References to bytes. A reference is what stands from '&' to the next ';' or, where none follows, to the end of the text; its
-// name is what stands between them.
+// References to bytes. A reference is what stands from '&' to the next ';' or, where none follows, to the end of the
+// text; its name is what stands between them.
 namespace Xml {
 
 // How much text references to entities have made, and how much they may.
@@ -23,10 +23,10 @@ constexpr bool isCharReference(std::string_view name) { return name.size() >= 2 
 // The byte that a standard entity or a character reference stands for, 0 for none.
 char standardValue(std::string_view name);
 
-// Appends `text` to `result` with each reference replaced by its value, in one pass: values are not looked through again. What
-// has no standard value is looked up: `lookUp(name)` points to the value of an entity, or is null for an unknown one, which
-// stays, with a ';' at its end. Values that were looked up are counted in `expansion`; false when the next one would pass the
-// bound, and `result` ends before it.
+// Appends `text` to `result` with each reference replaced by its value, in one pass: values are not looked through
+// again. What has no standard value is looked up: `lookUp(name)` points to the value of an entity, or is null for an
+// unknown one, which stays, with a ';' at its end. Values that were looked up are counted in `expansion`; false when
+// the next one would pass the bound, and `result` ends before it.
 template <class LookUp>
 bool appendDecoded(std::string& result, std::string_view text, LookUp&& lookUp, Expansion& expansion) {
     std::size_t done = 0;

@@ -6,8 +6,9 @@
 #include <locale>
 #include <streambuf>
 
-// Calls of standard streams whose failures show in the stream's state and nowhere else. Where the exceptions of a stream are
-// switched on its operations set the state first and throw then: a failure of their own, or what their buffer threw.
+// Calls of standard streams whose failures show in the stream's state and nowhere else. Where the exceptions of a
+// stream are switched on its operations set the state first and throw then: a failure of their own, or what their
+// buffer threw.
 namespace Xml {
 
 template <class Operation>

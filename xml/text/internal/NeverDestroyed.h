@@ -4,8 +4,8 @@
 
 namespace Xml {
 
-// For a static object that must outlive every other one: a destructor of a caller's static object may still ask for it. It is
-// made in place, which allocates nothing, and is never destroyed; what it owns stays reachable for leak checkers.
+// For a static object that must outlive every other one: a destructor of a caller's static object may still ask for it.
+// It is made in place, which allocates nothing, and is never destroyed; what it owns stays reachable for leak checkers.
 //
 //     static NeverDestroyed<std::string> text;
 //     return text.get();
