@@ -80,8 +80,7 @@ struct ReadCase {
     Bounds bounds = {};
 };
 
-// Every case from every kind of source, each in a process of its own. Where a case takes more memory than bounds give
-// at first, two of the sources read it, in turn.
+// Every case from every kind of source, each in a process of its own.
 void expectOutcomes(const std::vector<ReadCase>& cases);
 
 struct RunCase {
