@@ -248,4 +248,23 @@ TEST(DocumentTest, TheCopyOfADocumentWithoutRootIsEmpty) {
 }
 
 }  // namespace
+// An element that asks its document while it is destroyed.
+class Asking : public Element {
+public:
+    Asking(const std::string& itsName, std::string& itsAnswer) : Element(itsName), answer(itsAnswer) {}
+    ~Asking() override { answer = getParent()->toString() + " " + getParent()->toDocument()->getDtd()->toString(); }
+
+private:
+    std::string& answer;
+};
+
+TEST(DocumentTest, AnswersTheNodesThatItDestroys) {
+    std::string answer;
+    {
+        const Document document(new Asking("r", answer), new Dtd("r"));
+        EXPECT_EQ(document.toString(), "<Document> r");
+    }
+    EXPECT_EQ(answer, "<Document> r <Document Type Description>");
+}
+
 }  // namespace Xml::test

@@ -43,7 +43,13 @@ Document::Document(const Document& other) : Document(nullptr, nullptr) {
     if (root != nullptr) root->setDtd(dtd.get());
 }
 
-Document::~Document() = default;
+// Root first, and while all members are there: destructors of callers' nodes may ask the document.
+Document::~Document() {
+    delete root.get();
+    root.release();
+    delete dtd.get();
+    dtd.release();
+}
 
 Element* Document::getRoot() { return root.get(); }
 const Element* Document::getRoot() const { return root.get(); }

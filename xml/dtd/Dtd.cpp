@@ -12,6 +12,7 @@
 #include "xml/text/Entities.h"
 #include "xml/text/Message.h"
 #include "xml/text/internal/EmptyData.h"
+#include "xml/text/internal/NeverDestroyed.h"
 #include <memory>
 #include <utility>
 
@@ -222,8 +223,8 @@ const std::string& Dtd::getEntityName(const DataHolder& value) const {
 Object* Dtd::clone() const { return new Dtd(*this); }
 
 const std::string& Dtd::toString() const {
-    static const std::string text = "<Document Type Description>";
-    return text;
+    static NeverDestroyed<std::string> text("<Document Type Description>");
+    return text.get();
 }
 
 bool Dtd::isDtd() const { return true; }

@@ -12,7 +12,10 @@ namespace Xml {
 template <class T>
 class NeverDestroyed {
 public:
-    NeverDestroyed() { ::new (static_cast<void*>(storage)) T(); }
+    template <class... Arguments>
+    explicit NeverDestroyed(const Arguments&... arguments) {
+        ::new (static_cast<void*>(storage)) T(arguments...);
+    }
     NeverDestroyed(const NeverDestroyed&) = delete;
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
 
