@@ -467,6 +467,35 @@ TEST(ElementReaderTest, HandsOverWhatWasReadWhileItReports) {
     }
 }
 
+// A source that takes what is read out of its reader when it comes to that byte.
+class TakingSource : public BareInStream {
+public:
+    TakingSource(const std::string& bytes, int itsPlace, ElementReader& itsReader)
+        : BareInStream(bytes), place(itsPlace), reader(itsReader) {}
+
+    bool getChar(char& c) override {
+        if (getPosition() == place && taken == nullptr) taken.reset(reader.extractRoot());
+        return BareInStream::getChar(c);
+    }
+
+    std::unique_ptr<Element> taken;
+
+private:
+    int place;
+    ElementReader& reader;
+};
+
+TEST(ElementReaderTest, FinishesATreeThatIsTakenWhileItIsRead) {
+    const std::string text = "<a><b><c/></b><d/>x</a>";
+    for (int place = 0; place < static_cast<int>(text.size()); ++place) {
+        SCOPED_TRACE(place);
+        ElementReader reader;
+        TakingSource in(text, place, reader);
+        EXPECT_TRUE(reader.parse(in));
+        EXPECT_EQ(dump(in.taken != nullptr ? in.taken.get() : reader.getRoot()), "a(b(c) d 'x')");
+    }
+}
+
 TEST(ElementReaderTest, BoundsTheTextMadeFromOneLargeEntityInManyAttributes) {
     std::string text = "<a";
     for (int i = 0; i < 100; ++i) text += " x" + std::to_string(i) + "='&e;'";

@@ -24,7 +24,7 @@ namespace Xml {
 class TreeBuilder {
 public:
     // The outermost element is put into `root` as soon as it begins, in place of what is there. One in all.
-    explicit TreeBuilder(std::unique_ptr<Element>& outermost) : root(outermost) {}
+    explicit TreeBuilder(std::unique_ptr<Element>& itsRoot) : root(itsRoot) {}
 
     TreeBuilder(const TreeBuilder&) = delete;
     TreeBuilder& operator=(const TreeBuilder&) = delete;
@@ -43,6 +43,7 @@ public:
         if (isOpen()) {
             inner.push_back(std::move(element));
         } else {
+            outermost = begun;
             root = std::move(element);
         }
         here = begun;
@@ -76,7 +77,7 @@ public:
             here = nullptr;
             return;
         }
-        here = inner.size() > 1 ? inner[inner.size() - 2].get() : root.get();
+        here = inner.size() > 1 ? inner[inner.size() - 2].get() : outermost;
         NodeAccess::appendChild(*here, std::move(inner.back()));
         inner.pop_back();
     }
@@ -84,6 +85,7 @@ public:
 private:
     std::unique_ptr<Element>& root;
     std::vector<std::unique_ptr<Element>> inner;  // those within the outermost that have not ended, the innermost last
+    Element* outermost = nullptr;                 // which code of callers may take out of `root` meanwhile
     Element* here = nullptr;
 };
 
