@@ -13,6 +13,8 @@
 namespace Xml::test {
 namespace {
 
+using internal::Attributes;
+
 std::unique_ptr<Attribute> attribute(const std::string& name, const std::string& value) {
     return std::make_unique<Attribute>(name, DataHolder(value));
 }

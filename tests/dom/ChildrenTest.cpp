@@ -11,6 +11,8 @@
 namespace Xml::test {
 namespace {
 
+using internal::Children;
+
 int living = 0;
 
 class Counted : public Element {

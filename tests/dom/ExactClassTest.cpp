@@ -24,7 +24,7 @@ public:
     OwnDocument() : Document(nullptr, nullptr) {}
 };
 
-bool isKnown(const Object& node) { return NodeAccess::marks(node).exactClass.isKnown(); }
+bool isKnown(const Object& node) { return NodeAccess::marks(node).exactClass.known() != NodeClass::Unknown; }
 
 TEST(ExactClassTest, IsFoundOutForNodesThatAreMadeByCallers) {
     const Element element("e");

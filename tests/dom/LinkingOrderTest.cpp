@@ -206,10 +206,10 @@ TEST_F(LinkingOrderTest, ANodeThatCannotBeLinkedStaysTheCallersWithoutLinks) {
     } kCases[] = {
         {"appended",
          [](Element& e, Object* node) { e.addChild(node); },
-         {"link v in part(leaf v), beside box(a b part)", "unlink v in part(leaf v), beside box(a b)"}},
+         {"link v in part(leaf v), beside box(a b part)", "unlink v in part(leaf v), beside box(a b part)"}},
         {"inserted",
          [](Element& e, Object* node) { e.insertChild(e.getChild(1), node); },
-         {"link v in part(leaf v), beside box(a part b)", "unlink v in part(leaf v), beside box(a b)"}},
+         {"link v in part(leaf v), beside box(a part b)", "unlink v in part(leaf v), beside box(a part b)"}},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);

@@ -463,4 +463,49 @@ TEST_F(SubclassTest, DeepChainsOfPlainAndOwnElementsAreCopiedWrittenAndDestroyed
 }
 
 }  // namespace
+// Text whose copy has the parent of the copy before it written.
+class Restless : public CharData {
+public:
+    explicit Restless(const Restless** itsLast) : CharData(DataHolder("x")), last(itsLast) {}
+    Restless(const Restless&) = default;
+
+    Object* clone() const override {
+        if (*last != nullptr && (*last)->getParent() != nullptr) {
+            std::ostringstream text;
+            FileOutStream out(&text);
+            (*last)->getParent()->toStream(out);
+        }
+        auto* const copy = new Restless(*this);
+        *last = copy;
+        return copy;
+    }
+
+private:
+    const Restless** last;
+};
+
+// An element that writes in its own way.
+class Loud : public Element {
+public:
+    Loud() : Element("loud") {}
+    Loud(const Loud&) = default;
+
+    Object* clone() const override { return new Loud(*this); }
+    void write(OutStream& out) const override { out << std::string("LOUD"); }
+};
+
+TEST_F(SubclassTest, IsWrittenByItsOwnWriteAlsoWhereItWasAskedForWhileItWasCopied) {
+    const Restless* last = nullptr;
+    Loud loud;
+    loud.addChild(new Restless(&last));
+    loud.addChild(new Restless(&last));
+    Element top("root");
+    top.addChild(loud.clone());
+    ASSERT_NE(last, nullptr);
+    std::ostringstream text;
+    FileOutStream out(&text);
+    top.toStream(out);
+    EXPECT_EQ(text.str(), "<root>\n\tLOUD\n</root>");
+}
+
 }  // namespace Xml::test

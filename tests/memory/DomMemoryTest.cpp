@@ -119,8 +119,8 @@ TEST(DomMemoryTest, AChildThatCannotBeAddedStaysTheCallersWithoutLinks) {
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
-        forEachFailingAllocation([&c](Attempt& attempt) {
-            std::unique_ptr<Object> child = nested(5);
+        const auto scenario = [&c](Attempt& attempt) {
+            std::unique_ptr<Object> child = nested(40);
             {
                 const auto document = garden();
                 EXPECT_TRUE(document->validate());
@@ -133,38 +133,42 @@ TEST(DomMemoryTest, AChildThatCannotBeAddedStaysTheCallersWithoutLinks) {
                 } else {
                     EXPECT_EQ(dump(document.get()), before);
                     EXPECT_EQ(child->getParent(), nullptr);
-                    EXPECT_EQ(linksOf(*child), linksOf(*nested(5)));
+                    EXPECT_EQ(linksOf(*child), linksOf(*nested(40)));
                     EXPECT_TRUE(document->validate());
                     expectUsable(*document);
                 }
             }
             // The child outlives the document, and its Dtd.
             if (child) {
-                EXPECT_EQ(textOf(*child), textOf(*nested(5)));
+                EXPECT_EQ(textOf(*child), textOf(*nested(40)));
                 EXPECT_EQ(child->toElement()->getAttributeValue("place"), "");
             }
-        });
+        };
+        forEachFailingAllocation(scenario);
+        forEachShortage(scenario);
     }
 }
 
 TEST(DomMemoryTest, PartsOfADocumentThatCannotBeMadeStayTheCallersWithoutLinks) {
-    forEachFailingAllocation([](Attempt& attempt) {
-        std::unique_ptr<Element> root = nested(5);
+    const auto scenario = [](Attempt& attempt) {
+        std::unique_ptr<Element> root = nested(40);
         {
             auto dtd = std::make_unique<Dtd>("bed");
             std::unique_ptr<Document> document;
             if (attempt([&] { document = std::make_unique<Document>(root.get(), dtd.get()); })) {
                 EXPECT_EQ(document->getRoot(), root.release());
                 EXPECT_EQ(document->getDtd(), dtd.release());
-                EXPECT_EQ(dump(document.get()), dump(nested(5).get()));
+                EXPECT_EQ(dump(document.get()), dump(nested(40).get()));
                 return;
             }
-            EXPECT_EQ(linksOf(*root), linksOf(*nested(5)));
+            EXPECT_EQ(linksOf(*root), linksOf(*nested(40)));
             EXPECT_EQ(root->getParent(), nullptr);
             EXPECT_EQ(dtd->getParent(), nullptr);
         }
-        EXPECT_EQ(textOf(*root), textOf(*nested(5)));
-    });
+        EXPECT_EQ(textOf(*root), textOf(*nested(40)));
+    };
+    forEachFailingAllocation(scenario);
+    forEachShortage(scenario);
 }
 
 TEST(DomMemoryTest, WhatCannotBeTakenOutStays) {

@@ -16,6 +16,7 @@ long live = 0;  // allocations that were not given back
 bool counting = false;
 long counted = 0;
 long due = 0;            // the one to fail
+bool lasting = false;    // so do all after it, as long as the operation lasts
 bool refused = false;    // it has failed
 bool mayShow = false;    // ... in the operation that has ended last
 bool tolerated = false;  // ... where the caller had said that it can do without
@@ -39,7 +40,7 @@ int failedParts() {
 }  // namespace
 
 void* allocate(std::size_t bytes, bool tolerant) noexcept {
-    if (counting && ++counted == due) {
+    if (counting && (++counted == due || (lasting && due > 0 && counted > due))) {
         refused = mayShow = true;
         tolerated = tolerant;
         return nullptr;
@@ -75,6 +76,12 @@ void Attempt::judge(const std::string& thrown, bool mustShow) {
     } else {
         EXPECT_EQ(thrown, "") << "came out although nothing had failed, or nothing that may show";
     }
+}
+
+void forEachShortage(const std::function<void(Attempt&)>& scenario) {
+    lasting = true;
+    forEachFailingAllocation(scenario);
+    lasting = false;
 }
 
 void forEachFailingAllocation(const std::function<void(Attempt&)>& scenario) {

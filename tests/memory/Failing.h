@@ -72,6 +72,9 @@ private:
 //     });
 void forEachFailingAllocation(const std::function<void(Attempt&)>& scenario);
 
+// The same with memory that stays out once it has run out, until the operation ends.
+void forEachShortage(const std::function<void(Attempt&)>& scenario);
+
 // Takes diagnostics without allocating, and counts them.
 class QuietMessages {
 public:

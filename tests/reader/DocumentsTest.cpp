@@ -3,6 +3,7 @@
 #include "models/Snapshot.h"
 #include "orvsys/Files.h"
 #include "support/Messages.h"
+#include "support/Rounds.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
@@ -222,7 +223,7 @@ TEST_P(DocumentsTest, IsWrittenTheSameOnceItHasBeenWritten) {
 TEST_P(DocumentsTest, EndsAlikeFromEverySourceWhenAPieceOfItIsDamaged) {
     std::mt19937 random(5);
     const std::string& text = documentText(GetParam());
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < rounds(1000); ++i) {
         std::size_t length = 0;
         const std::string piece = longestPieceOf(text, random, length);
         const std::size_t place = std::uniform_int_distribution<std::size_t>(0, length - 1)(random);
@@ -233,7 +234,7 @@ TEST_P(DocumentsTest, EndsAlikeFromEverySourceWhenAPieceOfItIsDamaged) {
 TEST_P(DocumentsTest, EndsAlikeFromEverySourceWhenItIsDamaged) {
     std::mt19937 random(52);
     const std::string& text = documentText(GetParam());
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < rounds(20); ++i) {
         const std::size_t place = std::uniform_int_distribution<std::size_t>(0, text.size() - 1)(random);
         const std::string bad = damaged(text, place, random);
         StringInStream naiveIn(bad);

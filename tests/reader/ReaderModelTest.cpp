@@ -632,7 +632,7 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersWithoutWhatIsReadAhead) {
     const WithoutReadAhead off;
     Maker make(55);
     Comparison comparison;
-    for (int i = 0; i < 2500; ++i) {
+    for (int i = 0; i < rounds(2500); ++i) {
         SCOPED_TRACE(i);
         const std::string document = make.chance(10) ? make.soup() : make.damaged(make.document());
         ASSERT_TRUE(comparison.agree(document, libraryDocument, naiveDocument));

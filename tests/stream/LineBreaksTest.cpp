@@ -10,6 +10,8 @@
 namespace Xml::test {
 namespace {
 
+using internal::LineBreaks;
+
 struct Place {
     int position;
     int line;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace Xml {
+namespace Xml::internal {
 
 Attributes::~Attributes() {
     for (const Attribute* attribute : sorted) delete attribute;
@@ -70,4 +70,4 @@ void Attributes::sort() {
     sorted.resize(kept);
 }
 
-}  // namespace Xml
+}  // namespace Xml::internal

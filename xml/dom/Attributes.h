@@ -7,8 +7,10 @@
 #include <vector>
 
 namespace Xml {
-
 class Attribute;
+}  // namespace Xml
+
+namespace Xml::internal {
 
 // The attributes of one element, in the byte order of their names. It owns them, and they never move in memory: only
 // the pointers to them do. It sets neither links nor parents: that is the element's affair.
@@ -58,4 +60,4 @@ private:
     std::vector<Attribute*> sorted;
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -1,6 +1,6 @@
 #include "xml/dom/Children.h"
 
-namespace Xml {
+namespace Xml::internal {
 
 std::size_t Children::placeOf(const Object* node) const {
     if (node == nullptr) return nodes.size();
@@ -38,4 +38,4 @@ bool Children::deleteCharData() {
     return deleted;
 }
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-namespace Xml {
+namespace Xml::internal {
 
 // The child nodes of one element, in document order. It owns them; what comes in or goes out does so as a unique_ptr.
 // It sets neither links nor parents: that is the element's affair.
@@ -67,4 +67,4 @@ private:
     std::vector<Object*> nodes;
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

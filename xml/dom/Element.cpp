@@ -64,6 +64,8 @@ Element::Element(const Element& other) : Element() {
             to->children.append(std::move(made));
         }
     }
+    // Code of callers in a clone may have asked for the class of this element, which may become one of a derived class.
+    NodeAccess::forgetClass(*this);
 }
 
 // Name and attributes, and room for the children.
@@ -118,12 +120,7 @@ bool Element::setShortNotationForEmptyTags(bool use) {
     return before;
 }
 
-void Element::setDtd(const Dtd* newDtd) {
-    linkBelow(*this, newDtd, [newDtd](Element& element) {
-        NodeAccess::setOwnDtd(element, newDtd);
-        return true;
-    });
-}
+void Element::setDtd(const Dtd* newDtd) { linkAll(*this, newDtd); }
 
 Object* Element::clone() const { return NodeAccess::exactly(NodeClass::Element, new Element(*this)).release(); }
 

@@ -163,8 +163,8 @@ private:
     ORVXML_LOCAL void adopt(std::unique_ptr<Object> child);
     ORVXML_LOCAL void copyOwn(const Element& other);
 
-    Children children;
-    Attributes attributes;
+    internal::Children children;
+    internal::Attributes attributes;
     std::string name;
     mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
 

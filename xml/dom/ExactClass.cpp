@@ -5,7 +5,7 @@
 #include "xml/dom/Element.h"
 #include <typeinfo>
 
-namespace Xml {
+namespace Xml::internal {
 
 namespace {
 
@@ -24,4 +24,4 @@ NodeClass ExactClass::look(const Object& node) const {
     return found;
 }
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -4,8 +4,10 @@
 #include <cstdint>
 
 namespace Xml {
-
 class Object;
+}  // namespace Xml
+
+namespace Xml::internal {
 
 // The library's own classes of nodes that its loops treat themselves, and any other.
 enum class NodeClass : std::uint8_t { Unknown, Other, Attribute, CharData, Element };
@@ -15,9 +17,9 @@ enum class NodeClass : std::uint8_t { Unknown, Other, Attribute, CharData, Eleme
 // called.
 //
 // The constructors of a node cannot know: those of a derived class run the same ones. So what makes a node in the
-// library says what it made, and any other node is looked at when it is first asked about; the answer stays with it. No
-// code of a caller runs before a node of these classes is whole, so it is never asked too early. Several threads may
-// ask at the same time: each finds the same.
+// library says what it made, and any other node is looked at when it is first asked about; the answer stays with it.
+// Where code of a caller may ask before a node is whole, as while an element is copied, the answer is forgotten at the
+// end. Several threads may ask at the same time: each finds the same.
 //
 // Not for callers.
 class ExactClass {
@@ -31,14 +33,14 @@ public:
 
     // What `node`, the one that this belongs to, is.
     NodeClass of(const Object& node) const {
-        const NodeClass known = value.load(std::memory_order_relaxed);
-        return known != NodeClass::Unknown ? known : look(node);
+        const NodeClass found = known();
+        return found != NodeClass::Unknown ? found : look(node);
     }
 
-    void set(NodeClass made) { value.store(made, std::memory_order_relaxed); }
+    // What has been said or found out.
+    NodeClass known() const { return value.load(std::memory_order_relaxed); }
 
-    // Whether it has been said or found out already.
-    bool isKnown() const { return value.load(std::memory_order_relaxed) != NodeClass::Unknown; }
+    void set(NodeClass made) { value.store(made, std::memory_order_relaxed); }
 
 private:
     NodeClass look(const Object& node) const;
@@ -46,4 +48,4 @@ private:
     mutable std::atomic<NodeClass> value{NodeClass::Unknown};
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

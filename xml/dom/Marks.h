@@ -4,8 +4,10 @@
 #include <cstdint>
 
 namespace Xml {
-
 class Dtd;
+}  // namespace Xml
+
+namespace Xml::internal {
 
 // What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has
 // changed since it was last written, where that was, and which class it is exactly of. Writing is no change of a node,
@@ -50,4 +52,4 @@ private:
     const Dtd* link = nullptr;
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -3,9 +3,11 @@
 #include <cstddef>
 
 namespace Xml {
-
 class Attribute;
 class Object;
+}  // namespace Xml
+
+namespace Xml::internal {
 
 // Nodes side by side that are kept elsewhere: what an element shows of its children and of its attributes, however it
 // stores them. A copy costs two words. It is good until the element changes.
@@ -33,4 +35,4 @@ private:
 using NodeSpan = SpanOf<Object>;
 using AttributeSpan = SpanOf<Attribute>;
 
-}  // namespace Xml
+}  // namespace Xml::internal

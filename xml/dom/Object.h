@@ -82,7 +82,7 @@ public:
 private:
     friend struct NodeAccess;
 
-    Marks marks;
+    internal::Marks marks;
     Object* parent = nullptr;
 };
 

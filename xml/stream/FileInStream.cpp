@@ -139,8 +139,8 @@ int FileInStream::positionOfBytes(const Window&) const {
     return static_cast<int>(tellOf(buffer) - (GetArea::cursor(buffer) - GetArea::begin(buffer)));
 }
 
-bool FileInStream::isTooLarge() const { return tooLarge; }
+bool FileInStream::isTooLarge(const Window&) const { return tooLarge; }
 
-bool FileInStream::cannotComeBack() const { return metItsEnd; }
+bool FileInStream::cannotComeBack(const Window&) const { return metItsEnd; }
 
 }  // namespace Xml

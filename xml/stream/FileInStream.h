@@ -34,8 +34,8 @@ protected:
     bool lendBytes(Window& lent) override;
     void takeBytesBack(const Window& lent) const override;
     int positionOfBytes(const Window& lent) const override;
-    bool isTooLarge() const override;
-    bool cannotComeBack() const override;
+    bool isTooLarge(const Window& lent) const override;
+    bool cannotComeBack(const Window& lent) const override;
 
 private:
     ORVXML_LOCAL void measure();

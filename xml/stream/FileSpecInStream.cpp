@@ -68,6 +68,6 @@ void FileSpecInStream::takeBytesBack(const Window& lent) const {
     file->SkipBuffered(static_cast<std::size_t>(lent.cursor - lent.begin));
 }
 
-bool FileSpecInStream::isTooLarge() const { return length > kMostPosition; }
+bool FileSpecInStream::isTooLarge(const Window&) const { return length > kMostPosition; }
 
 }  // namespace Xml

@@ -30,7 +30,7 @@ public:
 protected:
     bool lendBytes(Window& lent) override;
     void takeBytesBack(const Window& lent) const override;
-    bool isTooLarge() const override;
+    bool isTooLarge(const Window& lent) const override;
 
 private:
     std::unique_ptr<OrvSys::FileIO> owned;

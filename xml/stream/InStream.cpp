@@ -29,9 +29,9 @@ void InStream::takeBytesBack(const Window&) const {}
 
 int InStream::positionOfBytes(const Window&) const { return -1; }
 
-bool InStream::isTooLarge() const { return false; }
+bool InStream::isTooLarge(const Window&) const { return false; }
 
-bool InStream::cannotComeBack() const { return false; }
+bool InStream::cannotComeBack(const Window&) const { return false; }
 
 // --- Tokens ---
 

@@ -103,10 +103,13 @@ public:
     const std::string& getErrorMessage() const;
 
 protected:
+    using Window = internal::Window;
+
     InStream();
 
     // A source that has its bytes in memory may lend them, so that they need not be asked for one by one. A library
     // source does so only in objects of exactly its class: one that is derived from it has its own primitives called.
+    // Each operation names the window, so that none of a caller's is taken for it.
 
     // Fills the empty window, with at least one byte at the cursor; false where there is nothing to lend.
     virtual bool lendBytes(Window& lent);
@@ -118,10 +121,10 @@ protected:
     virtual int positionOfBytes(const Window& lent) const;
 
     // Whether there are bytes whose positions an int cannot hold: reads fail then, with a message of their own.
-    virtual bool isTooLarge() const;
+    virtual bool isTooLarge(const Window& lent) const;
 
     // Whether the source has met its end in a way from which setPosition does not lead back.
-    virtual bool cannotComeBack() const;
+    virtual bool cannotComeBack(const Window& lent) const;
 
     // Gives the bytes back. Every primitive of a source that lends bytes does this first.
     void releaseWindow() const {
@@ -139,8 +142,8 @@ private:
     mutable Window window;
     std::string parseBuffer;
     mutable std::string errorMessage;
-    LineBreaks lineBreaks;
-    Nesting nesting;
+    internal::LineBreaks lineBreaks;
+    internal::Nesting nesting;
     std::unique_ptr<ReadAhead> readAhead;  // null until there is something to remember
 };
 

@@ -9,7 +9,7 @@
 // from then on the numbers of all positions are in a table, and the first position that is not before a given one is
 // looked for among the leaders, those that are greater than all positions met earlier: these rise again.
 
-namespace Xml {
+namespace Xml::internal {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::size_t LineBreaks::firstNotBefore(int position) const {
     return found == leaders.end() ? positions.size() : *found;
 }
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-namespace Xml {
+namespace Xml::internal {
 
 // Not for callers: where the lines of a source end, a part of every InStream.
 //
@@ -13,7 +13,7 @@ namespace Xml {
 // back in the source does not go back here: a CR that was consumed last makes a pair with whatever is consumed next.
 // The position after each break is kept once, in the order met.
 //
-// Recording takes O(1) amortised, looking up O(log n).
+// Recording a new break takes O(1) amortised, recording one again and looking up O(log n).
 class LineBreaks {
 public:
     LineBreaks();
@@ -75,4 +75,4 @@ private:
     bool afterReturn = false;
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

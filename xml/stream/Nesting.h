@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Xml {
+namespace Xml::internal {
 
 // Not for callers: what is under way on a stream, a part of every InStream. Operations run within readers, and readers
 // within readers; the guards in StreamAccess.h keep the state.
@@ -13,4 +13,4 @@ struct Nesting {
     int readerBegin = 0;  // where the outermost reader that is or was at work began
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

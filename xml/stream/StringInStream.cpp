@@ -44,7 +44,7 @@ bool StringInStream::lendBytes(Window& lent) {
 
 void StringInStream::takeBytesBack(const Window& lent) const { position = static_cast<int>(lent.cursor - lent.begin); }
 
-bool StringInStream::isTooLarge() const { return text.size() > kMostBytes; }
+bool StringInStream::isTooLarge(const Window&) const { return text.size() > kMostBytes; }
 
 // Whether there is a byte to read at the position.
 bool StringInStream::hasByte() const {

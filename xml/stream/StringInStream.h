@@ -19,7 +19,7 @@ public:
 protected:
     bool lendBytes(Window& lent) override;
     void takeBytesBack(const Window& lent) const override;
-    bool isTooLarge() const override;
+    bool isTooLarge(const Window& lent) const override;
 
 private:
     ORVXML_LOCAL bool hasByte() const;

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Xml {
+namespace Xml::internal {
 
 // Not for callers: the bytes in memory that a source has lent to the tokenizer, a part of every InStream.
 //
@@ -23,4 +23,4 @@ struct Window {
     Loan loan = Loan::None;
 };
 
-}  // namespace Xml
+}  // namespace Xml::internal

@@ -6,10 +6,9 @@ namespace Xml {
 
 // Links `top` and what is below it to `dtd`, in the order of a recursion: each element, its children, its attributes.
 // `enter` links the element itself and says whether to go on below it. Nodes that are not exactly elements get their
-// setDtd called.
+// setDtd called. `walk` is at its end.
 template <class Enter>
-void linkBelow(Element& top, const Dtd* dtd, Enter enter) {
-    Preorder<Element> walk;
+void linkBelow(Preorder<Element>& walk, Element& top, const Dtd* dtd, Enter enter) {
     const auto begin = [&](Element& element) {
         if (!enter(element)) return;
         if (NodeAccess::children(element).empty()) {
@@ -32,9 +31,48 @@ void linkBelow(Element& top, const Dtd* dtd, Enter enter) {
     }
 }
 
-// Takes the links away from a node that goes back to the caller after linking it has failed: it may outlive the Dtd.
-// This goes the same way again, with the memory that was just given back; where even that fails, links stay.
+// Takes the links away from `top` and what is below it, as far as `walk` has memory to go: as far as a walk that ran
+// out of it has come. What callers' setDtd throws is dropped.
+inline void unlinkReached(Preorder<Element>& walk, Element& top) noexcept {
+    const auto begin = [&](Element& element) {
+        NodeAccess::setOwnDtd(element, nullptr);
+        NodeAccess::linkAttributes(element, nullptr);
+        if (!NodeAccess::children(element).empty() && walk.hasRoom()) walk.enter(element);
+    };
+    walk.end();
+    begin(top);
+    while (!walk.atEnd()) {
+        Object* const child = walk.next();
+        if (child == nullptr) {
+            walk.leave();
+        } else if (isExactly<Element>(*child)) {
+            begin(static_cast<Element&>(*child));
+        } else {
+            try {
+                child->setDtd(nullptr);
+            } catch (...) {}
+        }
+    }
+}
+
+// Links `top` and what is below it. Where memory runs out nothing of it is linked afterwards: it may outlive the Dtd.
+inline void linkAll(Element& top, const Dtd* dtd) {
+    Preorder<Element> walk;
+    try {
+        linkBelow(walk, top, dtd, [dtd](Element& element) {
+            NodeAccess::setOwnDtd(element, dtd);
+            return true;
+        });
+    } catch (...) {
+        unlinkReached(walk, top);
+        throw;
+    }
+}
+
+// Takes the links away from a node that goes back to the caller after linking it has failed. An element has done so
+// itself; a node of a caller's class is asked to.
 inline void unlink(Object& node) noexcept {
+    if (isExactly<Element>(node)) return;
     try {
         node.setDtd(nullptr);
     } catch (...) {}

@@ -13,6 +13,12 @@
 
 namespace Xml {
 
+using internal::AttributeSpan;
+using internal::ExactClass;
+using internal::Marks;
+using internal::NodeClass;
+using internal::NodeSpan;
+
 // The insides of nodes, for the readers, the writer, validation and paths: spans, links, marks and factories. What
 // stores children and attributes stays within this folder.
 struct NodeAccess {
@@ -70,6 +76,9 @@ struct NodeAccess {
         node->marks.exactClass.set(made);
         return std::unique_ptr<Node>(node);
     }
+
+    // A node that is not whole yet: what was found out about its class may be wrong.
+    static void forgetClass(Object& node) { node.marks.exactClass.set(NodeClass::Unknown); }
 
     // An element without a name.
     static std::unique_ptr<Element> makeElement() { return exactly(NodeClass::Element, new Element()); }

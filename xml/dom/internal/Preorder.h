@@ -42,6 +42,12 @@ public:
         return place.child < children.size() ? children[place.child++] : nullptr;
     }
 
+    // Ends the walk; its memory is kept for one that begins then.
+    void end() { open.clear(); }
+
+    // Whether entering an element needs no memory.
+    bool hasRoom() const { return open.size() < open.capacity(); }
+
     // Leaves the innermost element, whether it has been walked through or not.
     void leave() { open.pop_back(); }
 

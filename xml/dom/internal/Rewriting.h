@@ -6,6 +6,8 @@
 
 namespace Xml {
 
+using internal::Marks;
+
 // The rule of rewriting: with the RW optimisation on, a node that has not changed and whose record begins where the
 // stream stands is there already, and the stream moves past it. Any other is written, and its record made anew.
 //

@@ -71,7 +71,8 @@ void Verdicts::link(Object& node, const Dtd* dtd) {
 void Verdicts::linkSubtree(Element& top, const Dtd* dtd) {
     const std::uint64_t run = runOf(*dtd);
     const bool linksStay = areOfOwnCode();
-    linkBelow(top, dtd, [dtd, run, linksStay](Element& element) {
+    Preorder<Element> walk;
+    linkBelow(walk, top, dtd, [dtd, run, linksStay](Element& element) {
         std::uint64_t& verdict = NodeAccess::verdict(element);
         const bool mine = verdict >> kRunShift == run;
         if (mine && linksStay && (verdict & kLinked) != 0) return false;

@@ -5,6 +5,9 @@
 
 namespace Xml {
 
+using internal::Nesting;
+using internal::Window;
+
 // Whether a position is one: a source without positions has -1, and so has what was not met yet.
 inline bool isPlace(int position) { return position >= 0; }
 

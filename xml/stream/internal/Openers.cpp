@@ -98,7 +98,7 @@ bool Openers::closesAsName(Opener& opener, bool& ok) {
     }
 
     opener.trial = Trial::Bracket;
-    const bool readOnce = opener.holdsMarkup && !in.cannotComeBack() && isPlace(begin.position);
+    const bool readOnce = opener.holdsMarkup && !in.cannotComeBack(in.window) && isPlace(begin.position);
     const int end = readOnce ? cursor.tell() : -1;
     cursor.seek(begin.position);
     if (readOnce && cursor.tell() == begin.position) {
@@ -193,7 +193,8 @@ void Openers::noteAgain(int position) {
 void Openers::remember(const Opener& opener, bool ok) {
     if (inner.empty()) return;
     ReadAhead* const ahead = tokenizer.readAhead();
-    if (ahead == nullptr || in.cannotComeBack() || !isPlace(opener.begin) || !ahead->isMessageComplete()) return;
+    if (ahead == nullptr || in.cannotComeBack(in.window) || !isPlace(opener.begin) || !ahead->isMessageComplete())
+        return;
     const std::string_view text(buffer.data() + opener.textBegin, buffer.size() - opener.textBegin);
     const bool hasError = ahead->messageCount() != opener.messageCount;
     const std::string_view error = hasError ? std::string_view(in.errorMessage) : std::string_view();

@@ -202,7 +202,7 @@ void Tokenizer::setError(std::string_view text) {
 }
 
 bool Tokenizer::endOfData() {
-    setError(in.isTooLarge() ? "Source too large" : "Unexpected end of stream");
+    setError(in.isTooLarge(in.window) ? "Source too large" : "Unexpected end of stream");
     return false;
 }
 

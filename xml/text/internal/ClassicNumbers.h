@@ -19,8 +19,8 @@ unsigned extractUnsigned(std::string_view text, unsigned base);
 // As std::atof: it takes more for a number than a stream does ("inf", "0x10", the 1 of "1e").
 double atof(const char* text);
 
-// Fixed-point text, as printf's "%f" has it, with `precision` digits after the point: a double has no more than 1074
-// that are not zero, and more are not written.
+// Fixed-point text, as printf's "%f" has it while numbers are rounded to the nearest, with `precision` digits after the
+// point: a double has no more than 1074 that are not zero, and more are not written.
 std::string fixedPoint(double number, int precision);
 
 }  // namespace Xml::Classic
