@@ -36,9 +36,18 @@ protected:
         kept.keepPasses(spec, first, matching, outcome);
     }
 
+    // A nested repetition whose last pass is from this child on, and failed or took nothing.
+    void endsAt(const ChildrenSpec& spec, std::size_t start, const Outcome& outcome) {
+        const std::uint32_t first = kept.passCount();
+        kept.beginPass(at(start));
+        kept.keepEnd(spec, at(start), outcome);
+        kept.dropPasses(first);
+    }
+
     const NodeList nodes{"a a a a a"};
     const ChildrenSpec star{nullptr, "a", REP_ZERO_OR_MORE};
     const ChildrenSpec plus{nullptr, "a", REP_ONE_OR_MORE};
+    const Dtd one{"one"}, other{"other"};
     Repetitions kept;
 };
 
@@ -58,12 +67,12 @@ TEST_F(RepetitionsTest, CountsThoseUnderWayForEachElement) {
 }
 
 TEST_F(RepetitionsTest, KnowsWhatEndedAtThePlaceWhereTheLastOnesEnded) {
-    kept.keepEnd(star, at(2), {true, at(2)});
-    kept.keepEnd(plus, at(2), {false, at(3)});
+    endsAt(star, 2, {true, at(2)});
+    endsAt(plus, 2, {false, at(3)});
     EXPECT_EQ(known(star, 2), "matches, leaves 3");
     EXPECT_EQ(known(plus, 2), "fails, leaves 2");
     EXPECT_EQ(known(star, 1), "?");
-    kept.keepEnd(plus, at(4), {false, at(4)});
+    endsAt(plus, 4, {false, at(4)});
     EXPECT_EQ(known(plus, 4), "fails, leaves 1");
     EXPECT_EQ(known(star, 2), "?") << "only one place is kept";
 }
@@ -113,11 +122,11 @@ TEST_F(RepetitionsTest, KeepsNothingAboutTheEndOfTheChildren) {
 }
 
 TEST_F(RepetitionsTest, ForgetsWithTheElementWhatIsAboutIt) {
-    kept.keepEnd(star, at(0), {true, at(0)});
+    endsAt(star, 0, {true, at(0)});
     passesOf(plus, {1}, 1, {true, at(2)});
     kept.enterElement();
     EXPECT_EQ(known(star, 0), "?") << "it is about another element's children";
-    kept.keepEnd(star, at(3), {true, at(3)});
+    endsAt(star, 3, {true, at(3)});
     passesOf(plus, {4}, 1, {true, at(5)});
     kept.giveUp();
     EXPECT_EQ(known(star, 3), "matches, leaves 2");
@@ -132,25 +141,97 @@ TEST_F(RepetitionsTest, ForgetsWithTheElementWhatIsAboutIt) {
     EXPECT_EQ(known(plus, 1), "matches, leaves 3");
 }
 
-TEST_F(RepetitionsTest, FindsNothingOnceNamesOfTwoDtdsHaveDecidedChildren) {
-    const Dtd first("first"), second("second");
-    kept.noteDecision(first);
-    kept.noteDecision(first);
-    kept.keepEnd(star, at(0), {true, at(0)});
+TEST_F(RepetitionsTest, ForgetsWhatCameByOneDtdWhereAnotherOneTakesItsTurn) {
+    kept.noteDecision(one);
+    endsAt(star, 0, {true, at(0)});
+    passesOf(plus, {1}, 1, {true, at(2)});
+    kept.giveUp();
+    kept.noteDecision(one);
+    EXPECT_EQ(known(star, 0), "matches, leaves 5");
+    EXPECT_EQ(known(plus, 1), "matches, leaves 3");
+    kept.noteDecision(other);
+    EXPECT_EQ(known(star, 0), "?");
+    EXPECT_EQ(known(plus, 1), "?");
+    kept.noteDecision(one);
+    EXPECT_EQ(known(star, 0), "?") << "it does not come back";
+    EXPECT_EQ(known(plus, 1), "?");
+}
+
+TEST_F(RepetitionsTest, ForgetsWhatCouldNotBeFoundYetWhereAnotherDtdTakesItsTurn) {
+    kept.noteDecision(one);
+    passesOf(plus, {1}, 1, {true, at(2)});
+    kept.noteDecision(other);
+    kept.giveUp();
+    EXPECT_EQ(known(plus, 1), "?");
+}
+
+TEST_F(RepetitionsTest, KnowsWhatCameSinceAnotherDtdTookItsTurn) {
+    kept.noteDecision(one);
+    kept.noteDecision(other);
+    endsAt(star, 0, {true, at(0)});
     passesOf(plus, {1}, 1, {true, at(2)});
     kept.giveUp();
     EXPECT_EQ(known(star, 0), "matches, leaves 5");
-    kept.enterElement();
-    kept.noteDecision(second);
-    kept.keepEnd(star, at(3), {true, at(3)});
-    EXPECT_EQ(known(star, 3), "matches, leaves 2") << "of these children one Dtd has decided";
-    kept.leaveElement();
-    EXPECT_EQ(known(star, 0), "matches, leaves 5");
-    kept.noteDecision(second);
-    EXPECT_EQ(known(star, 0), "?");
+    EXPECT_EQ(known(plus, 1), "matches, leaves 3");
+}
+
+TEST_F(RepetitionsTest, DoesNotKeepPassesThatTwoDtdsHaveDecided) {
+    const std::uint32_t first = kept.passCount();
+    kept.beginPass(at(0));
+    kept.noteDecision(one);
+    kept.beginPass(at(1));
+    kept.noteDecision(other);
+    kept.keepEnd(star, at(1), {true, at(1)});
+    EXPECT_EQ(known(star, 1), "?");
+    kept.beginPass(at(2));
+    kept.keepEnd(star, at(2), {true, at(2)});
+    EXPECT_EQ(known(star, 2), "matches, leaves 3") << "this one began after the turn";
+    kept.keepPasses(plus, first, kAll, {true, at(3)});
+    kept.giveUp();
+    EXPECT_EQ(known(plus, 0), "?");
     EXPECT_EQ(known(plus, 1), "?");
-    kept.noteDecision(first);
-    EXPECT_EQ(known(star, 0), "?") << "it stays so";
+    EXPECT_EQ(known(plus, 2), "matches, leaves 2");
+}
+
+TEST_F(RepetitionsTest, KeepsPassesThatBeginAfterThoseThatTwoDtdsHaveDecided) {
+    const std::uint32_t first = kept.passCount();
+    kept.noteDecision(one);
+    kept.beginPass(at(0));
+    kept.beginPass(at(1));
+    kept.noteDecision(other);
+    kept.dropPasses(first);
+    passesOf(star, {2}, kAll, {true, at(3)});
+    kept.giveUp();
+    EXPECT_EQ(known(star, 2), "matches, leaves 2") << "it has the number of one that is gone";
+}
+
+TEST_F(RepetitionsTest, AsksNoRepetitionAroundWhosePassIsNotKept) {
+    kept.noteDecision(one);
+    kept.beginPass(at(0));
+    kept.noteDecision(other);
+    passesOf(star, {0, 1}, kAll, {true, at(2)});
+    kept.giveUp();
+    EXPECT_EQ(known(star, 0), "matches, leaves 3");
+    EXPECT_EQ(known(star, 1), "matches, leaves 3");
+}
+
+TEST_F(RepetitionsTest, TellsTheDtdsThatDecideApartForEachElement) {
+    kept.noteDecision(one);
+    kept.beginPass(at(0));
+    endsAt(star, 1, {true, at(1)});
+    kept.enterElement();
+    kept.noteDecision(other);
+    endsAt(star, 3, {true, at(3)});
+    EXPECT_EQ(known(star, 3), "matches, leaves 2") << "one Dtd has decided these children";
+    kept.noteDecision(one);
+    EXPECT_EQ(known(star, 3), "?");
+    kept.leaveElement();
+    EXPECT_EQ(known(star, 1), "matches, leaves 4");
+    kept.noteDecision(one);
+    EXPECT_EQ(known(star, 1), "matches, leaves 4") << "the turn was about another element's children";
+    kept.keepPasses(plus, 0, kAll, {true, at(1)});
+    kept.giveUp();
+    EXPECT_EQ(known(plus, 0), "matches, leaves 4");
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 // do.
 #include "growth/Texts.h"
 #include "growth/Work.h"
+#include "models/Models.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
+#include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -132,6 +134,12 @@ TEST(ModelGrowthTest, MergingIsLinearInTheDeclarations) {
 
 // --- Validation ---
 
+// Lets the names `name` of a model belong to another Dtd.
+void retargetNames(ParticleValue& particle, const std::string& name, std::size_t dtd) {
+    if (particle.name == name) particle.dtd = dtd;
+    for (ParticleValue& member : particle.members) retargetNames(member, name, dtd);
+}
+
 TEST(ModelGrowthTest, ValidatingIsLinearInTheChildren) {
     const std::string width = pieces(200, [](int i) { return numbered(" | e", i); });
     const struct {
@@ -173,6 +181,38 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheChildren) {
                 return [root, &dtd] { EXPECT_TRUE(dtd->validate(root.get())); };
             },
             NodeCalls);
+    }
+}
+
+TEST(ModelGrowthTest, ValidatingIsLinearInTheChildrenWhereTwoDtdsTakeTurns) {
+    // The names "x" belong to a second Dtd.
+    const struct {
+        std::string name;
+        std::string model;
+        std::function<std::string(int)> children;
+    } kCases[] = {
+        {"once, near the beginning", "((a*, b) | a | x)*", [](int n) { return "axa" + repeated("a", n); }},
+        {"once, in the middle", "((a*, b) | a | x)*", [](int n) { return repeated("a", n) + "x" + repeated("a", n); }},
+        {"once, at the end", "((a+, b) | a | x)*", [](int n) { return repeated("a", n) + "x"; }},
+        {"at every child", "((a*, b) | a | x)*", [](int n) { return repeated("ax", n); }},
+        {"within what is given up", "((x*, a*, b) | a | x)*", [](int n) { return "xxx" + repeated("a", n); }},
+        {"in stars in each other", "((((a*, b) | a | x)*, c) | a | x)*",
+         [](int n) { return "axa" + repeated("a", n); }},
+    };
+    for (const auto& c : kCases) {
+        ParticleValue model = particleOf(c.model);
+        retargetNames(model, "x", 1);
+        const auto first = dtdOf("a: EMPTY; b: EMPTY; c: EMPTY; x: EMPTY");
+        const auto second = dtdOf("x: EMPTY");
+        first->addElementDecl("r", makeChildren(model, {first.get(), second.get()}));
+        expectLinear(
+            c.name,
+            [&](int n) {
+                auto root = std::make_shared<Element>("r");
+                for (const char name : c.children(n)) root->addChild(new CountingElement(std::string(1, name)));
+                return [root, &first] { EXPECT_TRUE(first->validate(root.get())); };
+            },
+            NodeCalls, 200);
     }
 }
 

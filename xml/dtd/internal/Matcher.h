@@ -11,7 +11,6 @@ namespace Xml {
 
 class ChildrenSpec;
 class ChoiceSpec;
-class ContentSpec;
 class CpSpec;
 class Dtd;
 class Element;

@@ -1,6 +1,7 @@
 #include "xml/dtd/internal/OutcomeStack.h"
 
 #include <cstdint>
+
 namespace Xml {
 
 namespace {

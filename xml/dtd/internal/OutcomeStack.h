@@ -53,8 +53,8 @@ private:
     void grow();
 
     std::vector<Entry> entries;
-    std::vector<std::size_t>
-        slots;                // one more than the number of an entry, 0 where free; their count is a power of two
+    // One more than the number of an entry, 0 where free; their count is a power of two.
+    std::vector<std::size_t> slots;
     std::size_t indexed = 0;  // how many entries are in slots
     unsigned shift = 0;       // from 64 bits to those of a slot's number
 };

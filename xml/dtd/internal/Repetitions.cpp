@@ -1,5 +1,7 @@
 #include "xml/dtd/internal/Repetitions.h"
 
+#include <algorithm>
+
 namespace Xml {
 
 void Repetitions::enterElement() {
@@ -8,16 +10,29 @@ void Repetitions::enterElement() {
     here.firstEnd = ends.size();
     here.firstOutcome = outcomes.size();
     here.indexed = outcomes.size();
+    here.firstOfOneDtd = passCount();
 }
 
 void Repetitions::leaveElement() {
-    ends.dropTo(here.firstEnd);
-    outcomes.dropTo(here.firstOutcome);
+    forget();
     here = outer.back();
     outer.pop_back();
 }
 
+void Repetitions::changeDtd() {
+    forget();
+    here.firstOfOneDtd = passCount();
+}
+
+// Drops all that is kept about these children.
+void Repetitions::forget() {
+    ends.dropTo(here.firstEnd);
+    outcomes.dropTo(here.firstOutcome);
+    here.indexed = here.firstOutcome;
+}
+
 void Repetitions::keepEnd(const ChildrenSpec& spec, const ChildQueue& start, const Outcome& outcome) {
+    if (passCount() <= here.firstOfOneDtd) return;
     if (ends.size() > here.firstEnd && !(ends.lastStart() == start)) ends.dropTo(here.firstEnd);
     ends.push(spec, start, outcome);
     ends.index(ends.size() - 1);
@@ -27,8 +42,9 @@ void Repetitions::keepPasses(const ChildrenSpec& spec, std::uint32_t first, std:
                              const Outcome& outcome) {
     // Where the repetition around it began its pass at the same child, that one is asked there: of repetitions right
     // within each other not each is kept for every child.
-    const bool isAskedAround = first > 0 && passes[first - 1] == passes[first];
-    for (std::size_t i = first + (isAskedAround ? 1 : 0); i < passes.size(); ++i) {
+    const bool isAskedAround = first > here.firstOfOneDtd && passes[first - 1] == passes[first];
+    const std::uint32_t firstToKeep = std::max(first + (isAskedAround ? 1 : 0), here.firstOfOneDtd);
+    for (std::size_t i = firstToKeep; i < passes.size(); ++i) {
         if (passes[i].empty()) break;
         const bool matches = outcome.matched && i - first < matching;
         if (matches || i == first) outcomes.push(spec, passes[i], {matches, outcome.left});

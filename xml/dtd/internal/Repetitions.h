@@ -19,9 +19,10 @@ class Dtd;
 // then try: so for each pass it is kept what would have come out from its start on. Nothing asks for these before
 // something is given up, and they are indexed then.
 //
-// All this is about the children of one element and is dropped with it. It holds as long as the names of one Dtd alone
-// decide these children: trying again changes nothing then. Where a second Dtd takes its turn, trying again sets links
-// again, so nothing is found from then on.
+// All this is about the children of one element and is dropped with it. What came of something may stand for trying it
+// again only where that would set no link otherwise. So it may where one Dtd has decided children ever since it was
+// begun: each child then has the links that deciding it by this Dtd again would set. Where another Dtd takes its turn,
+// its links come over those: what has been kept is dropped then, and passes under way are not kept.
 class Repetitions {
 public:
     // The children of an element are matched: what is kept is about them, until it is left.
@@ -31,7 +32,7 @@ public:
     // A name of this Dtd has a child decided.
     void noteDecision(const Dtd& dtd) {
         if (here.decidedBy == &dtd) return;
-        here.names = here.decidedBy == nullptr ? Names::OfOneDtd : Names::OfSeveral;
+        if (here.decidedBy != nullptr) changeDtd();
         here.decidedBy = &dtd;
     }
 
@@ -44,21 +45,23 @@ public:
     std::uint32_t passCount() const { return static_cast<std::uint32_t>(passes.size()); }
     void beginPass(const ChildQueue& start) { passes.push_back(start); }
 
-    // The repetition ended with a pass from here, which failed or took nothing.
+    // The repetition ends with the pass begun last, from here, which failed or took nothing.
     void keepEnd(const ChildrenSpec& spec, const ChildQueue& start, const Outcome& outcome);
 
     // Ends the passes from number `first` on: they are those of the repetition, which has come out so. From each of
     // them the outcome would have been the same, but from the start of the last one on where that one failed and the
     // repetition needs one that matches: `matching` is the number of passes that come out as `outcome`.
     void keepPasses(const ChildrenSpec& spec, std::uint32_t first, std::size_t matching, const Outcome& outcome);
-    void dropPasses(std::uint32_t first) { passes.resize(first); }
+    void dropPasses(std::uint32_t first) {
+        passes.resize(first);
+        if (here.firstOfOneDtd > first) here.firstOfOneDtd = first;  // those that get these numbers are new
+    }
 
     // A group has failed after it took something: what has been tried since may be tried again.
     void giveUp();
 
     // What is known to come of the repetition here; null if nothing is.
     const Outcome* find(const ChildrenSpec& spec, const ChildQueue& start) const {
-        if (here.names == Names::OfSeveral) return nullptr;
         if (ends.size() > here.firstEnd && ends.lastStart() == start) {
             if (const Outcome* const outcome = ends.find(spec, start)) return outcome;
         }
@@ -66,16 +69,17 @@ public:
     }
 
 private:
-    enum class Names : std::uint8_t { None, OfOneDtd, OfSeveral };  // that have decided children
-
     struct Level {
         const Dtd* decidedBy = nullptr;  // last
         std::size_t firstEnd = 0;
         std::size_t firstOutcome = 0;
-        std::size_t indexed = 0;  // the outcomes before this one can be found
+        std::size_t indexed = 0;          // the outcomes before this one can be found
+        std::uint32_t firstOfOneDtd = 0;  // the passes from this number on began after the Dtd last changed
         std::uint32_t underWay = 0;
-        Names names = Names::None;
     };
+
+    void changeDtd();
+    void forget();
 
     Level here;
     std::vector<Level> outer;        // of the elements around
