@@ -4,6 +4,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/internal/Folding.h"
+#include "xml/xpath/internal/VisitBudget.h"
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -158,9 +159,10 @@ TEST(FoldingTest, ComparesValuesOfOneTagAndPutsAScalarInThePlaceOfWhatItHoldsFor
 }
 
 TEST(FoldingTest, MakesAsManyPairsAsMayBeAndNotOneMore) {
+    VisitBudget budget(0);
     const Values two = {Value::ofNumber(0, 1), Value::ofNumber(0, 2)};
     Values left(kMostPairs / 2, Value::ofNumber(0, 3));
-    ASSERT_TRUE(CalculusOnExpressionItems(left, two, Operator::Plus));
+    ASSERT_TRUE(CalculusOnExpressionItems(left, two, Operator::Plus, budget));
     EXPECT_EQ(left.size(), kMostPairs);
     EXPECT_EQ(left.back().number, 5);
 
@@ -168,7 +170,7 @@ TEST(FoldingTest, MakesAsManyPairsAsMayBeAndNotOneMore) {
     left.assign(kMostPairs / 2, Value::ofNumber(0, 3));
     left.push_back(Value::ofNumber(1, 3));
     const Values right = {Value::ofNumber(0, 1), Value::ofNumber(0, 2), Value::ofNumber(1, 1)};
-    EXPECT_FALSE(CalculusOnExpressionItems(left, right, Operator::Plus));
+    EXPECT_FALSE(CalculusOnExpressionItems(left, right, Operator::Plus, budget));
     EXPECT_EQ(left.size(), kMostPairs / 2 + 1);
     EXPECT_EQ(left.front().number, 3);
 }

@@ -3,8 +3,10 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
+#include "xpath/AskedMemory.h"
 #include "xpath/Queries.h"
 #include "xpath/RandomPaths.h"
+#include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
@@ -150,6 +152,38 @@ TEST(WorkLimitTest, CountsTheNodesThatStepsAndPredicatesLookAt) {
     for (const auto& pair : kCheapAndDear) {
         SCOPED_TRACE(narrow(pair[0]) + " and " + narrow(pair[1]));
         EXPECT_LT(costOf(tree, pair[0]), costOf(tree, pair[1]));
+    }
+}
+
+TEST(WorkLimitTest, CountsANumberThatIsMadeOnce) {
+    const Tree tree(kText);
+    EXPECT_EQ(costOf(tree, u"/r/x + /r/x") - costOf(tree, u"/r/x = /r/x"), 3 * 3);
+    EXPECT_EQ(costOf(tree, u"/r/x + 1") - costOf(tree, u"/r/x = 1"), 3);
+    EXPECT_EQ(costOf(tree, u"1 + /r/x") - costOf(tree, u"1 = /r/x"), 3);
+}
+
+// What a refused query has asked of the heap tells how far it went, on every machine alike.
+TEST(WorkLimitTest, EndsAQueryBeforeItHasDoneMuchMore) {
+    const Tree wide("<a>" + repeated("<b/>", 3'999) + "</a>");
+    const struct {
+        const char* name;
+        Object* context;
+        Uni16String path;
+        std::int64_t visits;
+    } kCases[] = {
+        {"pairs", wide.document(), u"/a/b + /a/b", 20'000},
+        {"pairs in a predicate", wide.document(), u"/a[b * b]", 20'000},
+        {"numbers of nodes and a scalar", wide.document(), u"/a/b + 1", 4'100},
+        {"numbers of a scalar and nodes", wide.document(), u"1 + /a/b", 4'100},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const Limit limit(c.visits);
+        XPath query(c.context);
+        const std::size_t before = askedMemory();
+        EXPECT_EQ(query.GetValues(c.path), 0u);
+        EXPECT_LT(askedMemory() - before, 100 * static_cast<std::size_t>(c.visits));
+        EXPECT_EQ(query.GetErrorCode(), XPath::EXPRESSION_TOO_COSTLY);
     }
 }
 

@@ -190,20 +190,24 @@ Rank rankOf(Operator op) {
 
 }  // namespace
 
-bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op) {
-    if (isScalar(left)) {
+bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op, VisitBudget& budget) {
+    // Whether one side is taken with each value of the other one; else there are pairs.
+    const bool isEach = isScalar(left) || isScalar(right);
+    const std::size_t made = isScalar(left) ? right.size() : isEach ? left.size() : countPairs(left, right);
+    if (!isEach && made > kMostPairs) return false;
+    budget.spend(made);
+    if (budget.isSpent()) return false;
+    if (!isEach) {
+        left = combined(left, right, made, op);
+    } else if (isScalar(left)) {
         const double number = ConvertToNumber(left.front());
         left = right;
         for (Value& value : left)
             value = Value::ofNumber(value.tag, CalculusOnValue(number, ConvertToNumber(value), op));
-    } else if (isScalar(right)) {
+    } else {
         const double number = ConvertToNumber(right.front());
         for (Value& value : left)
             value = Value::ofNumber(value.tag, CalculusOnValue(ConvertToNumber(value), number, op));
-    } else {
-        const std::size_t pairs = countPairs(left, right);
-        if (pairs > kMostPairs) return false;
-        left = combined(left, right, pairs, op);
     }
     return true;
 }
@@ -236,9 +240,7 @@ bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values,
             if (rankOf(operators[left]) != rank) {
                 if (++left != right) values[left] = std::move(values[right]);
             } else if (rank == Rank::Product || rank == Rank::Sum) {
-                if (!CalculusOnExpressionItems(values[left], values[right], operators[left])) return false;
-                budget.spend(values[left].size());
-                if (budget.isSpent()) return false;
+                if (!CalculusOnExpressionItems(values[left], values[right], operators[left], budget)) return false;
             } else {
                 CompareExpressionItems(values[left], values[right], operators[left]);
             }

@@ -15,8 +15,9 @@ namespace Xml {
 // more than any memory holds.
 constexpr std::size_t kMostPairs = 16'000'000;
 
-// left := the numbers `left op right`. False, and left as it was, where these would be more pairs than may be.
-bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op);
+// left := the numbers `left op right`. They are spent from the budget before the first of them is made. False, and left
+// as it was, where these would be more pairs than may be, or more numbers than the budget has left.
+bool CalculusOnExpressionItems(Values& left, const Values& right, Operator op, VisitBudget& budget);
 
 // left := the left values for which the comparison holds. Where the left side is a scalar: that value, with the tags of
 // the right values for which it holds. A comparison filters; it never gives a boolean. Among values of one tag it costs

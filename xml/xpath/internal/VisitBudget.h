@@ -6,8 +6,8 @@
 
 namespace Xml {
 
-// How many more nodes a query may look at. What looks at nodes spends from it, a row of siblings or a region at a time,
-// and stops as soon as it is spent.
+// How many more nodes a query may look at, and numbers it may make. What looks at nodes spends from it, a row of
+// siblings at a time at most, and stops as soon as it is spent; what makes numbers spends them before it makes them.
 class VisitBudget {
 public:
     // A limit that is not above 0 is none.

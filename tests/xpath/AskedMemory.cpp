@@ -1,0 +1,21 @@
+#include "xpath/AskedMemory.h"
+
+#include "support/HeapOperators.h"
+#include <cstdlib>
+
+namespace Xml::test {
+
+namespace {
+std::size_t asked = 0;
+}  // namespace
+
+std::size_t askedMemory() { return asked; }
+
+void* allocate(std::size_t bytes, bool /*tolerant*/) noexcept {
+    asked += bytes;
+    return std::malloc(bytes > 0 ? bytes : 1);
+}
+
+void giveBack(void* memory) noexcept { std::free(memory); }
+
+}  // namespace Xml::test
