@@ -165,6 +165,7 @@ TEST(WorkLimitTest, CountsANumberThatIsMadeOnce) {
 // What a refused query has asked of the heap tells how far it went, on every machine alike.
 TEST(WorkLimitTest, EndsAQueryBeforeItHasDoneMuchMore) {
     const Tree wide("<a>" + repeated("<b/>", 3'999) + "</a>");
+    const Tree deep(repeated("<a>", 100'000) + "<b i='b'/>" + repeated("</a>", 100'000));
     const struct {
         const char* name;
         Object* context;
@@ -175,6 +176,8 @@ TEST(WorkLimitTest, EndsAQueryBeforeItHasDoneMuchMore) {
         {"pairs in a predicate", wide.document(), u"/a[b * b]", 20'000},
         {"numbers of nodes and a scalar", wide.document(), u"/a/b + 1", 4'100},
         {"numbers of a scalar and nodes", wide.document(), u"1 + /a/b", 4'100},
+        {"ancestors", deep["b"], u"ancestor::*", 1'000},
+        {"itself and ancestors", deep["b"], u"ancestor-or-self::*", 1'000},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);

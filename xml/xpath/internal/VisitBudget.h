@@ -18,6 +18,8 @@ public:
     // Whether more was asked for than the limit allows.
     bool isSpent() const { return left < 0; }
 
+    std::size_t visitsLeft() const { return isSpent() ? 0 : static_cast<std::size_t>(left); }
+
 private:
     std::int64_t left;
 };

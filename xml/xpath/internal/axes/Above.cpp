@@ -1,22 +1,26 @@
 #include "xml/xpath/internal/axes/Above.h"
 
 #include "xml/xpath/internal/NodeMap.h"
+#include <cstddef>
 #include <vector>
 
 namespace Xml {
 
 namespace {
 
-// Takes what is above the context nodes, from first(context) on.
+// Takes what is above the context nodes, from first(context) on. A climb ends at the first node that the query may not
+// look at any more.
 template <class First>
 void climb(const NodeList& from, Taker& taker, First first) {
     NodeMap climbed;
     std::vector<Object*> way;
     for (Object* const context : from.nodes) {
         way.clear();
+        std::size_t left = taker.visitsLeft();
         for (Object* node = first(*context); node != nullptr; node = node->getParent()) {
             if (from.nodes.size() > 1 && !climbed.insert(node).second) break;
             way.push_back(node);
+            if (left-- == 0) break;
         }
         taker.visit(way.size());
         for (auto node = way.rbegin(); node != way.rend(); ++node) taker.take(**node);

@@ -40,6 +40,9 @@ public:
         if (budget.isSpent()) enough = 0;
     }
 
+    // How many more nodes may be looked at.
+    std::size_t visitsLeft() const { return budget.visitsLeft(); }
+
     // Another one, of all nodes, for what an axis is to go on from.
     Taker forAll(std::vector<Object*>& nodes) const;
 
