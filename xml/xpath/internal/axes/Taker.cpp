@@ -1,10 +1,12 @@
 #include "xml/xpath/internal/axes/Taker.h"
 
+#include "xml/text/internal/NeverDestroyed.h"
+
 namespace Xml {
 
 Taker Taker::forAll(std::vector<Object*>& nodes) const {
-    static const NodeTest any;
-    return {any, nodes, kAll, budget};
+    static NeverDestroyed<NodeTest> any;
+    return {any.get(), nodes, kAll, budget};
 }
 
 void Taker::takeEachAttribute(const Element& element) {
