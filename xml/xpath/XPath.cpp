@@ -1,6 +1,5 @@
 #include "xml/xpath/XPath.h"
 
-#include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
 #include "xml/xpath/internal/Evaluation.h"
 #include "xml/xpath/internal/Expression.h"

@@ -3,7 +3,6 @@
 #include "xml/xpath/internal/Folding.h"
 #include "xml/xpath/internal/Together.h"
 #include "xml/xpath/internal/Walk.h"
-#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
