@@ -11,7 +11,7 @@ namespace Xml {
 //
 // White space goes at all levels at once: outside of literals every white-space character that does not belong to an
 // operator such as " - " is dropped, also in predicates, and theirs. The text as it was written in brackets stays at
-// hand for messages. A literal that is not closed runs to the end and is closed there. Behind a bracket that is not
+// hand for messages. A literal that is not closed runs to the end and is closed there. After a bracket that is not
 // closed nothing is dropped.
 //
 // It costs O(length), whatever the nesting.

@@ -34,8 +34,8 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
     return split(text, at, end, error) && extractPredicates(text, error) && extractAxis(text, error);
 }
 
-// A slash ends the step where as many brackets were closed as opened. One that is closed without being opened counts
-// too: after it it takes an open bracket for a slash to end the step.
+// A slash ends the step where as many brackets were closed as opened. A bracket that is closed without being opened
+// counts too: no slash ends the step then until one more is opened.
 bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.begin = at;
     long open = 0;
