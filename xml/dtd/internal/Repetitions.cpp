@@ -10,7 +10,6 @@ void Repetitions::enterElement() {
     here.firstEnd = ends.size();
     here.firstOutcome = outcomes.size();
     here.indexed = outcomes.size();
-    here.firstOfOneDtd = passCount();
 }
 
 void Repetitions::leaveElement() {
@@ -19,9 +18,12 @@ void Repetitions::leaveElement() {
     outer.pop_back();
 }
 
-void Repetitions::changeDtd() {
-    forget();
-    here.firstOfOneDtd = passCount();
+void Repetitions::turnTo(const Dtd& dtd) {
+    if (here.decidedBy != nullptr) {
+        forget();
+        here.firstOfOneDtd = passCount();
+    }
+    here.decidedBy = &dtd;
 }
 
 // Drops all that is kept about these children.

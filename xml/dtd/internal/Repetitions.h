@@ -31,9 +31,7 @@ public:
 
     // A name of this Dtd has a child decided.
     void noteDecision(const Dtd& dtd) {
-        if (here.decidedBy == &dtd) return;
-        if (here.decidedBy != nullptr) changeDtd();
-        here.decidedBy = &dtd;
+        if (here.decidedBy != &dtd) turnTo(dtd);
     }
 
     // Repetitions under way, of the element.
@@ -74,11 +72,11 @@ private:
         std::size_t firstEnd = 0;
         std::size_t firstOutcome = 0;
         std::size_t indexed = 0;          // the outcomes before this one can be found
-        std::uint32_t firstOfOneDtd = 0;  // the passes from this number on began after the Dtd last changed
+        std::uint32_t firstOfOneDtd = 0;  // passes from this number on began after the last turn
         std::uint32_t underWay = 0;
     };
 
-    void changeDtd();
+    void turnTo(const Dtd& dtd);
     void forget();
 
     Level here;
