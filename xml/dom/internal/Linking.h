@@ -5,10 +5,10 @@
 namespace Xml {
 
 // Links `top` and what is below it to `dtd`, in the order of a recursion: each element, its children, its attributes.
-// `enter` links the element itself and says whether to go on below it. Nodes that are not exactly elements get their
-// setDtd called. `walk` is at its end.
-template <class Enter>
-void linkBelow(Preorder<Element>& walk, Element& top, const Dtd* dtd, Enter enter) {
+// `enter` links the element itself and says whether to go on below it; `linkOther` links a node that is not exactly an
+// element. `walk` is at its end.
+template <class Enter, class LinkOther>
+void linkBelow(Preorder<Element>& walk, Element& top, const Dtd* dtd, Enter enter, LinkOther linkOther) {
     const auto begin = [&](Element& element) {
         if (!enter(element)) return;
         if (NodeAccess::children(element).empty()) {
@@ -26,33 +26,34 @@ void linkBelow(Preorder<Element>& walk, Element& top, const Dtd* dtd, Enter ente
         } else if (isExactly<Element>(*child)) {
             begin(static_cast<Element&>(*child));
         } else {
-            child->setDtd(dtd);
+            linkOther(*child);
         }
     }
 }
 
+// The same where a node that is not exactly an element gets its setDtd called.
+template <class Enter>
+void linkBelow(Preorder<Element>& walk, Element& top, const Dtd* dtd, Enter enter) {
+    linkBelow(walk, top, dtd, enter, [dtd](Object& node) { node.setDtd(dtd); });
+}
+
+// Takes the links away as the node's setDtd does. What that throws is dropped.
+inline void unlinkByItself(Object& node) noexcept {
+    try {
+        node.setDtd(nullptr);
+    } catch (...) {}
+}
+
 // Takes the links away from `top` and what is below it, as far as `walk` has memory to go: as far as a walk that ran
-// out of it has come. What callers' setDtd throws is dropped.
+// out of it has come.
 inline void unlinkReached(Preorder<Element>& walk, Element& top) noexcept {
-    const auto begin = [&](Element& element) {
+    walk.end();
+    const auto enter = [&walk](Element& element) {
         NodeAccess::setOwnDtd(element, nullptr);
         NodeAccess::linkAttributes(element, nullptr);
-        if (!NodeAccess::children(element).empty() && walk.hasRoom()) walk.enter(element);
+        return walk.hasRoom();
     };
-    walk.end();
-    begin(top);
-    while (!walk.atEnd()) {
-        Object* const child = walk.next();
-        if (child == nullptr) {
-            walk.leave();
-        } else if (isExactly<Element>(*child)) {
-            begin(static_cast<Element&>(*child));
-        } else {
-            try {
-                child->setDtd(nullptr);
-            } catch (...) {}
-        }
-    }
+    linkBelow(walk, top, nullptr, enter, unlinkByItself);
 }
 
 // Links `top` and what is below it. Where memory runs out nothing of it is linked afterwards: it may outlive the Dtd.
@@ -72,10 +73,7 @@ inline void linkAll(Element& top, const Dtd* dtd) {
 // Takes the links away from a node that goes back to the caller after linking it has failed. An element has done so
 // itself; a node of a caller's class is asked to.
 inline void unlink(Object& node) noexcept {
-    if (isExactly<Element>(node)) return;
-    try {
-        node.setDtd(nullptr);
-    } catch (...) {}
+    if (!isExactly<Element>(node)) unlinkByItself(node);
 }
 
 }  // namespace Xml
