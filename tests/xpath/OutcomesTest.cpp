@@ -6,6 +6,7 @@
 #include "xml/dom/Element.h"
 #include "xml/xpath/internal/Evaluation.h"
 #include "xml/xpath/internal/PathText.h"
+#include "xpath/Queries.h"
 #include "xpath/RandomPaths.h"
 #include <cstddef>
 #include <cstdio>
@@ -86,6 +87,18 @@ TEST(OutcomesTest, ChangeNothingThatAQueryGives) {
         }
     }
     EXPECT_GE(found, 1'500);
+}
+
+// Room that is spent on walks that never come again is missing where walks come again and again.
+TEST(OutcomesTest, AreNotKeptWhereNoWalkComesAgain) {
+    const int count = 200;
+    const Tree tree("<r>" + repeated("<a><b/></a>", count) + "<a><b><c/></b></a></r>");
+    const Text path = u"*[b][..[*/b/c]]";
+    const PathText text(path);
+    Expressions expressions(text);
+    Evaluation evaluation(expressions, tree.document(), VisitBudget(20 * count), count / 10);
+    EXPECT_TRUE(evaluation.run(*expressions.add({text.begin(), text.end()}), {{tree.root()}, false, 0}));
+    EXPECT_EQ(evaluation.nodes.size(), count + 1U);
 }
 
 TEST(OutcomesTest, AreFoundByTheNodeThatTheyWereKeptFor) {

@@ -61,6 +61,7 @@ TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
     Attribute three("n", "3");
     const Literal textThree(u"3");
     const Literal one(u"1");
+    const Literal half(OrvSys::Uni16String(1, 0xD800));  // of a surrogate pair
     const struct {
         const char* name;
         Value left, right;
@@ -69,6 +70,8 @@ TEST(ValueTest, ComparesWhatIsOfTwoKindsAsTheOneThatDecides) {
         {"a node and a number", Value::ofNode(-1, &three), Value::ofNumber(-1, 2), kGreater},
         {"a number and a string", Value::ofNumber(-1, 3), Value::ofString(-1, &textThree), kEqual},
         {"a node and a string", Value::ofNode(-1, &three), Value::ofString(-1, &one), kGreater},
+        {"a node and a string without 8-bit text", Value::ofNode(-1, &three), Value::ofString(-1, &half), kLess},
+        {"a string without 8-bit text and a node", Value::ofString(-1, &half), Value::ofNode(-1, &three), kGreater},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);

@@ -155,6 +155,40 @@ TEST(WorkLimitTest, CountsTheNodesThatStepsAndPredicatesLookAt) {
     }
 }
 
+TEST(WorkLimitTest, DoesNotCountWhatFollowsTheLastContextNodeForThePrecedingAxis) {
+    const std::string before = "<r><x>t</x><y>t</y><x n=''/><z>";
+    const Tree narrowTree(before + "</z></r>");
+    const Tree wideTree(before + repeated("<x/>t", 100) + "</z></r>");
+    for (const Uni16String path : {u"/r/x/preceding::node()", u"/r/y/preceding::node()", u"/r/x/text()/preceding::*"}) {
+        SCOPED_TRACE(narrow(path));
+        EXPECT_GT(costOf(narrowTree, path), costOf(narrowTree, u"/r/x"));
+        EXPECT_EQ(costOf(wideTree, path), costOf(narrowTree, path));
+    }
+    // An attribute has no place in the order: all nodes are looked at.
+    EXPECT_EQ(costOf(wideTree, u"/r/x/@n/preceding::*"), costOf(narrowTree, u"/r/x/@n/preceding::*") + 200);
+}
+
+// Each round of the path keeps some nodes, the last one outside of the row, and goes up and down again: the parents of
+// those in the row come first then, before the rest of the row. So one more child comes first, from the end.
+TEST(WorkLimitTest, SearchesARowOfSiblingsAFewTimesHoweverOftenContextNodesTurnBack) {
+    const int row = 1'000;
+    const int turns = 9;
+    std::string text = "<r>" + repeated("<c/>", row - turns);
+    for (int i = 0; i < turns; ++i) text += "<c><d n='" + std::to_string(i) + "'/></c>";
+    const Tree tree(text + "<e n='100'/></r>");
+    Uni16String path = u"/r";
+    for (int i = turns; i-- > 0;) path += u"/descendant-or-self::*[@n >= " + wide(std::to_string(i)) + u"]/..";
+    path += u"/descendant-or-self::c";
+    {
+        XPath query(tree.document());
+        ASSERT_EQ(query.GetValues(path), static_cast<unsigned>(row));
+        const auto* const parent = static_cast<Element*>(query.GetResult(0).node)->getParent()->toElement();
+        for (int i = 0; i < turns; ++i)
+            ASSERT_EQ(query.GetResult(static_cast<unsigned>(i)).node, parent->getChild(row - 1 - i));
+    }
+    EXPECT_LT(costOf(tree, path + u"/following-sibling::x") - costOf(tree, path), 5 * row);
+}
+
 TEST(WorkLimitTest, CountsANumberThatIsMadeOnce) {
     const Tree tree(kText);
     EXPECT_EQ(costOf(tree, u"/r/x + /r/x") - costOf(tree, u"/r/x = /r/x"), 3 * 3);
