@@ -160,6 +160,7 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheChildren) {
         {"a plus given up at every child", "((a+, b) | a)*"},
         {"stars given up in each other", "((((a*, b) | a)*, c) | a)*"},
         {"pairs given up", "(((a, a)*, b) | (a*, b) | a)*"},
+        {"pairs given up for what is known to fail", "((((a | b?), (a | b*))*, c+) | a)*"},
         {"choices given up", "(((a | b)*, (b, c)) | a)*"},
         {"a mixed model", "(#PCDATA | a | b)*"},
         {"a wide choice", "(b" + width + " | a)*"},
