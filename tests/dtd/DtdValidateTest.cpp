@@ -484,6 +484,33 @@ TEST(DtdValidateTest, AModelOfACallersOwnMayValidateItself) {
     }
 }
 
+TEST(DtdValidateTest, TheOuterVerdictCountsWhereAModelOfACallersOwnValidatesItsOwnElement) {
+    // Accepts what it is asked meanwhile, and nothing else.
+    class AskingForItself : public ContentSpec {
+    public:
+        AskingForItself(Dtd* owner, Element* itsElement) : ContentSpec(owner), dtd(owner), element(itsElement) {}
+        bool validate(const std::vector<Object*>&) const override {
+            if (isAsking) return true;
+            isAsking = true;
+            EXPECT_TRUE(dtd->validate(element));
+            isAsking = false;
+            return false;
+        }
+        void toStream(OutStream&) const override {}
+        ContentSpec* clone(Dtd* owner) const override { return new AskingForItself(owner, element); }
+
+    private:
+        Dtd* dtd;
+        Element* element;
+        mutable bool isAsking = false;
+    };
+    const auto dtd = dtdOf("a: ((own, c) | own)?; c: EMPTY");
+    const auto tree = elementOf("a(own)");
+    dtd->addElementDecl("own", new AskingForItself(dtd.get(), tree->getElement("own")));
+    EXPECT_FALSE(dtd->validate(tree->getElement("own")));
+    EXPECT_FALSE(dtd->validate(tree.get())) << "own is asked for a second time";
+}
+
 // --- Classes that a caller derives from the library's ---
 
 namespace {
