@@ -10,11 +10,13 @@
 #include "xml/dom/Element.h"
 #include "xml/stream/FileOutStream.h"
 #include "xml/stream/FileSpecOutStream.h"
+#include <cstdint>
 #include <cstdio>
 #include <cwchar>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <locale>
 #include <memory>
 #include <sstream>
@@ -477,6 +479,44 @@ TEST(RewriteTest, AFileWhoseLocaleConvertsIsPassedOverToWhereItsStreamStood) {
     EXPECT_EQ(out.getPosition(), end);
     file.close();
     EXPECT_EQ(static_cast<int>(readFile(scratch.path).size()), end);
+}
+
+TEST(RewriteTest, APlaceThatAnIntCannotHoldIsNotRecorded) {
+    const RewriteSetting rewriting(true);
+    const ScratchFile scratch("far", "");
+    const struct {
+        const char* name;
+        std::int64_t place;
+        const char* record;
+        bool isPassedOver;
+    } kCases[] = {
+        {"ends at the last place", 2'147'483'643, "2147483643-2147483647", true},
+        {"ends one after it", 2'147'483'644, "2147483644--2147483648", false},
+        {"begins at it", 2'147'483'647, "2147483647--2147483648", false},
+        {"begins after it", 2'147'483'648, "-2147483648--2147483648", false},
+        {"begins far after it", 5'000'000'000, "-2147483648--2147483648", false},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        std::ofstream file;
+        FileOutStream out(scratch.path, &file);
+        const Element root("r");
+        for (int times = 0; times < 2; ++times) {
+            file.seekp(c.place);
+            root.toStream(out);
+            EXPECT_EQ(file.tellp(), c.place + 4);
+            EXPECT_EQ(record(root), c.record);
+        }
+        // What comes over it meanwhile stays only where the element is passed over.
+        file.seekp(c.place);
+        file << "????";
+        file.seekp(c.place);
+        root.toStream(out);
+        file.close();
+        std::ifstream written(scratch.path, std::ios::binary);
+        written.seekg(c.place);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), c.isPassedOver ? "????" : "<r/>");
+    }
 }
 
 // --- Where a rewritten file does not read as a fresh one ---
