@@ -231,6 +231,9 @@ TEST(WorkLimitTest, RefusesPairsThatAreTooManyWithoutALimitToo) {
     for (const Uni16String path : {u"/r/a + /r/a", u"/r[a * a = 0]", u"//a - //a div //a"})
         EXPECT_EQ(answer(tree.document(), path), kTooCostly) << narrow(path);
     EXPECT_EQ(answer(tree.document(), u"/r[a + 1 = 1]"), "r");
+    // One more than 16 million.
+    const Tree pairs("<r>" + repeated("<a/>", 641) + repeated("<b/>", 24'961) + "</r>");
+    EXPECT_EQ(answer(pairs.document(), u"/r/a + /r/b"), kTooCostly);
     XPath query(tree.document());
     EXPECT_TRUE(query.SyntaxOK(u"/r/a + /r/a"));
 }
