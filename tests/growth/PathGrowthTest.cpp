@@ -217,7 +217,7 @@ TEST(PathGrowthTest, WhatContextNodesShareAboveThemIsWalkedOnceHoweverTheyComeTh
 }
 
 TEST(PathGrowthTest, ALongTextIsReadOnceHoweverManyAreComparedWithIt) {
-    for (const Uni16String path : {u"/r[y = z]", u"/r[y != z]", u"/r[y > z]"}) {
+    for (const Uni16String path : {u"/r[y = z]", u"/r[y != z]", u"/r[y > z]", u"/r[z = y]", u"/r[z < y]"}) {
         expectLinear(
             narrow(path),
             [&path](int n) {
