@@ -555,6 +555,16 @@ TEST(ElementReaderTest, LetsEachDocumentOverASharedDtdMakeAsMuchText) {
     EXPECT_FALSE(ElementReader(&dtd).parse(in));
 }
 
+TEST(ElementReaderTest, BoundsTheTextMadeToTheByte) {
+    Dtd dtd("a");
+    dtd.setEntity("e", DataHolder(std::string(6000, 'x')));
+    for (const std::int64_t bound : {11999, 12000}) {
+        const GrowthLimit limit(bound);
+        StringInStream in("<a x='&e;' y='&e;'/>");
+        EXPECT_EQ(ElementReader(&dtd).parse(in), bound == 12000);
+    }
+}
+
 TEST(ElementReaderTest, AllowsAHundredTimesTheBytesReadWhateverTheBound) {
     const GrowthLimit limit(1);
     Dtd dtd("a");
