@@ -168,5 +168,20 @@ TEST(WindowTest, IsAskedForItsPositionOnceAndOnlyWhereOneIsNeeded) {
     EXPECT_EQ(in.askedForPosition, 1);
 }
 
+TEST(WindowTest, HasNoPositionWhereTheSourceDoesNotSayOne) {
+    class Silent : public LendingSource {
+    public:
+        using LendingSource::LendingSource;
+
+    protected:
+        int positionOfBytes(const Window& given) const override { return InStream::positionOfBytes(given); }
+    };
+    Silent in("one", 100, Window::Loan::ForNow, false);
+    const StreamAccess::Session session(in);
+    in.eatWhite();
+    EXPECT_EQ(in.lent, 1);
+    EXPECT_EQ(StreamAccess::tell(in), -1);
+}
+
 }  // namespace
 }  // namespace Xml::test
