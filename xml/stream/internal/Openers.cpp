@@ -54,7 +54,6 @@ bool Openers::readAfterInnermost() {
     bool ok = true;
     do {
         const Tokenizer::Plain plain = tokenizer.readPlain(Tokenizer::Purpose::Trial);
-        innermost().holdsMarkup = plain == Tokenizer::Plain::LessThan;
         if (plain != Tokenizer::Plain::LessThan) return plain == Tokenizer::Plain::Read;
     } while (opens(ok));
     return ok;
@@ -98,7 +97,8 @@ bool Openers::closesAsName(Opener& opener, bool& ok) {
     }
 
     opener.trial = Trial::Bracket;
-    const bool readOnce = opener.holdsMarkup && !in.cannotComeBack(in.window) && isPlace(begin.position);
+    const bool holdsMarkup = token.substr(0, 1) == "<";
+    const bool readOnce = holdsMarkup && !in.cannotComeBack(in.window) && isPlace(begin.position);
     const int end = readOnce ? cursor.tell() : -1;
     cursor.seek(begin.position);
     if (readOnce && cursor.tell() == begin.position) {
@@ -121,8 +121,8 @@ bool Openers::closesAfterBracket(Opener& opener, bool& ok) {
     opener.saved = place();
     opener.trial = Trial::Cdata;
     // Openers around one another come to the same place after the same bracket.
-    if (!isPlace(failedSection) || opener.saved.position != failedSection) return false;
-    noteAgain(failedSection);
+    if (!isPlace(opener.saved.position) || opener.saved.position != failedSection) return false;
+    noteAgain(opener.saved.position);
     return true;
 }
 
@@ -148,22 +148,15 @@ void Openers::setNotAName(std::string_view token) {
 }
 
 void Openers::push(char kind) {
-    const bool isInner = outermost.has_value();
-    const ReadAhead* const ahead = isInner ? tokenizer.readAhead() : nullptr;
     buffer += kind;
     const Place here = place();
-    const Opener opener{kind,
-                        Trial::Name,
-                        false,
-                        here,
-                        here.position - 1,
-                        here.length - 2,
-                        ahead != nullptr ? ahead->messageCount() : 0};
-    if (isInner) {
-        inner.push_back(opener);
-    } else {
+    Opener opener{kind, Trial::Name, here, here.position - 1, here.length - 2, std::nullopt};
+    if (!outermost) {
         outermost = opener;
+        return;
     }
+    if (const ReadAhead* const ahead = tokenizer.readAhead()) opener.messageCount = ahead->messageCount();
+    inner.push_back(opener);
 }
 
 void Openers::pop() {

@@ -35,11 +35,10 @@ private:
     struct Opener {
         char kind;  // '!' or '?'
         Trial trial;
-        bool holdsMarkup;       // the token that was read after it begins with '<'
-        Place saved;            // where to come back to
-        int begin;              // the position after its '<'
-        std::size_t textBegin;  // of its '<' in the parse buffer
-        unsigned messageCount;  // when it was met
+        Place saved;                           // where to come back to
+        int begin;                             // the position after its '<'
+        std::size_t textBegin;                 // of its '<' in the parse buffer
+        std::optional<unsigned> messageCount;  // when it was met, of an inner one
     };
 
     bool opens(bool& ok);
@@ -70,7 +69,7 @@ private:
     std::optional<Opener> outermost;
     std::vector<Opener> inner;
 
-    int failedSection = -1;  // where the trial for "CDATA[" failed last
+    std::optional<int> failedSection;  // where the trial for "CDATA[" failed last
 };
 
 }  // namespace Xml
