@@ -3,7 +3,6 @@
 #include "xml/stream/internal/Openers.h"
 #include "xml/text/Names.h"
 #include "xml/text/internal/ByteClasses.h"
-#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -178,11 +177,12 @@ bool Tokenizer::readContentToken(int& referenceEnd) {
 }
 
 bool Tokenizer::expectToken(const char* text, int length) {
+    if (length < 1) return readToken();
     // What is expected may lie in the message, which reading a token replaces.
     const std::string& message = in.errorMessage;
     std::string kept;
     if (!std::less<>()(text, message.data()) && std::less<>()(text, message.data() + message.size())) {
-        kept.assign(text, static_cast<std::size_t>(std::max(length, 0)));
+        kept.assign(text, static_cast<std::size_t>(length));
         text = kept.data();
     }
     return readToken() && expectEnd(text, length);
@@ -191,7 +191,7 @@ bool Tokenizer::expectToken(const char* text, int length) {
 bool Tokenizer::expectEnd(const char* text, int length) {
     if (in.CheckParseBufferEnd(text, length)) return true;
     setError("\"");
-    if (length > 0) in.errorMessage.append(text, static_cast<std::size_t>(length));
+    in.errorMessage.append(text, static_cast<std::size_t>(length));
     in.errorMessage += "\" expected";
     return false;
 }

@@ -43,7 +43,7 @@ private:
 
     std::string& buffer() { return in.parseBuffer; }
 
-    // Whether the parse buffer ends with the text; leaves a message when it does not.
+    // Whether the parse buffer ends with the text, which has at least one byte; leaves a message when it does not.
     bool expectEnd(const char* text, int length);
 
     void setError(std::string_view text);
