@@ -10,6 +10,11 @@ bool ReadAhead::enabled = true;
 
 bool ReadAhead::setEnabled(bool on) { return std::exchange(enabled, on); }
 
+bool ReadAhead::isShort(std::string_view text, std::string_view error) {
+    constexpr std::size_t kLongest = 64;
+    return text.size() <= kLongest && error.size() <= kLongest;
+}
+
 const ReadAhead::Markup* ReadAhead::recall(int position) const {
     const auto found = markups.find(position);
     return found != markups.end() ? &found->second : nullptr;

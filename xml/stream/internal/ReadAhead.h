@@ -34,10 +34,7 @@ public:
     };
 
     // Long ones are not worth it: they are not given up one by one.
-    static bool isShort(std::string_view text, std::string_view error) {
-        constexpr std::size_t kLongest = 64;
-        return text.size() <= kLongest && error.size() <= kLongest;
-    }
+    static bool isShort(std::string_view text, std::string_view error);
 
     // Remembers it by the position after its '<'.
     void remember(int position, Markup markup) { markups[position] = std::move(markup); }
