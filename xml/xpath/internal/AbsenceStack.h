@@ -9,28 +9,29 @@ namespace Xml {
 // the top one. tests/xpath/AbsenceTest.cpp holds it.
 class AbsenceStack {
 public:
-    Absence& top() { return open.back(); }
+    Absence& top() { return parts.empty() ? query : parts.back(); }
 
     // Begins a part.
-    void begin() { open.emplace_back(); }
+    void begin() { parts.emplace_back(); }
 
     // Ends the part begun last, and adds it to what it is a part of. Returns the absence of the part alone.
     Absence end() {
-        const Absence part = open.back();
-        open.pop_back();
-        open.back().append(part);
+        const Absence part = parts.back();
+        parts.pop_back();
+        top().append(part);
         return part;
     }
 
     // The absence of the query, the parts that are under way included.
     Absence whole() const {
-        Absence absence;
-        for (const Absence& part : open) absence.append(part);
+        Absence absence = query;
+        for (const Absence& part : parts) absence.append(part);
         return absence;
     }
 
 private:
-    std::vector<Absence> open = std::vector<Absence>(1);  // the query first
+    Absence query;               // without the parts that are under way
+    std::vector<Absence> parts;  // the one begun first in front
 };
 
 }  // namespace Xml
