@@ -6,7 +6,7 @@
 
 namespace Xml {
 
-inline void Axes::along(const Step& step, const NodeList& from, SiblingHint& hint, Taker& taker,
+inline void Axes::along(const Step& step, const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker,
                         NodeList& found) const {
     found.mayNest = from.mayNest || from.nodes.size() > 1;  // they may reach each other's regions
     switch (step.axis) {
@@ -52,7 +52,8 @@ inline void Axes::along(const Step& step, const NodeList& from, SiblingHint& hin
     }
 }
 
-void Axes::collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found) {
+void Axes::collect(const Step& step, const NodeList& from, std::size_t enough, std::optional<SiblingHint>& hint,
+                   NodeList& found) {
     found.nodes.clear();
     Taker taker(step.test, found.nodes, enough, budget_);
     taker.visit(from.nodes.size());

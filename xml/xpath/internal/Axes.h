@@ -5,6 +5,7 @@
 #include "xml/xpath/internal/axes/Siblings.h"
 #include "xml/xpath/internal/axes/Taker.h"
 #include <cstddef>
+#include <optional>
 
 namespace Xml {
 
@@ -27,13 +28,15 @@ public:
     // Replaces `found` by what the step's axis finds from the nodes of `from`, taken in their order, that passes its
     // node test; predicates are not looked at. It may stop when `enough` nodes were found, and soon stops when the
     // budget is spent. `hint` is that of the step.
-    void collect(const Step& step, const NodeList& from, std::size_t enough, SiblingHint& hint, NodeList& found);
+    void collect(const Step& step, const NodeList& from, std::size_t enough, std::optional<SiblingHint>& hint,
+                 NodeList& found);
 
     // What is left to be looked at. Once it is spent, what was found last may be incomplete.
     VisitBudget& budget() { return budget_; }
 
 private:
-    void along(const Step& step, const NodeList& from, SiblingHint& hint, Taker& taker, NodeList& found) const;
+    void along(const Step& step, const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker,
+               NodeList& found) const;
 
     Document* document_;
     VisitBudget budget_;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -27,7 +28,7 @@ struct Path {
         Step step;
         unsigned depth = 0;  // of the step in the path: 0 for the first one, one more for each slash
         std::vector<Expression*> predicates;
-        SiblingHint hint;
+        std::optional<SiblingHint> hint;
     };
 
     // The step with that number, which must be the first or follow one that is not the last. Null, and the error set,

@@ -72,7 +72,7 @@ private:
 
 // Calls visit(row, place) for each context node that is a child of an element.
 template <class Visit>
-void forEachSibling(const NodeList& from, SiblingHint& hint, Taker& taker, Visit visit) {
+void forEachSibling(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker, Visit visit) {
     NodeMap rowOf;
     std::vector<Row> rows;
     for (Object* const node : from.nodes) {
@@ -80,12 +80,12 @@ void forEachSibling(const NodeList& from, SiblingHint& hint, Taker& taker, Visit
         if (parent == nullptr || !parent->isElement() || node->isAttribute()) continue;
         const auto [number, isNew] = rowOf.insert(parent, static_cast<std::uint32_t>(rows.size()));
         if (isNew) {
-            const std::size_t begin = hint.parent == parent ? hint.place : 0;
+            const std::size_t begin = hint && hint->parent == parent ? hint->place : 0;
             rows.emplace_back(elementChildren(*parent), begin);
         }
         Row& row = rows[*number];
         const std::size_t place = row.placeOf(node, taker);
-        hint = {parent, place};
+        hint = SiblingHint{parent, place};
         if (place < row.size()) visit(row, place);
         if (taker.isDone()) return;
     }
@@ -93,15 +93,15 @@ void forEachSibling(const NodeList& from, SiblingHint& hint, Taker& taker, Visit
 
 }  // namespace
 
-void takeFollowingSiblings(const NodeList& from, SiblingHint& hint, Taker& taker) {
+void takeFollowingSiblings(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker) {
     forEachSibling(from, hint, taker, [&](Row& row, std::size_t place) { taker.take(row.following(place)); });
 }
 
-void takePrecedingSiblings(const NodeList& from, SiblingHint& hint, Taker& taker) {
+void takePrecedingSiblings(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker) {
     forEachSibling(from, hint, taker, [&](Row& row, std::size_t place) { taker.take(row.preceding(place)); });
 }
 
-void takeFollowing(const NodeList& from, SiblingHint& hint, Taker& taker) {
+void takeFollowing(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker) {
     NodeList siblings;
     Taker all = taker.forAll(siblings.nodes);
     takeFollowingSiblings(from, hint, all);

@@ -2,6 +2,7 @@
 
 #include "xml/xpath/internal/axes/Taker.h"
 #include <cstddef>
+#include <optional>
 
 namespace Xml {
 
@@ -11,14 +12,14 @@ namespace Xml {
 // Where among its siblings the last context node stood, for the next one: they mostly come one after the other. Only
 // cost depends on it.
 struct SiblingHint {
-    const Object* parent = nullptr;
-    std::size_t place = 0;
+    const Object* parent;
+    std::size_t place;
 };
 
-void takeFollowingSiblings(const NodeList& from, SiblingHint& hint, Taker& taker);
-void takePrecedingSiblings(const NodeList& from, SiblingHint& hint, Taker& taker);
+void takeFollowingSiblings(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker);
+void takePrecedingSiblings(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker);
 
 // The following siblings and all below them; nothing that follows after the parent.
-void takeFollowing(const NodeList& from, SiblingHint& hint, Taker& taker);
+void takeFollowing(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker);
 
 }  // namespace Xml
