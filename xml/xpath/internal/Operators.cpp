@@ -21,7 +21,9 @@ constexpr OperatorName oOperatorNames[] = {
     {" * ", Operator::Multiply},
 };
 
-bool mayBeginOperator(OrvSys::uni16char unit) { return unit == u' ' || unit == u'!' || (unit >= u'<' && unit <= u'>'); }
+bool mayBeginOperator(OrvSys::uni16char unit) {
+    return unit == u' ' || unit == u'!' || unit == u'<' || unit == u'=' || unit == u'>';
+}
 
 }  // namespace
 
