@@ -196,6 +196,14 @@ TEST(WorkLimitTest, CountsANumberThatIsMadeOnce) {
     EXPECT_EQ(costOf(tree, u"1 + /r/x") - costOf(tree, u"1 = /r/x"), 3);
 }
 
+// The children are gone through once for all of them, not once for each or for the first one.
+TEST(WorkLimitTest, CountsNoSearchForAContextNodeThatIsTheFirstChildOrFollowsTheLastOne) {
+    for (const int children : {100, 200}) {
+        const Tree tree("<r>" + repeated("<a/>", children) + "</r>");
+        EXPECT_LT(costOf(tree, u"/r/a[following-sibling::a]"), 5 * children + 10);
+    }
+}
+
 // What a refused query has asked of the heap tells how far it went, on every machine alike.
 TEST(WorkLimitTest, EndsAQueryBeforeItHasDoneMuchMore) {
     const Tree wide("<a>" + repeated("<b/>", 3'999) + "</a>");
