@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -42,7 +43,7 @@ struct NodeAccess {
     // --- Nodes for readers: names have been checked, nothing links to a Dtd yet, all is marked as changed already ---
 
     // An element, and character data that is still empty.
-    static std::unique_ptr<Element> makeElement(const std::string& name) {
+    static std::unique_ptr<Element> makeElement(std::string_view name) {
         std::unique_ptr<Element> element = makeElement();
         element->name = name;
         return element;
@@ -57,7 +58,7 @@ struct NodeAccess {
     }
 
     // Appends an attribute, in no order. sortAttributes has to follow before anything else asks for attributes.
-    static void appendAttribute(Element& element, const std::string& name, DataHolder&& value) {
+    static void appendAttribute(Element& element, std::string_view name, DataHolder&& value) {
         std::unique_ptr<Attribute> attribute = exactly(NodeClass::Attribute, new Attribute());
         attribute->name = name;
         attribute->value = std::move(value);

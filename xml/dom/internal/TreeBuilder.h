@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,9 +36,10 @@ public:
 
     // The element that began last and has not ended.
     const Element& innermost() const { return *here; }
+    std::string_view innermostName() const { return NodeAccess::name(*here); }
 
     // Begins an element within the innermost one. The name has been checked.
-    void begin(const std::string& name) {
+    void begin(std::string_view name) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(name);
         Element* const begun = element.get();
         if (isOpen()) {
@@ -61,14 +63,20 @@ public:
         Attributes& operator=(const Attributes&) = delete;
 
         // The name has been checked.
-        void add(const std::string& name, DataHolder&& value) {
+        void add(std::string_view name, DataHolder&& value) {
             NodeAccess::appendAttribute(element, name, std::move(value));
         }
+        void add(std::string_view name, std::string_view value) { add(name, DataHolder(value)); }
 
     private:
         Element& element;
     };
 
+    void addText(std::string_view text) {
+        std::unique_ptr<CharData> node = NodeAccess::makeCharData();
+        node->data().assign(text);
+        addText(std::move(node));
+    }
     void addText(std::unique_ptr<CharData> text) { NodeAccess::appendChild(*here, std::move(text)); }
 
     // Ends the innermost element.
