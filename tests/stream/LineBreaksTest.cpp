@@ -273,12 +273,15 @@ TEST(LineBreaksTest, TakesARunAsItTakesEachByte) {
         SCOPED_TRACE(round);
         LineBreaks run;
         LineBreaks bytes;
+        LineBreaks hops;
         NaiveBreaks naive;
         const char* const begin = text.data();
         const std::size_t middle = random() % text.size();
         const auto positionOf = [begin](const char* byte) { return static_cast<int>(byte - begin); };
         run.noteRun(begin, begin + middle, positionOf);
         run.noteRun(begin + middle, begin + text.size(), positionOf);
+        for (const char* at = begin; (at = std::find(at, begin + text.size(), '\r')) != begin + text.size();)
+            at = hops.noteAfterReturn(at + 1, begin + text.size(), positionOf);
         for (std::size_t i = 0; i < text.size(); ++i) {
             const int after = static_cast<int>(i) + 1;
             if (text[i] == 'a') {
@@ -290,8 +293,10 @@ TEST(LineBreaksTest, TakesARunAsItTakesEachByte) {
         }
         EXPECT_EQ(run.isAfterReturn(), text.back() == '\r');
         EXPECT_EQ(bytes.isAfterReturn(), text.back() == '\r');
+        EXPECT_EQ(hops.isAfterReturn(), text.back() == '\r');
         expectAlike(run, naive, 31);
         expectAlike(bytes, naive, 31);
+        expectAlike(hops, naive, 31);
     }
 }
 

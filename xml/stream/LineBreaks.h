@@ -34,18 +34,24 @@ public:
     // The bytes [from, to) were consumed in this order. `positionOf(byte)` is the position of one of them or of `to`.
     template <class PositionOf>
     void noteRun(const char* from, const char* to, const PositionOf& positionOf) {
+        if (afterReturn) from = noteAfterReturn(from, to, positionOf);
         while (from != to) {
-            if (afterReturn) {
-                const char c = *from++;
-                if (c == '\r' || c == '\n') record(positionOf(from));
-                afterReturn = c == '\r';
-            } else {
-                from = static_cast<const char*>(std::memchr(from, '\r', static_cast<std::size_t>(to - from)));
-                if (from == nullptr) return;
-                ++from;
-                afterReturn = true;
-            }
+            from = static_cast<const char*>(std::memchr(from, '\r', static_cast<std::size_t>(to - from)));
+            if (from == nullptr) return;
+            from = noteAfterReturn(from + 1, to, positionOf);
         }
+    }
+
+    // A CR was consumed, and then bytes of [from, to), up to the first that is none. Returns the end of what was noted.
+    template <class PositionOf>
+    const char* noteAfterReturn(const char* from, const char* to, const PositionOf& positionOf) {
+        afterReturn = true;
+        while (afterReturn && from != to) {
+            const char c = *from++;
+            if (c == '\r' || c == '\n') record(positionOf(from));
+            afterReturn = c == '\r';
+        }
+        return from;
     }
 
     // Whether the byte consumed last is a CR.

@@ -23,7 +23,7 @@ bool Cursor::appendThrough(InStream& in, std::string& text, char last) {
             const char* const to = found != nullptr ? found + 1 : window.end;
             text.append(from, to);
             window.cursor = to;
-            in.lineBreaks.noteRun(from, to, [&in](const char* byte) { return positionOf(in, byte); });
+            noteRun(in, from, to);
             if (found != nullptr) return true;
         }
         char c;

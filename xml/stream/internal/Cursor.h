@@ -76,13 +76,22 @@ public:
         return in.window.isLent() ? positionOf(in, in.window.cursor) : in.getPosition();
     }
 
-private:
+    // The position of a byte of the window.
     static int positionOf(const InStream& in, const char* byte) {
         Window& window = in.window;
         if (!isPlace(window.base)) window.base = in.positionOfBytes(window);
         return window.base + static_cast<int>(byte - window.begin);
     }
 
+    // Notes that these bytes of the window were consumed.
+    static void noteRun(InStream& in, const char* from, const char* to) {
+        in.lineBreaks.noteRun(from, to, [&in](const char* byte) { return positionOf(in, byte); });
+    }
+    static const char* noteAfterReturn(InStream& in, const char* from, const char* to) {
+        return in.lineBreaks.noteAfterReturn(from, to, [&in](const char* byte) { return positionOf(in, byte); });
+    }
+
+private:
     void note(char c) {
         if (c != '\r' && c != '\n') {
             in.lineBreaks.noteOthers();

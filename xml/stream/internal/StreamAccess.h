@@ -5,6 +5,7 @@
 #include "xml/stream/internal/Tokenizer.h"
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Xml {
 
@@ -83,6 +84,29 @@ struct StreamAccess {
         const Operation operation(in);
         return Tokenizer(in).readContentToken(referenceEnd);
     }
+
+    // --- The lent bytes, for what takes whole constructs from them ---
+
+    static const Window& window(const InStream& in) { return in.window; }
+
+    // The position of a byte of the window.
+    static int positionOf(const InStream& in, const char* byte) { return Cursor::positionOf(in, byte); }
+
+    // Goes on at a byte of the window. What is passed over is not noted.
+    static void moveTo(InStream& in, const char* byte) { in.window.cursor = byte; }
+
+    // Notes in the line breaks that these bytes of the window were consumed.
+    static void note(InStream& in, const char* from, const char* to) { Cursor::noteRun(in, from, to); }
+
+    // Notes that a CR was consumed and then bytes from there on, up to the first that is none. Returns their end.
+    static const char* noteAfterReturn(InStream& in, const char* from, const char* to) {
+        return Cursor::noteAfterReturn(in, from, to);
+    }
+    static void noteOther(InStream& in) { in.lineBreaks.noteOthers(); }  // one byte that is neither CR nor LF
+    static bool isAfterReturn(const InStream& in) { return in.lineBreaks.isAfterReturn(); }
+
+    // Leaves a message as the tokenizer does.
+    static void setError(InStream& in, std::string_view text) { Tokenizer(in).setError(text); }
 
 private:
     // Nothing is under way any more: what is borrowed goes back, and what was read ahead goes where the bytes may

@@ -29,6 +29,8 @@ public:
     // See StreamAccess::getContentToken.
     bool readContentToken(int& referenceEnd);
 
+    void setError(std::string_view text);
+
 private:
     friend class Openers;
 
@@ -46,7 +48,6 @@ private:
     // Whether the parse buffer ends with the text, which has at least one byte; leaves a message when it does not.
     bool expectEnd(const char* text, int length);
 
-    void setError(std::string_view text);
     bool endOfData();
 
     // What was read ahead, to add to it; null when nothing may be remembered.
