@@ -49,4 +49,13 @@ std::string stateOf(const InStream& in) {
            std::to_string(in.getColumn()) + ") " + in.getErrorMessage();
 }
 
+std::string placesOf(InStream& in, std::size_t size, std::size_t step) {
+    std::string text;
+    for (std::size_t position = 0; position <= size + 1; position += step) {
+        in.setPosition(static_cast<int>(position));
+        text += std::to_string(in.getLine()) + ":" + std::to_string(in.getColumn()) + " ";
+    }
+    return text;
+}
+
 }  // namespace Xml::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace Xml {
@@ -20,5 +21,9 @@ std::string fullText(const Dtd* dtd);
 
 // Where the stream stands and what it has to say: position, line, column, message.
 std::string stateOf(const InStream& in);
+
+// Line and column of the positions up to one after `size`, or of every `step`th: all line breaks that were recorded.
+// Moves the stream.
+std::string placesOf(InStream& in, std::size_t size, std::size_t step = 1);
 
 }  // namespace Xml::test

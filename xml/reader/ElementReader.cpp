@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/reader/internal/EntityBudget.h"
+#include "xml/reader/internal/FastContent.h"
 #include "xml/reader/internal/LiteralContent.h"
 #include "xml/stream/internal/StreamAccess.h"
 
@@ -14,8 +15,18 @@ ElementReader::~ElementReader() = default;
 bool ElementReader::parse(InStream& in) {
     const StreamAccess::Session session(in);
     EntityBudget own;
+    EntityBudget& budget = EntityBudget::of(*this, own);
     TreeBuilder tree(root);
-    return LiteralContent(*this, in, tree, dtd, EntityBudget::of(*this, own)).read();
+    int referenceEnd = 0;
+    LiteralContent literal(*this, in, tree, dtd, budget, referenceEnd);
+    FastContent fast(in, tree, dtd, budget, referenceEnd);
+    fast.read();
+    if (!tree.isOpen() && !literal.begin()) return false;
+    while (tree.isOpen()) {
+        if (!literal.readPiece()) return false;
+        if (tree.isOpen()) fast.read();
+    }
+    return true;
 }
 
 Element* ElementReader::getRoot() { return root.get(); }

@@ -12,21 +12,16 @@
 
 namespace Xml {
 
-bool LiteralContent::read() {
-    if (!beginElement()) return false;
-    while (tree.isOpen()) {
-        if (!readPiece()) return false;
-    }
-    return true;
-}
-
 // --- Failures, as the reader of the innermost element reports them ---
 
+// Whether the element that would have its reader at work lies in another one.
+bool LiteralContent::isNested() const { return tree.depth() > (isBeginning ? 0 : 1); }
+
 bool LiteralContent::failWith(const std::string& text) {
-    if (depth == 1) {
-        Report::message(reader, in, text);
-    } else {
+    if (isNested()) {
         Report::nestedMessage(reader, ElementReader(dtd), in, text);
+    } else {
+        Report::message(reader, in, text);
     }
     return false;
 }
@@ -34,7 +29,7 @@ bool LiteralContent::failWith(const std::string& text) {
 bool LiteralContent::fail() { return failWith(in.getErrorMessage()); }
 
 bool LiteralContent::failSilently() {
-    if (depth > 1) reader.setMessage(std::string());  // the message of a nested reader that has none
+    if (isNested()) reader.setMessage(std::string());  // the message of a nested reader that has none
     return false;
 }
 
@@ -42,17 +37,18 @@ bool LiteralContent::failSilently() {
 
 // The start tag of an element, with its end when it has no content.
 bool LiteralContent::beginElement() {
-    ++depth;
+    isBeginning = true;
     if (!in.checkToken(kLessThen)) return fail();
     StreamAccess::clear(in);
     if (!in.getNameInParseBuffer()) return fail();
     tree.begin(StreamAccess::token(in));
+    isBeginning = false;
     // The report comes after the attributes are in order: a caller's message() may ask for them.
     const Attributes attributes = readAttributes();
     if (attributes == Attributes::NotRead) return fail();
     if (attributes == Attributes::TooLarge) return failWith(kEntityTextTooLarge);
     if (StreamAccess::token(in) == kSlashGreaterThen) {
-        endElement();
+        tree.end();
         return true;
     }
     return StreamAccess::token(in) == kGreaterThen || failSilently();
@@ -78,18 +74,12 @@ LiteralContent::Attributes LiteralContent::readAttributes() {
 
 bool LiteralContent::readEndTag() {
     if (!in.checkToken(tree.innermost().getName()) || !in.checkToken(kGreaterThen)) return fail();
-    endElement();
-    return true;
-}
-
-void LiteralContent::endElement() {
     tree.end();
-    --depth;
+    return true;
 }
 
 // --- Content ---
 
-// The next piece of the innermost element's content, or its end tag.
 bool LiteralContent::readPiece() {
     const int position = StreamAccess::tell(in);
     if (!StreamAccess::getContentToken(in, referenceEnd)) return fail();

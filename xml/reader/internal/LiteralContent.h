@@ -19,16 +19,23 @@ class TreeBuilder;
 // complete.
 class LiteralContent {
 public:
-    // `outermost` reads the outermost element and gets the message. The Dtd may be null.
-    LiteralContent(ElementReader& outermost, InStream& stream, TreeBuilder& builder, Dtd* entities, EntityBudget& text)
-        : reader(outermost), in(stream), tree(builder), dtd(entities), budget(text) {}
+    // `outermost` reads the outermost element and gets the message. The Dtd may be null. `endOfReferences` is the
+    // position after the last reference at the beginning of a text, 0 at first.
+    LiteralContent(ElementReader& outermost, InStream& stream, TreeBuilder& builder, Dtd* entities, EntityBudget& text,
+                   int& endOfReferences)
+        : reader(outermost), in(stream), tree(builder), dtd(entities), budget(text), referenceEnd(endOfReferences) {}
 
     LiteralContent(const LiteralContent&) = delete;
     LiteralContent& operator=(const LiteralContent&) = delete;
 
-    bool read();
+    // The start tag of the outermost element, with its end when it has no content.
+    bool begin() { return beginElement(); }
+
+    // The next piece of the innermost element's content, or its end tag.
+    bool readPiece();
 
 private:
+    bool isNested() const;
     bool failWith(const std::string& text);
     bool fail();
     bool failSilently();
@@ -37,16 +44,14 @@ private:
     enum class Attributes { Read, NotRead, TooLarge };
     Attributes readAttributes();
     bool readEndTag();
-    void endElement();
-    bool readPiece();
 
     ElementReader& reader;
     InStream& in;
     TreeBuilder& tree;
     Dtd* dtd;
     EntityBudget& budget;
-    std::size_t depth = 0;  // of the element that would have its reader at work
-    int referenceEnd = 0;   // after the last reference that was read
+    int& referenceEnd;
+    bool isBeginning = false;  // in a start tag, before the builder knows of the element
 };
 
 }  // namespace Xml

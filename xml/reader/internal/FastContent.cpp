@@ -1,0 +1,324 @@
+#include "xml/reader/internal/FastContent.h"
+
+#include "xml/dom/internal/TreeBuilder.h"
+#include "xml/reader/internal/EntityBudget.h"
+#include "xml/stream/internal/ReturnsAhead.h"
+#include "xml/stream/internal/Scan.h"
+#include "xml/stream/internal/StreamAccess.h"
+#include "xml/text/internal/ByteClasses.h"
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// What the tokens of a piece leave follows from which bytes they consume, in which order. A piece is looked at first
+// and then read, and a word ends with a byte that is read, looked at and read again. Bytes that are read again make the
+// same line breaks again, but for one case: where the last byte before was a CR, and the first that is read again is a
+// CR or LF, that one ends a line too. Only two things can be read again after a CR: what follows a name in a tag, and a
+// text whose first token a CR ends. Everything else is noted once.
+
+namespace Xml {
+
+namespace {
+
+bool isQuote(char c) { return c == '"' || c == '\''; }
+bool isNameStart(char c) { return ByteClass::is(c, ByteClass::kNameStart); }
+
+std::string_view viewOf(const char* from, const char* to) { return {from, static_cast<std::size_t>(to - from)}; }
+
+const char* whiteEnd(const char* from, const char* to) { return Scan::endOfRepeated<ByteClass::kWhite>(from, to); }
+const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
+
+// The end of a value, or its first '&'.
+const char* plainValueEnd(const char* from, const char* to, char quote) {
+    return quote == '"' ? Scan::findEither<'"', '&'>(from, to) : Scan::findEither<'\'', '&'>(from, to);
+}
+
+// The window of a stream, and what is read from it.
+class Pieces {
+public:
+    Pieces(InStream& stream, TreeBuilder& builder, Dtd* entities, EntityBudget& text, int& endOfReferences)
+        : in(stream),
+          tree(builder),
+          dtd(entities),
+          budget(text),
+          referenceEnd(endOfReferences),
+          end(StreamAccess::window(stream).end),
+          begin(StreamAccess::window(stream).cursor),
+          returns(begin) {
+        constexpr std::size_t kMostly = 16;
+        attributes.reserve(kMostly);
+    }
+
+    Pieces(const Pieces&) = delete;
+    Pieces& operator=(const Pieces&) = delete;
+
+    bool isBeforeStartTag() const {
+        const char* const first = whiteEnd(begin, end);
+        return end - first >= 2 && *first == '<' && isNameStart(first[1]);
+    }
+
+    // Takes one piece; false when the next one is not ordinary.
+    bool takeOne() {
+        const char* const first = takeWhite();
+        if (first == nullptr) return false;
+        if (*first != '<') return takeText(first);
+        const char* const next = first + 1;
+        if (isNameStart(*next)) return takeStartTag(next);
+        if (*next == '/') return takeEndTag(next + 1);
+        return *next == '!' && takeComment(next + 1);
+    }
+
+private:
+    struct Attribute {
+        std::string_view name;
+        std::string_view value;
+        bool refers;  // has references
+    };
+
+    // The piece ends there: the next one begins.
+    void goOnAt(const char* to) {
+        StreamAccess::moveTo(in, to);
+        begin = to;
+    }
+
+    // The first byte of the piece that is not white space, after which one more stands; null without them. Tokens read
+    // white space first, whatever follows: its line breaks are noted before it is clear whether the piece is ordinary.
+    const char* takeWhite() {
+        const char* const first = whiteEnd(begin, end);
+        if (end - first < 2) return nullptr;
+        if (returns.in(begin, first, end)) noteReturns(first);
+        return first;
+    }
+
+    // Notes bytes that have a CR among them, up to `to`, where a byte that is none is read: a step from one CR to the
+    // next.
+    [[gnu::noinline]] void noteReturns(const char* to) {
+        const char* at = nullptr;
+        do {
+            at = StreamAccess::noteAfterReturn(in, returns.first() + 1, to);
+        } while (returns.in(at, to, end));
+        StreamAccess::noteOther(in);
+    }
+
+    // What is rare is out of line, so that the rest stays in registers.
+    bool takeStartTag(const char* name);
+    const char* collectAttributes(const char* from);
+    [[gnu::noinline]] bool decodeValues();
+    void addAttributes();
+    [[gnu::noinline]] void noteStartTag(const char* name, const char* elementNameEnd, const char* to);
+    bool takeEndTag(const char* name);
+    [[gnu::noinline]] bool takeComment(const char* dashes);
+    bool takeText(const char* first);
+    [[gnu::noinline]] void noteText(const char* tried, const char* to);
+    const char* through(const char* from, char last) const;
+    const char* referenceTriedFrom(const char* first) const;
+    static const char* plainTriedFrom(const char* first);
+
+    InStream& in;
+    TreeBuilder& tree;
+    Dtd* const dtd;
+    EntityBudget& budget;
+    int& referenceEnd;
+
+    const char* const end;  // of the window
+    const char* begin;      // of the piece at hand
+    ReturnsAhead returns;
+
+    // Of the tag at hand.
+    std::vector<Attribute> attributes;
+    bool hasReferences = false;
+    std::vector<DataHolder> decoded;  // the values with references, in their order
+};
+
+// --- Tags ---
+
+bool Pieces::takeStartTag(const char* name) {
+    const char* const elementNameEnd = nameEnd(name + 1, end);
+    const char* const to = collectAttributes(elementNameEnd);
+    if (to == nullptr) return false;
+    const bool isEmpty = to[-2] == '/';
+    if (isEmpty && !tree.isOpen()) return false;
+    if (hasReferences && !decodeValues()) return false;
+
+    if (returns.in(name, to, end)) noteStartTag(name, elementNameEnd, to);
+    goOnAt(to);
+    tree.begin(viewOf(name, elementNameEnd));
+    if (!attributes.empty()) addAttributes();
+    if (isEmpty) tree.end();
+    return true;
+}
+
+// Those from the end of the element's name on. Returns the end of the tag, null when it is not ordinary.
+const char* Pieces::collectAttributes(const char* from) {
+    attributes.clear();
+    hasReferences = false;
+    for (;;) {
+        const char* name = from != end && *from == ' ' ? from + 1 : from;
+        if (name == end) return nullptr;
+        if (!isNameStart(*name)) {
+            name = whiteEnd(name, end);
+            if (name == end) return nullptr;
+            if (*name == '>') return name + 1;
+            if (*name == '/') return end - name >= 2 && name[1] == '>' ? name + 2 : nullptr;
+            if (!isNameStart(*name)) return nullptr;
+        }
+        const char* const itsNameEnd = nameEnd(name + 1, end);
+
+        const char* at = itsNameEnd;
+        if (at != end && *at != '=') at = whiteEnd(at, end);
+        if (end - at < 2 || *at != '=') return nullptr;
+        ++at;
+        if (!isQuote(*at)) at = whiteEnd(at, end);
+        if (at == end || !isQuote(*at)) return nullptr;
+        const char quote = *at;
+        const char* const value = at + 1;
+        const char* valueEnd = plainValueEnd(value, end, quote);
+        if (valueEnd == end) return nullptr;
+        const bool refers = *valueEnd == '&';
+        if (refers) {
+            valueEnd = Scan::find(valueEnd, end, quote);
+            if (valueEnd == nullptr) return nullptr;
+            hasReferences = true;
+        }
+        attributes.push_back({viewOf(name, itsNameEnd), viewOf(value, valueEnd), refers});
+        from = valueEnd + 1;
+    }
+}
+
+// Before the element begins: where the bound is passed nothing of the tag has been taken.
+bool Pieces::decodeValues() {
+    const EntityBudget before = budget;
+    decoded.clear();
+    for (const Attribute& attribute : attributes) {
+        if (!attribute.refers) continue;
+        DataHolder value(attribute.value);
+        StreamAccess::moveTo(in, attribute.value.data() + attribute.value.size() + 1);
+        if (!budget.expand(in, value, dtd)) {
+            budget = before;
+            StreamAccess::moveTo(in, begin);
+            return false;
+        }
+        decoded.push_back(std::move(value));
+    }
+    return true;
+}
+
+void Pieces::addAttributes() {
+    TreeBuilder::Attributes added(tree);
+    std::size_t next = 0;
+    for (const Attribute& attribute : attributes) {
+        if (attribute.refers) {
+            added.add(attribute.name, std::move(decoded[next++]));
+        } else {
+            added.add(attribute.name, attribute.value);
+        }
+    }
+}
+
+// What follows a name is read again.
+void Pieces::noteStartTag(const char* name, const char* elementNameEnd, const char* to) {
+    const char* again = elementNameEnd;
+    StreamAccess::note(in, name, again + 1);
+    for (const Attribute& attribute : attributes) {
+        const char* const next = attribute.name.data() + attribute.name.size();
+        StreamAccess::note(in, again, next + 1);
+        again = next;
+    }
+    StreamAccess::note(in, again, to);
+}
+
+bool Pieces::takeEndTag(const char* name) {
+    const std::string_view expected = tree.innermostName();
+    if (tree.depth() == 1 || !Scan::startsWith(name, end, expected)) return false;
+    const char* const itsEnd = name + expected.size();
+    if (itsEnd == end || *itsEnd != '>') return false;
+    goOnAt(itsEnd + 1);
+    tree.end();
+    return true;
+}
+
+// --- Comments and texts ---
+
+// From the byte after "<!" on.
+bool Pieces::takeComment(const char* dashes) {
+    if (!Scan::startsWith(dashes, end, "--")) return false;
+    const char* to = dashes + 2;
+    do {
+        to = through(to, '>');
+        if (to == nullptr) return false;
+    } while (to[-2] != '-' || to[-3] != '-');
+    if (returns.in(dashes, to, end)) noteReturns(to);
+    goOnAt(to);
+    StreamAccess::setError(in, "\"[\" expected");  // a comment is found by trials, and this is of the one before
+    return true;
+}
+
+bool Pieces::takeText(const char* first) {
+    const char* const to = Scan::find(first, end, '<');
+    if (to == nullptr) return false;
+    const char* tried = nullptr;  // the end of the first token, with the byte after a word
+    if (isQuote(*first)) {
+        tried = through(first + 1, *first);
+        if (tried == nullptr) return false;
+    } else if (*first == '&') {
+        tried = referenceTriedFrom(first);
+        if (tried == nullptr) return false;
+    }
+
+    if (returns.in(first, std::max(tried, to + 1), end)) noteText(tried != nullptr ? tried : plainTriedFrom(first), to);
+    const std::string_view text = viewOf(begin, to);
+    goOnAt(to);
+    tree.addText(text);
+    return true;
+}
+
+// All of a text is read again after its first token.
+void Pieces::noteText(const char* tried, const char* to) {
+    if (tried <= to + 1 && tried[-1] != '\r') return noteReturns(to);
+    StreamAccess::note(in, begin, tried);
+    StreamAccess::note(in, begin, to + 1);
+}
+
+// The end of the next `last`, null where there is none in the window.
+const char* Pieces::through(const char* from, char last) const {
+    const char* const found = Scan::find(from, end, last);
+    return found != nullptr ? found + 1 : nullptr;
+}
+
+// A reference that begins before the end of the last one is "&" alone.
+const char* Pieces::referenceTriedFrom(const char* first) const {
+    const int position = StreamAccess::positionOf(in, first);
+    if (isPlace(position) && position < referenceEnd) return first + 1;
+    const char* const tried = through(first, ';');
+    if (tried != nullptr) referenceEnd = StreamAccess::positionOf(in, tried);
+    return tried;
+}
+
+// A '<' follows.
+const char* Pieces::plainTriedFrom(const char* first) {
+    if (*first == '/') return first + 2;
+    if (ByteClass::is(*first, ByteClass::kPunctuation)) return first + 1;
+    do {
+        ++first;
+    } while (!ByteClass::is(*first, ByteClass::kWordEnd));
+    return first + 1;
+}
+
+}  // namespace
+
+bool FastContent::enabled = true;
+
+bool FastContent::setEnabled(bool on) { return std::exchange(enabled, on); }
+
+// What a CR before the first byte makes of a line break is left to the tokens.
+void FastContent::read() {
+    const Window& window = StreamAccess::window(in);
+    if (!enabled || window.cursor == window.end || StreamAccess::isAfterReturn(in)) return;
+    Pieces pieces(in, tree, dtd, budget, referenceEnd);
+    if (!tree.isOpen() && !pieces.isBeforeStartTag()) return;
+    while (pieces.takeOne()) {}
+}
+
+}  // namespace Xml
