@@ -2,8 +2,8 @@
 //
 // String, platform file and bare source must give the same verdict, message, place, tree with its links and marks,
 // document type and diagnostics; standard streams, over a file and over a buffer of few bytes, the same as the naive
-// readers over their primitives. What was written must be read as it was, and written again be the same text
-// (RoundTrip.h has the exceptions).
+// readers over their primitives. Read by tokens alone all must be the same, and every line break. What was written must
+// be read as it was, and written again be the same text (RoundTrip.h has the exceptions).
 //
 // Input: the document.
 #include "fuzz/Input.h"
@@ -13,10 +13,12 @@
 #include "models/NaiveReaders.h"
 #include "models/Snapshot.h"
 #include "reader/GrowthLimit.h"
+#include "stream/LendingSource.h"
 #include "stream/TextBuffer.h"
 #include "support/Messages.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
+#include "support/WithoutFastContent.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
@@ -80,6 +82,22 @@ std::string naiveOutcome(InStream& in) {
     return outcome(ok, reader.error(), reader.document.get(), in, diagnostics);
 }
 
+// Reads twice, from the window and by tokens. `withStream` calls what it is given with a new stream over the text.
+template <class WithStream>
+void checkBothWays(const std::string& text, const WithStream& withStream) {
+    const auto run = [&] {
+        std::string shown;
+        withStream([&](InStream& in) {
+            shown = read(in).outcome;
+            shown += test::placesOf(in, text.size());
+        });
+        return shown;
+    };
+    const std::string fast = run();
+    const test::WithoutFastContent off;
+    expectSame("from the window all is read as by tokens", run(), fast);
+}
+
 void checkStandardStreams(const std::string& text, const std::string& path) {
     std::ifstream file;
     FileInStream in(path, &file);
@@ -87,6 +105,16 @@ void checkStandardStreams(const std::string& text, const std::string& path) {
     test::TextStream fewBytes(text, {1 + text.size() % 7});
     FileInStream inFewBytes(&fewBytes);
     expectSame("a stream with few bytes at hand is read as a file", reading.outcome, read(inFewBytes).outcome);
+
+    checkBothWays(text, [&](const auto& use) {
+        test::LendingSource source(text, 1 + text.size() % 37);
+        use(source);
+    });
+    checkBothWays(text, [&](const auto& use) {
+        std::istringstream stream(text);
+        FileInStream source(&stream);
+        use(source);
+    });
 
     if (reading.grewTooLarge) return;  // the naive readers know no bound
     try {
@@ -120,6 +148,11 @@ void check(const std::string& text) {
     const test::GrowthLimit limit(kEntityGrowth);
     StringInStream string(text);
     const Reading reading = read(string);
+
+    checkBothWays(text, [&](const auto& use) {
+        StringInStream source(text);
+        use(source);
+    });
 
     BareInStream bare(text);
     expectSame("a bare source is read as a string", reading.outcome, read(bare).outcome);

@@ -2,6 +2,7 @@
 #include "memory/Failing.h"
 #include "memory/Usable.h"
 #include "reader/GrowthLimit.h"
+#include "support/BothWays.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
@@ -148,24 +149,27 @@ TEST(ReaderMemoryTest, ADocumentThatCouldNotBeReadIsReadTheNextTime) {
     for (const auto& text : {kDocument, split.text(), kProlog + kRoot}) {
         for (const Source source : kAllSources) {
             SCOPED_TRACE(source);
-            const Outcome whole = readDocument(text, source);
-            EXPECT_TRUE(whole.ok) << whole.error;
-            const std::string expected = contentOf(whole.document.get());
-            forEachFailingAllocation([&](Attempt& attempt) {
-                DocumentReader reader;
-                const auto parse = [&reader](InStream& in) { return reader.parse(in); };
-                bool ok = false;
-                bool complete = false;
-                withSource(source, text, [&](InStream& in) { complete = attempt([&] { ok = parse(in); }); });
-                if (!complete) {
-                    if (reader.getDocument() != nullptr) expectUsable(*reader.getDocument());
-                    withSource(source, text, [&](InStream& in) { ok = parse(in); });
-                }
-                EXPECT_TRUE(ok) << reader.getErrorMessage();
-                const std::unique_ptr<Document> document(reader.extractDocument());
-                EXPECT_EQ(contentOf(document.get()), expected);
-                expectUsable(*document);
-            });
+            const auto readWithFailures = [&] {
+                const Outcome whole = readDocument(text, source);
+                EXPECT_TRUE(whole.ok) << whole.error;
+                const std::string expected = contentOf(whole.document.get());
+                forEachFailingAllocation([&](Attempt& attempt) {
+                    DocumentReader reader;
+                    const auto parse = [&reader](InStream& in) { return reader.parse(in); };
+                    bool ok = false;
+                    bool complete = false;
+                    withSource(source, text, [&](InStream& in) { complete = attempt([&] { ok = parse(in); }); });
+                    if (!complete) {
+                        if (reader.getDocument() != nullptr) expectUsable(*reader.getDocument());
+                        withSource(source, text, [&](InStream& in) { ok = parse(in); });
+                    }
+                    EXPECT_TRUE(ok) << reader.getErrorMessage();
+                    const std::unique_ptr<Document> document(reader.extractDocument());
+                    EXPECT_EQ(contentOf(document.get()), expected);
+                    expectUsable(*document);
+                });
+            };
+            bothWays(readWithFailures);
         }
     }
 }
@@ -176,23 +180,25 @@ TEST(ReaderMemoryTest, WhatWasReadOfAnElementStaysWithTheReader) {
         kRoot.substr(kRoot.find('>'));
     for (const Source source : kAllSources) {
         SCOPED_TRACE(source);
-        forEachFailingAllocation([&text, source](Attempt& attempt) {
-            ElementReader reader;
-            bool ok = false;
-            withSource(source, text, [&](InStream& in) { attempt([&] { ok = reader.parse(in); }); });
-            const std::unique_ptr<Element> root(reader.extractRoot());
-            EXPECT_EQ(reader.getRoot(), nullptr);
-            if (root == nullptr) return;
-            EXPECT_EQ(root->getName(), "garden");
-            const Outcome again = readDocument(textOf(*root));
-            EXPECT_EQ(dump(again.document->getRoot()), dump(root.get()));
-            if (ok) {
-                EXPECT_EQ(root->getChildCount(), 3);
-                EXPECT_EQ(root->getAttributeCount(), 3);
-            }
-            // Attributes are in order, each once, however far they were read.
-            for (int i = 0; i < root->getAttributeCount(); ++i)
-                EXPECT_EQ(root->getAttribute(root->getAttribute(i)->getName()), root->getAttribute(i));
+        bothWays([&] {
+            forEachFailingAllocation([&text, source](Attempt& attempt) {
+                ElementReader reader;
+                bool ok = false;
+                withSource(source, text, [&](InStream& in) { attempt([&] { ok = reader.parse(in); }); });
+                const std::unique_ptr<Element> root(reader.extractRoot());
+                EXPECT_EQ(reader.getRoot(), nullptr);
+                if (root == nullptr) return;
+                EXPECT_EQ(root->getName(), "garden");
+                const Outcome again = readDocument(textOf(*root));
+                EXPECT_EQ(dump(again.document->getRoot()), dump(root.get()));
+                if (ok) {
+                    EXPECT_EQ(root->getChildCount(), 3);
+                    EXPECT_EQ(root->getAttributeCount(), 3);
+                }
+                // Attributes are in order, each once, however far they were read.
+                for (int i = 0; i < root->getAttributeCount(); ++i)
+                    EXPECT_EQ(root->getAttribute(root->getAttribute(i)->getName()), root->getAttribute(i));
+            });
         });
     }
 }

@@ -1,5 +1,6 @@
 #include "reader/ReadCase.h"
 
+#include "support/BothWays.h"
 #include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dtd/Dtd.h"
@@ -103,13 +104,13 @@ void expectReadings(const std::vector<ReadCase>& cases, const char* readerClass,
         SCOPED_TRACE(std::string(c.name) + ": " + c.text);
         for (auto source : kAllSources) {
             SCOPED_TRACE(::testing::Message() << source);
+            Verdict verdict = c.verdict;
             if (source == Source::FileStream && c.late) {
-                expectReading(c, *c.late, readerClass, source, read);
+                verdict = *c.late;
             } else if (source == Source::FileStream && c.verdict.message == kEndOfStream) {
-                expectReading(c, c.verdict.goes(), readerClass, source, read);
-            } else {
-                expectReading(c, c.verdict, readerClass, source, read);
+                verdict = c.verdict.goes();
             }
+            bothWays([&] { expectReading(c, verdict, readerClass, source, read); });
         }
     }
 }

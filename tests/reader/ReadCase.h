@@ -72,8 +72,8 @@ struct Reading {
     std::string built;
 };
 
-// Runs every case over every kind of source and compares verdict, message, place, what was built and the diagnostics.
-// The texts must be of one line.
+// Runs every case over every kind of source, with content read from the window and by tokens, and compares verdict,
+// message, place, what was built and the diagnostics. The texts must be of one line.
 void expectReadings(const std::vector<ReadCase>& cases, const char* readerClass,
                     const std::function<Reading(InStream&)>& read);
 

@@ -4,6 +4,7 @@
 #include "support/Messages.h"
 #include "support/Rounds.h"
 #include "support/Sources.h"
+#include "support/WithoutFastContent.h"
 #include "support/WithoutReadAhead.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
@@ -626,6 +627,18 @@ TEST(ReaderModelTest, AgreesWithTheNaiveReadersOnSubsetsInFiles) {
         ASSERT_TRUE(comparison.agree(text, libraryDocument, naiveDocument)) << i << ": " << readFile(path);
     }
     std::remove(path.c_str());
+}
+
+TEST(ReaderModelTest, AgreesWithTheNaiveReadersWhereAllContentIsReadByTokens) {
+    const WithoutFastContent off;
+    Maker make(56);
+    Comparison comparison;
+    for (int i = 0; i < rounds(3000); ++i) {
+        SCOPED_TRACE(i);
+        const std::string document = make.chance(10) ? make.soup() : make.damaged(make.document());
+        ASSERT_TRUE(comparison.agree(document, libraryDocument, naiveDocument));
+        ASSERT_TRUE(comparison.agree(make.damaged(make.element(2)), libraryElements, naiveElements));
+    }
 }
 
 TEST(ReaderModelTest, AgreesWithTheNaiveReadersWithoutWhatIsReadAhead) {
