@@ -15,14 +15,10 @@ using Steps = std::vector<std::string>;
 // else is text.
 void build(TreeBuilder& tree, const std::string& step) {
     if (step == "/") return tree.end();
-    if (step[0] != '<') {
-        std::unique_ptr<CharData> text = NodeAccess::makeCharData();
-        text->data() = DataHolder(step);
-        return tree.addText(std::move(text));
-    }
+    if (step[0] != '<') return tree.addText(step);
     tree.begin(step.substr(1, 1));
-    TreeBuilder::Attributes attributes(tree);
-    for (std::size_t i = 2; i < step.size(); ++i) attributes.add(step.substr(i, 1), DataHolder(std::to_string(i - 1)));
+    for (std::size_t i = 2; i < step.size(); ++i) tree.addAttribute(step.substr(i, 1), std::to_string(i - 1));
+    tree.endAttributes();
 }
 
 // The same by the operations of nodes.

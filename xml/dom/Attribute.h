@@ -1,9 +1,10 @@
 #pragma once
 
 #include "xml/Export.h"
+#include "xml/dom/Name.h"
 #include "xml/dom/Object.h"
+#include "xml/dom/Text.h"
 #include "xml/text/DataHolder.h"
-#include <memory>
 #include <string>
 
 namespace Xml {
@@ -19,6 +20,8 @@ public:
     ~Attribute() override;
 
     const std::string& getName() const;
+
+    // Of an attribute that was read the string is made when it is first asked for, which needs memory.
     const DataHolder& getValue() const;
 
     // Does not mark anything as changed.
@@ -37,9 +40,8 @@ public:
 private:
     friend struct NodeAccess;
 
-    std::string name;
-    DataHolder value;
-    mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
+    internal::Name name;
+    internal::Text value;
 };
 
 }  // namespace Xml

@@ -2,19 +2,21 @@
 
 #include "xml/dom/Attribute.h"
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace Xml::internal {
 
 Attributes::~Attributes() {
-    for (const Attribute* attribute : sorted) delete attribute;
+    for (const Attribute* attribute : sorted.span()) delete attribute;
 }
 
 // The place of the attribute of that name, or the one where it would go.
 std::size_t Attributes::placeOf(const std::string& name) const {
-    const auto place = std::lower_bound(sorted.begin(), sorted.end(), name,
-                                        [](const Attribute* a, const std::string& n) { return a->getName() < n; });
-    return static_cast<std::size_t>(place - sorted.begin());
+    const AttributeSpan all = sorted.span();
+    const auto* const place = std::lower_bound(
+        all.begin(), all.end(), name, [](const Attribute* a, const std::string& n) { return a->getName() < n; });
+    return static_cast<std::size_t>(place - all.begin());
 }
 
 bool Attributes::isAt(std::size_t place, const std::string& name) const {
@@ -29,9 +31,10 @@ Attribute* Attributes::find(const std::string& name) const {
 void Attributes::set(std::unique_ptr<Attribute> attribute) {
     const std::size_t place = placeOf(attribute->getName());
     if (isAt(place, attribute->getName())) {
-        delete std::exchange(sorted[place], attribute.release());
+        const std::unique_ptr<Attribute> before(sorted[place]);
+        sorted.set(place, attribute.release());
     } else {
-        sorted.insert(sorted.begin() + static_cast<std::ptrdiff_t>(place), attribute.get());
+        sorted.insert(place, attribute.get());
         attribute.release();
     }
 }
@@ -44,30 +47,30 @@ bool Attributes::remove(const std::string& name) {
 }
 
 void Attributes::remove(std::size_t place) {
-    const auto at = sorted.begin() + static_cast<std::ptrdiff_t>(place);
-    delete *at;
-    sorted.erase(at);
+    delete sorted.remove(place);
 }
 
 void Attributes::append(std::unique_ptr<Attribute> attribute) {
-    sorted.push_back(attribute.get());
+    sorted.append(attribute.get());
     attribute.release();
 }
 
 void Attributes::sort() {
     const auto before = [](const Attribute* a, const Attribute* b) { return a->getName() < b->getName(); };
     const auto notBefore = [&before](const Attribute* a, const Attribute* b) { return !before(a, b); };
-    if (std::adjacent_find(sorted.begin(), sorted.end(), notBefore) == sorted.end()) return;
-    std::stable_sort(sorted.begin(), sorted.end(), before);
+    const SpanOf<Attribute> all = sorted.span();
+    if (std::adjacent_find(all.begin(), all.end(), notBefore) == all.end()) return;
+    Attribute** const first = sorted.data();
+    std::stable_sort(first, first + sorted.size(), before);
     std::size_t kept = 0;
-    for (Attribute* attribute : sorted) {
-        if (kept > 0 && sorted[kept - 1]->getName() == attribute->getName()) {
-            delete std::exchange(sorted[kept - 1], attribute);
+    for (Attribute* attribute : all) {
+        if (kept > 0 && first[kept - 1]->getName() == attribute->getName()) {
+            delete std::exchange(first[kept - 1], attribute);
         } else {
-            sorted[kept++] = attribute;
+            first[kept++] = attribute;
         }
     }
-    sorted.resize(kept);
+    sorted.truncate(kept);
 }
 
 }  // namespace Xml::internal

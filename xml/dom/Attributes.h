@@ -1,10 +1,10 @@
 #pragma once
 
+#include "xml/dom/NodeArray.h"
 #include "xml/dom/NodeSpan.h"
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace Xml {
 class Attribute;
@@ -26,7 +26,7 @@ public:
     ~Attributes();
 
     // Good until the next change.
-    AttributeSpan span() const { return {sorted.data(), sorted.data() + sorted.size()}; }
+    AttributeSpan span() const { return sorted.span(); }
 
     std::size_t size() const { return sorted.size(); }
     bool empty() const { return sorted.empty(); }
@@ -53,11 +53,17 @@ public:
     // Of several with one name the last one stays.
     void sort();
 
+    // Memory beside the nodes of a tree (see NodeArray).
+    static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
+    void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
+    void freeBlock() { sorted.freeBlock(); }
+    void abandon() { sorted.abandon(); }
+
 private:
     std::size_t placeOf(const std::string& name) const;
     bool isAt(std::size_t place, const std::string& name) const;
 
-    std::vector<Attribute*> sorted;
+    NodeArray<Attribute> sorted;
 };
 
 }  // namespace Xml::internal

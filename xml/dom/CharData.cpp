@@ -1,8 +1,9 @@
 #include "xml/dom/CharData.h"
 
 #include "xml/dom/Entity.h"
+#include "xml/dom/internal/Arena.h"
 #include "xml/dom/internal/NodeAccess.h"
-#include "xml/stream/OutStream.h"
+#include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/Entities.h"
 #include <utility>
 
@@ -10,40 +11,53 @@ namespace Xml {
 
 CharData::CharData() = default;
 
-CharData::CharData(const DataHolder& text) : data_(text) { insertStdEntities(data_); }
+CharData::CharData(const DataHolder& text) : CharData() {
+    DataHolder& own = NodeAccess::ownText(*this);
+    own = text;
+    insertStdEntities(own);
+}
 
-CharData::CharData(const Entity& entity) : data_(entity.toString()) {}
+CharData::CharData(const Entity& entity) : CharData() { NodeAccess::ownText(*this) = entity.toString(); }
 
-CharData::CharData(const CharData& other) : Object(other), data_(other.data_) {}
+CharData::CharData(const CharData& other) : CharData() {
+    NodeAccess::setOwnDtd(*this, NodeAccess::dtd(other));
+    NodeAccess::ownText(*this) = NodeAccess::text(other);
+}
 
-CharData::~CharData() = default;
+CharData::~CharData() { held.dispose(NodeAccess::marks(*this)); }
 
 void CharData::setData(const DataHolder& text) {
     DataHolder escaped = text;
     insertStdEntities(escaped);
-    data_ = std::move(escaped);
+    NodeAccess::setText(*this, std::move(escaped));
     touch();
 }
 
 void CharData::setData(const Entity& entity) {
-    data_ = entity.toString();
+    NodeAccess::setText(*this, entity.toString());
     touch();
 }
 
 const DataHolder& CharData::getData() const {
-    if (!decoded) decoded = std::make_unique<DataHolder>();
-    *decoded = data_;
+    if (!decoded) {
+        decoded = std::make_unique<DataHolder>();
+        Arena::noteChange(*this);
+    }
+    *decoded = NodeAccess::text(*this);
     return replaceEntities(*decoded, NodeAccess::dtd(*this));
 }
 
 void CharData::getData(DataHolder* text) const {
-    DataHolder own = data_;
+    DataHolder own(NodeAccess::text(*this));
     *text = std::move(replaceEntities(own, NodeAccess::dtd(*this)));
 }
 
-DataHolder& CharData::data() { return data_; }
+DataHolder& CharData::data() {
+    Arena::noteChange(*this);
+    return held.string(*this, NodeAccess::marks(*this));
+}
 
-const DataHolder& CharData::data() const { return data_; }
+const DataHolder& CharData::data() const { return held.string(*this, NodeAccess::marks(*this)); }
 
 Object* CharData::clone() const { return NodeAccess::exactly(NodeClass::CharData, new CharData(*this)).release(); }
 
@@ -51,6 +65,6 @@ const std::string& CharData::toString() const { return getData().toString(); }
 
 bool CharData::isCharData() const { return true; }
 
-void CharData::write(OutStream& out) const { out.writeDataHolder(data_); }
+void CharData::write(OutStream& out) const { OutStreamAccess::putAsIs(out, NodeAccess::text(*this)); }
 
 }  // namespace Xml

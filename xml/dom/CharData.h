@@ -2,6 +2,7 @@
 
 #include "xml/Export.h"
 #include "xml/dom/Object.h"
+#include "xml/dom/Text.h"
 #include "xml/text/DataHolder.h"
 #include <memory>
 #include <string>
@@ -33,7 +34,8 @@ public:
     const DataHolder& getData() const;
     void getData(DataHolder* text) const;
 
-    // The text as it is held. Changing it marks nothing as changed.
+    // The text as it is held. Changing it marks nothing as changed. Of a text that was read the string is made when it is
+    // first asked for, which needs memory.
     DataHolder& data();
     const DataHolder& data() const;
 
@@ -45,7 +47,9 @@ public:
     void write(OutStream& out) const override;
 
 private:
-    DataHolder data_;
+    friend struct NodeAccess;
+
+    internal::Text held;
     mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for
 };
 

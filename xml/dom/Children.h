@@ -1,10 +1,10 @@
 #pragma once
 
+#include "xml/dom/NodeArray.h"
 #include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
 #include <cstddef>
 #include <memory>
-#include <vector>
 
 namespace Xml::internal {
 
@@ -20,12 +20,11 @@ public:
 
     // Deletes what is left. The element empties it before, where what is below the children may be deep.
     ~Children() {
-        for (const Object* node : nodes) delete node;
+        for (const Object* node : nodes.span()) delete node;
     }
 
     // Good until the next change.
-    NodeSpan span() const { return {nodes.data(), nodes.data() + nodes.size()}; }
-    const std::vector<Object*>& list() const { return nodes; }
+    NodeSpan span() const { return nodes.span(); }
 
     std::size_t size() const { return nodes.size(); }
     bool empty() const { return nodes.empty(); }
@@ -34,7 +33,7 @@ public:
     Object* operator[](std::size_t place) const { return nodes[place]; }
 
     // The last one; there must be one.
-    Object* last() const { return nodes.back(); }
+    Object* last() const { return nodes[nodes.size() - 1]; }
 
     // Where the node is; size() when it is no child. It is looked for from the end, where lists are edited most and
     // where taking out costs least.
@@ -42,29 +41,34 @@ public:
 
     // Room for so many, and for one more than there are: adding these cannot fail then.
     void reserve(std::size_t count) { nodes.reserve(count); }
-    void makeRoom();
+    void makeRoom() { nodes.makeRoom(); }
 
     // Adding; amortised O(1) at the end. Where memory runs out the node is deleted and nothing has changed.
     void append(std::unique_ptr<Object> node) {
-        nodes.push_back(node.get());
+        nodes.append(node.get());
         node.release();
     }
-    void insert(std::size_t place, std::unique_ptr<Object> node);
+    void insert(std::size_t place, std::unique_ptr<Object> node) {
+        nodes.insert(place, node.get());
+        node.release();
+    }
 
     // Taking out. Needs no memory.
-    std::unique_ptr<Object> extract(std::size_t place);
-    std::unique_ptr<Object> extractLast() {
-        std::unique_ptr<Object> node(nodes.back());
-        nodes.pop_back();
-        return node;
-    }
+    std::unique_ptr<Object> extract(std::size_t place) { return std::unique_ptr<Object>(nodes.remove(place)); }
+    std::unique_ptr<Object> extractLast() { return extract(nodes.size() - 1); }
+
+    // Memory beside the nodes of a tree (see NodeArray).
+    static std::size_t bytesFor(std::size_t count) { return NodeArray<Object>::bytesFor(count); }
+    void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
+    void freeBlock() { nodes.freeBlock(); }
+    void abandon() { nodes.abandon(); }
 
     // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether
     // there was any.
     bool deleteCharData();
 
 private:
-    std::vector<Object*> nodes;
+    NodeArray<Object> nodes;
 };
 
 }  // namespace Xml::internal

@@ -1,6 +1,8 @@
 #include "xml/dom/Element.h"
 
+#include "xml/dom/internal/AsideTexts.h"
 #include "xml/dom/internal/Linking.h"
+#include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/dom/internal/Writer.h"
@@ -37,54 +39,77 @@ Element::Element(const std::string& itsName, const DataHolder& itsText) : Elemen
     adopt(std::make_unique<CharData>(itsText));
 }
 
+// The copy is in one memory of its own, but for this element.
 Element::Element(const Element& other) : Element() {
     struct Copy {
         Element* element;
     };
+    NodeMemory memory;
+    NameTable names;
     Preorder<const Element, Copy> walk;
-    copyOwn(other);
-    walk.enter(other, {this});
+    // Attributes, and room for the children.
+    const auto begin = [&](const Element& from, Element& to) {
+        NodeAccess::reserveAttributes(to, memory, from.attributes.size());
+        for (const Attribute* attribute : from.attributes.span()) {
+            auto copy = NodeAccess::makeAttribute(memory, names.find(attribute->getName(), memory),
+                                                  NodeAccess::text(*attribute));
+            NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(*attribute));
+            to.attributes.append(std::move(copy));
+            if (attribute->isOk()) NodeAccess::setParent(*to.attributes.span().end()[-1], to);
+        }
+        NodeAccess::reserveChildren(to, memory, from.children.size());
+        if (!from.children.empty()) walk.enter(from, {&to});
+    };
+    name.set(other.getName());
+    begin(other, *this);
     while (!walk.atEnd()) {
         const Object* const child = walk.next();
         if (child == nullptr) {
             walk.leave();
             continue;
         }
-        Element* const to = walk.note().element;
-        if (isExactly<Element>(*child)) {
+        Element& to = *walk.note().element;
+        const NodeClass exactly = exactClassOf(*child);
+        if (exactly == NodeClass::Element) {
             const auto& from = static_cast<const Element&>(*child);
-            std::unique_ptr<Element> made = NodeAccess::makeElement();
-            Element* const copy = made.get();
-            NodeAccess::appendChild(*to, std::move(made));
-            copy->copyOwn(from);
-            if (!from.children.empty()) walk.enter(from, {copy});
+            std::unique_ptr<Element> copy = NodeAccess::makeElement(memory, names.find(from.getName(), memory));
+            Element& made = *copy;
+            NodeAccess::appendChild(to, std::move(copy));
+            begin(from, made);
+        } else if (exactly == NodeClass::CharData) {
+            auto copy = NodeAccess::makeText(memory, NodeAccess::text(static_cast<const CharData&>(*child)));
+            NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(*child));
+            NodeAccess::appendChild(to, std::move(copy));
         } else {
             std::unique_ptr<Object> made(child->clone());
-            made->setParent(to);
-            to->children.append(std::move(made));
+            made->setParent(&to);
+            to.children.append(std::move(made));
+            NodeAccess::noteEdit(to);
         }
     }
+    memory.finish(*this);
     // Code of callers in a clone may have asked for the class of this element, which may become one of a derived class.
     NodeAccess::forgetClass(*this);
 }
 
-// Name and attributes, and room for the children.
-void Element::copyOwn(const Element& other) {
-    name = other.name;
-    children.reserve(other.children.size());
-    attributes.reserve(other.attributes.size());
-    for (const Attribute* attribute : other.attributes.span()) {
-        auto copy = std::make_unique<Attribute>(*attribute);
-        if (copy->isOk()) copy->setParent(this);
-        attributes.append(std::move(copy));
-    }
-}
-
 Element::~Element() { NodeAccess::deleteChildren(*this); }
+
+void NodeAccess::dropWhole(Element& top) {
+    Arena* const arena = Arena::wholeBelow(top);
+    if (arena == nullptr) return;
+    top.children.freeBlock();
+    top.attributes.freeBlock();
+    top.children.abandon();
+    top.attributes.abandon();
+    arena->drop();
+}
 
 // Goes down into the last child as long as that has children itself, and comes back up by the parent links, which it
 // sets on the way down: they need not have been right.
+//
+// What a tree was read or copied into goes at once.
 void NodeAccess::deleteChildren(Element& top) {
+    dropWhole(top);
     Element* here = &top;
     for (;;) {
         if (here->children.empty()) {
@@ -95,20 +120,22 @@ void NodeAccess::deleteChildren(Element& top) {
         if (last != nullptr && isExactly<Element>(*last) && !static_cast<Element*>(last)->children.empty()) {
             last->parent = here;
             here = static_cast<Element*>(last);
+            dropWhole(*here);
         } else {
             here->children.extractLast();  // and deletes it
         }
     }
 }
 
-const std::string& Element::getName() const { return name; }
+const std::string& Element::getName() const { return name.text(); }
 
 void Element::setName(const std::string& newName) {
     if (!isName(newName)) {
         Message("<Element::setName> not a valid name " + newName);
         return;
     }
-    name = newName;
+    name.set(newName);
+    Arena::noteChange(*this);
     touch();
 }
 
@@ -125,12 +152,11 @@ void Element::setDtd(const Dtd* newDtd) { linkAll(*this, newDtd); }
 Object* Element::clone() const { return NodeAccess::exactly(NodeClass::Element, new Element(*this)).release(); }
 
 const std::string& Element::toString() const {
-    if (!text) text = std::make_unique<std::string>();
-    *text = name;
+    std::string made = getName();
     for (const Attribute* attribute : attributes.span()) {
-        if (attribute->isOk()) *text += " " + attribute->toString();
+        if (attribute->isOk()) made += " " + attribute->toString();
     }
-    return *text;
+    return AsideTexts::of(*this) = std::move(made);
 }
 
 bool Element::isElement() const { return true; }
@@ -148,6 +174,7 @@ const Object* Element::getChild(int i) const {
 Object* Element::getChild(int i) { return const_cast<Object*>(static_cast<const Element*>(this)->getChild(i)); }
 
 void Element::insertAt(std::size_t place, Object* child) {
+    NodeAccess::noteEdit(*this);
     children.makeRoom();
     Object* const parentBefore = child->getParent();
     child->setParent(this);
@@ -180,6 +207,8 @@ bool Element::isChild(const Object* node) const { return children.placeOf(node) 
 Object* Element::extractChild(int i) {
     if (!inRange(i, children.size())) return nullptr;
     const auto place = static_cast<std::size_t>(i);
+    NodeAccess::noteEdit(*this);
+    Arena::noteChange(*children[place]);
     std::unique_ptr<Object> child = children.extract(place);
     touch();
     child->setParent(nullptr);
@@ -199,6 +228,7 @@ Object* Element::extractChild(Object* child) {
 }
 
 void Element::killChildren() {
+    NodeAccess::noteEdit(*this);
     NodeAccess::deleteChildren(*this);
     touch();
 }
@@ -215,6 +245,7 @@ void Element::setAttribute(const std::string& attribute, const DataHolder& value
     auto made = std::make_unique<Attribute>(attribute, value);
     made->setParent(this);
     made->setDtd(NodeAccess::dtd(*this));
+    NodeAccess::noteEdit(*this);
     attributes.set(std::move(made));
     touch();
 }
@@ -232,17 +263,19 @@ Attribute* Element::getAttribute(int i) { return const_cast<Attribute*>(asConst(
 const DataHolder& Element::getAttributeValue(const std::string& attribute) const {
     if (const Attribute* own = getAttribute(attribute)) return own->getValue();
     const Dtd* const governing = NodeAccess::dtd(*this);
-    if (governing != nullptr && governing->hasDefaultValue(name, attribute))
-        return governing->getDefaultValue(name, attribute);
+    if (governing != nullptr && governing->hasDefaultValue(getName(), attribute))
+        return governing->getDefaultValue(getName(), attribute);
     return emptyData();
 }
 
 void Element::removeAttribute(const std::string& attribute) {
+    NodeAccess::noteEdit(*this);
     if (attributes.remove(attribute)) touch();
 }
 
 void Element::removeAttribute(int i) {
     if (!inRange(i, attributes.size())) return;
+    NodeAccess::noteEdit(*this);
     attributes.remove(static_cast<std::size_t>(i));
     touch();
 }

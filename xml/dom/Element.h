@@ -3,6 +3,7 @@
 #include "xml/Export.h"
 #include "xml/dom/Attributes.h"
 #include "xml/dom/Children.h"
+#include "xml/dom/Name.h"
 #include "xml/dom/Object.h"
 #include "xml/text/DataHolder.h"
 #include <cstddef>
@@ -161,12 +162,10 @@ private:
 
     ORVXML_LOCAL void insertAt(std::size_t place, Object* child);
     ORVXML_LOCAL void adopt(std::unique_ptr<Object> child);
-    ORVXML_LOCAL void copyOwn(const Element& other);
 
     internal::Children children;
     internal::Attributes attributes;
-    std::string name;
-    mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
+    internal::Name name;
 
     // What validation found out about this element: its run, whether the element is valid, whether its whole subtree
     // links to the Dtd of that run. Meaningless to any other run.

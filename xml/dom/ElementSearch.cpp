@@ -55,7 +55,7 @@ const Element* Element::getElement(int n) const {
 Element* Element::getElement(int n) { return const_cast<Element*>(asConst(this)->getElement(n)); }
 
 const Element* Element::getElement(const std::string& wanted, int n) const {
-    return nthChildElement(children.span(), n, [&wanted](const Element& element) { return element.name == wanted; });
+    return nthChildElement(children.span(), n, [&wanted](const Element& element) { return element.getName() == wanted; });
 }
 
 Element* Element::getElement(const std::string& wanted, int n) {
@@ -65,7 +65,7 @@ Element* Element::getElement(const std::string& wanted, int n) {
 const Element* Element::getElementByAttribute(const std::string& attribute, const DataHolder& value, int n) const {
     return nthChildElement(children.span(), n, [&](const Element& element) {
         const Attribute* const own = element.getAttribute(attribute);
-        return own != nullptr && own->getValue() == value;
+        return own != nullptr && NodeAccess::text(*own) == value;
     });
 }
 
@@ -78,7 +78,7 @@ const Element* Element::findElement(const std::string& wanted, int n) const { re
 Element* Element::findElement(const std::string& wanted, int n) { return findElement(wanted, &n); }
 
 const Element* Element::findElement(const std::string& wanted, int* n) const {
-    return nthBelow(*this, n, [&wanted](const Element& element) { return element.name == wanted; });
+    return nthBelow(*this, n, [&wanted](const Element& element) { return element.getName() == wanted; });
 }
 
 Element* Element::findElement(const std::string& wanted, int* n) {
@@ -130,6 +130,7 @@ const DataHolder& Element::findElementCharData(const std::string& wanted) const 
 
 void Element::setCharData(const DataHolder& newText) {
     auto made = std::make_unique<CharData>(newText);
+    NodeAccess::noteEdit(*this);
     children.makeRoom();
     if (children.deleteCharData()) touch();
     adopt(std::move(made));

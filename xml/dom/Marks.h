@@ -9,6 +9,9 @@ class Dtd;
 
 namespace Xml::internal {
 
+// Where the text of a node is (see Text).
+enum class TextPlace : std::uint8_t { Own, Lent };
+
 // What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has
 // changed since it was last written, where that was, and which class it is exactly of. Writing is no change of a node,
 // so it may be noted at a const one.
@@ -16,10 +19,10 @@ namespace Xml::internal {
 // Not for callers.
 class Marks {
 public:
-    Marks() = default;
+    Marks() : dirty(true), asideText(false), edited(false) {}
 
     // The copy of a node keeps the link only: it is marked as changed and was never written.
-    Marks(const Marks& other) : link(other.link) {}
+    Marks(const Marks& other) : Marks() { link = other.link; }
     Marks& operator=(const Marks&) = delete;
     ~Marks() = default;
 
@@ -43,10 +46,24 @@ public:
         end = to;
     }
 
+    TextPlace textPlace() const { return text; }
+    void setTextPlace(TextPlace place) { text = place; }
+
+    // Whether a text of the node is kept aside (see AsideTexts).
+    bool hasAsideText() const { return asideText; }
+    void setAsideText(bool has) const { asideText = has; }
+
+    // Whether the children or attributes of the element have been changed since it was read or copied.
+    bool isEdited() const { return edited; }
+    void setEdited() { edited = true; }
+
     ExactClass exactClass;
 
 private:
-    mutable bool dirty = true;
+    mutable bool dirty : 1;
+    mutable bool asideText : 1;
+    bool edited : 1;
+    TextPlace text = TextPlace::Own;
     mutable std::int32_t start = -1;
     mutable std::int32_t end = -1;
     const Dtd* link = nullptr;

@@ -4,8 +4,10 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/internal/AsideTexts.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/Rewriting.h"
+#include "xml/dom/internal/Slab.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/Message.h"
@@ -51,7 +53,33 @@ Object::Object() = default;
 
 Object::Object(const Object& other) : marks(other.marks) {}
 
-Object::~Object() = default;
+Object::~Object() {
+    if (marks.hasAsideText()) AsideTexts::drop(*this);
+}
+
+void* Object::operator new(std::size_t size) { return ::operator new(size); }
+
+void* Object::operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+
+void* Object::operator new(std::size_t size, const std::nothrow_t& tag) noexcept { return ::operator new(size, tag); }
+
+void* Object::operator new(std::size_t, void* place) noexcept { return place; }
+
+void Object::operator delete(void* node, std::size_t size) noexcept {
+    if (Slab::holds(node)) {
+        Slab::giveBack(node, size);
+    } else {
+        ::operator delete(node, size);
+    }
+}
+
+void Object::operator delete(void* node, std::size_t size, std::align_val_t alignment) noexcept {
+    ::operator delete(node, size, alignment);
+}
+
+void Object::operator delete(void* node, const std::nothrow_t& tag) noexcept { ::operator delete(node, tag); }
+
+void Object::operator delete(void*, void*) noexcept {}
 
 void Object::setDtd(const Dtd* newDtd) { marks.setDtd(newDtd); }
 

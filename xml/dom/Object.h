@@ -2,6 +2,8 @@
 
 #include "xml/Export.h"
 #include "xml/dom/Marks.h"
+#include <cstddef>
+#include <new>
 #include <string>
 
 namespace Xml {
@@ -78,6 +80,17 @@ public:
     static bool setRWOptimization(bool use);
 
     static bool useRWOptimization;  // false at first
+
+    // `new` takes the memory of a node from the global operator new. `delete` finds out where it came from: the nodes of
+    // a tree that was read or copied lie side by side in memory of the tree.
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size, std::align_val_t alignment);
+    static void* operator new(std::size_t size, const std::nothrow_t& tag) noexcept;
+    static void* operator new(std::size_t size, void* place) noexcept;
+    static void operator delete(void* node, std::size_t size) noexcept;
+    static void operator delete(void* node, std::size_t size, std::align_val_t alignment) noexcept;
+    static void operator delete(void* node, const std::nothrow_t& tag) noexcept;
+    static void operator delete(void* node, void* place) noexcept;
 
 private:
     friend struct NodeAccess;

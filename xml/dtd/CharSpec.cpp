@@ -1,6 +1,6 @@
 #include "xml/dtd/CharSpec.h"
 
-#include "xml/dom/Object.h"
+#include "xml/dtd/internal/PlainModels.h"
 #include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/OutStream.h"
 
@@ -9,11 +9,7 @@ namespace Xml {
 CharSpec::CharSpec(Dtd* itsDtd) : ContentSpec(itsDtd) {}
 
 bool CharSpec::validate(const std::vector<Object*>& children) const {
-    for (Object* child : children) {
-        if (child->isElement() || !child->isCharData()) return false;
-        child->setDtd(SpecAccess::dtd(*this));
-    }
-    return true;
+    return matchCharData({children.data(), children.data() + children.size()}, SpecAccess::dtd(*this));
 }
 
 void CharSpec::toStream(OutStream& out) const { out << "(#PCDATA)"; }

@@ -1,5 +1,6 @@
 #include "xml/stream/OutStream.h"
 
+#include "xml/stream/internal/OutStreamAccess.h"
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -33,8 +34,7 @@ OutStream& OutStream::operator<<(const std::string& text) {
 }
 
 OutStream& OutStream::writeDataHolder(const DataHolder& data) {
-    if (data.empty() || putChars(data.data(), data.size())) return *this;
-    for (const char c : data) putChar(c);
+    OutStreamAccess::putAsIs(*this, data);
     return *this;
 }
 

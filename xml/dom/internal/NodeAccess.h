@@ -5,7 +5,10 @@
 #include "xml/dom/Element.h"
 #include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
+#include "xml/dom/internal/Arena.h"
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,26 +32,47 @@ struct NodeAccess {
 
     // --- What an element holds: spans, which are good until it changes ---
 
-    static const std::string& name(const Element& element) { return element.name; }
-    static const std::string& name(const Attribute& attribute) { return attribute.name; }
+    static const std::string& name(const Element& element) { return element.name.text(); }
+    static const std::string& name(const Attribute& attribute) { return attribute.name.text(); }
     static NodeSpan children(const Element& element) { return element.children.span(); }
     static AttributeSpan attributes(const Element& element) { return element.attributes.span(); }
 
-    // The children as the list that a content model of a caller's own is asked with; good until they change.
-    static const std::vector<Object*>& childList(const Element& element) { return element.children.list(); }
+    // --- Texts: bytes, which are good until the text changes ---
+
+    static std::string_view text(const CharData& node) { return node.held.view(node.marks); }
+    static std::string_view text(const Attribute& node) { return node.value.view(node.marks); }
+    static void setText(CharData& node, DataHolder&& text) { node.held.assign(node, node.marks, std::move(text)); }
+
+    // Of a node that is being made.
+    static DataHolder& ownText(CharData& node) { return node.held.string(node, node.marks); }
+    static DataHolder& ownText(Attribute& node) { return node.value.string(node, node.marks); }
 
     // What validation keeps at the element.
     static std::uint64_t& verdict(const Element& element) { return element.verdict; }
 
-    // --- Nodes for readers: names have been checked, nothing links to a Dtd yet, all is marked as changed already ---
+    // --- Nodes in the memory of a tree, for what reads or copies one: nothing links to a Dtd yet, all is marked as
+    // changed already. A shared name and the bytes of a text stay as long as the memory. ---
 
-    // An element, and character data that is still empty.
-    static std::unique_ptr<Element> makeElement(std::string_view name) {
-        std::unique_ptr<Element> element = makeElement();
-        element->name = name;
+    static std::unique_ptr<Element> makeElement(NodeMemory& memory, const std::string& sharedName) {
+        void* const place = memory.takeNode(sizeof(Element)).node;
+        std::unique_ptr<Element> element = exactly(NodeClass::Element, ::new (place) Element());
+        element->name.share(sharedName);
         return element;
     }
-    static std::unique_ptr<CharData> makeCharData() { return exactly(NodeClass::CharData, new CharData()); }
+    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text) {
+        const auto [place, bytes] = memory.takeNode(sizeof(CharData), lentSize(text));
+        std::unique_ptr<CharData> node = exactly(NodeClass::CharData, ::new (place) CharData());
+        put(node->held, *node, text, bytes, memory);
+        return node;
+    }
+    static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const std::string& sharedName,
+                                                    std::string_view value) {
+        const auto [place, bytes] = memory.takeNode(sizeof(Attribute), lentSize(value));
+        std::unique_ptr<Attribute> node = exactly(NodeClass::Attribute, ::new (place) Attribute());
+        node->name.share(sharedName);
+        put(node->value, *node, value, bytes, memory);
+        return node;
+    }
 
     // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would
     // leave.
@@ -57,17 +81,27 @@ struct NodeAccess {
         element.children.append(std::move(child));
     }
 
-    // Appends an attribute, in no order. sortAttributes has to follow before anything else asks for attributes.
-    static void appendAttribute(Element& element, std::string_view name, DataHolder&& value) {
-        std::unique_ptr<Attribute> attribute = exactly(NodeClass::Attribute, new Attribute());
-        attribute->name = name;
-        attribute->value = std::move(value);
-        attribute->parent = &element;
-        element.attributes.append(std::move(attribute));
+    // Gives an element of the same memory exactly these, which have it as their parent: its children; its attributes, in
+    // any order.
+    using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
+    static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
+        reserveChildren(element, memory, static_cast<std::size_t>(last - first));
+        for (; first != last; ++first) element.children.append(std::move(*first));
+    }
+    static void setAttributes(Element& element, NodeMemory& memory, std::vector<std::unique_ptr<Attribute>>& all) {
+        reserveAttributes(element, memory, all.size());
+        for (auto& attribute : all) element.attributes.append(std::move(attribute));
+        element.attributes.sort();
+    }
+    static void reserveChildren(Element& element, NodeMemory& memory, std::size_t count) {
+        reserveIn(element.children, element, memory, count);
     }
 
-    // Puts the attributes in the order of their names; of several with one name the last one stays.
-    static void sortAttributes(Element& element) { element.attributes.sort(); }
+    static void reserveAttributes(Element& element, NodeMemory& memory, std::size_t count) {
+        reserveIn(element.attributes, element, memory, count);
+    }
+
+    static void setParent(Object& node, Element& parent) { node.parent = &parent; }
 
     // --- For this folder ---
 
@@ -81,8 +115,12 @@ struct NodeAccess {
     // A node that is not whole yet: what was found out about its class may be wrong.
     static void forgetClass(Object& node) { node.marks.exactClass.set(NodeClass::Unknown); }
 
-    // An element without a name.
-    static std::unique_ptr<Element> makeElement() { return exactly(NodeClass::Element, new Element()); }
+    // An element in the heap.
+    static std::unique_ptr<Element> makeElement(std::string_view name) {
+        std::unique_ptr<Element> element = exactly(NodeClass::Element, new Element());
+        element->name.set(std::string(name));
+        return element;
+    }
 
     // Gives the attributes of the element the link; they are never objects of a caller's class.
     static void linkAttributes(Element& element, const Dtd* dtd) {
@@ -91,6 +129,51 @@ struct NodeAccess {
 
     // Deletes the children, whatever their depth, without recursion and without allocating.
     static void deleteChildren(Element& element);
+
+    // The children or attributes of the element have been changed.
+    static void noteEdit(Element& element) {
+        element.marks.setEdited();
+        Arena::noteChange(element);
+    }
+
+    // Of an element that is dropped with the memory of its tree: what it has outside of that.
+    static void freeArrays(Element& element) {
+        element.children.freeBlock();
+        element.attributes.freeBlock();
+    }
+
+private:
+    // Drops what is below the element, if that is the memory of a tree as it was made.
+    static void dropWhole(Element& top);
+
+    // Up to so many bytes are in a string without memory of its own.
+    static constexpr std::size_t kShort = 15;
+
+    static std::size_t lentSize(std::string_view text) {
+        return text.size() > kShort && text.size() <= NodeMemory::kMostBytes ? text.size() : 0;
+    }
+    static void put(internal::Text& to, Object& node, std::string_view text, char* bytes, NodeMemory& memory) {
+        if (text.size() <= kShort) {
+            to.string(node, node.marks).assign(text);
+        } else if (text.size() <= NodeMemory::kMostBytes) {
+            std::memcpy(bytes, text.data(), text.size());
+            to.lend(node.marks, {bytes, text.size()});
+        } else {
+            to.lend(node.marks, {}, &memory.takeText(text));
+        }
+    }
+
+    template <class Nodes>
+    static void reserveIn(Nodes& nodes, Element& element, NodeMemory& memory, std::size_t count) {
+        if (count < 2) return;
+        const std::size_t size = nodes.bytesFor(count);
+        if (Slab::holds(&element) && size <= NodeMemory::kMostBytes) {
+            nodes.lend(memory.takeArray(size), count);
+            return;
+        }
+        if (Slab::holds(&element)) memory.noteWide(element);
+        nodes.reserve(count);
+    }
 };
 
 // The class that the node is exactly an object of, if it is one that loops treat themselves.

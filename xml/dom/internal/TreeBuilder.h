@@ -1,9 +1,9 @@
 #pragma once
 
+#include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -19,8 +19,9 @@ namespace Xml {
 //
 //     TreeBuilder tree(root);
 //     tree.begin("a");
-//     TreeBuilder::Attributes(tree).add("x", "1");
-//     tree.addText(std::move(text));
+//     tree.addAttribute("x", "1");
+//     tree.endAttributes();
+//     tree.addText("text");
 //     tree.end();
 class TreeBuilder {
 public:
@@ -40,60 +41,77 @@ public:
 
     // Begins an element within the innermost one. The name has been checked.
     void begin(std::string_view name) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(name);
-        Element* const begun = element.get();
-        if (isOpen()) {
-            inner.push_back(std::move(element));
-        } else {
-            outermost = begun;
-            root = std::move(element);
+        if (!isOpen()) {
+            root = NodeAccess::makeElement(name);
+            here = outermost = root.get();
+            return;
         }
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, names.find(name, memory));
+        NodeAccess::setParent(*element, *here);
+        Element* const begun = element.get();
+        inner.push_back({std::move(element), finished.size()});
         here = begun;
     }
 
-    // The attributes of the innermost element, in the order of the text. The element has them in its own order once
-    // this goes, however many there were: of several with one name the last.
-    class Attributes {
-    public:
-        explicit Attributes(TreeBuilder& tree) : element(*tree.here) {}
-        ~Attributes() {
-            if (NodeAccess::attributes(element).size() > 1) NodeAccess::sortAttributes(element);
-        }
-        Attributes(const Attributes&) = delete;
-        Attributes& operator=(const Attributes&) = delete;
-
-        // The name has been checked.
-        void add(std::string_view name, DataHolder&& value) {
-            NodeAccess::appendAttribute(element, name, std::move(value));
-        }
-        void add(std::string_view name, std::string_view value) { add(name, DataHolder(value)); }
-
-    private:
-        Element& element;
-    };
-
-    void addText(std::string_view text) {
-        std::unique_ptr<CharData> node = NodeAccess::makeCharData();
-        node->data().assign(text);
-        addText(std::move(node));
+    // An attribute of the innermost element, in the order of the text. The name has been checked.
+    void addAttribute(std::string_view name, std::string_view value) {
+        std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory, names.find(name, memory), value);
+        NodeAccess::setParent(*made, *here);
+        attributes.push_back(std::move(made));
     }
-    void addText(std::unique_ptr<CharData> text) { NodeAccess::appendChild(*here, std::move(text)); }
+
+    // Gives the innermost element the attributes that were added, in its own order: of several with one name the last.
+    // Has to follow before anything else is done or seen.
+    void endAttributes() {
+        if (attributes.empty()) return;
+        NodeAccess::setAttributes(*here, memory, attributes);
+        attributes.clear();
+    }
+
+    void addText(std::string_view text) { finish(NodeAccess::makeText(memory, text)); }
 
     // Ends the innermost element.
     void end() {
         if (inner.empty()) {
             here = nullptr;
+            memory.finish(*outermost);
             return;
         }
-        here = inner.size() > 1 ? inner[inner.size() - 2].get() : outermost;
-        NodeAccess::appendChild(*here, std::move(inner.back()));
+        const std::size_t first = inner.back().firstChild;
+        if (first == finished.size()) finished.reserve(first + 1);
+        NodeAccess::setChildren(*here, memory, finished.begin() + static_cast<std::ptrdiff_t>(first), finished.end());
+        finished.resize(first);
+        std::unique_ptr<Element> ended = std::move(inner.back().element);
         inner.pop_back();
+        here = inner.empty() ? outermost : inner.back().element.get();
+        finish(std::move(ended));
     }
 
 private:
+    // An element within the outermost one that has not ended, and where those of its children begin that have.
+    struct Inner {
+        std::unique_ptr<Element> element;
+        std::size_t firstChild;
+    };
+
+    // A child of the innermost element is complete. The outermost one gets it at once: what is seen of that is as far
+    // as the text was read.
+    void finish(std::unique_ptr<Object> child) {
+        if (inner.empty()) {
+            NodeAccess::appendChild(*here, std::move(child));
+        } else {
+            NodeAccess::setParent(*child, *here);
+            finished.push_back(std::move(child));
+        }
+    }
+
     std::unique_ptr<Element>& root;
-    std::vector<std::unique_ptr<Element>> inner;  // those within the outermost that have not ended, the innermost last
-    Element* outermost = nullptr;                 // which code of callers may take out of `root` meanwhile
+    NodeMemory memory;
+    NameTable names;
+    std::vector<Inner> inner;                            // the innermost last
+    std::vector<std::unique_ptr<Object>> finished;       // children of those, in the order of the text
+    std::vector<std::unique_ptr<Attribute>> attributes;  // of the innermost element, until they are all there
+    Element* outermost = nullptr;                        // which code of callers may take out of `root` meanwhile
     Element* here = nullptr;
 };
 

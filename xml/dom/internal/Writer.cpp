@@ -50,7 +50,7 @@ private:
             scratch = ' ';
             scratch += attribute->getName();
             scratch += "=\"";
-            appendEscaped(scratch, attribute->getValue());
+            appendEscaped(scratch, NodeAccess::text(*attribute));
             scratch += '"';
             put(scratch);
         }
@@ -98,7 +98,7 @@ private:
         const Marks& marks = NodeAccess::marks(child);
         if (!beginWriting(marks, out)) return;
         if (exactly == NodeClass::CharData) {
-            out.writeDataHolder(static_cast<const CharData&>(child).data());
+            OutStreamAccess::putAsIs(out, NodeAccess::text(static_cast<const CharData&>(child)));
         } else if (const auto& element = static_cast<const Element&>(child); begin(element)) {
             walk.enter(element, {isMixed(element), true});
             return;

@@ -5,19 +5,11 @@
 #include "xml/dtd/CharSpec.h"
 #include "xml/dtd/EmptySpec.h"
 #include "xml/dtd/MixedSpec.h"
+#include "xml/dtd/internal/PlainModels.h"
 #include "xml/dtd/internal/SpecAccess.h"
 #include <limits>
 
 namespace Xml {
-
-namespace {
-
-// Of the library's models that have no steps of their own here.
-bool isOwnAndPlain(const ContentSpec& model) {
-    return isExactlySpec<EmptySpec>(model) || isExactlySpec<AnySpec>(model) || isExactlySpec<CharSpec>(model);
-}
-
-}  // namespace
 
 // --- Ways in ---
 
@@ -110,12 +102,11 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
     }
 
     const bool isMixed = isExactlySpec<MixedSpec>(*model);
+    const NodeSpan children = NodeAccess::children(element);
     if (!isMixed && !isExactlySpec<ChildrenSpec>(*model)) {
-        if (!isOwnAndPlain(*model)) verdicts.noteCallersCode();
-        matched = verdicts.decide(*dtd, element, model->validate(NodeAccess::childList(element)));
+        matched = verdicts.decide(*dtd, element, matchPlain(*model, children));
         return true;
     }
-    const NodeSpan children = NodeAccess::children(element);
     const ChildQueue all(children.begin(), children.end());
     push(Step::Element, &element, queue);
     frames.back().dtd = dtd;
@@ -128,6 +119,15 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
         push(Step::Repeated, static_cast<const ChildrenSpec*>(model), queue);
     }
     return false;
+}
+
+// A model that has no steps of its own here: one of the library's plain ones, or a caller's.
+bool Matcher::matchPlain(const ContentSpec& model, NodeSpan children) {
+    if (isExactlySpec<EmptySpec>(model)) return children.empty();
+    if (isExactlySpec<AnySpec>(model)) return true;
+    if (isExactlySpec<CharSpec>(model)) return matchCharData(children, SpecAccess::dtd(model));
+    verdicts.noteCallersCode();
+    return model.validate(std::vector<Object*>(children.begin(), children.end()));
 }
 
 void Matcher::resumeElement() {

@@ -11,6 +11,7 @@ namespace Xml {
 
 class ChildrenSpec;
 class ChoiceSpec;
+class ContentSpec;
 class CpSpec;
 class Dtd;
 class Element;
@@ -86,6 +87,7 @@ private:
     // These begin a step: true when its outcome is known at once (in `matched`), else its frame is on the stack. They
     // begin no element or group within it, or they would call each other as deep as those are nested.
     bool beginElement(const Dtd* dtd, Element& element);
+    bool matchPlain(const ContentSpec& model, NodeSpan children);
     bool beginRepeated(const ChildrenSpec& spec);
     bool beginParticle(const CpSpec& particle);
     bool beginName(const NameSpec& name);

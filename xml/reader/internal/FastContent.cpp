@@ -206,15 +206,10 @@ bool Pieces::decodeValues() {
 }
 
 void Pieces::addAttributes() {
-    TreeBuilder::Attributes added(tree);
     std::size_t next = 0;
-    for (const Attribute& attribute : attributes) {
-        if (attribute.refers) {
-            added.add(attribute.name, std::move(decoded[next++]));
-        } else {
-            added.add(attribute.name, attribute.value);
-        }
-    }
+    for (const Attribute& attribute : attributes)
+        tree.addAttribute(attribute.name, attribute.refers ? std::string_view(decoded[next++]) : attribute.value);
+    tree.endAttributes();
 }
 
 // What follows a name is read again.

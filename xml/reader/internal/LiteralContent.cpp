@@ -7,8 +7,6 @@
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Names.h"
-#include <memory>
-#include <utility>
 
 namespace Xml {
 
@@ -45,6 +43,7 @@ bool LiteralContent::beginElement() {
     isBeginning = false;
     // The report comes after the attributes are in order: a caller's message() may ask for them.
     const Attributes attributes = readAttributes();
+    tree.endAttributes();
     if (attributes == Attributes::NotRead) return fail();
     if (attributes == Attributes::TooLarge) return failWith(kEntityTextTooLarge);
     if (StreamAccess::token(in) == kSlashGreaterThen) {
@@ -56,7 +55,6 @@ bool LiteralContent::beginElement() {
 
 // Up to the token after the attributes, which stays in the parse buffer.
 LiteralContent::Attributes LiteralContent::readAttributes() {
-    TreeBuilder::Attributes attributes(tree);
     std::string name;
     while (true) {
         if (!StreamAccess::getToken(in)) return Attributes::NotRead;
@@ -68,7 +66,7 @@ LiteralContent::Attributes LiteralContent::readAttributes() {
         const std::string& literal = StreamAccess::token(in);
         DataHolder value(literal, 1, literal.size() - 2);
         if (!budget.expand(in, value, dtd)) return Attributes::TooLarge;
-        attributes.add(name, std::move(value));
+        tree.addAttribute(name, value);
     }
 }
 
@@ -93,9 +91,9 @@ bool LiteralContent::readPiece() {
         return in.skip(kEndComment) || failSilently();
     }
     StreamAccess::seek(in, position);
-    std::unique_ptr<CharData> text = NodeAccess::makeCharData();
-    if (!in.getCharData(text->data())) return fail();
-    tree.addText(std::move(text));
+    DataHolder text;
+    if (!in.getCharData(text)) return fail();
+    tree.addText(text);
     return true;
 }
 

@@ -67,6 +67,12 @@ struct OutStreamAccess {
         return !out.cutShort && writeStart == position && position != kUnrecordable && writeEnd != kUnrecordable;
     }
 
+    // As OutStream::writeDataHolder.
+    static void putAsIs(OutStream& out, std::string_view text) {
+        if (text.empty() || out.putChars(text.data(), text.size())) return;
+        for (const char c : text) out.putChar(c);
+    }
+
     static void put(OutStream& out, std::string_view text) { out.putIndented(text.data(), text.size()); }
 };
 

@@ -53,13 +53,15 @@ Value Value::ofNumber(std::int32_t tag, double number) {
 }
 
 const std::string& textOf(const Object& node, std::string& buffer) {
-    if (node.isAttribute()) return static_cast<const Attribute&>(node).getValue();
     const CharData* const data = dataOf(node);
     if (data == nullptr) {
-        buffer.clear();
+        buffer = node.isAttribute() ? NodeAccess::text(static_cast<const Attribute&>(node)) : std::string_view();
         return buffer;
     }
-    if (data->data().find('&') == std::string::npos) return data->data();
+    if (const std::string_view held = NodeAccess::text(*data); held.find('&') == std::string::npos) {
+        buffer = held;
+        return buffer;
+    }
     DataHolder decoded;
     data->getData(&decoded);
     buffer = std::move(decoded);

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "xml/Export.h"
+#include <cstdint>
+#include <string>
+
+namespace Xml::internal {
+
+// The name of an element or an attribute, in one word: a text of its own, or one that many nodes of a tree share.
+//
+// Not for callers.
+class Name {
+public:
+    Name() = default;  // the empty name
+    Name(const Name&) = delete;
+    Name& operator=(const Name&) = delete;
+    ~Name() { drop(); }
+
+    const std::string& text() const { return word != 0 ? *pointer() : emptyText(); }
+
+    // Whether both share one text. Those that do not may be equal all the same.
+    bool isSharedWith(const Name& other) const { return word == other.word; }
+
+    // A copy of its own. Where memory runs out nothing has changed.
+    void set(const std::string& text) {
+        const std::string* const copy = text.empty() ? nullptr : new std::string(text);
+        drop();
+        word = copy != nullptr ? reinterpret_cast<std::uintptr_t>(copy) | kOwned : 0;
+    }
+
+    // A text that outlives the name.
+    void share(const std::string& text) {
+        drop();
+        word = reinterpret_cast<std::uintptr_t>(&text);
+    }
+
+private:
+    static constexpr std::uintptr_t kOwned = 1;
+
+    ORVXML_LOCAL static const std::string& emptyText();
+
+    const std::string* pointer() const { return reinterpret_cast<const std::string*>(word & ~kOwned); }
+
+    void drop() {
+        if ((word & kOwned) != 0) delete pointer();
+    }
+
+    std::uintptr_t word = 0;  // the address of the text, its lowest bit set where it is owned
+};
+
+}  // namespace Xml::internal

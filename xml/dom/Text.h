@@ -1,0 +1,88 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/dom/Marks.h"
+#include "xml/text/DataHolder.h"
+#include <atomic>
+#include <cstddef>
+#include <string_view>
+
+namespace Xml {
+class Object;
+}  // namespace Xml
+
+namespace Xml::internal {
+
+struct KeptText;
+
+// The text that a node holds: a string of its own, or bytes that lie beside the node in the memory of its tree. Most
+// texts are only looked at, so such bytes become a string when somebody asks for one, and the tree keeps that.
+//
+// Which of the two it is stands in the marks of the node, which has the room for it; they come with every call. A node
+// whose bytes lie beside it is in the memory of a tree itself.
+//
+// Several threads may ask for the string at the same time: all get the same one.
+//
+// Not for callers.
+class Text {
+public:
+    Text() : own() {}
+    Text(const Text&) = delete;
+    Text& operator=(const Text&) = delete;
+
+    // The node calls dispose() before.
+    ~Text() {}
+    void dispose(const Marks& marks) {
+        if (marks.textPlace() == TextPlace::Own) {
+            own.~DataHolder();
+        } else {
+            forgetString();
+        }
+    }
+
+    // The bytes; good until the text changes.
+    std::string_view view(const Marks& marks) const {
+        if (marks.textPlace() == TextPlace::Own) return own;
+        const KeptText* const kept = lent.string.load(std::memory_order_acquire);
+        return kept == nullptr ? std::string_view(lent.bytes, lent.length) : viewOf(*kept);
+    }
+
+    // The string. Where it has to be made memory may run out; nothing has changed then.
+    const DataHolder& string(const Object& node, const Marks& marks) const {
+        return marks.textPlace() == TextPlace::Own ? own : madeString(node);
+    }
+    DataHolder& string(const Object& node, const Marks& marks) {
+        return const_cast<DataHolder&>(static_cast<const Text*>(this)->string(node, marks));
+    }
+
+    // Puts another text in place of this one: in the same string, where there is one.
+    void assign(const Object& node, const Marks& marks, DataHolder&& text);
+
+    // For a text that is empty and its own: bytes that stay as long as the node, or a string in place of them that the
+    // tree keeps.
+    void lend(Marks& marks, std::string_view bytes, KeptText* string = nullptr) {
+        own.~DataHolder();
+        ::new (&lent) Lent{bytes.data(), bytes.size(), {string}};
+        marks.setTextPlace(TextPlace::Lent);
+    }
+
+private:
+    struct Lent {
+        const char* bytes;
+        std::size_t length;
+        std::atomic<KeptText*> string;  // in place of the bytes, once it was asked for
+    };
+
+    ORVXML_LOCAL static std::string_view viewOf(const KeptText& kept);
+    ORVXML_LOCAL const DataHolder& madeString(const Object& node) const;
+    ORVXML_LOCAL void forgetString();
+
+    union {
+        DataHolder own;
+        mutable Lent lent;
+    };
+};
+
+static_assert(sizeof(Text) == sizeof(DataHolder), "lent bytes need no more room than a string");
+
+}  // namespace Xml::internal

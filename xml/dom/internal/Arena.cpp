@@ -1,0 +1,129 @@
+#include "xml/dom/internal/Arena.h"
+
+#include "xml/dom/Element.h"
+#include "xml/dom/internal/NodeAccess.h"
+#include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace Xml {
+
+void internal::giveBackLent(void* memory) noexcept { Slab::giveBack(memory, 0); }
+
+Arena::~Arena() {
+    for (KeptText* text = kept.load(std::memory_order_acquire); text != nullptr;) delete std::exchange(text, text->next);
+    while (SharedName* const name = names) {
+        names = name->next;
+        if (&Slab::of(name) == &Slab::of(this)) {
+            name->~SharedName();
+        } else {
+            delete name;
+        }
+    }
+    while (WideElement* const one = wide) {
+        wide = one->next;
+        delete one;
+    }
+}
+
+Arena* Arena::wholeBelow(const Element& top) {
+    const NodeSpan children = NodeAccess::children(top);
+    if (children.empty() || NodeAccess::marks(top).isEdited() || !Slab::holds(children[0])) return nullptr;
+    Arena& arena = of(children[0]);
+    return arena.top == &top && !arena.changed.load(std::memory_order_relaxed) ? &arena : nullptr;
+}
+
+void Arena::drop() {
+    for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::freeArrays(*one->element);
+    Slab* slab = newest;
+    while (slab->next != nullptr) Slab::free(std::exchange(slab, slab->next));
+    this->~Arena();
+    Slab::free(slab);
+}
+
+KeptText& Arena::keep(std::unique_ptr<KeptText> text) {
+    KeptText* const added = text.release();
+    added->next = kept.load(std::memory_order_relaxed);
+    while (!kept.compare_exchange_weak(added->next, added, std::memory_order_release, std::memory_order_relaxed)) {}
+    return *added;
+}
+
+void Arena::release(Slab& slab) {
+    noteChange();
+    if (slab.next != nullptr) Slab::free(&slab);
+    if (slabs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        Slab& first = Slab::of(this);
+        this->~Arena();
+        Slab::free(&first);
+    }
+}
+
+// --- Filling it ---
+
+NodeMemory::~NodeMemory() { closeSlab(); }
+
+void NodeMemory::closeSlab() {
+    if (slab == nullptr) return;
+    Slab* const full = slab;
+    slab = nullptr;
+    low = high = nullptr;
+    full->release(Slab::kFilling - count);
+}
+
+void NodeMemory::addSlab() {
+    Slab* const made = Slab::make();
+    if (slab == nullptr) {
+        low = made->begin();
+        high = made->end() - sizeof(Arena);
+        high -= reinterpret_cast<std::uintptr_t>(high) % alignof(Arena);
+        Slab::allow(high, sizeof(Arena));
+        made->owner = ::new (high) Arena(*made);
+    } else {
+        made->owner = slab->owner;
+        made->next = slab->owner->newest;
+        made->owner->newest = made;
+        made->owner->slabs.fetch_add(1, std::memory_order_relaxed);
+        closeSlab();
+        low = made->begin();
+        high = made->end();
+    }
+    slab = made;
+    count = 0;
+}
+
+void NodeMemory::noteWide(Element& element) {
+    Arena& arena = slab->arena();
+    arena.wide = new Arena::WideElement{&element, arena.wide};
+}
+
+const std::string& NodeMemory::takeName(std::string_view name) {
+    if (slab == nullptr) addSlab();
+    Arena& arena = slab->arena();
+    const bool isFirst = slab->next == nullptr;
+    const std::size_t size = sizeof(Arena::SharedName) + alignof(Arena::SharedName);
+    if (isFirst && static_cast<std::size_t>(high - low) >= size) {
+        char* const end = high - sizeof(Arena::SharedName);
+        char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(Arena::SharedName);
+        Slab::allow(place, sizeof(Arena::SharedName));
+        arena.names = ::new (place) Arena::SharedName{std::string(name), arena.names};
+        high = place;
+    } else {
+        arena.names = new Arena::SharedName{std::string(name), arena.names};
+    }
+    return arena.names->text;
+}
+
+KeptText& NodeMemory::takeText(std::string_view text) {
+    auto made = std::make_unique<KeptText>();
+    made->text = text;
+    return slab->arena().keep(std::move(made));
+}
+
+void NodeMemory::finish(const Element& top) {
+    if (slab == nullptr) return;
+    slab->arena().top = &top;
+    closeSlab();
+}
+
+}  // namespace Xml

@@ -1,0 +1,149 @@
+#pragma once
+
+#include "xml/dom/Object.h"
+#include "xml/dom/internal/Slab.h"
+#include "xml/text/DataHolder.h"
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Xml {
+
+class Element;
+
+namespace internal {
+
+// A string that took the place of bytes in the memory of a tree (see Text).
+struct KeptText {
+    DataHolder text;
+    KeptText* next = nullptr;
+};
+
+}  // namespace internal
+
+using internal::KeptText;
+
+// The memory of one tree that was read or copied in one go: all nodes below its top element, their names, their texts
+// and the arrays of their children. The top element itself is in the heap.
+//
+// While the tree stays as it was made, nothing in it has to be destroyed, and the end of the top element drops the
+// memory whole. After the first change nodes are deleted one by one, and each slab goes with the last node in it. So
+// parts of the tree may outlive the rest, in other trees, and in other threads. What slabs share goes with the last of
+// them.
+class Arena {
+public:
+    // The arena of a node that is in one.
+    static Arena& of(const void* node) { return Slab::of(node).arena(); }
+
+    // Notes that the node is not as it was made, or is not where it was.
+    static void noteChange(const Object& node) {
+        if (Slab::holds(&node)) of(&node).noteChange();
+    }
+    void noteChange() { changed.store(true, std::memory_order_relaxed); }
+
+    // The arena that all below the element is in, and nothing else; null without one.
+    static Arena* wholeBelow(const Element& top);
+
+    // Gives back the memory of everything in it at once.
+    void drop();
+
+    // Keeps a string until the arena goes. Any thread may do so.
+    KeptText& keep(std::unique_ptr<KeptText> text);
+
+private:
+    friend class NodeMemory;
+    friend class Slab;
+
+    // A name that nodes share. It lies in the first slab as long as there is room, else in the heap.
+    struct SharedName {
+        std::string text;
+        SharedName* next;
+    };
+
+    // An element in a slab whose children or attributes are too many for one.
+    struct WideElement {
+        Element* element;
+        WideElement* next;
+    };
+
+    explicit Arena(Slab& first) : newest(&first) {}
+    ~Arena();
+
+    // A slab has lost its last node.
+    void release(Slab& slab);
+    void end();
+
+    Slab* newest;  // from there on all of them, as long as none has gone; the arena itself lies in the oldest
+    std::atomic<std::uint32_t> slabs{1};
+    std::atomic<bool> changed{false};
+    const Element* top = nullptr;
+    std::atomic<KeptText*> kept{nullptr};
+    SharedName* names = nullptr;
+    WideElement* wide = nullptr;
+};
+
+// The one way to put nodes into an arena: what reads or copies a tree has one and lets it go at the end. Memory is
+// taken when it is first needed.
+class NodeMemory {
+public:
+    NodeMemory() = default;
+    NodeMemory(const NodeMemory&) = delete;
+    NodeMemory& operator=(const NodeMemory&) = delete;
+    ~NodeMemory();
+
+    // The most bytes that belong to one thing in a slab, so that little is left over at its end.
+    static constexpr std::size_t kMostBytes = 1024;
+
+    // Room for a node, and in the same slab for bytes of it, at most kMostBytes.
+    struct Room {
+        void* node;
+        char* bytes;
+    };
+    Room takeNode(std::size_t size, std::size_t byteCount = 0) {
+        size = (size + 15) / 16 * 16;  // the next node is at 8 modulo 16 again
+        if (static_cast<std::size_t>(high - low) < size + byteCount) addSlab();
+        Room room{low, high - byteCount};
+        low += size;
+        high -= byteCount;
+        ++count;
+        Slab::allow(room.node, size);
+        Slab::allow(room.bytes, byteCount);
+        return room;
+    }
+
+    // Room for the array of an element in a slab, at most kMostBytes. It counts as a node does.
+    void* takeArray(std::size_t size) {
+        if (static_cast<std::size_t>(high - low) < size + alignof(void*)) addSlab();
+        high -= size;
+        high -= reinterpret_cast<std::uintptr_t>(high) % alignof(void*);
+        ++count;
+        Slab::allow(high, size);
+        return high;
+    }
+
+    // The array of the element does not fit into a slab.
+    void noteWide(Element& element);
+
+    // A name that lives as long as anything of the arena.
+    const std::string& takeName(std::string_view name);
+
+    // A string that is kept as long.
+    KeptText& takeText(std::string_view text);
+
+    // All that is in the arena is below this element, which is in the heap, and will be: its end may drop all at once.
+    void finish(const Element& top);
+
+private:
+    void addSlab();
+    void closeSlab();
+
+    Slab* slab = nullptr;
+    char* low = nullptr;   // from here on up nodes ...
+    char* high = nullptr;  // ... and from here on down what belongs to them
+    std::uint32_t count = 0;
+};
+
+}  // namespace Xml

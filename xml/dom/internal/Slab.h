@@ -1,0 +1,93 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ORVXML_POISON 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORVXML_POISON 1
+#endif
+#endif
+#ifdef ORVXML_POISON
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace Xml {
+
+class Arena;
+
+// 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to nodes
+// from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
+//
+// A node finds its slab by its address alone, and so does `delete` whether there is one: nodes in slabs are at
+// addresses 8 modulo 16, where operator new gives multiples of 16.
+class Slab {
+public:
+    static constexpr std::size_t kBytes = std::size_t{64} << 10;
+
+    Slab(const Slab&) = delete;
+    Slab& operator=(const Slab&) = delete;
+
+    // A new one, with as many nodes to come as anybody could count; an arena is told of it by the caller.
+    static Slab* make();
+    static void free(Slab* slab) noexcept;
+
+    static bool holds(const void* node) { return reinterpret_cast<std::uintptr_t>(node) % 16 == 8; }
+    static Slab& of(const void* node) {
+        return *reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(node) & ~(kBytes - 1));
+    }
+
+    Arena& arena() const { return *owner; }
+
+    // A node has been deleted.
+    static void giveBack(void* node, std::size_t size) noexcept {
+        forbid(node, size);
+        Slab& slab = of(node);
+        slab.noteChange();
+        slab.release(1);
+    }
+
+    // Under the address sanitizer: what is no living node's may not be touched.
+    static void allow([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t size) {
+#ifdef ORVXML_POISON
+        __asan_unpoison_memory_region(memory, size);
+#endif
+    }
+    static void forbid([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t size) {
+#ifdef ORVXML_POISON
+        __asan_poison_memory_region(memory, size);
+#endif
+    }
+
+private:
+    friend class Arena;
+    friend class NodeMemory;
+
+    // What the one who fills it holds on to it by, beside each node.
+    static constexpr std::uint32_t kFilling = std::uint32_t{1} << 31;
+
+    Slab() = default;
+
+    char* begin() { return reinterpret_cast<char*>(this + 1); }
+    char* end() { return reinterpret_cast<char*>(this) + kUsed; }
+
+    void noteChange() noexcept;
+
+    // So many nodes, or whatever holds on to it, have gone.
+    void release(std::uint32_t number) noexcept;
+
+    // What the allocator keeps in front of a block leaves room for the next slab right after this one.
+    static constexpr std::size_t kUsed = kBytes - 16;
+
+    Arena* owner = nullptr;
+    Slab* next = nullptr;
+    std::atomic<std::uint32_t> living{kFilling};
+};
+
+static_assert(sizeof(Slab) % 16 == 8, "nodes follow the header");
+static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= 16, "nodes elsewhere are at multiples of 16");
+
+}  // namespace Xml
