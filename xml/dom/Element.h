@@ -7,7 +7,6 @@
 #include "xml/dom/Object.h"
 #include "xml/text/DataHolder.h"
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -166,10 +165,6 @@ private:
     internal::Children children;
     internal::Attributes attributes;
     internal::Name name;
-
-    // What validation found out about this element: its run, whether the element is valid, whether its whole subtree
-    // links to the Dtd of that run. Meaningless to any other run.
-    mutable std::uint64_t verdict = 0;
 };
 
 }  // namespace Xml

@@ -53,6 +53,10 @@ public:
     bool hasAsideText() const { return asideText; }
     void setAsideText(bool has) const { asideText = has; }
 
+    // A number that is the affair of what works on the tree: of an element, validation's.
+    std::uint32_t number() const { return itsNumber; }
+    void setNumber(std::uint32_t number) const { itsNumber = number; }
+
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return edited; }
     void setEdited() { edited = true; }
@@ -64,6 +68,7 @@ private:
     mutable bool asideText : 1;
     bool edited : 1;
     TextPlace text = TextPlace::Own;
+    mutable std::uint32_t itsNumber = 0;
     mutable std::int32_t start = -1;
     mutable std::int32_t end = -1;
     const Dtd* link = nullptr;

@@ -32,13 +32,14 @@ bool writesBytesOnly(const Object& node) {
     return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
 
-// The marks with what is to come: a number for an attribute's place in its tag, and whether the document type supplied
-// the node.
+// The marks with what is to come: a kind of node, and whether the document type supplied it. The number of an attribute
+// will be its place in its tag.
 struct MarksToCome {
     ExactClass exactClass;
-    bool dirty;
-    bool supplied;
-    std::int32_t place;
+    std::uint8_t bits;
+    TextPlace text;
+    std::uint8_t kind;
+    std::uint32_t number;
     std::int32_t start;
     std::int32_t end;
     const Dtd* link;

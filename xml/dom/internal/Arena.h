@@ -102,8 +102,10 @@ public:
         void* node;
         char* bytes;
     };
-    Room takeNode(std::size_t size, std::size_t byteCount = 0) {
-        size = (size + 15) / 16 * 16;  // the next node is at 8 modulo 16 again
+    template <class Node>
+    Room takeNode(std::size_t byteCount = 0) {
+        constexpr std::size_t size = sizeof(Node);
+        static_assert(size % 16 == 0, "the next node has to be at 8 modulo 16 again");
         if (static_cast<std::size_t>(high - low) < size + byteCount) addSlab();
         Room room{low, high - byteCount};
         low += size;

@@ -17,11 +17,15 @@
 
 namespace Xml {
 
+// What the parse of large documents costs is the memory that it fills.
+static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
+
 using internal::AttributeSpan;
 using internal::ExactClass;
 using internal::Marks;
 using internal::NodeClass;
 using internal::NodeSpan;
+using internal::TextPlace;
 
 // The insides of nodes, for the readers, the writer, validation and paths: spans, links, marks and factories. What
 // stores children and attributes stays within this folder.
@@ -47,27 +51,24 @@ struct NodeAccess {
     static DataHolder& ownText(CharData& node) { return node.held.string(node, node.marks); }
     static DataHolder& ownText(Attribute& node) { return node.value.string(node, node.marks); }
 
-    // What validation keeps at the element.
-    static std::uint64_t& verdict(const Element& element) { return element.verdict; }
-
     // --- Nodes in the memory of a tree, for what reads or copies one: nothing links to a Dtd yet, all is marked as
     // changed already. A shared name and the bytes of a text stay as long as the memory. ---
 
     static std::unique_ptr<Element> makeElement(NodeMemory& memory, const std::string& sharedName) {
-        void* const place = memory.takeNode(sizeof(Element)).node;
+        void* const place = memory.takeNode<Element>().node;
         std::unique_ptr<Element> element = exactly(NodeClass::Element, ::new (place) Element());
         element->name.share(sharedName);
         return element;
     }
     static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text) {
-        const auto [place, bytes] = memory.takeNode(sizeof(CharData), lentSize(text));
+        const auto [place, bytes] = memory.takeNode<CharData>(lentSize(text));
         std::unique_ptr<CharData> node = exactly(NodeClass::CharData, ::new (place) CharData());
         put(node->held, *node, text, bytes, memory);
         return node;
     }
     static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const std::string& sharedName,
                                                     std::string_view value) {
-        const auto [place, bytes] = memory.takeNode(sizeof(Attribute), lentSize(value));
+        const auto [place, bytes] = memory.takeNode<Attribute>(lentSize(value));
         std::unique_ptr<Attribute> node = exactly(NodeClass::Attribute, ::new (place) Attribute());
         node->name.share(sharedName);
         put(node->value, *node, value, bytes, memory);

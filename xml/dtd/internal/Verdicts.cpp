@@ -36,9 +36,9 @@ bool Verdicts::decide(const Dtd& dtd, Element& element, bool fits) {
     const bool valid = fits && attributesFit(dtd, element);
     const std::uint64_t run = runOf(dtd);
     // The link that has just been set, if any, marked the element as linked.
-    std::uint64_t& verdict = NodeAccess::verdict(element);
-    const std::uint64_t linked = verdict >> kRunShift == run ? verdict & kLinked : 0;
-    verdict = run << kRunShift | linked | (valid ? kValid : 0);
+    const std::uint64_t before = table.of(element);
+    const std::uint64_t linked = before >> kRunShift == run ? before & kLinked : 0;
+    table.keep(element, run << kRunShift | linked | (valid ? kValid : 0));
     return valid;
 }
 
@@ -55,7 +55,7 @@ bool Verdicts::attributesFit(const Dtd& dtd, Element& element) {
         if (definition->second->isRequired()) ++required;
     }
     if (required != list->required) return false;
-    NodeAccess::verdict(element) = runOf(dtd) << kRunShift;
+    table.keep(element, runOf(dtd) << kRunShift);
     link(element, &dtd);
     return true;
 }
@@ -72,11 +72,11 @@ void Verdicts::linkSubtree(Element& top, const Dtd* dtd) {
     const std::uint64_t run = runOf(*dtd);
     const bool linksStay = areOfOwnCode();
     Preorder<Element> walk;
-    linkBelow(walk, top, dtd, [dtd, run, linksStay](Element& element) {
-        std::uint64_t& verdict = NodeAccess::verdict(element);
+    linkBelow(walk, top, dtd, [this, dtd, run, linksStay](Element& element) {
+        const std::uint64_t verdict = table.of(element);
         const bool mine = verdict >> kRunShift == run;
         if (mine && linksStay && (verdict & kLinked) != 0) return false;
-        verdict = mine ? verdict | kLinked : 0;  // a verdict of another run may speak of links that are no more
+        table.keep(element, mine ? verdict | kLinked : 0);  // a verdict of another run may speak of links that are no more
         NodeAccess::setOwnDtd(element, dtd);
         return true;
     });

@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/VerdictTable.h"
 #include <cstdint>
 #include <vector>
 
@@ -9,8 +10,8 @@ namespace Xml {
 
 // The verdicts on elements in the runs that a matcher takes part in, and the links that they bring.
 //
-// A run is the outermost validation by one Dtd. An element is decided once in it: the verdict stays in the element,
-// with the number of the run. That keeps alternatives that try the same children again from costing 2^depth. Only where
+// A run is the outermost validation by one Dtd. An element is decided once in it: the verdict is kept until the outermost
+// validation ends, with the number of the run. That keeps alternatives that try the same children again from costing 2^depth. Only where
 // the models of two Dtds take turns does each of these decide an element again, since the other one has set links
 // meanwhile. Linking a subtree goes over it once for the same reason: an element remembers that everything below it has
 // been linked already.
@@ -27,7 +28,7 @@ public:
 
     // What has been decided about the element in the run of this Dtd, which begins here unless it is under way.
     Verdict of(const Dtd& dtd, const Element& element) {
-        const std::uint64_t kept = NodeAccess::verdict(element);
+        const std::uint64_t kept = table.of(element);
         if (kept >> kRunShift != runOf(dtd)) return Verdict::None;
         return (kept & kValid) != 0 ? Verdict::Valid : Verdict::Invalid;
     }
@@ -48,7 +49,7 @@ public:
 private:
     enum class Asked : std::uint8_t { OwnCode, CallersCode };
 
-    // What an element keeps of a run: its number in the upper bits, and these.
+    // What is kept of an element: the number of a run in the upper bits, and these.
     static constexpr std::uint64_t kValid = 1;
     static constexpr std::uint64_t kLinked = 2;  // with its whole subtree
     static constexpr int kRunShift = 2;
@@ -58,6 +59,9 @@ private:
     bool attributesFit(const Dtd& dtd, Element& element);
     void linkSubtree(Element& top, const Dtd* dtd);
 
+    VerdictTable own;
+    VerdictTable::Use use{own};
+    VerdictTable& table = use.table();
     Asked asked = Asked::OwnCode;
     const Dtd* lastAsked = nullptr;  // whose run is known to be under way
     std::vector<const Dtd*> runs;    // that began here
