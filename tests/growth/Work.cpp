@@ -46,10 +46,10 @@ void record(const std::string& name, const Growth& growth) {
 
 Work totals = {};
 
-void* allocate(std::size_t bytes, bool) noexcept {
+void* allocate(std::size_t bytes, bool, std::size_t alignment) noexcept {
     ++totals[Allocations];
     totals[AllocatedBytes] += static_cast<long long>(bytes);
-    return std::malloc(bytes > 0 ? bytes : 1);
+    return plainMemory(bytes, alignment);
 }
 
 void giveBack(void* memory) noexcept { std::free(memory); }

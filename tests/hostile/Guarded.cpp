@@ -23,6 +23,7 @@
 #include <sanitizer/lsan_interface.h>
 #else
 #include "support/HeapOperators.h"
+#include "support/WatchedSlabs.h"
 #endif
 
 namespace Xml::test {
@@ -41,9 +42,9 @@ std::size_t mostBytes = static_cast<std::size_t>(-1);
 
 }  // namespace
 
-void* allocate(std::size_t bytes, bool) noexcept {
+void* allocate(std::size_t bytes, bool, std::size_t alignment) noexcept {
     if (bytes > mostBytes || liveBytes > mostBytes - bytes) return nullptr;
-    void* const memory = std::malloc(bytes > 0 ? bytes : 1);
+    void* const memory = plainMemory(bytes, alignment);
     if (memory == nullptr) return nullptr;
     liveBytes += malloc_usable_size(memory);
     ++liveCount;

@@ -1,6 +1,7 @@
 #include "memory/Failing.h"
 
 #include "support/HeapOperators.h"
+#include "support/WatchedSlabs.h"
 #include "xml/text/Message.h"
 #include <cstdlib>
 #include <fcntl.h>
@@ -39,13 +40,13 @@ int failedParts() {
 
 }  // namespace
 
-void* allocate(std::size_t bytes, bool tolerant) noexcept {
+void* allocate(std::size_t bytes, bool tolerant, std::size_t alignment) noexcept {
     if (counting && (++counted == due || (lasting && due > 0 && counted > due))) {
         refused = mayShow = true;
         tolerated = tolerant;
         return nullptr;
     }
-    void* const memory = std::malloc(bytes > 0 ? bytes : 1);
+    void* const memory = plainMemory(bytes, alignment);
     if (memory != nullptr) ++live;
     return memory;
 }

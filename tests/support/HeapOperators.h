@@ -1,17 +1,13 @@
 #pragma once
 
+#include "support/HeapFunctions.h"
 #include <cstddef>
 #include <new>
 
 // The operators new and delete of a test program that watches over its heap. One source of the program, and no other,
-// includes this and defines the two functions.
+// includes this and defines the two functions of
+// HeapFunctions.h.
 namespace Xml::test {
-
-// Null when there is no memory. The caller is tolerant that asks by std::nothrow: it can do without.
-void* allocate(std::size_t bytes, bool tolerant) noexcept;
-
-// Takes null too.
-void giveBack(void* memory) noexcept;
 
 inline void* allocateOrThrow(std::size_t bytes) {
     if (void* const memory = allocate(bytes, false)) return memory;

@@ -46,9 +46,7 @@ bool Attributes::remove(const std::string& name) {
     return true;
 }
 
-void Attributes::remove(std::size_t place) {
-    delete sorted.remove(place);
-}
+void Attributes::remove(std::size_t place) { delete sorted.remove(place); }
 
 void Attributes::append(std::unique_ptr<Attribute> attribute) {
     sorted.append(attribute.get());

@@ -53,11 +53,10 @@ public:
     // Of several with one name the last one stays.
     void sort();
 
-    // Memory beside the nodes of a tree (see NodeArray).
+    // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
-    void freeBlock() { sorted.freeBlock(); }
-    void abandon() { sorted.abandon(); }
+    void forget() { sorted.clear(); }
 
 private:
     std::size_t placeOf(const std::string& name) const;

@@ -34,8 +34,8 @@ public:
     const DataHolder& getData() const;
     void getData(DataHolder* text) const;
 
-    // The text as it is held. Changing it marks nothing as changed. Of a text that was read the string is made when it is
-    // first asked for, which needs memory.
+    // The text as it is held. Changing it marks nothing as changed. Of a text that was read the string is made when it
+    // is first asked for, which needs memory.
     DataHolder& data();
     const DataHolder& data() const;
 

@@ -57,11 +57,10 @@ public:
     std::unique_ptr<Object> extract(std::size_t place) { return std::unique_ptr<Object>(nodes.remove(place)); }
     std::unique_ptr<Object> extractLast() { return extract(nodes.size() - 1); }
 
-    // Memory beside the nodes of a tree (see NodeArray).
+    // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Object>::bytesFor(count); }
     void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
-    void freeBlock() { nodes.freeBlock(); }
-    void abandon() { nodes.abandon(); }
+    void forget() { nodes.clear(); }
 
     // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether
     // there was any.

@@ -97,10 +97,7 @@ Element::~Element() { NodeAccess::deleteChildren(*this); }
 void NodeAccess::dropWhole(Element& top) {
     Arena* const arena = Arena::wholeBelow(top);
     if (arena == nullptr) return;
-    top.children.freeBlock();
-    top.attributes.freeBlock();
-    top.children.abandon();
-    top.attributes.abandon();
+    forgetNodes(top);
     arena->drop();
 }
 

@@ -55,7 +55,8 @@ const Element* Element::getElement(int n) const {
 Element* Element::getElement(int n) { return const_cast<Element*>(asConst(this)->getElement(n)); }
 
 const Element* Element::getElement(const std::string& wanted, int n) const {
-    return nthChildElement(children.span(), n, [&wanted](const Element& element) { return element.getName() == wanted; });
+    return nthChildElement(children.span(), n,
+                           [&wanted](const Element& element) { return element.getName() == wanted; });
 }
 
 Element* Element::getElement(const std::string& wanted, int n) {

@@ -32,16 +32,18 @@ public:
     NodeArray() = default;
     NodeArray(const NodeArray&) = delete;
     NodeArray& operator=(const NodeArray&) = delete;
-    ~NodeArray() { freeBlock(); }
+    ~NodeArray() { clear(); }
 
-    // Frees its memory; it must not be used any more.
-    void freeBlock() {
-        if (!isBlock()) return;
-        if (block().isLent) {
-            giveBackLent(&block());
-        } else {
-            ::operator delete(&block());
+    // Forgets the nodes, and gives its memory back.
+    void clear() {
+        if (isBlock()) {
+            if (block().isLent) {
+                giveBackLent(&block());
+            } else {
+                ::operator delete(&block());
+            }
         }
+        word = nullptr;
     }
 
     // Good until the next change.
@@ -110,9 +112,6 @@ public:
     static std::size_t bytesFor(std::size_t count) { return sizeof(Block) + count * sizeof(Node*); }
     void lend(void* memory, std::size_t count) { setBlock(makeBlock(memory, count, true)); }
 
-    // Forgets nodes and memory, which have been dropped with the tree.
-    void abandon() { word = nullptr; }
-
 private:
     static_assert(sizeof(Block) % alignof(Node*) == 0, "the pointers follow the block");
 
@@ -124,12 +123,8 @@ private:
     }
 
     bool isBlock() const { return (reinterpret_cast<std::uintptr_t>(word) & kBlockBit) != 0; }
-    Block& block() const {
-        return *reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(word) & ~kBlockBit);
-    }
-    void setBlock(Block* made) {
-        word = reinterpret_cast<Node*>(reinterpret_cast<std::uintptr_t>(made) | kBlockBit);
-    }
+    Block& block() const { return *reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(word) & ~kBlockBit); }
+    void setBlock(Block* made) { word = reinterpret_cast<Node*>(reinterpret_cast<std::uintptr_t>(made) | kBlockBit); }
     std::size_t capacity() const { return isBlock() ? block().capacity : 1; }
 
     void grow(std::size_t count) {
@@ -138,7 +133,7 @@ private:
         const SpanOf<Node> before = span();
         made->size = static_cast<std::uint32_t>(before.size());
         std::memcpy(made->nodes(), before.begin(), before.size() * sizeof(Node*));
-        freeBlock();
+        clear();
         setBlock(made);
     }
 

@@ -81,8 +81,8 @@ public:
 
     static bool useRWOptimization;  // false at first
 
-    // `new` takes the memory of a node from the global operator new. `delete` finds out where it came from: the nodes of
-    // a tree that was read or copied lie side by side in memory of the tree.
+    // `new` takes the memory of a node from the global operator new. `delete` finds out where it came from: the nodes
+    // of a tree that was read or copied lie side by side in memory of the tree.
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t size, std::align_val_t alignment);
     static void* operator new(std::size_t size, const std::nothrow_t& tag) noexcept;

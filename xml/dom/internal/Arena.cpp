@@ -12,7 +12,8 @@ namespace Xml {
 void internal::giveBackLent(void* memory) noexcept { Slab::giveBack(memory, 0); }
 
 Arena::~Arena() {
-    for (KeptText* text = kept.load(std::memory_order_acquire); text != nullptr;) delete std::exchange(text, text->next);
+    KeptText* text = kept.load(std::memory_order_acquire);
+    while (text != nullptr) delete std::exchange(text, text->next);
     while (SharedName* const name = names) {
         names = name->next;
         if (&Slab::of(name) == &Slab::of(this)) {
@@ -35,7 +36,7 @@ Arena* Arena::wholeBelow(const Element& top) {
 }
 
 void Arena::drop() {
-    for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::freeArrays(*one->element);
+    for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::forgetNodes(*one->element);
     Slab* slab = newest;
     while (slab->next != nullptr) Slab::free(std::exchange(slab, slab->next));
     this->~Arena();

@@ -9,8 +9,8 @@
 
 namespace Xml {
 
-// The names that the nodes of one arena share: each is kept once. A tree has few names and uses each many times, so most
-// are found among the recent ones; O(log n) for the others, whatever names a document chooses.
+// The names that the nodes of one arena share: each is kept once. A tree has few names and uses each many times, so
+// most are found among the recent ones; O(log n) for the others, whatever names a document chooses.
 class NameTable {
 public:
     const std::string& find(std::string_view name, NodeMemory& memory) {

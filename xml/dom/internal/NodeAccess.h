@@ -82,8 +82,8 @@ struct NodeAccess {
         element.children.append(std::move(child));
     }
 
-    // Gives an element of the same memory exactly these, which have it as their parent: its children; its attributes, in
-    // any order.
+    // Gives an element of the same memory exactly these, which have it as their parent: its children; its attributes,
+    // in any order.
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
         reserveChildren(element, memory, static_cast<std::size_t>(last - first));
@@ -137,10 +137,10 @@ struct NodeAccess {
         Arena::noteChange(element);
     }
 
-    // Of an element that is dropped with the memory of its tree: what it has outside of that.
-    static void freeArrays(Element& element) {
-        element.children.freeBlock();
-        element.attributes.freeBlock();
+    // Forgets children and attributes, which are dropped with the memory of their tree.
+    static void forgetNodes(Element& element) {
+        element.children.forget();
+        element.attributes.forget();
     }
 
 private:

@@ -36,11 +36,30 @@ private:
 
 thread_local FreeSlabs freeSlabs;
 
+const Slab::Source* ownSource = nullptr;
+
+void* takeMemory() {
+    if (ownSource != nullptr) return ownSource->take(Slab::kBytes - Slab::kSpared);
+    if (void* const memory = freeSlabs.take()) return memory;
+    void* memory = nullptr;
+    return posix_memalign(&memory, Slab::kBytes, Slab::kBytes - Slab::kSpared) == 0 ? memory : nullptr;
+}
+
+void giveMemory(void* memory) {
+    if (ownSource != nullptr) {
+        ownSource->give(memory);
+    } else if (!freeSlabs.keep(memory)) {
+        std::free(memory);
+    }
+}
+
 }  // namespace
 
+void Slab::setSource(const Source* source) { ownSource = source; }
+
 Slab* Slab::make() {
-    void* memory = freeSlabs.take();
-    if (memory == nullptr && posix_memalign(&memory, kBytes, kUsed) != 0) throw std::bad_alloc();
+    void* const memory = takeMemory();
+    if (memory == nullptr) throw std::bad_alloc();
     allow(memory, sizeof(Slab));
     Slab* const made = ::new (memory) Slab;
     forbid(made->begin(), static_cast<std::size_t>(made->end() - made->begin()));
@@ -48,12 +67,8 @@ Slab* Slab::make() {
 }
 
 void Slab::free(Slab* slab) noexcept {
-    if (freeSlabs.keep(slab)) {
-        forbid(slab, kUsed);
-    } else {
-        allow(slab, kUsed);
-        std::free(slab);
-    }
+    allow(slab, kBytes - kSpared);
+    giveMemory(slab);
 }
 
 void Slab::noteChange() noexcept { owner->noteChange(); }

@@ -19,21 +19,29 @@ namespace Xml {
 
 class Arena;
 
-// 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to nodes
-// from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
+// 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to
+// nodes from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
 //
 // A node finds its slab by its address alone, and so does `delete` whether there is one: nodes in slabs are at
 // addresses 8 modulo 16, where operator new gives multiples of 16.
 class Slab {
 public:
     static constexpr std::size_t kBytes = std::size_t{64} << 10;
+    static constexpr std::size_t kSpared = 16;  // what the heap needs, so that the next slab may follow right after
 
     Slab(const Slab&) = delete;
     Slab& operator=(const Slab&) = delete;
 
-    // A new one, with as many nodes to come as anybody could count; an arena is told of it by the caller.
+    // A new one, held by what fills it. Its arena is the affair of the caller.
     static Slab* make();
     static void free(Slab* slab) noexcept;
+
+    // Where the memory comes from: so many bytes, aligned to kBytes. For tests; nothing is kept for reuse then.
+    struct Source {
+        void* (*take)(std::size_t bytes);  // null when there is none
+        void (*give)(void* memory);
+    };
+    static void setSource(const Source* source);  // null: as at first
 
     static bool holds(const void* node) { return reinterpret_cast<std::uintptr_t>(node) % 16 == 8; }
     static Slab& of(const void* node) {
@@ -66,21 +74,18 @@ private:
     friend class Arena;
     friend class NodeMemory;
 
-    // What the one who fills it holds on to it by, beside each node.
+    // What fills it holds on to it as so many nodes would.
     static constexpr std::uint32_t kFilling = std::uint32_t{1} << 31;
 
     Slab() = default;
 
     char* begin() { return reinterpret_cast<char*>(this + 1); }
-    char* end() { return reinterpret_cast<char*>(this) + kUsed; }
+    char* end() { return reinterpret_cast<char*>(this) + kBytes - kSpared; }
 
     void noteChange() noexcept;
 
     // So many nodes, or whatever holds on to it, have gone.
     void release(std::uint32_t number) noexcept;
-
-    // What the allocator keeps in front of a block leaves room for the next slab right after this one.
-    static constexpr std::size_t kUsed = kBytes - 16;
 
     Arena* owner = nullptr;
     Slab* next = nullptr;

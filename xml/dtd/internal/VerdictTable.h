@@ -13,8 +13,8 @@ namespace Xml {
 // An element has the number of its place here, and the place has the element: only when both agree is it the element's.
 // So nothing has to be cleared at the end, and an element that goes meanwhile is never looked at.
 //
-// The validations that code of callers starts within another one use the table of the outermost in their thread: what an
-// element has is always the number of its last word.
+// The validations that code of callers starts within another one use the table of the outermost in their thread: the
+// number that an element has is that of its last word.
 class VerdictTable {
 public:
     VerdictTable() = default;
@@ -59,9 +59,7 @@ private:
     };
 
     // A number counts from 1; 0 becomes a place that there never is.
-    static std::size_t placeOf(const Element& element) {
-        return std::size_t{NodeAccess::marks(element).number()} - 1;
-    }
+    static std::size_t placeOf(const Element& element) { return std::size_t{NodeAccess::marks(element).number()} - 1; }
 
     std::vector<Entry> entries;
 };

@@ -76,7 +76,8 @@ void Verdicts::linkSubtree(Element& top, const Dtd* dtd) {
         const std::uint64_t verdict = table.of(element);
         const bool mine = verdict >> kRunShift == run;
         if (mine && linksStay && (verdict & kLinked) != 0) return false;
-        table.keep(element, mine ? verdict | kLinked : 0);  // a verdict of another run may speak of links that are no more
+        // A verdict of another run may speak of links that are no more.
+        table.keep(element, mine ? verdict | kLinked : 0);
         NodeAccess::setOwnDtd(element, dtd);
         return true;
     });

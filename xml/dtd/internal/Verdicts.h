@@ -10,11 +10,11 @@ namespace Xml {
 
 // The verdicts on elements in the runs that a matcher takes part in, and the links that they bring.
 //
-// A run is the outermost validation by one Dtd. An element is decided once in it: the verdict is kept until the outermost
-// validation ends, with the number of the run. That keeps alternatives that try the same children again from costing 2^depth. Only where
-// the models of two Dtds take turns does each of these decide an element again, since the other one has set links
-// meanwhile. Linking a subtree goes over it once for the same reason: an element remembers that everything below it has
-// been linked already.
+// A run is the outermost validation by one Dtd. An element is decided once in it: the verdict is kept until the
+// outermost validation ends, with the number of the run. That keeps alternatives that try the same children again from
+// costing 2^depth. Only where the models of two Dtds take turns does each of these decide an element again, since the
+// other one has set links meanwhile. Linking a subtree goes over it once for the same reason: it is kept of an element
+// that everything below it has been linked already.
 class Verdicts {
 public:
     enum class Verdict : std::uint8_t { None, Invalid, Valid };

@@ -1,0 +1,309 @@
+// The memory of trees: where nodes lie, what keeps it, and when it goes.
+#include "xml/dom/internal/Arena.h"
+
+#include "support/Rounds.h"
+#include "support/Trees.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/internal/NameTable.h"
+#include "xml/dom/internal/TreeBuilder.h"
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <set>
+#include <thread>
+
+namespace Xml::test {
+namespace {
+
+// Slabs that are counted.
+std::set<void*> slabs;
+std::size_t slabsMade = 0;
+
+void* takeSlab(std::size_t bytes) {
+    void* memory = nullptr;
+    if (posix_memalign(&memory, Slab::kBytes, bytes) != 0) return nullptr;
+    ++slabsMade;
+    slabs.insert(memory);
+    return memory;
+}
+
+void giveSlab(void* memory) {
+    EXPECT_EQ(slabs.erase(memory), 1U);
+    std::free(memory);
+}
+
+constexpr Slab::Source kCounted = {takeSlab, giveSlab};
+
+class ArenaTest : public testing::Test {
+public:
+    void SetUp() override {
+        Slab::setSource(&kCounted);
+        slabsMade = 0;
+    }
+    void TearDown() override {
+        EXPECT_TRUE(slabs.empty()) << "memory was not given back";
+        Slab::setSource(nullptr);
+    }
+};
+
+// An element with so many children, each with two attributes and a text, long ones.
+std::unique_ptr<Element> wide(int children) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("root");
+    for (int i = 0; i < children; ++i) {
+        tree.begin("child");
+        tree.addAttribute("short", std::to_string(i));
+        tree.addAttribute("long", "a value of more bytes than fifteen, " + std::to_string(i));
+        tree.endAttributes();
+        tree.addText("a text of more bytes than fifteen, " + std::to_string(i));
+        tree.begin("leaf");
+        tree.end();
+        tree.end();
+    }
+    tree.end();
+    return root;
+}
+
+TEST_F(ArenaTest, HoldsAllNodesBelowTheTopElement) {
+    const std::unique_ptr<Element> root = wide(3);
+    EXPECT_FALSE(Slab::holds(root.get()));
+    std::vector<const Object*> nodes;
+    for (int i = 0; i < root->getChildCount(); ++i) {
+        const Element& child = *root->getChild(i)->toElement();
+        nodes.insert(nodes.end(),
+                     {&child, child.getAttribute(0), child.getAttribute(1), child.getChild(0), child.getChild(1)});
+    }
+    for (const Object* node : nodes) {
+        EXPECT_TRUE(Slab::holds(node));
+        EXPECT_EQ(&Arena::of(node), &Arena::of(nodes[0]));
+    }
+    EXPECT_FALSE(Slab::holds(std::make_unique<Element>("heap").get()));
+    EXPECT_FALSE(Slab::holds(std::make_unique<CharData>().get()));
+    EXPECT_FALSE(Slab::holds(std::make_unique<Attribute>().get()));
+    EXPECT_EQ(slabsMade, 1U);
+}
+
+TEST_F(ArenaTest, TakesNothingForAnElementAlone) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("root");
+    tree.end();
+    EXPECT_EQ(slabsMade, 0U);
+}
+
+// What is done to a tree of many slabs, and whether its memory is whole after that.
+TEST_F(ArenaTest, IsDroppedWholeUnlessTheTreeWasChanged) {
+    const struct {
+        const char* name;
+        bool whole;
+        std::function<void(Element&)> change;
+    } kCases[] = {
+        {"nothing", true, [](Element&) {}},
+        {"all is looked at", true,
+         [](Element& root) {
+             for (int i = 0; i < root.getChildCount(); ++i) {
+                 const Element& child = *root.getChild(i)->toElement();
+                 EXPECT_EQ(child.getAttribute("long")->getValue(),
+                           "a value of more bytes than fifteen, " + std::to_string(i));
+                 EXPECT_EQ(static_cast<const CharData*>(child.getChild(0))->data(),
+                           "a text of more bytes than fifteen, " + std::to_string(i));
+             }
+         }},
+        {"the top gets a name", true, [](Element& root) { root.setName("another"); }},
+        {"a long value is replaced", true,
+         [](Element& root) { root.getElement(7)->getAttribute("long")->setValue("short"); }},
+        {"a short value is replaced", false,
+         [](Element& root) { root.getElement(7)->getAttribute("short")->setValue("a value that needs memory"); }},
+        {"a text is replaced", true,
+         [](Element& root) { root.getElement(7)->getChild(0)->toCharData()->setData("another text with memory"); }},
+        {"a text may be changed", false, [](Element& root) { root.getElement(7)->getChild(0)->toCharData()->data(); }},
+        {"an element gets a name", false,
+         [](Element& root) { root.getElement(7)->setName("a-name-that-needs-memory"); }},
+        {"a child comes to the top", false, [](Element& root) { root.addElement("new", "text"); }},
+        {"a child comes in front", false,
+         [](Element& root) { root.insertChild(root.getChild(0), new Element("new")); }},
+        {"a child comes to an element", false, [](Element& root) { root.getElement(7)->addElement("new", "text"); }},
+        {"an attribute comes to the top", false, [](Element& root) { root.setAttribute("new", "text"); }},
+        {"an attribute comes to an element", false,
+         [](Element& root) { root.getElement(7)->setAttribute("new", "text"); }},
+        {"an attribute goes", false, [](Element& root) { root.getElement(7)->removeAttribute("long"); }},
+        {"an attribute goes by number", false, [](Element& root) { root.getElement(7)->removeAttribute(0); }},
+        {"the text of an element changes", false, [](Element& root) { root.getElement(7)->setCharData("another"); }},
+        {"the children of an element go", false, [](Element& root) { root.getElement(7)->killChildren(); }},
+        {"all children go", false, [](Element& root) { root.killChildren(); }},
+        {"a child of the top goes", false, [](Element& root) { delete root.extractChild(7); }},
+        {"a child of an element goes", false, [](Element& root) { delete root.getElement(7)->extractChild(0); }},
+        {"a child goes and comes back", false, [](Element& root) { root.addChild(root.extractChild(7)); }},
+        {"an attribute is asked for its text", false,
+         [](Element& root) { root.getElement(7)->getAttribute(0)->toString(); }},
+        {"an element is asked for its text", false, [](Element& root) { root.getElement(7)->toString(); }},
+        {"a text is asked for what it means", false,
+         [](Element& root) { root.getElement(7)->getChild(0)->toCharData()->getData(); }},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        std::unique_ptr<Element> root = wide(1000);
+        ASSERT_GT(slabs.size(), 5U);
+        ASSERT_NE(Arena::wholeBelow(*root), nullptr);
+        c.change(*root);
+        EXPECT_EQ(Arena::wholeBelow(*root) != nullptr, c.whole);
+        root.reset();
+        EXPECT_TRUE(slabs.empty());
+    }
+}
+
+TEST_F(ArenaTest, GoesSlabBySlabWithTheLastNodeInEach) {
+    std::unique_ptr<Element> root = wide(2000);
+    const std::size_t before = slabs.size();
+    ASSERT_GT(before, 10U);
+    std::unique_ptr<Object> kept(root->extractChild(1000));
+    const std::string text = dump(kept->toElement());
+    root.reset();
+    EXPECT_LE(slabs.size(), 3U) << "that of the child, of its array, and the first";
+    EXPECT_GE(slabs.size(), 1U);
+    EXPECT_EQ(dump(kept->toElement()), text);
+    kept->toElement()->setAttribute("new", "value");
+    kept->toElement()->getChild(0)->toCharData()->data() += "more text than there was";
+}
+
+TEST_F(ArenaTest, OutlivesTheTopElementWithoutChildren) {
+    std::unique_ptr<Element> root = wide(100);
+    std::vector<std::unique_ptr<Object>> parts;
+    while (root->getChildCount() > 0) parts.emplace_back(root->extractChild(0));
+    root->addElement("new", "text");
+    EXPECT_EQ(dump(root.get()), "root(new('text'))");
+    std::shuffle(parts.begin(), parts.end(), std::mt19937(20261122));
+    std::thread([&parts] { parts.resize(50); }).join();
+    for (const auto& part : parts) EXPECT_EQ(part->toElement()->getName(), "child");
+}
+
+TEST_F(ArenaTest, TakesATreeApartAndPutsItTogetherAnyWay) {
+    std::mt19937 dice(20261122);
+    for (int round = 0; round < rounds(40); ++round) {
+        std::vector<std::unique_ptr<Element>> trees;
+        for (const int children : {0, 1, 3, 300}) trees.push_back(wide(children));
+        for (const auto& tree : std::vector<const Element*>{trees[2].get(), trees[3].get()})
+            trees.push_back(std::unique_ptr<Element>(tree->clone()->toElement()));
+        for (int i = 0; i < 60; ++i) {
+            Element& from = *trees[dice() % trees.size()];
+            Element& to = *trees[dice() % trees.size()];
+            if (from.getChildCount() == 0) continue;
+            Object* const child =
+                from.extractChild(static_cast<int>(dice() % static_cast<unsigned>(from.getChildCount())));
+            if (dice() % 3 == 0 && child->isElement() && child->toElement()->getChildCount() > 0) {
+                to.addChild(child->toElement()->extractChild(0));
+            }
+            if (dice() % 3 == 0) {
+                delete child;
+            } else {
+                to.insertChild(to.getChildCount() > 0 ? to.getChild(0) : nullptr, child);
+            }
+        }
+        std::shuffle(trees.begin(), trees.end(), dice);
+        while (!trees.empty()) trees.pop_back();
+        ASSERT_TRUE(slabs.empty());
+    }
+}
+
+TEST_F(ArenaTest, KeepsTreesWithinTreesApart) {
+    std::unique_ptr<Element> outer = wide(300);
+    for (int i = 0; i < 5; ++i) outer->getElement(i)->addChild(wide(300).release());
+    EXPECT_EQ(Arena::wholeBelow(*outer), nullptr);
+    const Element& inner = *outer->getElement(3)->getElement("root");
+    EXPECT_NE(Arena::wholeBelow(inner), nullptr);
+}
+
+// Arrays of more children or attributes than a slab takes are in the heap.
+TEST_F(ArenaTest, DropsWideElementsToo) {
+    for (const bool changed : {false, true}) {
+        std::unique_ptr<Element> root;
+        TreeBuilder tree(root);
+        tree.begin("root");
+        for (const int count : {1, 2, 126, 127, 128, 1000}) {
+            tree.begin("child");
+            for (int i = 0; i < count; ++i) tree.addAttribute("a" + std::to_string(i), "v");
+            tree.endAttributes();
+            for (int i = 0; i < count; ++i) tree.addText("t");
+            tree.end();
+        }
+        tree.end();
+        for (int i = 0; i < 6; ++i)
+            EXPECT_EQ(root->getElement(i)->getChildCount(), root->getElement(i)->getAttributeCount());
+        EXPECT_EQ(root->getElement(5)->getChildCount(), 1000);
+        EXPECT_NE(Arena::wholeBelow(*root), nullptr);
+        if (changed) root->getElement(5)->killChildren();
+    }
+}
+
+TEST_F(ArenaTest, MakesTheStringOfALongTextOnce) {
+    const std::unique_ptr<Element> root = wide(1);
+    const Attribute& attribute = *root->getElement(0)->getAttribute("long");
+    const std::string_view before = NodeAccess::text(attribute);
+    const DataHolder& value = attribute.getValue();
+    EXPECT_EQ(value, before);
+    EXPECT_NE(value.data(), before.data());
+    EXPECT_EQ(&attribute.getValue(), &value);
+    EXPECT_EQ(NodeAccess::text(attribute).data(), value.data());
+    root->getElement(0)->getAttribute("long")->setValue("another");
+    EXPECT_EQ(value, "another") << "the reference is to the value that the attribute has";
+}
+
+TEST_F(ArenaTest, HoldsTextsOfEveryLength) {
+    for (std::size_t length = 0; length < 3000; length += length < 40 || (length > 1000 && length < 1050) ? 1 : 97) {
+        SCOPED_TRACE(length);
+        const std::string text(length, 'x');
+        std::unique_ptr<Element> root;
+        TreeBuilder tree(root);
+        tree.begin("root");
+        tree.begin("child");
+        tree.addAttribute("a", text);
+        tree.endAttributes();
+        tree.addText(text);
+        tree.end();
+        tree.end();
+        Element& child = *root->getElement(0);
+        EXPECT_EQ(NodeAccess::text(*child.getAttribute(0)), text);
+        EXPECT_EQ(child.getAttribute(0)->getValue(), text);
+        const CharData& held = *child.getChild(0)->toCharData();
+        EXPECT_EQ(NodeAccess::text(held), text);
+        EXPECT_EQ(held.getData(), text);
+        EXPECT_EQ(held.data(), text);
+        const Element copy(*root);
+        EXPECT_EQ(dump(&copy), dump(root.get()));
+        child.getAttribute(0)->setValue("new");
+        child.getChild(0)->toCharData()->setData("new");
+        EXPECT_EQ(dump(root.get()), "root(child[a=new]('new'))");
+    }
+}
+
+#ifdef __SANITIZE_ADDRESS__
+TEST_F(ArenaTest, LeavesDeletedNodesToTheAddressSanitizer) {
+    const std::unique_ptr<Element> root = wide(3);
+    const Object* const node = root->extractChild(1);
+    delete node;
+    EXPECT_DEATH(node->getParent(), "use-after-poison");
+}
+#endif
+
+TEST(NameTableTest, KeepsEachNameOnce) {
+    NodeMemory memory;
+    NameTable names;
+    std::vector<std::string> texts;
+    for (int i = 0; i < 3000; ++i) texts.push_back("name-" + std::to_string(i * 7919 % 3000));
+    for (int i = 0; i < 70; ++i) texts.push_back(std::string(static_cast<std::size_t>(i), 'n'));
+    std::set<const std::string*> kept;
+    for (const std::string& text : texts) {
+        const std::string& name = names.find(text, memory);
+        EXPECT_EQ(name, text);
+        kept.insert(&name);
+    }
+    EXPECT_EQ(kept.size(), texts.size());
+    for (const std::string& text : texts) EXPECT_EQ(kept.count(&names.find(text, memory)), 1U);
+}
+
+}  // namespace
+}  // namespace Xml::test
