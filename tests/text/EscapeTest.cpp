@@ -51,4 +51,22 @@ TEST(EscapeTest, TakesWhatStandsBetweenInRuns) {
     }
 }
 
+// Looks at every place in rows of every length, and at what stands before and after the row.
+TEST(EscapeTest, FindsTheFirstByteThatIsSpecial) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const bool special = std::string("&<>\"'\n").find(static_cast<char>(byte)) != std::string::npos;
+        for (std::size_t length = 0; length < 50; ++length) {
+            for (std::size_t place = 0; place < length; ++place) {
+                std::string text(length + 2, 'x');
+                text.front() = text.back() = '<';
+                text[1 + place] = static_cast<char>(byte);
+                const char* const from = text.data() + 1;
+                ASSERT_EQ(Xml::findSpecial(from, from + length) - from,
+                          static_cast<std::ptrdiff_t>(special ? place : length))
+                    << byte << " at " << place << " of " << length;
+            }
+        }
+    }
+}
+
 }  // namespace

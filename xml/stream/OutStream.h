@@ -8,6 +8,8 @@
 
 namespace Xml {
 
+class OutRun;
+
 // A sink of bytes that indents what is written to it: before the first byte of each line it writes one tab a level.
 //
 // A sink of your own overrides putChar, getPosition and setPosition, and isValid where it can be unusable. No operation
@@ -66,6 +68,7 @@ protected:
 
 private:
     friend struct OutStreamAccess;
+    friend class OutRun;
 
     ORVXML_LOCAL void putIndented(const char* bytes, std::size_t count);
     ORVXML_LOCAL bool putTabs();

@@ -3,11 +3,9 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/dom/internal/Rewriting.h"
+#include "xml/stream/internal/OutRun.h"
 #include "xml/stream/internal/OutStreamAccess.h"
-#include "xml/text/internal/Escape.h"
-#include <algorithm>
 #include <string>
-#include <string_view>
 
 // An element is written by writing its start tag, each child through toStream, and its end tag. For children that are
 // exactly of the library's classes that is done here in a loop, with the same records and marks. Any other gets its
@@ -19,9 +17,9 @@ namespace {
 
 class Writer {
 public:
-    explicit Writer(OutStream& stream) : out(stream) {}
+    explicit Writer(OutStream& stream) : out(stream), run(stream) {}
 
-    void run(const Element& top) {
+    void write(const Element& top) {
         if (begin(top)) {
             walk.enter(top, {isMixed(top), false});
             while (!walk.atEnd()) step();
@@ -35,31 +33,33 @@ private:
     };
 
     static bool isMixed(const Element& element) {
-        const NodeSpan children = NodeAccess::children(element);
-        return std::any_of(children.begin(), children.end(), [](const Object* child) { return child->isCharData(); });
+        for (const Object* const child : NodeAccess::children(element)) {
+            const NodeClass exactly = exactClassOf(*child);
+            if (exactly != NodeClass::Element && (exactly == NodeClass::CharData || child->isCharData())) return true;
+        }
+        return false;
     }
-
-    void put(std::string_view text) { OutStreamAccess::put(out, text); }
 
     // The start tag. False when the element is complete with it.
     bool begin(const Element& element) {
-        put("<");
-        put(element.getName());
+        const std::string& name = NodeAccess::name(element);
+        run.put("<");
+        if (!name.empty()) run.put(name);
         for (const Attribute* attribute : NodeAccess::attributes(element)) {
-            if (!attribute->isOk()) continue;
-            scratch = ' ';
-            scratch += attribute->getName();
-            scratch += "=\"";
-            appendEscaped(scratch, NodeAccess::text(*attribute));
-            scratch += '"';
-            put(scratch);
+            const std::string& attributeName = NodeAccess::name(*attribute);
+            if (attributeName.empty()) continue;
+            run.put(" ");
+            run.putAny(attributeName);
+            run.put("=\"");
+            run.putEscaped(NodeAccess::text(*attribute));
+            run.put("\"");
         }
         const bool empty = NodeAccess::children(element).empty();
         if (empty && Element::mUseShortNotationForEmptyTags) {
-            put("/>");
+            run.put("/>");
             return false;
         }
-        put(">");
+        run.put(">");
         out.incTab();
         if (empty) {
             end(element);
@@ -69,16 +69,17 @@ private:
     }
 
     void end(const Element& element) {
+        const std::string& name = NodeAccess::name(element);
         out.decTab();
-        put("</");
-        put(element.getName());
-        put(">");
+        run.put("</");
+        if (!name.empty()) run.put(name);
+        run.put(">");
     }
 
     // One more child of the innermost open element, or its end.
     void step() {
         const Layout layout = walk.note();
-        if (!layout.mixed) put("\n");
+        if (!layout.mixed) run.putLineFeed();
         if (const Object* const child = walk.next()) {
             writeChild(*child);
             return;
@@ -86,29 +87,44 @@ private:
         const Element& element = walk.here();
         walk.leave();
         end(element);
-        if (layout.recorded) endWriting(NodeAccess::marks(element), out);
+        if (layout.recorded) endRecord(NodeAccess::marks(element));
     }
 
     void writeChild(const Object& child) {
         const NodeClass exactly = exactClassOf(child);
         if (exactly != NodeClass::Element && exactly != NodeClass::CharData) {
+            run.flush();
             child.toStream(out);
             return;
         }
         const Marks& marks = NodeAccess::marks(child);
-        if (!beginWriting(marks, out)) return;
+        if (!beginRecord(marks)) return;
         if (exactly == NodeClass::CharData) {
-            OutStreamAccess::putAsIs(out, NodeAccess::text(static_cast<const CharData&>(child)));
+            run.putAsIs(NodeAccess::text(static_cast<const CharData&>(child)));
         } else if (const auto& element = static_cast<const Element&>(child); begin(element)) {
             walk.enter(element, {isMixed(element), true});
             return;
         }
-        endWriting(marks, out);
+        endRecord(marks);
+    }
+
+    // As beginWriting and endWriting. The stream may move past a node only with the optimisation on.
+    bool beginRecord(const Marks& marks) {
+        if (Object::useRWOptimization) {
+            run.flush();
+            return beginWriting(marks, out);
+        }
+        marks.record(run.position(), OutStreamAccess::kUnrecordable);
+        return true;
+    }
+    void endRecord(const Marks& marks) {
+        marks.record(marks.writeStart(), run.position());
+        marks.setDirty(false);
     }
 
     OutStream& out;
+    OutRun run;
     Preorder<const Element, Layout> walk;
-    std::string scratch;
 };
 
 }  // namespace
@@ -116,7 +132,7 @@ private:
 void writeElement(const Element& element, OutStream& out) {
     const OutStreamAccess::Counting counting(out);
     const OutStreamAccess::Writing writing(out);
-    Writer(out).run(element);
+    Writer(out).write(element);
 }
 
 }  // namespace Xml

@@ -57,9 +57,11 @@ struct OutStreamAccess {
         out.counting = out.counted >= 0;
     }
 
-    static int position(const OutStream& out) {
+    // The position after so many more bytes, which a stream that counts has still to be given.
+    static int position(const OutStream& out, std::size_t pending = 0) {
         if (!out.counting) return out.getPosition();
-        return out.counted <= std::numeric_limits<int>::max() ? static_cast<int>(out.counted) : kUnrecordable;
+        const std::int64_t position = out.counted + static_cast<std::int64_t>(pending);
+        return position <= std::numeric_limits<int>::max() ? static_cast<int>(position) : kUnrecordable;
     }
 
     // Whether a node that has not changed and was last written from `writeStart` to `writeEnd` is there already.

@@ -24,6 +24,9 @@ constexpr std::string_view standardNameFor(char c) {
     return reference.empty() ? reference : reference.substr(1, reference.size() - 2);
 }
 
+// The first byte that is one of the five or a line feed; `end` where there is none.
+const char* findSpecial(const char* from, const char* end);
+
 // Whether the text has a byte that is written as a reference.
 inline bool needsEscaping(std::string_view text) { return text.find_first_of("&<>\"'") != std::string_view::npos; }
 

@@ -1,0 +1,118 @@
+#include "xml/stream/internal/OutRun.h"
+
+#include "support/Rounds.h"
+#include "xml/stream/FileOutStream.h"
+#include "xml/text/internal/Escape.h"
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+#include <string>
+
+namespace Xml::test {
+namespace {
+
+// A sink that takes byte by byte.
+class Bytes : public OutStream {
+public:
+    void putChar(char c) override { text += c; }
+    int getPosition() const override { return static_cast<int>(text.size()); }
+    void setPosition(int) override {}
+
+    std::string text;
+};
+
+// The same pieces by the operations of the stream.
+class Plain {
+public:
+    explicit Plain(OutStream& stream) : out(stream) {}
+    void put(const std::string& text) { out.put(text); }
+    void putLineFeed() { out.put('\n'); }
+    void putAny(const std::string& text) { out.put(text); }
+    void putEscaped(const std::string& text) {
+        std::string escaped;
+        appendEscaped(escaped, text);
+        out.put(escaped);
+    }
+    void putAsIs(const std::string& text) { out.writeDataHolder(text); }
+    int position() const { return out.getPosition(); }
+    void flush() {}
+
+private:
+    OutStream& out;
+};
+
+// Random pieces; their positions.
+template <class Run>
+std::vector<int> putPieces(OutStream& out, Run& run, unsigned seed) {
+    std::mt19937 dice(seed);
+    const auto next = [&dice](unsigned below) { return static_cast<unsigned>(dice() % below); };
+    const auto text = [&](const char* letters, unsigned count) {
+        std::string made;
+        const std::string all(letters);
+        for (unsigned i = 0; i < count; ++i) made += all[next(static_cast<unsigned>(all.size()))];
+        return made;
+    };
+    std::vector<int> positions;
+    for (int i = 0; i < 60; ++i) {
+        const unsigned length = next(40) == 0 ? 3000U + next(4000) : next(20);
+        switch (next(8)) {
+        case 0: run.putLineFeed(); break;
+        case 1: run.putAny(text("ab\n", length)); break;
+        case 2: run.putEscaped(text("abc<>&\"'\n", length)); break;
+        case 3: run.putAsIs(text("ab\n<", length)); break;
+        case 4: out.incTab(); break;
+        case 5: out.decTab(); break;
+        default: run.put(text("ab<", length + 1));
+        }
+        if (next(30) == 0) run.flush();
+        positions.push_back(run.position());
+    }
+    return positions;
+}
+
+TEST(OutRunTest, WritesTheSameBytesAtTheSamePlacesAsTheStream) {
+    for (int round = 0; round < rounds(400); ++round) {
+        SCOPED_TRACE(round);
+        const auto seed = static_cast<unsigned>(round);
+        Bytes expected;
+        Plain plain(expected);
+        const std::vector<int> positions = putPieces(expected, plain, seed);
+        {
+            Bytes sink;
+            OutRun run(sink);
+            EXPECT_EQ(putPieces(sink, run, seed), positions);
+            EXPECT_EQ(sink.text, expected.text) << "each piece comes at once";
+        }
+        std::ostringstream text;
+        FileOutStream sink(&text);
+        {
+            const OutStreamAccess::Counting counting(sink);
+            OutRun run(sink);
+            EXPECT_EQ(putPieces(sink, run, seed), positions);
+        }
+        EXPECT_EQ(text.str(), expected.text);
+        sink.put("x\ny");
+        expected.put("x\ny");
+        EXPECT_EQ(text.str(), expected.text) << "the stream goes on as it stands";
+    }
+}
+
+TEST(OutRunTest, GivesASinkThatFailsNothingMore) {
+    std::ostringstream text;
+    FileOutStream sink(&text);
+    const OutStreamAccess::Counting counting(sink);
+    OutRun run(sink);
+    run.put("before");
+    run.flush();
+    run.put("lost");
+    text.setstate(std::ios_base::badbit);
+    run.flush();
+    EXPECT_EQ(run.position(), -1);
+    run.put("lost too");
+    text.clear();
+    run.put(" after");
+    EXPECT_EQ(text.str(), "before after");
+}
+
+}  // namespace
+}  // namespace Xml::test
