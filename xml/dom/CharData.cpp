@@ -48,7 +48,12 @@ const DataHolder& CharData::getData() const {
 }
 
 void CharData::getData(DataHolder* text) const {
-    DataHolder own(NodeAccess::text(*this));
+    const std::string_view held = NodeAccess::text(*this);
+    if (held.find('&') == std::string_view::npos) {
+        text->assign(held);
+        return;
+    }
+    DataHolder own(held);
     *text = std::move(replaceEntities(own, NodeAccess::dtd(*this)));
 }
 
