@@ -40,6 +40,8 @@ public:
 private:
     friend struct NodeAccess;
 
+    explicit Attribute(internal::NodeClass made) : Object(made) {}
+
     internal::Name name;
     internal::Text value;
 };

@@ -1,6 +1,6 @@
 #include "xml/dom/Attributes.h"
 
-#include "xml/dom/Attribute.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -14,8 +14,9 @@ Attributes::~Attributes() {
 // The place of the attribute of that name, or the one where it would go.
 std::size_t Attributes::placeOf(const std::string& name) const {
     const AttributeSpan all = sorted.span();
-    const auto* const place = std::lower_bound(
-        all.begin(), all.end(), name, [](const Attribute* a, const std::string& n) { return a->getName() < n; });
+    const auto* const place =
+        std::lower_bound(all.begin(), all.end(), name,
+                         [](const Attribute* a, const std::string& n) { return NodeAccess::name(*a) < n; });
     return static_cast<std::size_t>(place - all.begin());
 }
 
@@ -54,7 +55,9 @@ void Attributes::append(std::unique_ptr<Attribute> attribute) {
 }
 
 void Attributes::sort() {
-    const auto before = [](const Attribute* a, const Attribute* b) { return a->getName() < b->getName(); };
+    const auto before = [](const Attribute* a, const Attribute* b) {
+        return NodeAccess::name(*a) < NodeAccess::name(*b);
+    };
     const auto notBefore = [&before](const Attribute* a, const Attribute* b) { return !before(a, b); };
     const SpanOf<Attribute> all = sorted.span();
     if (std::adjacent_find(all.begin(), all.end(), notBefore) == all.end()) return;

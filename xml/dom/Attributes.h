@@ -55,6 +55,7 @@ public:
 
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
+    Attribute** extend(std::size_t count) { return sorted.extend(count); }
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
     void forget() { sorted.clear(); }
 

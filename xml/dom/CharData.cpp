@@ -48,12 +48,12 @@ const DataHolder& CharData::getData() const {
 }
 
 void CharData::getData(DataHolder* text) const {
-    const std::string_view held = NodeAccess::text(*this);
-    if (held.find('&') == std::string_view::npos) {
-        text->assign(held);
+    const std::string_view bytes = NodeAccess::text(*this);
+    if (bytes.find('&') == std::string_view::npos) {
+        text->assign(bytes);
         return;
     }
-    DataHolder own(held);
+    DataHolder own(bytes);
     *text = std::move(replaceEntities(own, NodeAccess::dtd(*this)));
 }
 

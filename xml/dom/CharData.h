@@ -49,6 +49,8 @@ public:
 private:
     friend struct NodeAccess;
 
+    explicit CharData(internal::NodeClass made) : Object(made) {}
+
     internal::Text held;
     mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for
 };

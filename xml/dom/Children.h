@@ -59,6 +59,7 @@ public:
 
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Object>::bytesFor(count); }
+    Object** extend(std::size_t count) { return nodes.extend(count); }
     void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
     void forget() { nodes.clear(); }
 

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Element.h"
 #include "xml/dom/internal/Linking.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
 #include <utility>
@@ -28,6 +29,13 @@ Document::Document(Element* itsRoot, Dtd* itsDtd) : dtd(itsDtd), root(itsRoot) {
         }
         throw;
     }
+}
+
+std::unique_ptr<Document> NodeAccess::makeDocument(std::unique_ptr<Element> root) {
+    auto document = std::make_unique<Document>(nullptr, nullptr);
+    document->root = std::move(root);
+    setParent(*document->root, *document);
+    return document;
 }
 
 // The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first.

@@ -63,6 +63,8 @@ public:
     void write(OutStream& out) const override;
 
 private:
+    friend struct NodeAccess;
+
     std::unique_ptr<Dtd> dtd;
     std::unique_ptr<Element> root;
     mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for

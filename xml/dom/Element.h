@@ -158,6 +158,7 @@ private:
     friend struct NodeAccess;
 
     ORVXML_LOCAL Element();
+    explicit Element(internal::NodeClass made) : Object(made) {}
 
     ORVXML_LOCAL void insertAt(std::size_t place, Object* child);
     ORVXML_LOCAL void adopt(std::unique_ptr<Object> child);

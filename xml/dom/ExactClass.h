@@ -25,6 +25,7 @@ enum class NodeClass : std::uint8_t { Unknown, Other, Attribute, CharData, Eleme
 class ExactClass {
 public:
     ExactClass() = default;
+    explicit ExactClass(NodeClass made) : value(made) {}
 
     // A copy starts anew: it may be an object of another class.
     ExactClass(const ExactClass&) noexcept {}

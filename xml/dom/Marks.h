@@ -19,7 +19,8 @@ enum class TextPlace : std::uint8_t { Own, Lent };
 // Not for callers.
 class Marks {
 public:
-    Marks() : dirty(true), asideText(false), edited(false) {}
+    Marks() : Marks(NodeClass::Unknown) {}
+    explicit Marks(NodeClass made) : exactClass(made), dirty(true), asideText(false), edited(false) {}
 
     // The copy of a node keeps the link only: it is marked as changed and was never written.
     Marks(const Marks& other) : Marks() { link = other.link; }

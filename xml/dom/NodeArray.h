@@ -85,6 +85,14 @@ public:
     }
     void append(Node* node) { insert(size(), node); }
 
+    // Room for so many more at the end, where there is such: their pointers are to be put there.
+    Node** extend(std::size_t count) {
+        if (!isBlock()) return &word;
+        Node** const end = block().nodes() + block().size;
+        block().size += static_cast<std::uint32_t>(count);
+        return end;
+    }
+
     // A place below size(). Needs no memory.
     Node* remove(std::size_t place) {
         Node* const node = (*this)[place];

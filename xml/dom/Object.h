@@ -92,6 +92,10 @@ public:
     static void operator delete(void* node, const std::nothrow_t& tag) noexcept;
     static void operator delete(void* node, void* place) noexcept;
 
+protected:
+    // Of a node that the library makes as an object of exactly that class.
+    explicit Object(internal::NodeClass made) : marks(made) {}
+
 private:
     friend struct NodeAccess;
 

@@ -58,6 +58,9 @@ public:
     // Puts another text in place of this one: in the same string, where there is one.
     void assign(const Object& node, const Marks& marks, DataHolder&& text);
 
+    // For a text that is empty and its own: a short one.
+    void assignShort(std::string_view text) { ::new (&own) DataHolder(text); }
+
     // For a text that is empty and its own: bytes that stay as long as the node, or a string in place of them that the
     // tree keeps.
     void lend(Marks& marks, std::string_view bytes, KeptText* string = nullptr) {

@@ -1,7 +1,7 @@
 #include "xml/reader/DocumentReader.h"
 
 #include "xml/dom/Document.h"
-#include "xml/dom/Element.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/reader/CommentReader.h"
@@ -78,6 +78,10 @@ bool DocumentReader::parseElement(InStream& in) {
     if (ownBudget) EntityBudget::give(reader, *ownBudget);
     if (!reader.parse(in)) return failAs(reader);
     document.reset();
+    if (dtd == nullptr) {
+        document = NodeAccess::makeDocument(std::unique_ptr<Element>(reader.extractRoot()));
+        return true;
+    }
     document = std::make_unique<Document>(reader.getRoot(), dtd.get());
     reader.extractRoot();  // the document's now, as the Dtd
     dtd.release();

@@ -98,21 +98,21 @@ void NodeMemory::noteWide(Element& element) {
     arena.wide = new Arena::WideElement{&element, arena.wide};
 }
 
-const std::string& NodeMemory::takeName(std::string_view name) {
+SharedName& NodeMemory::takeName(std::string_view name) {
     if (slab == nullptr) addSlab();
     Arena& arena = slab->arena();
     const bool isFirst = slab->next == nullptr;
-    const std::size_t size = sizeof(Arena::SharedName) + alignof(Arena::SharedName);
+    const std::size_t size = sizeof(SharedName) + alignof(SharedName);
     if (isFirst && static_cast<std::size_t>(high - low) >= size) {
-        char* const end = high - sizeof(Arena::SharedName);
-        char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(Arena::SharedName);
-        Slab::allow(place, sizeof(Arena::SharedName));
-        arena.names = ::new (place) Arena::SharedName{std::string(name), arena.names};
+        char* const end = high - sizeof(SharedName);
+        char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
+        Slab::allow(place, sizeof(SharedName));
+        arena.names = ::new (place) SharedName{std::string(name), arena.names};
         high = place;
     } else {
-        arena.names = new Arena::SharedName{std::string(name), arena.names};
+        arena.names = new SharedName{std::string(name), arena.names};
     }
-    return arena.names->text;
+    return *arena.names;
 }
 
 KeptText& NodeMemory::takeText(std::string_view text) {

@@ -26,6 +26,13 @@ struct KeptText {
 
 using internal::KeptText;
 
+// A name that the nodes of a tree share. It lies in the first slab as long as there is room, else in the heap.
+struct SharedName {
+    std::string text;
+    SharedName* next;                // of those in the arena
+    SharedName* follower = nullptr;  // the one that came after it last, while the tree is read (see NameTable)
+};
+
 // The memory of one tree that was read or copied in one go: all nodes below its top element, their names, their texts
 // and the arrays of their children. The top element itself is in the heap.
 //
@@ -56,12 +63,6 @@ public:
 private:
     friend class NodeMemory;
     friend class Slab;
-
-    // A name that nodes share. It lies in the first slab as long as there is room, else in the heap.
-    struct SharedName {
-        std::string text;
-        SharedName* next;
-    };
 
     // An element in a slab whose children or attributes are too many for one.
     struct WideElement {
@@ -130,7 +131,7 @@ public:
     void noteWide(Element& element);
 
     // A name that lives as long as anything of the arena.
-    const std::string& takeName(std::string_view name);
+    SharedName& takeName(std::string_view name);
 
     // A string that is kept as long.
     KeptText& takeText(std::string_view text);

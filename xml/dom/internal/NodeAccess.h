@@ -17,6 +17,8 @@
 
 namespace Xml {
 
+class Document;
+
 // What the parse of large documents costs is the memory that it fills.
 static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
 
@@ -56,20 +58,20 @@ struct NodeAccess {
 
     static std::unique_ptr<Element> makeElement(NodeMemory& memory, const std::string& sharedName) {
         void* const place = memory.takeNode<Element>().node;
-        std::unique_ptr<Element> element = exactly(NodeClass::Element, ::new (place) Element());
+        std::unique_ptr<Element> element(::new (place) Element(NodeClass::Element));
         element->name.share(sharedName);
         return element;
     }
     static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text) {
         const auto [place, bytes] = memory.takeNode<CharData>(lentSize(text));
-        std::unique_ptr<CharData> node = exactly(NodeClass::CharData, ::new (place) CharData());
+        std::unique_ptr<CharData> node(::new (place) CharData(NodeClass::CharData));
         put(node->held, *node, text, bytes, memory);
         return node;
     }
     static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const std::string& sharedName,
                                                     std::string_view value) {
         const auto [place, bytes] = memory.takeNode<Attribute>(lentSize(value));
-        std::unique_ptr<Attribute> node = exactly(NodeClass::Attribute, ::new (place) Attribute());
+        std::unique_ptr<Attribute> node(::new (place) Attribute(NodeClass::Attribute));
         node->name.share(sharedName);
         put(node->value, *node, value, bytes, memory);
         return node;
@@ -86,13 +88,15 @@ struct NodeAccess {
     // in any order.
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
-        reserveChildren(element, memory, static_cast<std::size_t>(last - first));
-        for (; first != last; ++first) element.children.append(std::move(*first));
+        const auto count = static_cast<std::size_t>(last - first);
+        reserveChildren(element, memory, count);
+        for (Object** at = element.children.extend(count); first != last; ++first) *at++ = first->release();
     }
     static void setAttributes(Element& element, NodeMemory& memory, std::vector<std::unique_ptr<Attribute>>& all) {
         reserveAttributes(element, memory, all.size());
-        for (auto& attribute : all) element.attributes.append(std::move(attribute));
-        element.attributes.sort();
+        Attribute** at = element.attributes.extend(all.size());
+        for (auto& attribute : all) *at++ = attribute.release();
+        if (all.size() > 1) element.attributes.sort();
     }
     static void reserveChildren(Element& element, NodeMemory& memory, std::size_t count) {
         reserveIn(element.children, element, memory, count);
@@ -102,7 +106,10 @@ struct NodeAccess {
         reserveIn(element.attributes, element, memory, count);
     }
 
-    static void setParent(Object& node, Element& parent) { node.parent = &parent; }
+    static void setParent(Object& node, Object& parent) { node.parent = &parent; }
+
+    // A document around a tree that was read, without a Dtd: nothing in it links to one.
+    static std::unique_ptr<Document> makeDocument(std::unique_ptr<Element> root);
 
     // --- For this folder ---
 
@@ -118,7 +125,7 @@ struct NodeAccess {
 
     // An element in the heap.
     static std::unique_ptr<Element> makeElement(std::string_view name) {
-        std::unique_ptr<Element> element = exactly(NodeClass::Element, new Element());
+        std::unique_ptr<Element> element(new Element(NodeClass::Element));
         element->name.set(std::string(name));
         return element;
     }
@@ -155,7 +162,7 @@ private:
     }
     static void put(internal::Text& to, Object& node, std::string_view text, char* bytes, NodeMemory& memory) {
         if (text.size() <= kShort) {
-            to.string(node, node.marks).assign(text);
+            to.assignShort(text);
         } else if (text.size() <= NodeMemory::kMostBytes) {
             std::memcpy(bytes, text.data(), text.size());
             to.lend(node.marks, {bytes, text.size()});
