@@ -17,7 +17,7 @@ template <class Matches>
 const Element* nthChildElement(NodeSpan children, int n, Matches matches) {
     if (n < 0) return nullptr;
     for (const Object* child : children) {
-        if (!child->isElement()) continue;
+        if (!isElement(*child)) continue;
         const auto* const element = static_cast<const Element*>(child);
         if (matches(*element) && n-- == 0) return element;
     }

@@ -198,4 +198,18 @@ inline bool isExactly<CharData>(const Object& node) {
     return exactClassOf(node) == NodeClass::CharData;
 }
 
+// The kind of a node, without a call for the library's own classes.
+inline bool isElement(const Object& node) {
+    const NodeClass exactly = exactClassOf(node);
+    return exactly == NodeClass::Element || (exactly == NodeClass::Other && node.isElement());
+}
+inline bool isCharData(const Object& node) {
+    const NodeClass exactly = exactClassOf(node);
+    return exactly == NodeClass::CharData || (exactly == NodeClass::Other && node.isCharData());
+}
+inline bool isAttribute(const Object& node) {
+    const NodeClass exactly = exactClassOf(node);
+    return exactly == NodeClass::Attribute || (exactly == NodeClass::Other && node.isAttribute());
+}
+
 }  // namespace Xml

@@ -76,7 +76,7 @@ public:
     const Element* next() {
         for (; !walk.atEnd(); walk.leave()) {
             while (const Object* const node = walk.next()) {
-                if (!node->isElement()) continue;
+                if (!Xml::isElement(*node)) continue;
                 const auto* const element = static_cast<const Element*>(node);
                 if (!NodeAccess::children(*element).empty()) walk.enter(*element);
                 return element;

@@ -153,14 +153,14 @@ void Matcher::resumeMixed() {
     frames[mine].stage = Stage::Inside;
     while (!frames[mine].queue.empty()) {
         Object* const child = frames[mine].queue.front();
-        if (child->isElement()) {
+        if (isElement(*child)) {
             auto& element = static_cast<Element&>(*child);
             if (!SpecAccess::hasName(model, element.getName())) return finish(false);
             if (!beginElement(dtd, element)) return;
             if (!matched) return finish(false);
             verdicts.link(element, dtd);
         } else {
-            if (!child->isCharData()) return finish(false);
+            if (!isCharData(*child)) return finish(false);
             child->setDtd(dtd);
         }
         frames[mine].queue.pop();
@@ -185,7 +185,7 @@ bool Matcher::beginParticle(const CpSpec& particle) {
 bool Matcher::beginName(const NameSpec& spec) {
     matched = false;
     const std::string& name = SpecAccess::name(spec);
-    if (name.empty() || queue.empty() || !queue.front()->isElement()) return true;
+    if (name.empty() || queue.empty() || !isElement(*queue.front())) return true;
     auto& element = static_cast<Element&>(*queue.front());
     return element.getName() != name || beginElement(SpecAccess::dtd(spec), element);
 }
@@ -303,7 +303,7 @@ void Matcher::resumeChoice() {
             // Of the leading names only the one that the next child has can match.
             frame.stage = Stage::Inside;
             frame.number = SpecAccess::leadingCount(choice);
-            if (!queue.empty() && queue.front()->isElement()) {
+            if (!queue.empty() && isElement(*queue.front())) {
                 const std::string& name = static_cast<const Element*>(queue.front())->getName();
                 const std::size_t place = SpecAccess::findLeading(choice, name);
                 if (place != NameIndex::kNone) {
@@ -323,7 +323,7 @@ void Matcher::resumeChoice() {
     }
     if (!SpecAccess::charData(choice)) return finish(false);
     if (queue.empty()) return finish(true);
-    if (!queue.front()->isCharData()) return finish(false);
+    if (!isCharData(*queue.front())) return finish(false);
     queue.pop();
     return finish(true);
 }

@@ -7,7 +7,7 @@ namespace Xml {
 // Whether all are character data, as the model (#PCDATA) asks; those up to the first that is not get the link.
 inline bool matchCharData(NodeSpan children, const Dtd* dtd) {
     for (Object* const child : children) {
-        if (child->isElement() || !child->isCharData()) return false;
+        if (isElement(*child) || !isCharData(*child)) return false;
         child->setDtd(dtd);
     }
     return true;

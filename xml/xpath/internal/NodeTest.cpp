@@ -90,9 +90,15 @@ bool NodeTest::fits(const std::string& nodeName) const {
     return false;
 }
 
+bool NodeTest::decide(const std::string& nodeName) const {
+    const bool fit = fits(nodeName);
+    (fit ? accepted : refused) = &nodeName;
+    return fit;
+}
+
 bool NodeTest::acceptsOther(const Object& node) const {
     switch (kind) {
-    case KindTest::Text: return node.isCharData();
+    case KindTest::Text: return isCharData(node);
     case KindTest::Document: return node.isDocument();
     case KindTest::Element: return false;
     case KindTest::Attribute: break;
@@ -101,7 +107,7 @@ bool NodeTest::acceptsOther(const Object& node) const {
         if (names == Names::All) return true;
         break;
     }
-    return node.isAttribute() && fits(NodeAccess::name(static_cast<const Attribute&>(node)));
+    return isAttribute(node) && fits(NodeAccess::name(static_cast<const Attribute&>(node)));
 }
 
 }  // namespace Xml

@@ -24,11 +24,15 @@ public:
 
     // Whether the node is of the kind and has the name.
     bool accepts(const Object& node) const {
-        return node.isElement() ? accepts(static_cast<const Element&>(node)) : acceptsOther(node);
+        return isElement(node) ? accepts(static_cast<const Element&>(node)) : acceptsOther(node);
     }
     bool accepts(const Element& element) const {
-        return elements &&
-               (names == Names::Whole ? NodeAccess::name(element) == name : fits(NodeAccess::name(element)));
+        if (!elements) return false;
+        if (names == Names::All) return true;
+        const std::string& itsName = NodeAccess::name(element);
+        if (&itsName == refused) return false;
+        if (&itsName == accepted) return true;
+        return decide(itsName);
     }
 
     // The same of a node that is no element.
@@ -46,11 +50,16 @@ private:
     bool readName(const PathText& text, Unit begin, Unit end, PathError& error);
     void setName(Names which, Unit begin, Unit end);
     bool fits(const std::string& nodeName) const;
+    bool decide(const std::string& nodeName) const;
 
     KindTest kind = KindTest::None;
     bool elements = true;  // whether the kind allows for elements
     Names names = Names::All;
     std::string name;  // whole, after the first colon, or up to it
+
+    // Names that were decided last. The nodes of a tree share them, and they stay while a query is under way.
+    mutable const std::string* accepted = nullptr;
+    mutable const std::string* refused = nullptr;
 };
 
 }  // namespace Xml

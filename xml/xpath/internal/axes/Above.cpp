@@ -34,7 +34,7 @@ void takeParents(const NodeList& from, Taker& taker) {
     NodeMap taken;
     Object* last = nullptr;
     for (Object* const node : from.nodes) {
-        if (!node->isElement() && !node->isAttribute() && !node->isCharData()) continue;
+        if (!isElement(*node) && !isAttribute(*node) && !isCharData(*node)) continue;
         Object* const parent = node->getParent();
         if (parent == nullptr || parent == last) continue;
         last = parent;

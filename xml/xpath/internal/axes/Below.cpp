@@ -79,7 +79,7 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
         Object* const* next = row.begin();
         while (next != row.end() && !taker.isDone()) {
             Object& node = **next++;
-            if (!node.isElement()) {
+            if (!isElement(node)) {
                 taker.takeOther(node);
                 continue;
             }

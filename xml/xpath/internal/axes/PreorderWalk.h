@@ -9,7 +9,7 @@ namespace Xml {
 
 // The children of an element; none for any other node.
 inline NodeSpan elementChildren(const Object& node) {
-    return node.isElement() ? NodeAccess::children(static_cast<const Element&>(node)) : NodeSpan();
+    return isElement(node) ? NodeAccess::children(static_cast<const Element&>(node)) : NodeSpan();
 }
 
 // The same, and of a document its root, which is put into `root`; the span is good as long as that is then.

@@ -77,7 +77,7 @@ void forEachSibling(const NodeList& from, std::optional<SiblingHint>& hint, Take
     std::vector<Row> rows;
     for (Object* const node : from.nodes) {
         Object* const parent = node->getParent();
-        if (parent == nullptr || !parent->isElement() || node->isAttribute()) continue;
+        if (parent == nullptr || !isElement(*parent) || isAttribute(*node)) continue;
         const auto [number, isNew] = rowOf.insert(parent, static_cast<std::uint32_t>(rows.size()));
         if (isNew) {
             const std::size_t begin = hint && hint->parent == parent ? hint->place : 0;

@@ -67,7 +67,7 @@ public:
 
     // Takes attributes of an element that was visited, and none of another node.
     void takeAttributes(Object& node) {
-        if (!node.isElement()) return;
+        if (!isElement(node)) return;
         auto& element = static_cast<Element&>(node);
         if (const std::string* const name = test.attributeName()) {
             if (Attribute* const attribute = element.getAttribute(*name)) found.push_back(attribute);
