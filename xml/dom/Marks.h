@@ -20,7 +20,7 @@ enum class TextPlace : std::uint8_t { Own, Lent };
 class Marks {
 public:
     Marks() : Marks(NodeClass::Unknown) {}
-    explicit Marks(NodeClass made) : exactClass(made), dirty(true), asideText(false), edited(false) {}
+    explicit Marks(NodeClass made) : exactClass(made), dirty(true), asideText(false), edited(false), lent(false) {}
 
     // The copy of a node keeps the link only: it is marked as changed and was never written.
     Marks(const Marks& other) : Marks() { link = other.link; }
@@ -47,16 +47,20 @@ public:
         end = to;
     }
 
-    TextPlace textPlace() const { return text; }
-    void setTextPlace(TextPlace place) { text = place; }
+    TextPlace textPlace() const { return lent ? TextPlace::Lent : TextPlace::Own; }
+    void setTextPlace(TextPlace place) { lent = place == TextPlace::Lent; }
 
     // Whether a text of the node is kept aside (see AsideTexts).
     bool hasAsideText() const { return asideText; }
     void setAsideText(bool has) const { asideText = has; }
 
-    // A number that is the affair of what works on the tree: of an element, validation's.
-    std::uint32_t number() const { return itsNumber; }
-    void setNumber(std::uint32_t number) const { itsNumber = number; }
+    // A number that is the affair of what works on the tree, of an element validation's; of 40 bits.
+    static constexpr std::uint64_t kMostNumber = (std::uint64_t{1} << 40) - 1;
+    std::uint64_t number() const { return std::uint64_t{upperNumber} << 32 | lowerNumber; }
+    void setNumber(std::uint64_t number) const {
+        lowerNumber = static_cast<std::uint32_t>(number);
+        upperNumber = static_cast<std::uint8_t>(number >> 32);
+    }
 
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return edited; }
@@ -65,11 +69,15 @@ public:
     ExactClass exactClass;
 
 private:
+    // What looking at the node, or writing it, may change, in a byte of its own: others may look at the rest meanwhile.
     mutable bool dirty : 1;
     mutable bool asideText : 1;
+    std::uint8_t : 0;
     bool edited : 1;
-    TextPlace text = TextPlace::Own;
-    mutable std::uint32_t itsNumber = 0;
+    bool lent : 1;  // the text
+    std::uint8_t : 0;
+    mutable std::uint8_t upperNumber = 0;
+    mutable std::uint32_t lowerNumber = 0;
     mutable std::int32_t start = -1;
     mutable std::int32_t end = -1;
     const Dtd* link = nullptr;

@@ -32,14 +32,14 @@ bool writesBytesOnly(const Object& node) {
     return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
 
-// The marks with what is to come: a kind of node, and whether the document type supplied it. The number of an attribute
-// will be its place in its tag.
+// The marks with what is to come: a kind of node, whether the document type supplied it. The number of an attribute will
+// be its place in its tag.
 struct MarksToCome {
     ExactClass exactClass;
-    std::uint8_t bits;
-    TextPlace text;
-    std::uint8_t kind;
-    std::uint32_t number;
+    std::uint8_t dirty : 1, asideText : 1, : 0;
+    std::uint8_t edited : 1, lent : 1, supplied : 1, kind : 5;
+    std::uint8_t upperNumber;
+    std::uint32_t lowerNumber;
     std::int32_t start;
     std::int32_t end;
     const Dtd* link;

@@ -101,9 +101,10 @@ void NodeMemory::noteWide(Element& element) {
 SharedName& NodeMemory::takeName(std::string_view name) {
     if (slab == nullptr) addSlab();
     Arena& arena = slab->arena();
+    constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
+    constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
     const bool isFirst = slab->next == nullptr;
-    const std::size_t size = sizeof(SharedName) + alignof(SharedName);
-    if (isFirst && static_cast<std::size_t>(high - low) >= size) {
+    if (isFirst && nameCount++ < kFew && static_cast<std::size_t>(high - low) >= kSize) {
         char* const end = high - sizeof(SharedName);
         char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(place, sizeof(SharedName));

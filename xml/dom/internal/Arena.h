@@ -26,7 +26,7 @@ struct KeptText {
 
 using internal::KeptText;
 
-// A name that the nodes of a tree share. It lies in the first slab as long as there is room, else in the heap.
+// A name that the nodes of a tree share. The first ones lie in the first slab, the others in the heap.
 struct SharedName {
     std::string text;
     SharedName* next;                // of those in the arena
@@ -147,6 +147,7 @@ private:
     char* low = nullptr;   // from here on up nodes ...
     char* high = nullptr;  // ... and from here on down what belongs to them
     std::uint32_t count = 0;
+    std::uint32_t nameCount = 0;
 };
 
 }  // namespace Xml

@@ -78,7 +78,7 @@ public:
             return;
         }
         const std::size_t first = inner.back().firstChild;
-        if (first == finished.size()) finished.reserve(first + 1);
+        if (first == finished.capacity()) finished.reserve(2 * first + 8);  // for the element itself
         NodeAccess::setChildren(*here, memory, finished.begin() + static_cast<std::ptrdiff_t>(first), finished.end());
         finished.resize(first);
         std::unique_ptr<Element> ended = std::move(inner.back().element);

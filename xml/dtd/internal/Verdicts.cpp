@@ -8,10 +8,14 @@ namespace Xml {
 
 namespace {
 
+// The last number of a run. No element keeps it, and all runs have it that begin when no other is left: these decide an
+// element as often as it is asked about.
+constexpr std::uint64_t kLastRun = Marks::kMostNumber >> 2;
+
 // Runs of different threads, over trees of their own, need not agree on anything but on being different.
 std::uint64_t newRun() {
     static std::atomic<std::uint64_t> last{0};
-    return ++last;
+    return std::min(++last, kLastRun);
 }
 
 }  // namespace
@@ -36,9 +40,9 @@ bool Verdicts::decide(const Dtd& dtd, Element& element, bool fits) {
     const bool valid = fits && attributesFit(dtd, element);
     const std::uint64_t run = runOf(dtd);
     // The link that has just been set, if any, marked the element as linked.
-    const std::uint64_t before = table.of(element);
+    const std::uint64_t before = verdictOf(element);
     const std::uint64_t linked = before >> kRunShift == run ? before & kLinked : 0;
-    table.keep(element, run << kRunShift | linked | (valid ? kValid : 0));
+    keep(element, run << kRunShift | linked | (valid ? kValid : 0));
     return valid;
 }
 
@@ -55,9 +59,13 @@ bool Verdicts::attributesFit(const Dtd& dtd, Element& element) {
         if (definition->second->isRequired()) ++required;
     }
     if (required != list->required) return false;
-    table.keep(element, runOf(dtd) << kRunShift);
+    keep(element, runOf(dtd) << kRunShift);
     link(element, &dtd);
     return true;
+}
+
+void Verdicts::keep(const Element& element, std::uint64_t verdict) {
+    NodeAccess::marks(element).setNumber(verdict >> kRunShift != kLastRun ? verdict : 0);
 }
 
 void Verdicts::link(Object& node, const Dtd* dtd) {
@@ -72,12 +80,11 @@ void Verdicts::linkSubtree(Element& top, const Dtd* dtd) {
     const std::uint64_t run = runOf(*dtd);
     const bool linksStay = areOfOwnCode();
     Preorder<Element> walk;
-    linkBelow(walk, top, dtd, [this, dtd, run, linksStay](Element& element) {
-        const std::uint64_t verdict = table.of(element);
+    linkBelow(walk, top, dtd, [dtd, run, linksStay](Element& element) {
+        const std::uint64_t verdict = verdictOf(element);
         const bool mine = verdict >> kRunShift == run;
         if (mine && linksStay && (verdict & kLinked) != 0) return false;
-        // A verdict of another run may speak of links that are no more.
-        table.keep(element, mine ? verdict | kLinked : 0);
+        keep(element, mine ? verdict | kLinked : 0);  // a verdict of another run may speak of links that are no more
         NodeAccess::setOwnDtd(element, dtd);
         return true;
     });
