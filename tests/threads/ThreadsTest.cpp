@@ -134,6 +134,63 @@ TEST(ThreadsTest, OneTreeIsLookedAtAndAskedAndCopiedByAll) {
     EXPECT_EQ(failures, std::vector<int>(kThreads));
 }
 
+// The strings of long texts are made when they are first asked for, here by all at once: there is one for all.
+TEST(ThreadsTest, AllThatAskFirstForALongTextGetTheSameString) {
+    constexpr int kTexts = 40;
+    const auto longText = [](int i) { return "a text that no string holds without memory, " + std::to_string(i); };
+    std::string text = "<r>";
+    for (int i = 0; i < kTexts; ++i) text += "<a k='" + longText(i) + "'>" + longText(i) + "</a>";
+    text += "</r>";
+    for (int round = 0; round < kRounds; ++round) {
+        const Outcome outcome = readDocument(text);
+        ASSERT_TRUE(outcome.ok);
+        const Element& root = *static_cast<const Document&>(*outcome.document).getRoot();
+        std::array<std::vector<const DataHolder*>, kThreads> strings;
+        inThreads([&](int number) {
+            for (int i = 0; i < kTexts; ++i) {
+                const int at = number % 2 == 0 ? i : kTexts - 1 - i;
+                const Element& a = *root.getElement(at);
+                const DataHolder& value = a.getAttribute(0)->getValue();
+                const DataHolder& data = static_cast<const CharData*>(a.getChild(0))->data();
+                if (value != longText(at) || data != longText(at)) return;  // which the lists show
+                auto& mine = strings[static_cast<std::size_t>(number)];
+                mine.insert(number % 2 == 0 ? mine.end() : mine.begin(), {&value, &data});
+            }
+        });
+        ASSERT_EQ(strings[0].size(), 2U * kTexts);
+        for (const auto& mine : strings) ASSERT_EQ(mine, strings[0]);
+    }
+}
+
+// Parts of one tree lie in the same memory, which goes with the last of them.
+TEST(ThreadsTest, PartsOfOneTreeAreUsedAndDestroyedInThreadsOfTheirOwn) {
+    std::string text = "<r>";
+    for (int i = 0; i < 3000; ++i) text += "<a k='a value of some length'><b/>text of some length<b/></a>";
+    text += "</r>";
+    for (int round = 0; round < 10; ++round) {
+        Outcome outcome = readDocument(text);
+        ASSERT_TRUE(outcome.ok);
+        Element& root = *outcome.document->getRoot();
+        std::array<std::vector<std::unique_ptr<Object>>, kThreads> parts;
+        for (std::size_t i = 0; root.getChildCount() > 0; ++i)
+            parts[i % kThreads].emplace_back(root.extractChild(root.getChildCount() - 1));
+        if (round % 2 == 0) outcome.document.reset();
+        std::vector<int> failures(kThreads);
+        inThreads([&](int number) {
+            const auto at = static_cast<std::size_t>(number);
+            for (const auto& part : parts[at]) {
+                Element& a = *part->toElement();
+                failures[at] += a.getAttribute("k")->getValue() != "a value of some length";
+                a.getChild(1)->toCharData()->setData("another text of some length");
+                delete a.extractChild(0);
+                failures[at] += a.toString() != "a k=\"a value of some length\"";
+            }
+            parts[at].clear();
+        });
+        EXPECT_EQ(failures, std::vector<int>(kThreads));
+    }
+}
+
 TEST(ThreadsTest, FilesAreWrittenAndReadByThreadsOfTheirOwn) {
     const Outcome outcome = readDocument(kText);
     const std::string expected = textOf(*outcome.document);
