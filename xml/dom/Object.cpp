@@ -32,8 +32,8 @@ bool writesBytesOnly(const Object& node) {
     return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
 
-// The marks with what is to come: a kind of node, whether the document type supplied it. The number of an attribute will
-// be its place in its tag.
+// The marks with what is to come: a kind of node, whether the document type supplied it. The number of an attribute
+// will be its place in its tag.
 struct MarksToCome {
     ExactClass exactClass;
     std::uint8_t dirty : 1, asideText : 1, : 0;

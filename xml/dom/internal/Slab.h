@@ -27,7 +27,10 @@ class Arena;
 class Slab {
 public:
     static constexpr std::size_t kBytes = std::size_t{64} << 10;
-    static constexpr std::size_t kSpared = 16;  // what the heap needs, so that the next slab may follow right after
+
+    // What is not asked for. The heap's own words fit in it, so that the next slab may follow right after; and with the
+    // room for aligning it, a slab stays below the size from which the heap asks the system for each block.
+    static constexpr std::size_t kSpared = 96;
 
     Slab(const Slab&) = delete;
     Slab& operator=(const Slab&) = delete;
