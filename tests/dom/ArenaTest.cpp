@@ -280,6 +280,50 @@ TEST_F(ArenaTest, HoldsTextsOfEveryLength) {
     }
 }
 
+// Members, bases and locals lie wherever the caller has them.
+TEST_F(ArenaTest, LeavesNodesElsewhereThanInTheHeapAlone) {
+    struct alignas(16) Holder {
+        long before = 1;
+        Element element{"member"};
+        long between = 2;
+        CharData text{DataHolder("text")};
+        Attribute attribute{"a", "v"};
+    };
+    struct First {
+        virtual ~First() = default;
+    };
+    class Second : public First, public Element {
+    public:
+        Second() : Element("second") {}
+        Second(const Second& other) : First(), Element(other) {}
+        Object* clone() const override { return new Second(*this); }
+    };
+    Holder holder;
+    int unaligned = 0;
+    for (const Object* node : {static_cast<Object*>(&holder.element), static_cast<Object*>(&holder.text),
+                               static_cast<Object*>(&holder.attribute)})
+        unaligned += Slab::holds(node) ? 1 : 0;
+    EXPECT_GT(unaligned, 0);
+    const auto second = std::make_unique<Second>();
+    EXPECT_TRUE(Slab::holds(static_cast<Object*>(second.get())));
+    for (Element* element : {&holder.element, static_cast<Element*>(second.get())}) {
+        element->addElement("child", "a text of more bytes than fifteen");
+        element->addElement("child", "another");
+        element->setAttribute("name", "a value of more bytes than fifteen");
+        element->setName("renamed");
+        element->removeAttribute("name");
+        delete element->extractChild(0);
+        EXPECT_EQ(element->toString(), "renamed");
+        const std::unique_ptr<Object> copy(element->clone());
+        EXPECT_EQ(dump(copy->toElement()), "renamed(child('another'))");
+        element->killChildren();
+    }
+    holder.text.setData("a text of more bytes than fifteen");
+    EXPECT_EQ(holder.text.getData(), holder.text.data());
+    holder.attribute.setValue("a value of more bytes than fifteen");
+    EXPECT_EQ(holder.attribute.toString(), "a=\"a value of more bytes than fifteen\"");
+}
+
 #ifdef __SANITIZE_ADDRESS__
 TEST_F(ArenaTest, LeavesDeletedNodesToTheAddressSanitizer) {
     const std::unique_ptr<Element> root = wide(3);

@@ -20,7 +20,8 @@ enum class TextPlace : std::uint8_t { Own, Lent };
 class Marks {
 public:
     Marks() : Marks(NodeClass::Unknown) {}
-    explicit Marks(NodeClass made) : exactClass(made), dirty(true), asideText(false), edited(false), lent(false) {}
+    explicit Marks(NodeClass made)
+        : exactClass(made), dirty(true), asideText(false), edited(false), lent(false), inSlab(false) {}
 
     // The copy of a node keeps the link only: it is marked as changed and was never written.
     Marks(const Marks& other) : Marks() { link = other.link; }
@@ -62,6 +63,11 @@ public:
         upperNumber = static_cast<std::uint8_t>(number >> 32);
     }
 
+    // Whether the node lies in a slab. Its address alone would not say: nodes that callers have elsewhere than in the
+    // heap may lie anywhere.
+    bool isInSlab() const { return inSlab; }
+    void setInSlab() { inSlab = true; }
+
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return edited; }
     void setEdited() { edited = true; }
@@ -75,6 +81,7 @@ private:
     std::uint8_t : 0;
     bool edited : 1;
     bool lent : 1;  // the text
+    bool inSlab : 1;
     std::uint8_t : 0;
     mutable std::uint8_t upperNumber = 0;
     mutable std::uint32_t lowerNumber = 0;

@@ -37,7 +37,7 @@ bool writesBytesOnly(const Object& node) {
 struct MarksToCome {
     ExactClass exactClass;
     std::uint8_t dirty : 1, asideText : 1, : 0;
-    std::uint8_t edited : 1, lent : 1, supplied : 1, kind : 5;
+    std::uint8_t edited : 1, lent : 1, inSlab : 1, supplied : 1, kind : 4;
     std::uint8_t upperNumber;
     std::uint32_t lowerNumber;
     std::int32_t start;

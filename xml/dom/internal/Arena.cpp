@@ -16,7 +16,7 @@ Arena::~Arena() {
     while (text != nullptr) delete std::exchange(text, text->next);
     while (SharedName* const name = names) {
         names = name->next;
-        if (&Slab::of(name) == &Slab::of(this)) {
+        if (Slab::of(this).contains(name)) {
             name->~SharedName();
         } else {
             delete name;
@@ -28,9 +28,14 @@ Arena::~Arena() {
     }
 }
 
+void Arena::noteChange(const Object& node) {
+    if (NodeAccess::marks(node).isInSlab()) of(&node).noteChange();
+}
+
 Arena* Arena::wholeBelow(const Element& top) {
     const NodeSpan children = NodeAccess::children(top);
-    if (children.empty() || NodeAccess::marks(top).isEdited() || !Slab::holds(children[0])) return nullptr;
+    if (children.empty() || NodeAccess::marks(top).isEdited() || !NodeAccess::marks(*children[0]).isInSlab())
+        return nullptr;
     Arena& arena = of(children[0]);
     return arena.top == &top && !arena.changed.load(std::memory_order_relaxed) ? &arena : nullptr;
 }

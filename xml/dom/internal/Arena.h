@@ -46,9 +46,7 @@ public:
     static Arena& of(const void* node) { return Slab::of(node).arena(); }
 
     // Notes that the node is not as it was made, or is not where it was.
-    static void noteChange(const Object& node) {
-        if (Slab::holds(&node)) of(&node).noteChange();
-    }
+    static void noteChange(const Object& node);
     void noteChange() { changed.store(true, std::memory_order_relaxed); }
 
     // The arena that all below the element is in, and nothing else; null without one.
@@ -75,7 +73,6 @@ private:
 
     // A slab has lost its last node.
     void release(Slab& slab);
-    void end();
 
     Slab* newest;  // from there on all of them, as long as none has gone; the arena itself lies in the oldest
     std::atomic<std::uint32_t> slabs{1};

@@ -59,12 +59,14 @@ struct NodeAccess {
     static std::unique_ptr<Element> makeElement(NodeMemory& memory, const std::string& sharedName) {
         void* const place = memory.takeNode<Element>().node;
         std::unique_ptr<Element> element(::new (place) Element(NodeClass::Element));
+        element->marks.setInSlab();
         element->name.share(sharedName);
         return element;
     }
     static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text) {
         const auto [place, bytes] = memory.takeNode<CharData>(lentSize(text));
         std::unique_ptr<CharData> node(::new (place) CharData(NodeClass::CharData));
+        node->marks.setInSlab();
         put(node->held, *node, text, bytes, memory);
         return node;
     }
@@ -72,6 +74,7 @@ struct NodeAccess {
                                                     std::string_view value) {
         const auto [place, bytes] = memory.takeNode<Attribute>(lentSize(value));
         std::unique_ptr<Attribute> node(::new (place) Attribute(NodeClass::Attribute));
+        node->marks.setInSlab();
         node->name.share(sharedName);
         put(node->value, *node, value, bytes, memory);
         return node;
@@ -175,11 +178,11 @@ private:
     static void reserveIn(Nodes& nodes, Element& element, NodeMemory& memory, std::size_t count) {
         if (count < 2) return;
         const std::size_t size = nodes.bytesFor(count);
-        if (Slab::holds(&element) && size <= NodeMemory::kMostBytes) {
+        if (element.marks.isInSlab() && size <= NodeMemory::kMostBytes) {
             nodes.lend(memory.takeArray(size), count);
             return;
         }
-        if (Slab::holds(&element)) memory.noteWide(element);
+        if (element.marks.isInSlab()) memory.noteWide(element);
         nodes.reserve(count);
     }
 };

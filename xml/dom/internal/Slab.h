@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ORVXML_POISON 1
@@ -22,8 +23,8 @@ class Arena;
 // 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to
 // nodes from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
 //
-// A node finds its slab by its address alone, and so does `delete` whether there is one: nodes in slabs are at
-// addresses 8 modulo 16, where operator new gives multiples of 16.
+// A node in a slab finds it by its address alone, and `delete` finds by that whether there is one: nodes in slabs are
+// at addresses 8 modulo 16, where operator new gives multiples of 16.
 class Slab {
 public:
     static constexpr std::size_t kBytes = std::size_t{64} << 10;
@@ -46,9 +47,17 @@ public:
     };
     static void setSource(const Source* source);  // null: as at first
 
+    // Of what `delete` is called for. Nodes that are members of something, or on the stack, may lie at such addresses
+    // too: for these and all others Marks say it.
     static bool holds(const void* node) { return reinterpret_cast<std::uintptr_t>(node) % 16 == 8; }
     static Slab& of(const void* node) {
         return *reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(node) & ~(kBytes - 1));
+    }
+
+    // Whether the memory is the slab's. Right after a slab, before the next multiple, there may be something else.
+    bool contains(const void* memory) {
+        const std::less<const void*> before;
+        return !before(memory, this) && before(memory, end());
     }
 
     Arena& arena() const { return *owner; }
