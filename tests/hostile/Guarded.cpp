@@ -1,6 +1,7 @@
 #include "hostile/Guarded.h"
 
 #include "orvsys/Uni16.h"
+#include "support/HeapFunctions.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dtd/Dtd.h"
