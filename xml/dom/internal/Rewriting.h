@@ -15,6 +15,15 @@ using internal::Marks;
 //     ...                                     // write it
 //     endWriting(marks, out);
 
+// What is noted of a node that is written, where the positions are known: it begins there; it has ended there. Where it
+// ends is not known before it is written, and never if it cannot be.
+inline void beginRecord(const Marks& marks, int position) { marks.record(position, OutStreamAccess::kUnrecordable); }
+
+inline void endRecord(const Marks& marks, int position) {
+    marks.record(marks.writeStart(), position);
+    marks.setDirty(false);
+}
+
 inline bool beginWriting(const Marks& marks, OutStream& out) {
     const int position = OutStreamAccess::position(out);
     if (Object::useRWOptimization && !marks.isDirty() &&
@@ -22,14 +31,10 @@ inline bool beginWriting(const Marks& marks, OutStream& out) {
         out.setPosition(marks.writeEnd());
         return false;
     }
-    // Where it ends is not known before it is written, and never if it cannot be.
-    marks.record(position, OutStreamAccess::kUnrecordable);
+    beginRecord(marks, position);
     return true;
 }
 
-inline void endWriting(const Marks& marks, OutStream& out) {
-    marks.record(marks.writeStart(), OutStreamAccess::position(out));
-    marks.setDirty(false);
-}
+inline void endWriting(const Marks& marks, OutStream& out) { endRecord(marks, OutStreamAccess::position(out)); }
 
 }  // namespace Xml

@@ -87,7 +87,7 @@ private:
         const Element& element = walk.here();
         walk.leave();
         end(element);
-        if (layout.recorded) endRecord(NodeAccess::marks(element));
+        if (layout.recorded) endRecord(NodeAccess::marks(element), run.position());
     }
 
     void writeChild(const Object& child) {
@@ -98,28 +98,24 @@ private:
             return;
         }
         const Marks& marks = NodeAccess::marks(child);
-        if (!beginRecord(marks)) return;
+        if (!beginNode(marks)) return;
         if (exactly == NodeClass::CharData) {
             run.putAsIs(NodeAccess::text(static_cast<const CharData&>(child)));
         } else if (const auto& element = static_cast<const Element&>(child); begin(element)) {
             walk.enter(element, {isMixed(element), true});
             return;
         }
-        endRecord(marks);
+        endRecord(marks, run.position());
     }
 
-    // As beginWriting and endWriting. The stream may move past a node only with the optimisation on.
-    bool beginRecord(const Marks& marks) {
+    // As beginWriting. Only with the optimisation on may the stream move past a node, and has to stand where it should.
+    bool beginNode(const Marks& marks) {
         if (Object::useRWOptimization) {
             run.flush();
             return beginWriting(marks, out);
         }
-        marks.record(run.position(), OutStreamAccess::kUnrecordable);
+        beginRecord(marks, run.position());
         return true;
-    }
-    void endRecord(const Marks& marks) {
-        marks.record(marks.writeStart(), run.position());
-        marks.setDirty(false);
     }
 
     OutStream& out;
