@@ -1,17 +1,10 @@
 #include "xml/stream/OutStream.h"
 
 #include "xml/stream/internal/OutStreamAccess.h"
-#include <algorithm>
 #include <cstring>
 #include <limits>
 
 namespace Xml {
-
-namespace {
-
-constexpr char kTabs[] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
-
-}  // namespace
 
 OutStream::OutStream() = default;
 
@@ -70,11 +63,8 @@ void OutStream::putIndented(const char* bytes, std::size_t count) {
 }
 
 bool OutStream::putTabs() {
-    constexpr auto kMost = static_cast<std::int32_t>(sizeof(kTabs) - 1);
-    for (std::int32_t left = tabLevel; left > 0; left -= kMost) {
-        if (!putChars(kTabs, static_cast<std::size_t>(std::min(left, kMost)))) return false;
-    }
-    return true;
+    return OutStreamAccess::eachRunOfTabs(*this,
+                                          [this](std::string_view tabs) { return putChars(tabs.data(), tabs.size()); });
 }
 
 // The rule for each byte. The sink may change the level, or put more, from within any putChar.

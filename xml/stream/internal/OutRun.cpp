@@ -1,7 +1,7 @@
 #include "xml/stream/internal/OutRun.h"
 
 #include "xml/text/internal/Escape.h"
-#include <string>
+#include <algorithm>
 
 namespace Xml {
 
@@ -34,12 +34,10 @@ void OutRun::putEscaped(std::string_view text) {
 
 void OutRun::putTabs() {
     out.atLineStart = false;
-    for (std::int32_t left = out.tabLevel; left > 0;) {
-        constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
-        const std::size_t count = std::min(kTabs.size(), static_cast<std::size_t>(left));
-        append(kTabs.substr(0, count));
-        left -= static_cast<std::int32_t>(count);
-    }
+    OutStreamAccess::eachRunOfTabs(out, [this](std::string_view tabs) {
+        append(tabs);
+        return true;
+    });
 }
 
 void OutRun::appendSlowly(std::string_view text) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "xml/stream/internal/OutStreamAccess.h"
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>

@@ -69,6 +69,18 @@ struct OutStreamAccess {
         return !out.cutShort && writeStart == position && position != kUnrecordable && writeEnd != kUnrecordable;
     }
 
+    // Calls put for runs of tabs, as many in all as the level says, until it returns false: whether it never did.
+    template <class Put>
+    static bool eachRunOfTabs(const OutStream& out, Put put) {
+        constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+        for (auto left = static_cast<std::size_t>(out.tabLevel); left > 0;) {
+            const std::string_view tabs = kTabs.substr(0, left);
+            if (!put(tabs)) return false;
+            left -= tabs.size();
+        }
+        return true;
+    }
+
     // As OutStream::writeDataHolder.
     static void putAsIs(OutStream& out, std::string_view text) {
         if (text.empty() || out.putChars(text.data(), text.size())) return;
