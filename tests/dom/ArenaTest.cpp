@@ -95,6 +95,17 @@ TEST_F(ArenaTest, TakesNothingForAnElementAlone) {
     EXPECT_EQ(slabsMade, 0U);
 }
 
+TEST_F(ArenaTest, TakesNothingForSmallCopies) {
+    for (const int children : {0, 1, 10, 30, 1000}) {
+        SCOPED_TRACE(children);
+        const std::unique_ptr<Element> root = wide(children);
+        slabsMade = 0;
+        const Element copy(*root);
+        EXPECT_EQ(slabsMade > 0, children > 20);
+        EXPECT_EQ(dump(&copy), dump(root.get()));
+    }
+}
+
 // What is done to a tree of many slabs, and whether its memory is whole after that.
 TEST_F(ArenaTest, IsDroppedWholeUnlessTheTreeWasChanged) {
     const struct {

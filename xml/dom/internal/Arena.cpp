@@ -2,7 +2,6 @@
 
 #include "xml/dom/Element.h"
 #include "xml/dom/internal/NodeAccess.h"
-#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>

@@ -4,7 +4,6 @@
 #include "xml/stream/internal/Scan.h"
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>

@@ -92,20 +92,21 @@ struct NodeAccess {
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
         const auto count = static_cast<std::size_t>(last - first);
-        reserveChildren(element, memory, count);
+        reserveChildren(element, &memory, count);
         for (Object** at = element.children.extend(count); first != last; ++first) *at++ = first->release();
     }
     static void setAttributes(Element& element, NodeMemory& memory, std::vector<std::unique_ptr<Attribute>>& all) {
-        reserveAttributes(element, memory, all.size());
+        reserveAttributes(element, &memory, all.size());
         Attribute** at = element.attributes.extend(all.size());
         for (auto& attribute : all) *at++ = attribute.release();
         if (all.size() > 1) element.attributes.sort();
     }
-    static void reserveChildren(Element& element, NodeMemory& memory, std::size_t count) {
+
+    // Room for as many, for an element that has none. One in a slab needs its memory; for any other it may be null.
+    static void reserveChildren(Element& element, NodeMemory* memory, std::size_t count) {
         reserveIn(element.children, element, memory, count);
     }
-
-    static void reserveAttributes(Element& element, NodeMemory& memory, std::size_t count) {
+    static void reserveAttributes(Element& element, NodeMemory* memory, std::size_t count) {
         reserveIn(element.attributes, element, memory, count);
     }
 
@@ -175,14 +176,13 @@ private:
     }
 
     template <class Nodes>
-    static void reserveIn(Nodes& nodes, Element& element, NodeMemory& memory, std::size_t count) {
+    static void reserveIn(Nodes& nodes, Element& element, NodeMemory* memory, std::size_t count) {
         if (count < 2) return;
-        const std::size_t size = nodes.bytesFor(count);
-        if (element.marks.isInSlab() && size <= NodeMemory::kMostBytes) {
-            nodes.lend(memory.takeArray(size), count);
-            return;
+        if (element.marks.isInSlab()) {
+            const std::size_t size = nodes.bytesFor(count);
+            if (size <= NodeMemory::kMostBytes) return nodes.lend(memory->takeArray(size), count);
+            memory->noteWide(element);
         }
-        if (element.marks.isInSlab()) memory.noteWide(element);
         nodes.reserve(count);
     }
 };
