@@ -4,6 +4,7 @@
 #include "models/Snapshot.h"
 #include "reader/GrowthLimit.h"
 #include "stream/LendingSource.h"
+#include "support/Dice.h"
 #include "support/Messages.h"
 #include "support/Rounds.h"
 #include "support/Sources.h"
@@ -23,7 +24,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <random>
 #include <sstream>
 #include <string>
 
@@ -131,17 +131,9 @@ bool isReadAlike(const std::string& text, const Read& read) {
 
 // --- Inputs ---
 
-class Maker {
+class Maker : public Dice {
 public:
-    explicit Maker(unsigned seed) : random(seed) {}
-
-    std::size_t below(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); }
-    bool chance(std::size_t percent) { return below(100) < percent; }
-
-    template <std::size_t N>
-    std::string any(const char* const (&texts)[N]) {
-        return texts[below(N)];
-    }
+    using Dice::Dice;
 
     std::string white() {
         static const char* const kWhite[] = {"", "", "", " ", "\n", "\r\n", "\r\n\t", "\r", "\n\r", "\r\r", "\t  "};
@@ -222,12 +214,24 @@ public:
         for (std::size_t count = 1 + below(25); count > 0; --count) result += fragment();
         return result;
     }
-
-private:
-    std::mt19937 random;
 };
 
 // --- One piece after the other ---
+
+// A reading under way of a text after its first byte.
+struct Reading {
+    explicit Reading(const std::string& text) : in(text) { in.get(first); }
+
+    void readFast() { FastContent(in, tree, nullptr, budget, referenceEnd).read(); }
+
+    StringInStream in;
+    std::unique_ptr<Element> root;
+    StreamAccess::Session session{in};
+    TreeBuilder tree{root};
+    EntityBudget budget;
+    int referenceEnd = 0;
+    char first = 0;
+};
 
 struct Taken {
     std::string tree;
@@ -237,23 +241,14 @@ struct Taken {
 
 // What is read of the content of an open <r>: the open elements with what stands in them, and what is left.
 Taken takenOf(const std::string& content) {
-    StringInStream in("x" + content);
-    std::unique_ptr<Element> root;
+    Reading reading("x" + content);
+    reading.tree.begin("r");
+    reading.readFast();
     Taken taken;
-    {
-        const StreamAccess::Session session(in);
-        TreeBuilder tree(root);
-        EntityBudget budget;
-        int referenceEnd = 0;
-        char c = 0;
-        in.get(c);
-        tree.begin("r");
-        FastContent(in, tree, nullptr, budget, referenceEnd).read();
-        taken.left = content.substr(static_cast<std::size_t>(StreamAccess::tell(in)) - 1);
-        taken.message = in.getErrorMessage();
-        while (tree.isOpen()) tree.end();
-    }
-    taken.tree = dump(root.get());
+    taken.left = content.substr(static_cast<std::size_t>(StreamAccess::tell(reading.in)) - 1);
+    taken.message = reading.in.getErrorMessage();
+    while (reading.tree.isOpen()) reading.tree.end();
+    taken.tree = dump(reading.root.get());
     return taken;
 }
 
@@ -306,33 +301,19 @@ TEST(FastContentTest, TakesTheFirstStartTagOfAnElementWithContent) {
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.text);
-        StringInStream in(std::string("x") + c.text);
-        std::unique_ptr<Element> root;
-        const StreamAccess::Session session(in);
-        TreeBuilder tree(root);
-        EntityBudget budget;
-        int referenceEnd = 0;
-        char before = 0;
-        in.get(before);
-        FastContent(in, tree, nullptr, budget, referenceEnd).read();
-        EXPECT_EQ(tree.depth(), c.isTaken ? 1U : 0U);
+        Reading reading(std::string("x") + c.text);
+        reading.readFast();
+        EXPECT_EQ(reading.tree.depth(), c.isTaken ? 1U : 0U);
         const std::string text = c.text;
-        EXPECT_EQ(StreamAccess::tell(in), c.isTaken ? static_cast<int>(text.find('>')) + 2 : 1);
+        EXPECT_EQ(StreamAccess::tell(reading.in), c.isTaken ? static_cast<int>(text.find('>')) + 2 : 1);
     }
 }
 
 TEST(FastContentTest, TakesNothingAfterAReturn) {
     for (const char before : {'\r', '\n'}) {
-        StringInStream in(before + std::string("\n<a>\n<b/>"));
-        std::unique_ptr<Element> root;
-        const StreamAccess::Session session(in);
-        TreeBuilder tree(root);
-        EntityBudget budget;
-        int referenceEnd = 0;
-        char c = 0;
-        in.get(c);
-        FastContent(in, tree, nullptr, budget, referenceEnd).read();
-        EXPECT_EQ(tree.isOpen(), before == '\n');
+        Reading reading(before + std::string("\n<a>\n<b/>"));
+        reading.readFast();
+        EXPECT_EQ(reading.tree.isOpen(), before == '\n');
     }
 }
 

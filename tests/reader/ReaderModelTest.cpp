@@ -1,6 +1,7 @@
 // Random inputs, read by the library's readers and by the naive ones. Both must agree in everything that shows.
 #include "models/NaiveReaders.h"
 #include "models/Snapshot.h"
+#include "support/Dice.h"
 #include "support/Messages.h"
 #include "support/Rounds.h"
 #include "support/Sources.h"
@@ -29,7 +30,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <random>
 #include <sstream>
 
 namespace Xml::test {
@@ -38,17 +38,9 @@ namespace {
 
 // --- Inputs ---
 
-class Maker {
+class Maker : public Dice {
 public:
-    explicit Maker(unsigned seed) : random(seed) {}
-
-    std::size_t below(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); }
-    bool chance(std::size_t percent) { return below(100) < percent; }
-
-    template <std::size_t N>
-    std::string any(const char* const (&texts)[N]) {
-        return texts[below(N)];
-    }
+    using Dice::Dice;
 
     std::string blank() {
         static const char* const kBlanks[] = {"", "", "", " ", " ", "\n", "\r\n", "\t", "  \r\n", "\r", "\r\r"};
@@ -330,9 +322,6 @@ public:
         for (std::size_t i = 0; i < count; ++i) result += fragment();
         return result;
     }
-
-private:
-    std::mt19937 random;
 };
 
 // --- Comparing ---
