@@ -1,10 +1,10 @@
 // The memory of trees: where nodes lie, what keeps it, and when it goes.
 #include "xml/dom/internal/Arena.h"
 
+#include "support/GiveAttributes.h"
 #include "support/Rounds.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
-#include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/TreeBuilder.h"
 #include <algorithm>
 #include <cstdlib>
@@ -56,9 +56,8 @@ std::unique_ptr<Element> wide(int children) {
     tree.begin("root");
     for (int i = 0; i < children; ++i) {
         tree.begin("child");
-        tree.addAttribute("short", std::to_string(i));
-        tree.addAttribute("long", "a value of more bytes than fifteen, " + std::to_string(i));
-        tree.endAttributes();
+        giveAttributes(
+            tree, {{"short", std::to_string(i)}, {"long", "a value of more bytes than fifteen, " + std::to_string(i)}});
         tree.addText("a text of more bytes than fifteen, " + std::to_string(i));
         tree.begin("leaf");
         tree.end();
@@ -236,8 +235,9 @@ TEST_F(ArenaTest, DropsWideElementsToo) {
         tree.begin("root");
         for (const int count : {1, 2, 126, 127, 128, 1000}) {
             tree.begin("child");
-            for (int i = 0; i < count; ++i) tree.addAttribute("a" + std::to_string(i), "v");
-            tree.endAttributes();
+            std::vector<std::pair<std::string, std::string>> attributes;
+            for (int i = 0; i < count; ++i) attributes.emplace_back("a" + std::to_string(i), "v");
+            giveAttributes(tree, attributes);
             for (int i = 0; i < count; ++i) tree.addText("t");
             tree.end();
         }
@@ -271,8 +271,7 @@ TEST_F(ArenaTest, HoldsTextsOfEveryLength) {
         TreeBuilder tree(root);
         tree.begin("root");
         tree.begin("child");
-        tree.addAttribute("a", text);
-        tree.endAttributes();
+        giveAttributes(tree, {{"a", text}});
         tree.addText(text);
         tree.end();
         tree.end();
@@ -343,22 +342,6 @@ TEST_F(ArenaTest, LeavesDeletedNodesToTheAddressSanitizer) {
     EXPECT_DEATH(node->getParent(), "use-after-poison");
 }
 #endif
-
-TEST(NameTableTest, KeepsEachNameOnce) {
-    NodeMemory memory;
-    NameTable names;
-    std::vector<std::string> texts;
-    for (int i = 0; i < 3000; ++i) texts.push_back("name-" + std::to_string(i * 7919 % 3000));
-    for (int i = 0; i < 70; ++i) texts.push_back(std::string(static_cast<std::size_t>(i), 'n'));
-    std::set<const std::string*> kept;
-    for (const std::string& text : texts) {
-        const std::string& name = names.find(text, memory);
-        EXPECT_EQ(name, text);
-        kept.insert(&name);
-    }
-    EXPECT_EQ(kept.size(), texts.size());
-    for (const std::string& text : texts) EXPECT_EQ(kept.count(&names.find(text, memory)), 1U);
-}
 
 }  // namespace
 }  // namespace Xml::test

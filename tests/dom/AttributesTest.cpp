@@ -40,8 +40,7 @@ TEST(AttributesTest, NeverMove) {
     for (const char* name : {"a", "z", "l", "n"}) attributes.set(attribute(name, "2"));
     attributes.remove("a");
     attributes.remove(attributes.size() - 1);
-    attributes.append(attribute("b", "3"));
-    attributes.sort();
+    attributes.set(attribute("b", "3"));
     EXPECT_EQ(attributes.find("m"), m);
     EXPECT_EQ(shown(attributes), "b=3 l=2 m=1 n=2 ");
 }
@@ -58,29 +57,43 @@ TEST(AttributesTest, SayWhetherThereWasOneOfThatName) {
     EXPECT_TRUE(attributes.empty());
 }
 
-// Appending and sorting once leaves what setting one after the other leaves.
 TEST(AttributesTest, OfSeveralWithOneNameTheLastStays) {
     std::mt19937 random(1);
     for (int round = 0; round < rounds(2000); ++round) {
-        Attributes appended;
         Attributes set;
         std::map<std::string, std::string> expected;
         const auto count = static_cast<unsigned>(random() % 8);
-        appended.reserve(count);
         std::string names;
         for (unsigned i = 0; i < count; ++i) {
             const std::string name(1, static_cast<char>('a' + random() % 5));
             names += name;
             expected[name] = std::to_string(i);
-            appended.append(attribute(name, expected[name]));
             set.set(attribute(name, expected[name]));
         }
-        appended.sort();
         std::string text;
         for (const auto& [name, value] : expected) text.append(name).append("=").append(value).append(" ");
-        ASSERT_EQ(shown(appended), text) << names;
         ASSERT_EQ(shown(set), text) << names;
     }
+}
+
+// In their order: what a reader or a copy makes.
+TEST(AttributesTest, AreAppendedAndFilledInAsTheyCome) {
+    Attributes attributes;
+    attributes.append(attribute("a", "1"));
+    attributes.reserve(3);
+    EXPECT_EQ(shown(attributes), "a=1 ");
+    {
+        Attributes::Filling filling = attributes.fill();
+        filling.put(attribute("b", "2").release());
+        EXPECT_EQ(attributes.size(), 1U) << "they count when the filling goes";
+        filling.put(attribute("c", "3").release());
+    }
+    EXPECT_EQ(shown(attributes), "a=1 b=2 c=3 ");
+    EXPECT_EQ(attributes.find("c")->getValue(), "3");
+
+    Attributes one;
+    one.fill().put(attribute("b", "2").release());
+    EXPECT_EQ(shown(one), "b=2 ");
 }
 
 }  // namespace

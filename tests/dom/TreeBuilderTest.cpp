@@ -1,6 +1,7 @@
 #include "xml/dom/internal/TreeBuilder.h"
 
 #include "models/Snapshot.h"
+#include "support/GiveAttributes.h"
 #include "support/Trees.h"
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -17,8 +18,9 @@ void build(TreeBuilder& tree, const std::string& step) {
     if (step == "/") return tree.end();
     if (step[0] != '<') return tree.addText(step);
     tree.begin(step.substr(1, 1));
-    for (std::size_t i = 2; i < step.size(); ++i) tree.addAttribute(step.substr(i, 1), std::to_string(i - 1));
-    tree.endAttributes();
+    std::vector<std::pair<std::string, std::string>> attributes;
+    for (std::size_t i = 2; i < step.size(); ++i) attributes.emplace_back(step.substr(i, 1), std::to_string(i - 1));
+    giveAttributes(tree, attributes);
 }
 
 // The same by the operations of nodes.

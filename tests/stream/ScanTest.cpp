@@ -47,33 +47,33 @@ TEST(ScanTest, EndsAClassAtTheFirstByteThatIsNotOfIt) {
             Scan::endOf<ByteClass::kWhite>(white.begin(), white.end()),
             std::find_if_not(white.begin(), white.end(), [](char c) { return ByteClass::is(c, ByteClass::kWhite); }))
             << white.text();
-        EXPECT_EQ(Scan::endOfRepeated<ByteClass::kWhite>(white.begin(), white.end()),
+        EXPECT_EQ((Scan::endOfAny<' ', '\t', '\n', '\r'>(white.begin(), white.end())),
                   Scan::endOf<ByteClass::kWhite>(white.begin(), white.end()))
             << white.text();
     }
 }
 
-TEST(ScanTest, FindsAByteOrOneOfTwo) {
+TEST(ScanTest, FindsAByteOrOneOfSome) {
     std::mt19937 random(2);
     for (int i = 0; i < rounds(20000); ++i) {
         const Bytes run(random, kMostlyOther);
         const char* const quote = std::find(run.begin(), run.end(), '"');
         EXPECT_EQ(Scan::find(run.begin(), run.end(), '"'), quote == run.end() ? nullptr : quote) << run.text();
-        EXPECT_EQ((Scan::findEither<'"', '&'>(run.begin(), run.end())),
+        EXPECT_EQ((Scan::findAny<'"', '&'>(run.begin(), run.end())),
                   std::find_if(run.begin(), run.end(), [](char c) { return c == '"' || c == '&'; }))
             << run.text();
-        EXPECT_EQ((Scan::findEither<'\xff', '\x7f'>(run.begin(), run.end())),
+        EXPECT_EQ((Scan::findAny<'\xff', '\x7f'>(run.begin(), run.end())),
                   std::find_if(run.begin(), run.end(), [](char c) { return c == '\xff' || c == '\x7f'; }))
             << run.text();
     }
 }
 
-TEST(ScanTest, FindsOneOfTwoFarAway) {
+TEST(ScanTest, FindsOneOfSomeFarAway) {
     for (std::size_t length = 0; length < 200; ++length) {
         for (const std::string found : {"\"", "&", "\"&", "&\"", ""}) {
             const std::string text = std::string(length, 'x') + found + "x";
             const char* const end = text.data() + text.size();
-            EXPECT_EQ((Scan::findEither<'"', '&'>(text.data(), end)), found.empty() ? end : text.data() + length)
+            EXPECT_EQ((Scan::findAny<'"', '&'>(text.data(), end)), found.empty() ? end : text.data() + length)
                 << length << found;
         }
     }

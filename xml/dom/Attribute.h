@@ -40,7 +40,8 @@ public:
 private:
     friend struct NodeAccess;
 
-    explicit Attribute(internal::NodeClass made) : Object(made) {}
+    Attribute(const std::string* sharedName, const internal::GivenText& text, Object* itsParent)
+        : Object(internal::NodeClass::Attribute, text.place, itsParent), name(sharedName), value(text) {}
 
     internal::Name name;
     internal::Text value;

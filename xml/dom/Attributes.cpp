@@ -54,24 +54,4 @@ void Attributes::append(std::unique_ptr<Attribute> attribute) {
     attribute.release();
 }
 
-void Attributes::sort() {
-    const auto before = [](const Attribute* a, const Attribute* b) {
-        return NodeAccess::name(*a) < NodeAccess::name(*b);
-    };
-    const auto notBefore = [&before](const Attribute* a, const Attribute* b) { return !before(a, b); };
-    const SpanOf<Attribute> all = sorted.span();
-    if (std::adjacent_find(all.begin(), all.end(), notBefore) == all.end()) return;
-    Attribute** const first = sorted.data();
-    std::stable_sort(first, first + sorted.size(), before);
-    std::size_t kept = 0;
-    for (Attribute* attribute : all) {
-        if (kept > 0 && first[kept - 1]->getName() == attribute->getName()) {
-            delete std::exchange(first[kept - 1], attribute);
-        } else {
-            first[kept++] = attribute;
-        }
-    }
-    sorted.truncate(kept);
-}
-
 }  // namespace Xml::internal

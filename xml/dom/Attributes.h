@@ -15,8 +15,6 @@ namespace Xml::internal {
 // The attributes of one element, in the byte order of their names. It owns them, and they never move in memory: only
 // the pointers to them do. It sets neither links nor parents: that is the element's affair.
 //
-// A reader appends them as they come and sorts once, at the end of the tag.
-//
 // Not for callers.
 class Attributes {
 public:
@@ -45,17 +43,17 @@ public:
     bool remove(const std::string& name);
     void remove(std::size_t place);
 
-    // --- In any order at first: sort() has to follow before anything else is asked ---
+    // --- In their order, where there is none yet ---
 
     void reserve(std::size_t count) { sorted.reserve(count); }
     void append(std::unique_ptr<Attribute> attribute);
 
-    // Of several with one name the last one stays.
-    void sort();
+    // Into the room for them. They count when the filling goes.
+    using Filling = NodeArray<Attribute>::Filling;
+    Filling fill() { return Filling(sorted); }
 
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
-    Attribute** extend(std::size_t count) { return sorted.extend(count); }
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
     void forget() { sorted.clear(); }
 

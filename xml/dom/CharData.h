@@ -49,7 +49,8 @@ public:
 private:
     friend struct NodeAccess;
 
-    explicit CharData(internal::NodeClass made) : Object(made) {}
+    CharData(const internal::GivenText& text, Object* itsParent)
+        : Object(internal::NodeClass::CharData, text.place, itsParent), held(text) {}
 
     internal::Text held;
     mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for

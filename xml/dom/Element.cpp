@@ -72,15 +72,15 @@ Element::Element(const Element& other) : Element() {
     Preorder<const Element, Copy> walk;
     const auto copyAttribute = [&](const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);
-        const std::string& shared = memory->names.find(NodeAccess::name(from), memory->nodes);
-        auto copy = NodeAccess::makeAttribute(memory->nodes, shared, NodeAccess::text(from));
+        const SharedName& shared = memory->names.find(NodeAccess::name(from), memory->nodes);
+        auto copy = NodeAccess::makeAttribute(memory->nodes, shared, NodeAccess::text(from), nullptr);
         NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(from));
         return copy;
     };
     const auto copyElement = [&](const Element& from) {
         const std::string& itsName = NodeAccess::name(from);
         if (!memory) return NodeAccess::makeElement(itsName);
-        return NodeAccess::makeElement(memory->nodes, memory->names.find(itsName, memory->nodes));
+        return NodeAccess::makeElement(memory->nodes, memory->names.find(itsName, memory->nodes), nullptr);
     };
     // Attributes, and room for the children.
     const auto begin = [&](const Element& from, Element& to) {
@@ -111,7 +111,8 @@ Element::Element(const Element& other) : Element() {
             NodeAccess::appendChild(to, std::move(copy));
             begin(from, made);
         } else if (exactly == NodeClass::CharData && memory) {
-            auto copy = NodeAccess::makeText(memory->nodes, NodeAccess::text(static_cast<const CharData&>(*child)));
+            auto copy =
+                NodeAccess::makeText(memory->nodes, NodeAccess::text(static_cast<const CharData&>(*child)), &to);
             NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(*child));
             NodeAccess::appendChild(to, std::move(copy));
         } else {

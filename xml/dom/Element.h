@@ -159,6 +159,8 @@ private:
 
     ORVXML_LOCAL Element();
     explicit Element(internal::NodeClass made) : Object(made) {}
+    Element(const std::string* sharedName, Object* itsParent)
+        : Object(internal::NodeClass::Element, internal::TextPlace::Own, itsParent), name(sharedName) {}
 
     ORVXML_LOCAL void insertAt(std::size_t place, Object* child);
     ORVXML_LOCAL void adopt(std::unique_ptr<Object> child);

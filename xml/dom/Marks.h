@@ -20,8 +20,11 @@ enum class TextPlace : std::uint8_t { Own, Lent };
 class Marks {
 public:
     Marks() : Marks(NodeClass::Unknown) {}
-    explicit Marks(NodeClass made)
-        : exactClass(made), dirty(true), asideText(false), edited(false), lent(false), inSlab(false) {}
+    explicit Marks(NodeClass made) : exactClass(made) {}
+
+    // Of a node in a slab.
+    Marks(NodeClass made, TextPlace place)
+        : exactClass(made), fixed(place == TextPlace::Lent ? kInSlab | kLent : kInSlab) {}
 
     // The copy of a node keeps the link only: it is marked as changed and was never written.
     Marks(const Marks& other) : Marks() { link = other.link; }
@@ -31,12 +34,12 @@ public:
     const Dtd* dtd() const { return link; }
     void setDtd(const Dtd* dtd) { link = dtd; }
 
-    bool isDirty() const { return dirty; }
-    void setDirty(bool isChanged) const { dirty = isChanged; }
+    bool isDirty() const { return (noted & kDirty) != 0; }
+    void setDirty(bool isChanged) const { put(noted, kDirty, isChanged); }
 
     // The node has changed: it is no longer known to conform to the Dtd.
     void touch() {
-        dirty = true;
+        setDirty(true);
         link = nullptr;
     }
 
@@ -48,12 +51,11 @@ public:
         end = to;
     }
 
-    TextPlace textPlace() const { return lent ? TextPlace::Lent : TextPlace::Own; }
-    void setTextPlace(TextPlace place) { lent = place == TextPlace::Lent; }
+    TextPlace textPlace() const { return (fixed & kLent) != 0 ? TextPlace::Lent : TextPlace::Own; }
 
     // Whether a text of the node is kept aside (see AsideTexts).
-    bool hasAsideText() const { return asideText; }
-    void setAsideText(bool has) const { asideText = has; }
+    bool hasAsideText() const { return (noted & kAsideText) != 0; }
+    void setAsideText(bool has) const { put(noted, kAsideText, has); }
 
     // A number that is the affair of what works on the tree, of an element validation's; of 40 bits.
     static constexpr std::uint64_t kMostNumber = (std::uint64_t{1} << 40) - 1;
@@ -65,24 +67,26 @@ public:
 
     // Whether the node lies in a slab. Its address alone would not say: nodes that callers have elsewhere than in the
     // heap may lie anywhere.
-    bool isInSlab() const { return inSlab; }
-    void setInSlab() { inSlab = true; }
+    bool isInSlab() const { return (fixed & kInSlab) != 0; }
 
     // Whether the children or attributes of the element have been changed since it was read or copied.
-    bool isEdited() const { return edited; }
-    void setEdited() { edited = true; }
+    bool isEdited() const { return (fixed & kEdited) != 0; }
+    void setEdited() { put(fixed, kEdited, true); }
 
     ExactClass exactClass;
 
 private:
+    using Flags = std::uint8_t;
+    static constexpr Flags kDirty = 1, kAsideText = 2;           // of `noted`
+    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4;  // of `fixed`; what is lent is the text
+
+    static void put(Flags& flags, Flags flag, bool on) {
+        flags = static_cast<Flags>(on ? flags | flag : flags & ~flag);
+    }
+
     // What looking at the node, or writing it, may change, in a byte of its own: others may look at the rest meanwhile.
-    mutable bool dirty : 1;
-    mutable bool asideText : 1;
-    std::uint8_t : 0;
-    bool edited : 1;
-    bool lent : 1;  // the text
-    bool inSlab : 1;
-    std::uint8_t : 0;
+    mutable Flags noted = kDirty;
+    Flags fixed = 0;
     mutable std::uint8_t upperNumber = 0;
     mutable std::uint32_t lowerNumber = 0;
     mutable std::int32_t start = -1;

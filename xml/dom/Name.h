@@ -12,26 +12,21 @@ namespace Xml::internal {
 class Name {
 public:
     Name() = default;  // the empty name
+
+    // A text that outlives the name.
+    explicit Name(const std::string* shared) : word(reinterpret_cast<std::uintptr_t>(shared)) {}
+
     Name(const Name&) = delete;
     Name& operator=(const Name&) = delete;
     ~Name() { drop(); }
 
     const std::string& text() const { return word != 0 ? *pointer() : emptyText(); }
 
-    // Whether both share one text. Those that do not may be equal all the same.
-    bool isSharedWith(const Name& other) const { return word == other.word; }
-
     // A copy of its own. Where memory runs out nothing has changed.
     void set(const std::string& text) {
         const std::string* const copy = text.empty() ? nullptr : new std::string(text);
         drop();
         word = copy != nullptr ? reinterpret_cast<std::uintptr_t>(copy) | kOwned : 0;
-    }
-
-    // A text that outlives the name.
-    void share(const std::string& text) {
-        drop();
-        word = reinterpret_cast<std::uintptr_t>(&text);
     }
 
 private:

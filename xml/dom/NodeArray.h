@@ -93,6 +93,25 @@ public:
         return end;
     }
 
+    // Puts nodes at the end, where there is room for them. They count when it goes.
+    class Filling {
+    public:
+        explicit Filling(NodeArray& toFill)
+            : array(toFill),
+              first(toFill.isBlock() ? toFill.block().nodes() + toFill.block().size : &toFill.word),
+              at(first) {}
+        ~Filling() { array.extend(static_cast<std::size_t>(at - first)); }
+        Filling(const Filling&) = delete;
+        Filling& operator=(const Filling&) = delete;
+
+        void put(Node* node) { *at++ = node; }
+
+    private:
+        NodeArray& array;
+        Node** first;
+        Node** at;
+    };
+
     // A place below size(). Needs no memory.
     Node* remove(std::size_t place) {
         Node* const node = (*this)[place];

@@ -96,6 +96,10 @@ protected:
     // Of a node that the library makes as an object of exactly that class.
     explicit Object(internal::NodeClass made) : marks(made) {}
 
+    // Of one in the memory of a tree.
+    Object(internal::NodeClass made, internal::TextPlace place, Object* itsParent)
+        : marks(made, place), parent(itsParent) {}
+
 private:
     friend struct NodeAccess;
 

@@ -15,6 +15,18 @@ namespace Xml::internal {
 
 struct KeptText;
 
+// The text for a node in the memory of a tree: a short one, of which the node has a copy of its own; or bytes that stay
+// as long as the node; or a string in place of them that the tree keeps.
+struct GivenText {
+    std::string_view bytes;
+    TextPlace place = TextPlace::Own;
+    KeptText* string = nullptr;
+    bool isPadded = false;  // of a short one: kShortText bytes may be read there
+};
+
+// Up to so many bytes are in a string without memory of its own.
+constexpr std::size_t kShortText = 15;
+
 // The text that a node holds: a string of its own, or bytes that lie beside the node in the memory of its tree. Most
 // texts are only looked at, so such bytes become a string when somebody asks for one, and the tree keeps that.
 //
@@ -27,6 +39,13 @@ struct KeptText;
 class Text {
 public:
     Text() : own() {}
+    explicit Text(const GivenText& given) {
+        if (given.place == TextPlace::Own) {
+            makeShort(given.bytes, given.isPadded);
+        } else {
+            ::new (&lent) Lent{given.bytes.data(), given.bytes.size(), {given.string}};
+        }
+    }
     Text(const Text&) = delete;
     Text& operator=(const Text&) = delete;
 
@@ -58,23 +77,23 @@ public:
     // Puts another text in place of this one: in the same string, where there is one.
     void assign(const Object& node, const Marks& marks, DataHolder&& text);
 
-    // For a text that is empty and its own: a short one.
-    void assignShort(std::string_view text) { ::new (&own) DataHolder(text); }
-
-    // For a text that is empty and its own: bytes that stay as long as the node, or a string in place of them that the
-    // tree keeps.
-    void lend(Marks& marks, std::string_view bytes, KeptText* string = nullptr) {
-        own.~DataHolder();
-        ::new (&lent) Lent{bytes.data(), bytes.size(), {string}};
-        marks.setTextPlace(TextPlace::Lent);
-    }
-
 private:
     struct Lent {
         const char* bytes;
         std::size_t length;
         std::atomic<KeptText*> string;  // in place of the bytes, once it was asked for
     };
+
+    // In line as a whole, and without a branch for each length where that can be: it is a good part of what a short text
+    // costs.
+    [[gnu::flatten]] void makeShort(std::string_view text, bool isPadded) {
+        if (isPadded) {
+            ::new (&own) DataHolder(text.data(), kShortText);
+            own.erase(text.size());
+        } else {
+            ::new (&own) DataHolder(text);
+        }
+    }
 
     ORVXML_LOCAL static std::string_view viewOf(const KeptText& kept);
     ORVXML_LOCAL const DataHolder& madeString(const Object& node) const;

@@ -112,15 +112,16 @@ SharedName& NodeMemory::takeName(std::string_view name) {
         char* const end = high - sizeof(SharedName);
         char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(place, sizeof(SharedName));
-        arena.names = ::new (place) SharedName{std::string(name), arena.names};
+        arena.names = ::new (place) SharedName(name, arena.names);
         high = place;
     } else {
-        arena.names = new SharedName{std::string(name), arena.names};
+        arena.names = new SharedName(name, arena.names);
     }
     return *arena.names;
 }
 
 KeptText& NodeMemory::takeText(std::string_view text) {
+    if (slab == nullptr) addSlab();
     auto made = std::make_unique<KeptText>();
     made->text = text;
     return slab->arena().keep(std::move(made));

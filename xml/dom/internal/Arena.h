@@ -2,10 +2,13 @@
 
 #include "xml/dom/Object.h"
 #include "xml/dom/internal/Slab.h"
+#include "xml/stream/internal/Scan.h"
 #include "xml/text/DataHolder.h"
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,9 +31,34 @@ using internal::KeptText;
 
 // A name that the nodes of a tree share. The first ones lie in the first slab, the others in the heap.
 struct SharedName {
+    SharedName(std::string_view name, SharedName* itsNext)
+        : text(name), next(itsNext), number(itsNext != nullptr ? itsNext->number + 1 : 0) {
+        char first[Scan::kWordSize] = {};
+        std::memcpy(first, name.data(), std::min(name.size(), sizeof first));
+        head = Scan::wordAt(first);
+        order = __builtin_bswap64(head);
+        std::memset(first, 0xFF, std::min(name.size(), sizeof first));
+        headMask = Scan::wordAt(first);
+    }
+
+    // Whether the run of bytes begins with the name.
+    bool begins(const char* from, const char* to) const {
+        if (to - from < Scan::kWordSize) return Scan::startsWith(from, to, text);
+        if (((Scan::wordAt(from) ^ head) & headMask) != 0) return false;
+        return text.size() <= sizeof head || Scan::startsWith(from, to, text);
+    }
+
+    // In the byte order of the texts.
+    bool isBefore(const SharedName& other) const {
+        return head != other.head ? order < other.order : text < other.text;
+    }
+
     std::string text;
-    SharedName* next;                // of those in the arena
-    SharedName* follower = nullptr;  // the one that came after it last, while the tree is read (see NameTable)
+    SharedName* next;      // of those in the arena
+    std::uint32_t number;  // in the order in which they were made
+    Scan::Word head;       // its first bytes, and then zeros ...
+    Scan::Word headMask;   // ... and which of them are its own
+    Scan::Word order;      // the same, the first in the highest place
 };
 
 // The memory of one tree that was read or copied in one go: all nodes below its top element, their names, their texts

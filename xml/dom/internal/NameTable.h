@@ -4,29 +4,44 @@
 #include "xml/stream/internal/Scan.h"
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
-#include <string>
 #include <string_view>
 
 namespace Xml {
 
 // The names that the nodes of one arena share: each is kept once. A tree has few names, and they mostly follow each
-// other as they did before: the name after this one is tried first, then the recent ones. O(log n) for the others,
-// whatever names a document chooses.
+// other as they did before: the name that came last after the same names is tried first, then the recent ones. O(log n)
+// for the others, whatever names a document chooses.
 class NameTable {
 public:
-    const std::string& find(std::string_view name, NodeMemory& memory) {
-        SharedName* found = last != nullptr ? last->follower : nullptr;
-        if (found == nullptr || !isSame(found->text, name)) found = &findElsewhere(name, memory);
-        last = found;
-        return found->text;
+    const SharedName& find(std::string_view name, NodeMemory& memory) {
+        SharedName*& next = followers[context];
+        if (next == nullptr || !isSame(*next, name)) next = &findElsewhere(name, memory);
+        return take(*next);
+    }
+
+    // The name that begins a run of bytes [at, to) and goes as far as they are of these classes, the first one aside.
+    // `at` is set to its end.
+    template <std::uint8_t Classes>
+    const SharedName& read(const char*& at, const char* to, NodeMemory& memory) {
+        SharedName*& next = followers[context];
+        const char* const from = at;
+        if (next != nullptr && next->begins(from, to)) {
+            at = from + next->text.size();
+            if (at != to && !ByteClass::is(*at, Classes)) return take(*next);
+        }
+        at = Scan::endOf<Classes>(from + 1, to);
+        next = &findElsewhere({from, static_cast<std::size_t>(at - from)}, memory);
+        return take(*next);
     }
 
 private:
     static constexpr std::size_t kRecents = 128;
+    static constexpr std::size_t kFew = 16;  // are looked through one by one
 
-    static bool isSame(const std::string& kept, std::string_view name) {
-        return kept.size() == name.size() && Scan::startsWith(name.data(), name.data() + name.size(), kept);
+    static bool isSame(const SharedName& kept, std::string_view name) {
+        return kept.text.size() == name.size() && kept.begins(name.data(), name.data() + name.size());
     }
 
     static std::size_t placeOf(std::string_view name) {
@@ -35,23 +50,36 @@ private:
         return (name.size() * 5 + byte(0) * 3u + byte(name.size() / 2) * 7u + byte(name.size() - 1)) % kRecents;
     }
 
-    SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
+    const SharedName& take(const SharedName& name) {
+        context = static_cast<std::uint8_t>(context << 2 ^ name.number);
+        return name;
+    }
+
+    [[gnu::noinline]] SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
         SharedName*& recent = recents[placeOf(name)];
-        if (recent == nullptr || !isSame(recent->text, name)) recent = &findAmongAll(name, memory);
-        if (last != nullptr) last->follower = recent;
+        if (recent == nullptr || !isSame(*recent, name)) recent = &findAmongAll(name, memory);
         return *recent;
     }
 
     SharedName& findAmongAll(std::string_view name, NodeMemory& memory) {
-        if (const auto found = all.find(name); found != all.end()) return *found->second;
-        SharedName& kept = memory.takeName(name);
-        all.emplace(kept.text, &kept);
-        return kept;
+        if (newest == nullptr || newest->number < kFew) {
+            for (SharedName* kept = newest; kept != nullptr; kept = kept->next)
+                if (isSame(*kept, name)) return *kept;
+        } else if (const auto found = all.find(name); found != all.end()) {
+            return *found->second;
+        }
+        newest = &memory.takeName(name);
+        if (newest->number >= kFew) {
+            for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;
+        }
+        return *newest;
     }
 
-    SharedName* last = nullptr;  // what was found last
+    std::uint8_t context = 0;                  // made of the last few names
+    std::array<SharedName*, 256> followers{};  // what came last in each context
     std::array<SharedName*, kRecents> recents{};
-    std::map<std::string_view, SharedName*> all;
+    SharedName* newest = nullptr;                 // from there on all of them
+    std::map<std::string_view, SharedName*> all;  // once they are more than a few
 };
 
 }  // namespace Xml

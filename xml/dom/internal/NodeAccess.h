@@ -6,6 +6,7 @@
 #include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
 #include "xml/dom/internal/Arena.h"
+#include "xml/dom/internal/GivenAttributes.h"
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -54,30 +55,22 @@ struct NodeAccess {
     static DataHolder& ownText(Attribute& node) { return node.value.string(node, node.marks); }
 
     // --- Nodes in the memory of a tree, for what reads or copies one: nothing links to a Dtd yet, all is marked as
-    // changed already. A shared name and the bytes of a text stay as long as the memory. ---
+    // changed already. A shared name stays as long as the memory. A text is padded where kShortText bytes may be read
+    // from its beginning on. ---
 
-    static std::unique_ptr<Element> makeElement(NodeMemory& memory, const std::string& sharedName) {
+    static std::unique_ptr<Element> makeElement(NodeMemory& memory, const SharedName& name, Object* parent) {
         void* const place = memory.takeNode<Element>().node;
-        std::unique_ptr<Element> element(::new (place) Element(NodeClass::Element));
-        element->marks.setInSlab();
-        element->name.share(sharedName);
-        return element;
+        return std::unique_ptr<Element>(::new (place) Element(&name.text, parent));
     }
-    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text) {
-        const auto [place, bytes] = memory.takeNode<CharData>(lentSize(text));
-        std::unique_ptr<CharData> node(::new (place) CharData(NodeClass::CharData));
-        node->marks.setInSlab();
-        put(node->held, *node, text, bytes, memory);
-        return node;
+    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text, Object* parent,
+                                              bool isPadded = false) {
+        const auto [place, given] = roomFor<CharData>(memory, text, isPadded);
+        return std::unique_ptr<CharData>(::new (place) CharData(given, parent));
     }
-    static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const std::string& sharedName,
-                                                    std::string_view value) {
-        const auto [place, bytes] = memory.takeNode<Attribute>(lentSize(value));
-        std::unique_ptr<Attribute> node(::new (place) Attribute(NodeClass::Attribute));
-        node->marks.setInSlab();
-        node->name.share(sharedName);
-        put(node->value, *node, value, bytes, memory);
-        return node;
+    static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const SharedName& name, std::string_view value,
+                                                    Object* parent, bool isPadded = false) {
+        const auto [place, given] = roomFor<Attribute>(memory, value, isPadded);
+        return std::unique_ptr<Attribute>(::new (place) Attribute(&name.text, given, parent));
     }
 
     // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would
@@ -87,19 +80,21 @@ struct NodeAccess {
         element.children.append(std::move(child));
     }
 
-    // Gives an element of the same memory exactly these, which have it as their parent: its children; its attributes,
-    // in any order.
+    // Gives an element of the same memory exactly these: its children, which have it as their parent; its attributes.
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
         const auto count = static_cast<std::size_t>(last - first);
         reserveChildren(element, &memory, count);
         for (Object** at = element.children.extend(count); first != last; ++first) *at++ = first->release();
     }
-    static void setAttributes(Element& element, NodeMemory& memory, std::vector<std::unique_ptr<Attribute>>& all) {
+    static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
+        if (all.empty()) return;
+        all.sort();
         reserveAttributes(element, &memory, all.size());
-        Attribute** at = element.attributes.extend(all.size());
-        for (auto& attribute : all) *at++ = attribute.release();
-        if (all.size() > 1) element.attributes.sort();
+        internal::Attributes::Filling filling = element.attributes.fill();
+        for (const GivenAttributes::Given& given : all) {
+            filling.put(makeAttribute(memory, *given.name, given.value, &element, all.arePadded()).release());
+        }
     }
 
     // Room for as many, for an element that has none. One in a slab needs its memory; for any other it may be null.
@@ -158,21 +153,22 @@ private:
     // Drops what is below the element, if that is the memory of a tree as it was made.
     static void dropWhole(Element& top);
 
-    // Up to so many bytes are in a string without memory of its own.
-    static constexpr std::size_t kShort = 15;
-
-    static std::size_t lentSize(std::string_view text) {
-        return text.size() > kShort && text.size() <= NodeMemory::kMostBytes ? text.size() : 0;
-    }
-    static void put(internal::Text& to, Object& node, std::string_view text, char* bytes, NodeMemory& memory) {
-        if (text.size() <= kShort) {
-            to.assignShort(text);
-        } else if (text.size() <= NodeMemory::kMostBytes) {
-            std::memcpy(bytes, text.data(), text.size());
-            to.lend(node.marks, {bytes, text.size()});
-        } else {
-            to.lend(node.marks, {}, &memory.takeText(text));
+    // Room for a node, and its text there or elsewhere in the memory.
+    struct NodeRoom {
+        void* node;
+        internal::GivenText text;
+    };
+    template <class Node>
+    static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded) {
+        if (text.size() <= internal::kShortText)
+            return {memory.takeNode<Node>().node, {text, internal::TextPlace::Own, nullptr, isPadded}};
+        if (text.size() > NodeMemory::kMostBytes) {
+            KeptText& kept = memory.takeText(text);
+            return {memory.takeNode<Node>().node, {{}, internal::TextPlace::Lent, &kept}};
         }
+        const NodeMemory::Room room = memory.takeNode<Node>(text.size());
+        std::memcpy(room.bytes, text.data(), text.size());
+        return {room.node, {{room.bytes, text.size()}, internal::TextPlace::Lent}};
     }
 
     template <class Nodes>

@@ -3,6 +3,7 @@
 #include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -19,8 +20,9 @@ namespace Xml {
 //
 //     TreeBuilder tree(root);
 //     tree.begin("a");
-//     tree.addAttribute("x", "1");
-//     tree.endAttributes();
+//     GivenAttributes attributes;
+//     attributes.add(tree.name("x"), "1");
+//     tree.setAttributes(attributes);
 //     tree.addText("text");
 //     tree.end();
 class TreeBuilder {
@@ -44,31 +46,40 @@ public:
         if (!isOpen()) {
             root = NodeAccess::makeElement(name);
             here = outermost = root.get();
-            return;
+        } else {
+            begin(names.find(name, memory));
         }
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, names.find(name, memory));
-        NodeAccess::setParent(*element, *here);
+    }
+
+    // The same for an element that is not the outermost one.
+    void begin(const SharedName& name) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
         Element* const begun = element.get();
         inner.push_back({std::move(element), finished.size()});
         here = begun;
     }
 
-    // An attribute of the innermost element, in the order of the text. The name has been checked.
-    void addAttribute(std::string_view name, std::string_view value) {
-        std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory, names.find(name, memory), value);
-        NodeAccess::setParent(*made, *here);
-        attributes.push_back(std::move(made));
+    // Gives the innermost element, which has none, these attributes.
+    void setAttributes(GivenAttributes& attributes) { NodeAccess::setAttributes(*here, memory, attributes); }
+
+    // An element without children, within the innermost one.
+    void addElement(const SharedName& name, GivenAttributes& attributes) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
+        NodeAccess::setAttributes(*element, memory, attributes);
+        finish(std::move(element));
     }
 
-    // Gives the innermost element the attributes that were added, in its own order: of several with one name the last.
-    // Has to follow before anything else is done or seen.
-    void endAttributes() {
-        if (attributes.empty()) return;
-        NodeAccess::setAttributes(*here, memory, attributes);
-        attributes.clear();
+    // A name for what is in the tree below the outermost element; the same, read from a run of bytes (see NameTable).
+    const SharedName& name(std::string_view text) { return names.find(text, memory); }
+    template <std::uint8_t Classes>
+    const SharedName& readName(const char*& at, const char* to) {
+        return names.read<Classes>(at, to, memory);
     }
 
-    void addText(std::string_view text) { finish(NodeAccess::makeText(memory, text)); }
+    // Padded: as GivenText has it.
+    void addText(std::string_view text, bool isPadded = false) {
+        finish(NodeAccess::makeText(memory, text, here, isPadded));
+    }
 
     // Ends the innermost element.
     void end() {
@@ -100,7 +111,6 @@ private:
         if (inner.empty()) {
             NodeAccess::appendChild(*here, std::move(child));
         } else {
-            NodeAccess::setParent(*child, *here);
             finished.push_back(std::move(child));
         }
     }
@@ -108,10 +118,9 @@ private:
     std::unique_ptr<Element>& root;
     NodeMemory memory;
     NameTable names;
-    std::vector<Inner> inner;                            // the innermost last
-    std::vector<std::unique_ptr<Object>> finished;       // children of those, in the order of the text
-    std::vector<std::unique_ptr<Attribute>> attributes;  // of the innermost element, until they are all there
-    Element* outermost = nullptr;                        // which code of callers may take out of `root` meanwhile
+    std::vector<Inner> inner;                       // the innermost last
+    std::vector<std::unique_ptr<Object>> finished;  // children of those, in the order of the text
+    Element* outermost = nullptr;                   // which code of callers may take out of `root` meanwhile
     Element* here = nullptr;
 };
 

@@ -27,12 +27,12 @@ bool isNameStart(char c) { return ByteClass::is(c, ByteClass::kNameStart); }
 
 std::string_view viewOf(const char* from, const char* to) { return {from, static_cast<std::size_t>(to - from)}; }
 
-const char* whiteEnd(const char* from, const char* to) { return Scan::endOfRepeated<ByteClass::kWhite>(from, to); }
+const char* whiteEnd(const char* from, const char* to) { return Scan::endOfAny<' ', '\t', '\n', '\r'>(from, to); }
 const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
 
 // The end of a value, or its first '&'.
 const char* plainValueEnd(const char* from, const char* to, char quote) {
-    return quote == '"' ? Scan::findEither<'"', '&'>(from, to) : Scan::findEither<'\'', '&'>(from, to);
+    return quote == '"' ? Scan::findAny<'"', '&'>(from, to) : Scan::findAny<'\'', '&'>(from, to);
 }
 
 // The window of a stream, and what is read from it.
@@ -46,10 +46,7 @@ public:
           referenceEnd(endOfReferences),
           end(StreamAccess::window(stream).end),
           begin(StreamAccess::window(stream).cursor),
-          returns(begin) {
-        constexpr std::size_t kMostly = 16;
-        attributes.reserve(kMostly);
-    }
+          returns(begin) {}
 
     Pieces(const Pieces&) = delete;
     Pieces& operator=(const Pieces&) = delete;
@@ -71,12 +68,6 @@ public:
     }
 
 private:
-    struct Attribute {
-        std::string_view name;
-        std::string_view value;
-        bool refers;  // has references
-    };
-
     // The piece ends there: the next one begins.
     void goOnAt(const char* to) {
         StreamAccess::moveTo(in, to);
@@ -102,12 +93,16 @@ private:
         StreamAccess::noteOther(in);
     }
 
+    const SharedName& readName(const char*& at) { return tree.readName<ByteClass::kNameChar>(at, end); }
+
+    // Whether texts up to there are padded: as many bytes as a short text may have can be read from each of them on.
+    bool isPadded(const char* to) const { return end - to >= static_cast<std::ptrdiff_t>(internal::kShortText); }
+
     // What is rare is out of line, so that the rest stays in registers.
     bool takeStartTag(const char* name);
     const char* collectAttributes(const char* from);
     [[gnu::noinline]] bool decodeValues();
-    void addAttributes();
-    [[gnu::noinline]] void noteStartTag(const char* name, const char* elementNameEnd, const char* to);
+    [[gnu::noinline]] void noteStartTag(const char* name, const char* to);
     bool takeEndTag(const char* name);
     [[gnu::noinline]] bool takeComment(const char* dashes);
     bool takeText(const char* first);
@@ -115,6 +110,15 @@ private:
     const char* through(const char* from, char last) const;
     const char* referenceTriedFrom(const char* first) const;
     static const char* plainTriedFrom(const char* first);
+
+    // The quote after an equal sign; null without one.
+    const char* afterEqual(const char* at) const {
+        if (end - at >= 2 && *at == '=' && isQuote(at[1])) return at + 1;
+        at = whiteEnd(at, end);
+        if (at == end || *at != '=') return nullptr;
+        at = whiteEnd(at + 1, end);
+        return at != end && isQuote(*at) ? at : nullptr;
+    }
 
     InStream& in;
     TreeBuilder& tree;
@@ -127,62 +131,75 @@ private:
     ReturnsAhead returns;
 
     // Of the tag at hand.
-    std::vector<Attribute> attributes;
-    bool hasReferences = false;
-    std::vector<DataHolder> decoded;  // the values with references, in their order
+    GivenAttributes attributes;
+    std::vector<std::size_t> referring;  // the places of those whose values have references ...
+    std::vector<DataHolder> decoded;     // ... and these values decoded
 };
 
 // --- Tags ---
 
 bool Pieces::takeStartTag(const char* name) {
-    const char* const elementNameEnd = nameEnd(name + 1, end);
-    const char* const to = collectAttributes(elementNameEnd);
+    const bool isOutermost = !tree.isOpen();
+    const char* at = name;
+    const SharedName* shared = nullptr;
+    if (isOutermost) {
+        at = nameEnd(name + 1, end);  // its name is its own
+    } else {
+        shared = &readName(at);
+    }
+    const std::string_view itsName = viewOf(name, at);
+    const char* const to = collectAttributes(at);
     if (to == nullptr) return false;
     const bool isEmpty = to[-2] == '/';
-    if (isEmpty && !tree.isOpen()) return false;
-    if (hasReferences && !decodeValues()) return false;
+    if (isEmpty && isOutermost) return false;
+    if (!referring.empty()) {
+        if (!decodeValues()) return false;
+    } else if (isPadded(to)) {
+        attributes.setPadded();
+    }
 
-    if (returns.in(name, to, end)) noteStartTag(name, elementNameEnd, to);
+    if (returns.in(name, to, end)) noteStartTag(name, to);
     goOnAt(to);
-    tree.begin(viewOf(name, elementNameEnd));
-    if (!attributes.empty()) addAttributes();
-    if (isEmpty) tree.end();
+    if (isEmpty) {
+        tree.addElement(*shared, attributes);
+        return true;
+    }
+    if (isOutermost) {
+        tree.begin(itsName);
+    } else {
+        tree.begin(*shared);
+    }
+    tree.setAttributes(attributes);
     return true;
 }
 
 // Those from the end of the element's name on. Returns the end of the tag, null when it is not ordinary.
 const char* Pieces::collectAttributes(const char* from) {
     attributes.clear();
-    hasReferences = false;
+    referring.clear();
     for (;;) {
-        const char* name = from != end && *from == ' ' ? from + 1 : from;
-        if (name == end) return nullptr;
-        if (!isNameStart(*name)) {
-            name = whiteEnd(name, end);
-            if (name == end) return nullptr;
-            if (*name == '>') return name + 1;
-            if (*name == '/') return end - name >= 2 && name[1] == '>' ? name + 2 : nullptr;
-            if (!isNameStart(*name)) return nullptr;
+        const char* at = from != end && *from == ' ' ? from + 1 : from;
+        if (at == end) return nullptr;
+        if (!isNameStart(*at)) {
+            at = whiteEnd(at, end);
+            if (at == end) return nullptr;
+            if (*at == '>') return at + 1;
+            if (*at == '/') return end - at >= 2 && at[1] == '>' ? at + 2 : nullptr;
+            if (!isNameStart(*at)) return nullptr;
         }
-        const char* const itsNameEnd = nameEnd(name + 1, end);
-
-        const char* at = itsNameEnd;
-        if (at != end && *at != '=') at = whiteEnd(at, end);
-        if (end - at < 2 || *at != '=') return nullptr;
-        ++at;
-        if (!isQuote(*at)) at = whiteEnd(at, end);
-        if (at == end || !isQuote(*at)) return nullptr;
+        const SharedName& name = readName(at);
+        at = afterEqual(at);
+        if (at == nullptr) return nullptr;
         const char quote = *at;
         const char* const value = at + 1;
         const char* valueEnd = plainValueEnd(value, end, quote);
         if (valueEnd == end) return nullptr;
-        const bool refers = *valueEnd == '&';
-        if (refers) {
+        if (*valueEnd == '&') {
             valueEnd = Scan::find(valueEnd, end, quote);
             if (valueEnd == nullptr) return nullptr;
-            hasReferences = true;
+            referring.push_back(attributes.size());
         }
-        attributes.push_back({viewOf(name, itsNameEnd), viewOf(value, valueEnd), refers});
+        attributes.add(name, viewOf(value, valueEnd));
         from = valueEnd + 1;
     }
 }
@@ -191,35 +208,31 @@ const char* Pieces::collectAttributes(const char* from) {
 bool Pieces::decodeValues() {
     const EntityBudget before = budget;
     decoded.clear();
-    for (const Attribute& attribute : attributes) {
-        if (!attribute.refers) continue;
-        DataHolder value(attribute.value);
-        StreamAccess::moveTo(in, attribute.value.data() + attribute.value.size() + 1);
-        if (!budget.expand(in, value, dtd)) {
+    decoded.reserve(referring.size());  // they stay where they are
+    for (const std::size_t place : referring) {
+        std::string_view& value = attributes[place].value;
+        decoded.emplace_back(value);
+        StreamAccess::moveTo(in, value.data() + value.size() + 1);
+        if (!budget.expand(in, decoded.back(), dtd)) {
             budget = before;
             StreamAccess::moveTo(in, begin);
             return false;
         }
-        decoded.push_back(std::move(value));
+        value = decoded.back();
     }
     return true;
 }
 
-void Pieces::addAttributes() {
-    std::size_t next = 0;
-    for (const Attribute& attribute : attributes)
-        tree.addAttribute(attribute.name, attribute.refers ? std::string_view(decoded[next++]) : attribute.value);
-    tree.endAttributes();
-}
-
 // What follows a name is read again.
-void Pieces::noteStartTag(const char* name, const char* elementNameEnd, const char* to) {
-    const char* again = elementNameEnd;
+void Pieces::noteStartTag(const char* name, const char* to) {
+    const char* again = nameEnd(name + 1, to);
     StreamAccess::note(in, name, again + 1);
-    for (const Attribute& attribute : attributes) {
-        const char* const next = attribute.name.data() + attribute.name.size();
-        StreamAccess::note(in, again, next + 1);
-        again = next;
+    for (const char* at = whiteEnd(again, to); isNameStart(*at); at = whiteEnd(at, to)) {
+        at = nameEnd(at + 1, to);
+        StreamAccess::note(in, again, at + 1);
+        again = at;
+        const char* const quote = whiteEnd(whiteEnd(at, to) + 1, to);  // after the '='
+        at = Scan::find(quote + 1, to, *quote) + 1;
     }
     StreamAccess::note(in, again, to);
 }
@@ -265,7 +278,7 @@ bool Pieces::takeText(const char* first) {
     if (returns.in(first, std::max(tried, to + 1), end)) noteText(tried != nullptr ? tried : plainTriedFrom(first), to);
     const std::string_view text = viewOf(begin, to);
     goOnAt(to);
-    tree.addText(text);
+    tree.addText(text, isPadded(to));
     return true;
 }
 

@@ -42,10 +42,12 @@ bool LiteralContent::beginElement() {
     tree.begin(StreamAccess::token(in));
     isBeginning = false;
     // The report comes after the attributes are in order: a caller's message() may ask for them.
-    const Attributes attributes = readAttributes();
-    tree.endAttributes();
-    if (attributes == Attributes::NotRead) return fail();
-    if (attributes == Attributes::TooLarge) return failWith(kEntityTextTooLarge);
+    GivenAttributes attributes;
+    std::deque<DataHolder> values;
+    const Attributes outcome = readAttributes(attributes, values);
+    tree.setAttributes(attributes);
+    if (outcome == Attributes::NotRead) return fail();
+    if (outcome == Attributes::TooLarge) return failWith(kEntityTextTooLarge);
     if (StreamAccess::token(in) == kSlashGreaterThen) {
         tree.end();
         return true;
@@ -54,7 +56,7 @@ bool LiteralContent::beginElement() {
 }
 
 // Up to the token after the attributes, which stays in the parse buffer.
-LiteralContent::Attributes LiteralContent::readAttributes() {
+LiteralContent::Attributes LiteralContent::readAttributes(GivenAttributes& attributes, std::deque<DataHolder>& values) {
     std::string name;
     while (true) {
         if (!StreamAccess::getToken(in)) return Attributes::NotRead;
@@ -64,9 +66,9 @@ LiteralContent::Attributes LiteralContent::readAttributes() {
         StreamAccess::clear(in);
         if (!in.getStringInParseBuffer()) return Attributes::NotRead;
         const std::string& literal = StreamAccess::token(in);
-        DataHolder value(literal, 1, literal.size() - 2);
+        DataHolder& value = values.emplace_back(literal, 1, literal.size() - 2);
         if (!budget.expand(in, value, dtd)) return Attributes::TooLarge;
-        tree.addAttribute(name, value);
+        attributes.add(tree.name(name), value);
     }
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "xml/stream/InStream.h"
-#include <cstddef>
+#include "xml/text/DataHolder.h"
+#include <deque>
 #include <string>
 
 namespace Xml {
@@ -9,6 +10,7 @@ namespace Xml {
 class Dtd;
 class ElementReader;
 class EntityBudget;
+class GivenAttributes;
 class TreeBuilder;
 
 // Reads an element with its whole subtree by tokens: every rule of content, every message.
@@ -42,7 +44,7 @@ private:
 
     bool beginElement();
     enum class Attributes { Read, NotRead, TooLarge };
-    Attributes readAttributes();
+    Attributes readAttributes(GivenAttributes& attributes, std::deque<DataHolder>& values);
     bool readEndTag();
 
     ElementReader& reader;

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 // Where something ends in a run of bytes [from, to): a name, white space, a value, a text. Nothing outside the run is
 // looked at. Knows no language: what is looked for is said by its bytes or by their class.
@@ -45,45 +48,45 @@ inline Word wordAt(const char* bytes) {
     return word;
 }
 
-constexpr Word repeated(unsigned char byte) { return Word{0x0101010101010101} * byte; }
+// Which of the bytes there are one of these: a bit for each, the first in the lowest place.
+#ifdef __SSE2__
+constexpr std::ptrdiff_t kBlockSize = 16;
 
-// Marks the bytes that are 0, and perhaps some after the first of them.
-constexpr Word marksOfZeros(Word word) { return (word - repeated(0x01)) & ~word & repeated(0x80); }
+template <char... These>
+inline unsigned marksOf(const char* block) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    __m128i found = _mm_setzero_si128();
+    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(These)))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#else
+constexpr std::ptrdiff_t kBlockSize = 1;
 
-// The place of the first byte that is not 0; there must be one.
-inline int firstMarked(Word marks) { return __builtin_ctzll(marks) / 8; }
+template <char... These>
+inline unsigned marksOf(const char* block) {
+    return ((*block == These) || ...) ? 1 : 0;
+}
+#endif
 
-// As endOf, for runs that repeat one byte many times, as indentation does.
-template <std::uint8_t Classes>
-inline const char* endOfRepeated(const char* from, const char* to) {
-    while (to - from >= kWordSize) {
-        if (!ByteClass::is(*from, Classes)) return from;
-        const Word others = wordAt(from) ^ repeated(static_cast<unsigned char>(*from));
-        from += others != 0 ? firstMarked(others) : kWordSize;
+// The first byte that is one of these (or, Not, none of these), `to` without one.
+template <bool Not, char... These>
+inline const char* findFirst(const char* from, const char* to) {
+    constexpr unsigned kAll = (1U << kBlockSize) - 1;
+    for (; to - from >= kBlockSize; from += kBlockSize) {
+        const unsigned marks = marksOf<These...>(from) ^ (Not ? kAll : 0U);
+        if (marks != 0) return from + __builtin_ctz(marks);
     }
-    while (from != to && ByteClass::is(*from, Classes)) ++from;
+    while (from != to && ((*from == These) || ...) == Not) ++from;
     return from;
 }
 
-// The first byte that is A or B, `to` without one. Mostly it is within a few words; what is further away is looked for
-// with find(). A and B differ in one bit, which is left out of the comparison.
-template <char A, char B>
-inline const char* findEither(const char* from, const char* to) {
-    constexpr auto kBit = static_cast<unsigned char>(A ^ B);
-    static_assert(kBit != 0 && (kBit & (kBit - 1)) == 0);
-    constexpr Word kOthers = repeated(static_cast<unsigned char>(~kBit));
-    constexpr Word kWanted = repeated(static_cast<unsigned char>(A & ~kBit));
-    const char* const nearEnd = to - from > 4 * kWordSize ? from + 4 * kWordSize : to;
-    for (; nearEnd - from >= kWordSize; from += kWordSize) {
-        const Word marks = marksOfZeros((wordAt(from) & kOthers) ^ kWanted);
-        if (marks != 0) return from + firstMarked(marks);
-    }
-    while (from != nearEnd && *from != A && *from != B) ++from;
-    if (from != nearEnd || from == to) return from;
-    const char* const firstA = find(from, to, A);
-    const char* const end = firstA != nullptr ? firstA : to;
-    const char* const firstB = find(from, end, B);
-    return firstB != nullptr ? firstB : end;
+template <char... These>
+inline const char* findAny(const char* from, const char* to) {
+    return findFirst<false, These...>(from, to);
+}
+template <char... These>
+inline const char* endOfAny(const char* from, const char* to) {
+    return findFirst<true, These...>(from, to);
 }
 
 // Whether both have the same bytes there.

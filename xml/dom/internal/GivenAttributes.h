@@ -1,0 +1,75 @@
+#pragma once
+
+#include "xml/dom/internal/Arena.h"
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace Xml {
+
+// The attributes of one tag, before there are nodes for them: names of one NameTable, and values whose bytes are
+// elsewhere. In the order of the text at first.
+class GivenAttributes {
+public:
+    struct Given {
+        const SharedName* name;
+        std::string_view value;
+    };
+
+    void clear() {
+        all.clear();
+        isSorted = true;
+        padded = false;
+    }
+    void add(const SharedName& name, std::string_view value) {
+        if (!all.empty()) isSorted &= all.back().name->isBefore(name);
+        all.push_back({&name, value});
+    }
+
+    // Whether each value is padded (see GivenText); not at first.
+    bool arePadded() const { return padded; }
+    void setPadded() { padded = true; }
+
+    bool empty() const { return all.empty(); }
+    std::size_t size() const { return all.size(); }
+    Given& operator[](std::size_t place) { return all[place]; }
+    const Given* begin() const { return all.data(); }
+    const Given* end() const { return all.data() + all.size(); }
+
+    // Puts them in the byte order of their names. Of several with one name the last stays.
+    void sort() {
+        if (isSorted) return;
+        const auto isBefore = [](const Given& a, const Given& b) { return a.name->isBefore(*b.name); };
+        constexpr std::size_t kFew = 32;
+        if (all.size() > kFew) {
+            std::stable_sort(all.begin(), all.end(), isBefore);
+        } else {
+            insertionSort(isBefore);
+        }
+        auto kept = all.begin();
+        for (auto next = kept + 1; next != all.end(); ++next) {
+            if (next->name != kept->name) ++kept;
+            *kept = *next;
+        }
+        all.erase(kept + 1, all.end());
+        isSorted = true;
+    }
+
+private:
+    template <class IsBefore>
+    void insertionSort(const IsBefore& isBefore) {
+        for (Given* next = all.data() + 1; next < end(); ++next) {
+            const Given moved = *next;
+            Given* to = next;
+            for (; to != begin() && isBefore(moved, to[-1]); --to) *to = to[-1];
+            *to = moved;
+        }
+    }
+
+    std::vector<Given> all;
+    bool isSorted = true;
+    bool padded = false;
+};
+
+}  // namespace Xml
