@@ -116,6 +116,38 @@ TEST(TreeBuilderTest, PutsAttributesInTheirOrderAndKeepsTheLastOfAName) {
     } while (std::next_permutation(names.begin(), names.end()));
 }
 
+TEST(TreeBuilderTest, AddsWholeElementsAsTheirPartsOneByOne) {
+    const std::string texts[] = {"t", "a text of more bytes than fifteen"};
+    for (const std::string& text : texts) {
+        for (const bool isPadded : {false, true}) {
+            std::unique_ptr<Element> parts;
+            TreeBuilder one(parts);
+            for (const std::string& step : Steps{"<a", "<bzx", "/", "<cyx", text, "/", "<d", "/", "/"})
+                build(one, step);
+
+            std::unique_ptr<Element> whole;
+            TreeBuilder tree(whole);
+            tree.begin("a");
+            const auto add = [&](const char* name, const std::string& attributes, const char* itsText) {
+                GivenAttributes given;
+                std::string values;
+                for (std::size_t i = 0; i < attributes.size(); ++i) values += std::to_string(i + 1);
+                for (std::size_t i = 0; i < attributes.size(); ++i)
+                    given.add(tree.name(attributes.substr(i, 1)), std::string_view(values).substr(i, 1));
+                if (itsText == nullptr) return tree.addElement(tree.name(name), given);
+                const std::string padded = itsText + std::string(internal::kShortText, '!');
+                tree.addLeaf(tree.name(name), given, std::string_view(padded).substr(0, text.size()), isPadded);
+            };
+            add("b", "zx", nullptr);
+            add("c", "yx", text.c_str());
+            add("d", "", nullptr);
+            tree.end();
+            EXPECT_EQ(dump(whole.get()), dump(parts.get()));
+            EXPECT_EQ(linksOf(whole.get(), nullptr), linksOf(parts.get(), nullptr));
+        }
+    }
+}
+
 TEST(TreeBuilderTest, ReplacesTheOutermostElementThatIsThereWhenItsOwnBegins) {
     auto root = std::make_unique<Element>("before");
     TreeBuilder tree(root);

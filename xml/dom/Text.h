@@ -84,7 +84,7 @@ private:
         std::atomic<KeptText*> string;  // in place of the bytes, once it was asked for
     };
 
-    // In line as a whole, and without a branch for each length where that can be: it is a good part of what a short text
+    // In line as a whole, and without a branch for each length where that can be: it is a good part of what a text
     // costs.
     [[gnu::flatten]] void makeShort(std::string_view text, bool isPadded) {
         if (isPadded) {

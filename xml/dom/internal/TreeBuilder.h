@@ -60,12 +60,22 @@ public:
     }
 
     // Gives the innermost element, which has none, these attributes.
-    void setAttributes(GivenAttributes& attributes) { NodeAccess::setAttributes(*here, memory, attributes); }
+    void setAttributes(GivenAttributes& attributes) {
+        if (!attributes.empty()) NodeAccess::setAttributes(*here, memory, attributes);
+    }
 
     // An element without children, within the innermost one.
     void addElement(const SharedName& name, GivenAttributes& attributes) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
         NodeAccess::setAttributes(*element, memory, attributes);
+        finish(std::move(element));
+    }
+
+    // An element with this text alone as its child, within the innermost one.
+    void addLeaf(const SharedName& name, GivenAttributes& attributes, std::string_view text, bool isPadded) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
+        NodeAccess::setAttributes(*element, memory, attributes);
+        NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
         finish(std::move(element));
     }
 

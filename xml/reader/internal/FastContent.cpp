@@ -24,10 +24,13 @@ namespace {
 
 bool isQuote(char c) { return c == '"' || c == '\''; }
 bool isNameStart(char c) { return ByteClass::is(c, ByteClass::kNameStart); }
+bool isWhite(char c) { return ByteClass::is(c, ByteClass::kWhite); }
 
 std::string_view viewOf(const char* from, const char* to) { return {from, static_cast<std::size_t>(to - from)}; }
 
-const char* whiteEnd(const char* from, const char* to) { return Scan::endOfAny<' ', '\t', '\n', '\r'>(from, to); }
+const char* whiteEnd(const char* from, const char* to) {
+    return from == to || !isWhite(*from) ? from : Scan::endOfAny<' ', '\t', '\n', '\r'>(from + 1, to);
+}
 const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
 
 // The end of a value, or its first '&'.
@@ -101,6 +104,7 @@ private:
     // What is rare is out of line, so that the rest stays in registers.
     bool takeStartTag(const char* name);
     const char* collectAttributes(const char* from);
+    bool takeLeaf(const SharedName& name);
     [[gnu::noinline]] bool decodeValues();
     [[gnu::noinline]] void noteStartTag(const char* name, const char* to);
     bool takeEndTag(const char* name);
@@ -162,14 +166,27 @@ bool Pieces::takeStartTag(const char* name) {
     goOnAt(to);
     if (isEmpty) {
         tree.addElement(*shared, attributes);
-        return true;
-    }
-    if (isOutermost) {
+    } else if (isOutermost) {
         tree.begin(itsName);
-    } else {
+        tree.setAttributes(attributes);
+    } else if (!takeLeaf(*shared)) {
         tree.begin(*shared);
+        tree.setAttributes(attributes);
     }
-    tree.setAttributes(attributes);
+    return true;
+}
+
+// What is left of an element after its start tag, when it holds one plain text and nothing else: many do. The same as a
+// text and an end tag one after the other.
+bool Pieces::takeLeaf(const SharedName& name) {
+    const char* const text = begin;
+    if (text == end || isWhite(*text) || *text == '<' || *text == '&' || isQuote(*text)) return false;
+    const char* const to = Scan::findNear<'<'>(text, end);
+    if (end - to < 2 || to[1] != '/' || !name.begins(to + 2, end)) return false;
+    const char* const itsEnd = to + 2 + name.text.size();
+    if (itsEnd == end || *itsEnd != '>' || returns.in(text, itsEnd, end)) return false;
+    goOnAt(itsEnd + 1);
+    tree.addLeaf(name, attributes, viewOf(text, to), isPadded(to));
     return true;
 }
 
@@ -180,6 +197,7 @@ const char* Pieces::collectAttributes(const char* from) {
     for (;;) {
         const char* at = from != end && *from == ' ' ? from + 1 : from;
         if (at == end) return nullptr;
+        if (*at == '>') return at + 1;
         if (!isNameStart(*at)) {
             at = whiteEnd(at, end);
             if (at == end) return nullptr;
@@ -264,8 +282,8 @@ bool Pieces::takeComment(const char* dashes) {
 }
 
 bool Pieces::takeText(const char* first) {
-    const char* const to = Scan::find(first, end, '<');
-    if (to == nullptr) return false;
+    const char* const to = Scan::findNear<'<'>(first, end);
+    if (to == end) return false;
     const char* tried = nullptr;  // the end of the first token, with the byte after a word
     if (isQuote(*first)) {
         tried = through(first + 1, *first);

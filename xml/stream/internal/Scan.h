@@ -89,6 +89,18 @@ inline const char* endOfAny(const char* from, const char* to) {
     return findFirst<true, These...>(from, to);
 }
 
+// The first such byte, `to` without one. Mostly it is within a few bytes; what is further away is looked for with
+// find().
+template <char Wanted>
+inline const char* findNear(const char* from, const char* to) {
+    constexpr std::ptrdiff_t kNear = 32;
+    const char* const nearEnd = to - from > kNear ? from + kNear : to;
+    const char* const near = findAny<Wanted>(from, nearEnd);
+    if (near != nearEnd || near == to) return near;
+    const char* const found = find(near, to, Wanted);
+    return found != nullptr ? found : to;
+}
+
 // Whether both have the same bytes there.
 template <class Unit>
 inline bool isSame(const char* a, const char* b) {
