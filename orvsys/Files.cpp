@@ -98,6 +98,26 @@ std::uint8_t FileIOBase::ReadUInt8() {
     return static_cast<std::uint8_t>(*bytes);
 }
 
+std::size_t FileIOBase::ReadBytes(char* bytes, std::size_t count) {
+    std::size_t done = 0;
+    while (done < count) {
+        const std::size_t wanted = count - done;
+        std::size_t got = 0;
+        if (readable && wanted >= kBufferSize / 2 && !Holds(position)) {
+            Flush();
+            const ssize_t result = readAt(descriptor, bytes + done, wanted, position);
+            got = result > 0 ? static_cast<std::size_t>(result) : 0;
+        } else if (const char* const held = BufferedBytes(got)) {
+            got = std::min(got, wanted);
+            std::memcpy(bytes + done, held, got);
+        }
+        if (got == 0) break;
+        position += static_cast<std::int64_t>(got);
+        done += got;
+    }
+    return done;
+}
+
 void FileIOBase::WriteUInt8(std::uint8_t byte) {
     const char c = static_cast<char>(byte);
     WriteBytes(&c, 1);

@@ -42,6 +42,10 @@ public:
     // error of the system it gives 0 and the position stays.
     std::uint8_t ReadUInt8();
 
+    // As ReadUInt8 for as many bytes as there are, at most `count`; the result is their number. Many go past the
+    // buffer, which stays as it is. `bytes` must not lie in what BufferedBytes gave.
+    std::size_t ReadBytes(char* bytes, std::size_t count);
+
     // Puts the byte at the position, over the one that is there or after the end, and moves past it. Written past the
     // end, the gap is filled with zeros. In a file that was opened for reading nothing happens. Where the system
     // refuses the byte later (a full disk), the position has moved and the file holds what it held.

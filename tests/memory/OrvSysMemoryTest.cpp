@@ -45,6 +45,12 @@ TEST(OrvSysMemoryTest, AFileKeepsItsPlaceAndItsBytesWhereItsBufferCannotBeMade) 
              return static_cast<int>(count);
          },
          4, "abcdef", 2},
+        {"bytes read", false,
+         [](OrvSys::FileIO& file) {
+             char bytes[3];
+             return static_cast<int>(file.ReadBytes(bytes, 3));
+         },
+         3, "abcdef", 5},
         {"byte written", true,
          [](OrvSys::FileIO& file) {
              file.WriteUInt8('x');

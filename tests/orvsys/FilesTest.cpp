@@ -533,6 +533,46 @@ TEST_F(FilesTest, BufferedBytesGoThroughTheWholeFileWithoutMovingThePosition) {
     EXPECT_EQ(file.ReadUInt8(), byteAt(bytes, kBuffer + 1));
 }
 
+TEST_F(FilesTest, ReadsManyBytesAtOnceAsItReadsEach) {
+    const std::string bytes = noise(5 * kBuffer + 5);
+    const FileSpec spec = make(bytes);
+    for (const std::int64_t from : {std::int64_t{0}, std::int64_t{7}, kBuffer, 5 * kBuffer, 5 * kBuffer + 5}) {
+        for (const std::int64_t count : {std::int64_t{0}, std::int64_t{3}, kBuffer / 2 - 1, kBuffer / 2, 6 * kBuffer}) {
+            SCOPED_TRACE(std::to_string(count) + " from " + std::to_string(from));
+            FileIO file(spec);
+            std::string read(static_cast<std::size_t>(count), '#');
+            EXPECT_EQ(file.ReadBytes(read.data(), read.size()), 0U) << "not open";
+            ASSERT_TRUE(file.OpenForReading());
+            if (from == 7) {
+                EXPECT_EQ(file.ReadUInt8(), byteAt(bytes, 0));
+            }
+            file.Seek(from);
+            const std::string expected = bytes.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(count));
+            EXPECT_EQ(file.ReadBytes(read.data(), read.size()), expected.size());
+            EXPECT_TRUE(read.compare(0, expected.size(), expected) == 0);
+            EXPECT_EQ(file.GetPosition(), from + static_cast<std::int64_t>(expected.size()));
+            if (file.GetPosition() < 5 * kBuffer + 5) {
+                EXPECT_EQ(file.ReadUInt8(), byteAt(bytes, from + count));
+            }
+        }
+    }
+}
+
+// Many bytes go past the buffer, which keeps what it holds.
+TEST_F(FilesTest, ReadsManyBytesThatWereWrittenAndAreStillInTheBuffer) {
+    const std::string bytes = noise(3 * kBuffer);
+    FileIO file(make(bytes));
+    ASSERT_TRUE(file.OpenForWriting());
+    file.Seek(kBuffer + 2);
+    write(file, "written");
+    file.Seek(0);
+    std::string expected = bytes;
+    expected.replace(static_cast<std::size_t>(kBuffer + 2), 7, "written");
+    std::string read(bytes.size() + 1, '#');
+    EXPECT_EQ(file.ReadBytes(read.data(), read.size()), bytes.size());
+    EXPECT_TRUE(read == expected + "#");
+}
+
 TEST_F(FilesTest, BufferedBytesShowWhatWasWritten) {
     FileIO file(make("abcdef"));
     ASSERT_TRUE(file.OpenForWriting());
@@ -742,8 +782,12 @@ private:
             writeRun(pick(0, 300));
         } else if (operation < 57) {
             writeRun(pick(0, 2 * static_cast<int>(kBuffer)));
-        } else if (operation < 65) {
+        } else if (operation < 62) {
             takeBuffered();
+        } else if (operation < 64) {
+            readRun(pick(0, 300));
+        } else if (operation < 65) {
+            readRun(pick(0, 3 * static_cast<int>(kBuffer)));
         } else if (operation < 67) {
             file.Close();
             ASSERT_TRUE(file.OpenForWriting());
@@ -763,6 +807,16 @@ private:
 
     void read(int count) {
         for (int i = 0; i < count; ++i) ASSERT_EQ(file.ReadUInt8(), model.read());
+    }
+
+    void readRun(int count) {
+        std::string bytes(static_cast<std::size_t>(count), '#');
+        const std::int64_t left = std::max<std::int64_t>(0, model.length() - model.position);
+        const std::int64_t expected = std::min<std::int64_t>(left, count);
+        ASSERT_EQ(static_cast<std::int64_t>(file.ReadBytes(bytes.data(), bytes.size())), expected);
+        for (std::int64_t i = 0; i < expected; ++i)
+            ASSERT_EQ(static_cast<std::uint8_t>(bytes[static_cast<std::size_t>(i)]), model.read());
+        ASSERT_EQ(bytes.find_first_not_of('#', static_cast<std::size_t>(expected)), std::string::npos);
     }
 
     void writeRun(int count) {
