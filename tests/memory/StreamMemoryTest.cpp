@@ -142,6 +142,34 @@ TEST(StreamMemoryTest, AReaderEndsWithItsMessageWholeWhereverAllocationsFailed) 
     }
 }
 
+// A long reading of a file goes on in blocks, and in a longer one where a block is too short.
+TEST(StreamMemoryTest, ALongReadingGoesBackAndReadsEverythingAfterAllocationsHaveFailed) {
+    const std::string text = std::string(100'000, 'a') + "<" + std::string(300'000, 'b') + "<";
+    const ScratchFile file("blocks", text);
+    for (const Source source : kAllSources) {
+        SCOPED_TRACE(source);
+        forEachFailingAllocation([&](Attempt& attempt) {
+            withSource(source, text, file.path, [&](InStream& in) {
+                DataHolder data;
+                const auto readTwo = [&] {
+                    data.clear();
+                    const StreamAccess::Session session(in);
+                    in.getCharData(data);
+                    char c = 0;
+                    in.get(c);
+                    for (int i = 0; i < 3; ++i) StreamAccess::lendMore(in);
+                    in.getCharData(data);
+                };
+                attempt(readTwo);
+                in.setPosition(0);
+                readTwo();
+                EXPECT_EQ(data.size(), 400'000U);
+                EXPECT_EQ(in.getPosition(), 400'001);
+            });
+        });
+    }
+}
+
 TEST(StreamMemoryTest, ALineBreakThatCouldNotBeNotedIsNotedTheNextTime) {
     // Read from the end first, so that positions do not rise.
     const std::string text = "a\r\nb\r\nc\r\nd\r\ne\r\nf";

@@ -842,6 +842,15 @@ TEST(TokenizerModelTest, TokensAcrossTheEndOfAFileStreamsBufferAgree) {
                 textAcross<8192>, 8192);
 }
 
+// A reader that has come far goes on in blocks, the first of which begins after three get areas.
+TEST(TokenizerModelTest, TokensAcrossTheEndOfABlockAgree) {
+    compareRuns({{"file stream", Kind::PathStream, 300, Setting::InAReader},
+                 {"the caller's file stream", Kind::FileStream, 100, Setting::InAReader},
+                 {"platform file", Kind::PlatformFile, 100, Setting::InAReader}},
+                textAcross<3 * 8191>, 3 * 8191);
+    compareRuns({{"file stream", Kind::PathStream, 150, Setting::InAReader}}, textAcross<6 * 8191>, 6 * 8191);
+}
+
 TEST(TokenizerModelTest, TokensAcrossTheEndOfAPlatformFilesBufferAgree) {
     compareRuns({{"platform file", Kind::PlatformFile, 200},
                  {"the caller's platform file", Kind::CallersPlatformFile, 200},

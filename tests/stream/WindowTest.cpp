@@ -4,6 +4,7 @@
 #include "xml/stream/StringInStream.h"
 #include "xml/stream/Window.h"
 #include "xml/stream/internal/StreamAccess.h"
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
@@ -155,6 +156,64 @@ TEST(WindowTest, IsGivenBackWhereAnOperationIsLeftByAnException) {
     }
     EXPECT_EQ(in.takenBack, 1);
     EXPECT_EQ(in.position, 6);
+}
+
+TEST(WindowTest, IsLentAgainWhereMoreBytesAreNeeded) {
+    // Lends twice as many where the last were too few.
+    class Growing : public LendingSource {
+    public:
+        using LendingSource::LendingSource;
+        std::size_t count = 2;
+        bool throws = false;
+
+    protected:
+        bool lendBytes(Window& given) override {
+            if (throws) throw std::string("broken");
+            count *= given.loan == Window::Loan::TooFew ? 2 : 1;
+            if (!LendingSource::lendBytes(given)) return false;
+            given.end = std::min(given.end, given.cursor + count);
+            return true;
+        }
+    };
+    Growing in("abcdefghij", 100);
+    const StreamAccess::Session session(in);
+    EXPECT_FALSE(StreamAccess::lendMore(in)) << "nothing was lent";
+    EXPECT_EQ(in.lent, 0);
+    char c = 0;
+    const auto left = [&in] { return StreamAccess::window(in).end - StreamAccess::window(in).cursor; };
+    EXPECT_TRUE(in.get(c));
+    EXPECT_EQ(left(), 1);
+    EXPECT_TRUE(StreamAccess::lendMore(in));
+    EXPECT_EQ(in.position, 1) << "stood there meanwhile";
+    EXPECT_EQ(left(), 4);
+    EXPECT_TRUE(StreamAccess::lendMore(in));
+    EXPECT_EQ(left(), 8);
+    EXPECT_TRUE(StreamAccess::lendMore(in));
+    EXPECT_EQ(left(), 9);
+    EXPECT_FALSE(StreamAccess::lendMore(in)) << "there are no more";
+    EXPECT_EQ(left(), 9);
+    in.throws = true;
+    EXPECT_THROW(StreamAccess::lendMore(in), std::string);
+    EXPECT_FALSE(StreamAccess::window(in).isLent());
+    in.throws = false;
+    for (const char expected : std::string("bcdefghij")) {
+        EXPECT_TRUE(in.get(c));
+        EXPECT_EQ(c, expected);
+    }
+    EXPECT_FALSE(StreamAccess::lendMore(in)) << "at the end";
+    EXPECT_FALSE(StreamAccess::window(in).isLent());
+    EXPECT_FALSE(in.get(c));
+}
+
+TEST(WindowTest, IsNotLentAgainWhereItIsLentForGood) {
+    StringInStream in("abc");
+    const StreamAccess::Session session(in);
+    EXPECT_TRUE(in.checkToken("abc"));
+    EXPECT_FALSE(StreamAccess::lendMore(in));
+    in.setPosition(0);
+    in.eatWhite();
+    EXPECT_FALSE(StreamAccess::lendMore(in));
+    EXPECT_TRUE(StreamAccess::window(in).isLent());
 }
 
 TEST(WindowTest, IsAskedForItsPositionOnceAndOnlyWhereOneIsNeeded) {

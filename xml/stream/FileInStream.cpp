@@ -1,7 +1,10 @@
 #include "xml/stream/FileInStream.h"
 
+#include "xml/stream/internal/FileBlock.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Message.h"
 #include "xml/text/internal/IoGuard.h"
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -31,6 +34,10 @@ bool isAtEnd(std::streambuf& buffer) {
 }
 
 Position tellOf(std::streambuf& buffer) { return buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::in); }
+
+void standAt(std::streambuf& buffer, Position position) {
+    withoutExceptions([&] { buffer.pubseekpos(position, std::ios_base::in); });
+}
 
 }  // namespace
 
@@ -71,6 +78,7 @@ void FileInStream::measure() {
             end = buffer.pubseekoff(0, std::ios_base::end, std::ios_base::in);
             buffer.pubseekpos(here, std::ios_base::in);
         }
+        measuredEnd = end;
         tooLarge = end > kMostPosition;
     });
 }
@@ -114,6 +122,11 @@ bool FileInStream::lendBytes(Window& lent) {
 
     if (!measured) measure();
     if (tooLarge) return false;
+    if ((notUsed == 0 || lent.loan == Window::Loan::TooFew) && lendBlock(buffer, lent)) {
+        metItsEnd = false;
+        checkedBuffer = nullptr;
+        return true;
+    }
     if (GetArea::cursor(buffer) == GetArea::end(buffer)) {
         checkedBuffer = nullptr;
         if (isAtEnd(buffer)) return false;  // the primitive shows it as it should
@@ -125,12 +138,39 @@ bool FileInStream::lendBytes(Window& lent) {
         checkedBuffer = &buffer;
     }
     metItsEnd = false;
+    getAreaLength = GetArea::end(buffer) - GetArea::begin(buffer);
     lent = {GetArea::begin(buffer), GetArea::cursor(buffer), GetArea::end(buffer), -1, Window::Loan::ForNow};
     return true;
 }
 
+bool FileInStream::lendBlock(std::streambuf& buffer, Window& lent) {
+    if (typeid(buffer) != typeid(std::filebuf) || !leavesBytes(buffer)) return false;
+    const Position position = tellOf(buffer);
+    if (position < 0) return false;
+    const Position tooFew = lent.loan == Window::Loan::TooFew ? notUsed : 0;
+    const std::size_t count =
+        FileBlock::lengthFor(StreamAccess::bytesReadAt(*this, position), tooFew, measuredEnd - position);
+    if (static_cast<Position>(count) <= getAreaLength || static_cast<Position>(count) > kMostPosition - position)
+        return false;
+
+    if (block == nullptr) block = std::make_unique<FileBlock>();
+    const auto read = [&](char* bytes, std::size_t most) {
+        std::streamsize got = 0;
+        withoutExceptions([&] { got = buffer.sgetn(bytes, static_cast<std::streamsize>(most)); });
+        // The get area still has bytes from before the block, which a caller could step back to. This empties it.
+        standAt(buffer, position + got);
+        return static_cast<std::size_t>(got);
+    };
+    return block->lend(count, static_cast<int>(position), read, lent);
+}
+
 void FileInStream::takeBytesBack(const Window& lent) const {
     std::streambuf& buffer = *stream->rdbuf();
+    notUsed = lent.end - lent.cursor;
+    if (block != nullptr && block->hasLent(lent)) {
+        if (notUsed != 0) standAt(buffer, lent.base + (lent.cursor - lent.begin));
+        return;
+    }
     GetArea::advance(buffer, static_cast<int>(lent.cursor - GetArea::cursor(buffer)));
 }
 

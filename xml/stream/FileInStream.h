@@ -2,8 +2,11 @@
 
 #include "xml/stream/InStream.h"
 #include <iosfwd>
+#include <memory>
 
 namespace Xml {
+
+class FileBlock;
 
 // Reads from a standard input stream, which must support positions (a pipe has none: backtracking then fails).
 //
@@ -39,6 +42,7 @@ protected:
 
 private:
     ORVXML_LOCAL void measure();
+    ORVXML_LOCAL bool lendBlock(std::streambuf& buffer, Window& lent);
 
     std::istream* stream;
     std::ifstream* openedHere = nullptr;
@@ -46,6 +50,11 @@ private:
     bool measured = false;
     mutable bool tooLarge = false;
     bool metItsEnd = false;
+
+    mutable std::streamoff notUsed = -1;  // how many of the bytes lent last came back; -1 before any were lent
+    std::streamoff getAreaLength = 0;
+    std::streamoff measuredEnd = 0;
+    std::unique_ptr<FileBlock> block;  // null until it is worth its while
 };
 
 }  // namespace Xml

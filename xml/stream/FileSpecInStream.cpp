@@ -1,5 +1,7 @@
 #include "xml/stream/FileSpecInStream.h"
 
+#include "xml/stream/internal/FileBlock.h"
+#include "xml/stream/internal/StreamAccess.h"
 #include <algorithm>
 #include <limits>
 #include <typeinfo>
@@ -56,6 +58,7 @@ bool FileSpecInStream::lendBytes(Window& lent) {
     if (length > kMostPosition || file == nullptr || beforeStart < 0 || !file->IsOpen()) return false;
     const std::int64_t left = length - file->GetPosition();
     if (left <= 0) return false;
+    if (lent.loan == Window::Loan::TooFew && lendBlock(lent, left)) return true;
     std::size_t count = 0;
     const char* const begin = file->BufferedBytes(count);
     if (count == 0) return false;
@@ -64,8 +67,22 @@ bool FileSpecInStream::lendBytes(Window& lent) {
     return true;
 }
 
+bool FileSpecInStream::lendBlock(Window& lent, std::int64_t left) {
+    const std::int64_t position = file->GetPosition();
+    const std::size_t count = FileBlock::lengthFor(StreamAccess::bytesReadAt(*this, position), notUsed, left);
+    if (count == 0) return false;
+    if (block == nullptr) block = std::make_unique<FileBlock>();
+    const auto read = [this](char* bytes, std::size_t most) { return file->ReadBytes(bytes, most); };
+    return block->lend(std::min(count, static_cast<std::size_t>(left)), static_cast<int>(position), read, lent);
+}
+
 void FileSpecInStream::takeBytesBack(const Window& lent) const {
-    file->SkipBuffered(static_cast<std::size_t>(lent.cursor - lent.begin));
+    notUsed = lent.end - lent.cursor;
+    if (block != nullptr && block->hasLent(lent)) {
+        file->Seek(lent.base + (lent.cursor - lent.begin));
+    } else {
+        file->SkipBuffered(static_cast<std::size_t>(lent.cursor - lent.begin));
+    }
 }
 
 bool FileSpecInStream::isTooLarge(const Window&) const { return length > kMostPosition; }

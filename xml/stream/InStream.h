@@ -111,7 +111,8 @@ protected:
     // source does so only in objects of exactly its class: one that is derived from it has its own primitives called.
     // Each operation names the window, so that none of a caller's is taken for it.
 
-    // Fills the empty window, with at least one byte at the cursor; false where there is nothing to lend.
+    // Fills the empty window, with at least one byte at the cursor; false where there is nothing to lend. Where the
+    // loan says that the last bytes were too few, more of them from the same byte on are welcome.
     virtual bool lendBytes(Window& lent);
 
     // Makes the source stand where the cursor of the window stands.

@@ -9,6 +9,7 @@ namespace Xml::internal {
 struct Window {
     enum class Loan : unsigned char {
         None,
+        TooFew,   // none either, and those lent last were too few to go on
         Never,    // and the source is not asked again
         ForNow,   // once given back, the bytes may change
         ForGood,  // the bytes never change

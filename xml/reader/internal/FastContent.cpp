@@ -59,6 +59,12 @@ public:
         return end - first >= 2 && *first == '<' && isNameStart(first[1]);
     }
 
+    // Whether the window ends before the next piece does, as far as one look tells.
+    bool isCutOff() const {
+        const char* const first = whiteEnd(begin, end);
+        return first == end || Scan::find(first, end, *first == '<' ? '>' : '<') == nullptr;
+    }
+
     // Takes one piece; false when the next one is not ordinary.
     bool takeOne() {
         const char* const first = takeWhite();
@@ -342,9 +348,12 @@ bool FastContent::setEnabled(bool on) { return std::exchange(enabled, on); }
 void FastContent::read() {
     const Window& window = StreamAccess::window(in);
     if (!enabled || window.cursor == window.end || StreamAccess::isAfterReturn(in)) return;
-    Pieces pieces(in, tree, dtd, budget, referenceEnd);
-    if (!tree.isOpen() && !pieces.isBeforeStartTag()) return;
-    while (pieces.takeOne()) {}
+    do {
+        Pieces pieces(in, tree, dtd, budget, referenceEnd);
+        if (!tree.isOpen() && !pieces.isBeforeStartTag()) return;
+        while (pieces.takeOne()) {}
+        if (!pieces.isCutOff()) return;
+    } while (StreamAccess::lendMore(in));
 }
 
 }  // namespace Xml

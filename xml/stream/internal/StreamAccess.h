@@ -67,6 +67,11 @@ struct StreamAccess {
     // How far the outermost session has come.
     static std::int64_t bytesRead(const InStream& in) { return std::int64_t{tell(in)} - in.nesting.readerBegin; }
 
+    // How far it has come where the source stands at the position; 0 without a session.
+    static std::int64_t bytesReadAt(const InStream& in, std::int64_t position) {
+        return in.nesting.isReaderAtWork() ? position - in.nesting.readerBegin : 0;
+    }
+
     // As InStream::getToken, with the token left in the parse buffer; good until the next operation.
     static bool getToken(InStream& in) {
         in.parseBuffer.clear();
@@ -91,6 +96,19 @@ struct StreamAccess {
 
     // The position of a byte of the window.
     static int positionOf(const InStream& in, const char* byte) { return Cursor::positionOf(in, byte); }
+
+    // Has the bytes from the cursor on lent again, and more of them, for what does not end in the window. False where
+    // no more came.
+    static bool lendMore(InStream& in) {
+        Window& window = in.window;
+        if (window.loan != Window::Loan::ForNow) return false;
+        const auto count = window.end - window.cursor;
+        in.releaseWindow();
+        window.loan = Window::Loan::TooFew;
+        if (in.lendBytes(window)) return window.end - window.cursor > count;
+        if (window.loan == Window::Loan::TooFew) window.loan = Window::Loan::None;
+        return false;
+    }
 
     // Goes on at a byte of the window. What is passed over is not noted.
     static void moveTo(InStream& in, const char* byte) { in.window.cursor = byte; }
