@@ -10,6 +10,7 @@
 #include "xml/reader/PIReader.h"
 #include "xml/reader/VersionInfoReader.h"
 #include "xml/reader/internal/EntityBudget.h"
+#include "xml/reader/internal/FastProlog.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include <memory>
@@ -38,15 +39,11 @@ bool DocumentReader::peekToken(InStream& in, std::string& token) {
 bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
     dtd.reset();
-    std::string token;
-    if (!peekToken(in, token)) return false;
-    if (token == "<?xml") {
-        VersionInfoReader reader;
-        if (!reader.parse(in)) return failAs(reader);
-        if (!reader.getErrorMessage().empty()) setMessage(reader.getErrorMessage());  // a note, no failure
-    }
+    if (!FastProlog::takeDeclaration(in) && !parseDeclaration(in)) return false;
     if (!parseMisc(in)) return false;
+    if (FastProlog::isBeforeElement(in)) return true;
 
+    std::string token;
     const int position = StreamAccess::tell(in);
     if (!peekToken(in, token)) return false;
     if (token != "<!DOCTYPE") return true;
@@ -72,6 +69,17 @@ bool DocumentReader::parseProlog(InStream& in) {
     return true;
 }
 
+// The XML declaration, where there is one.
+bool DocumentReader::parseDeclaration(InStream& in) {
+    std::string token;
+    if (!peekToken(in, token)) return false;
+    if (token != "<?xml") return true;
+    VersionInfoReader reader;
+    if (!reader.parse(in)) return failAs(reader);
+    if (!reader.getErrorMessage().empty()) setMessage(reader.getErrorMessage());  // a note, no failure
+    return true;
+}
+
 bool DocumentReader::parseElement(InStream& in) {
     const StreamAccess::Session session(in);
     ElementReader reader(dtd.get());
@@ -93,6 +101,7 @@ bool DocumentReader::parseMisc(InStream& in) {
     in.eatWhite();
     if (StreamAccess::atEnd(in)) return true;
     for (;;) {
+        if (FastProlog::isBeforeElement(in)) return true;
         std::string token;
         // Running out of data is no failure here, although it leaves its message.
         if (!peekToken(in, token)) return in.eof();

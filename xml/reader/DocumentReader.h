@@ -44,6 +44,7 @@ public:
 
 private:
     ORVXML_LOCAL bool peekToken(InStream& in, std::string& token);
+    ORVXML_LOCAL bool parseDeclaration(InStream& in);
 
     std::unique_ptr<Document> document;
 

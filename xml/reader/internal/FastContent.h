@@ -32,6 +32,7 @@ public:
 
     // Switches it off, or on again, for all readings that begin; returns what it was. For tests.
     static bool setEnabled(bool on);
+    static bool isEnabled() { return enabled; }
 
 private:
     InStream& in;

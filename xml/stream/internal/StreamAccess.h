@@ -79,6 +79,7 @@ struct StreamAccess {
         return Tokenizer(in).readToken();
     }
     static void clear(InStream& in) { in.parseBuffer.clear(); }
+    static void setToken(InStream& in, const char* token) { in.parseBuffer = token; }
     static const std::string& token(const InStream& in) { return in.parseBuffer; }
 
     // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';',
@@ -93,6 +94,12 @@ struct StreamAccess {
     // --- The lent bytes, for what takes whole constructs from them ---
 
     static const Window& window(const InStream& in) { return in.window; }
+
+    // The same; has bytes lent where there are none.
+    static const Window& lend(InStream& in) {
+        if (!in.window.isLent() && in.window.loan != Window::Loan::Never) in.lendBytes(in.window);
+        return in.window;
+    }
 
     // The position of a byte of the window.
     static int positionOf(const InStream& in, const char* byte) { return Cursor::positionOf(in, byte); }
