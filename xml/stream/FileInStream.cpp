@@ -145,9 +145,10 @@ bool FileInStream::lendBytes(Window& lent) {
 
 bool FileInStream::lendBlock(std::streambuf& buffer, Window& lent) {
     if (typeid(buffer) != typeid(std::filebuf) || !leavesBytes(buffer)) return false;
-    const Position position = tellOf(buffer);
+    const bool isTooFew = lent.loan == Window::Loan::TooFew;  // they have come back just now
+    const Position position = isTooFew && cameBackAt >= 0 ? cameBackAt : tellOf(buffer);
     if (position < 0) return false;
-    const Position tooFew = lent.loan == Window::Loan::TooFew ? notUsed : 0;
+    const Position tooFew = isTooFew ? notUsed : 0;
     const std::size_t count =
         FileBlock::lengthFor(StreamAccess::bytesReadAt(*this, position), tooFew, measuredEnd - position);
     if (static_cast<Position>(count) <= getAreaLength || static_cast<Position>(count) > kMostPosition - position)
@@ -157,8 +158,8 @@ bool FileInStream::lendBlock(std::streambuf& buffer, Window& lent) {
     const auto read = [&](char* bytes, std::size_t most) {
         std::streamsize got = 0;
         withoutExceptions([&] { got = buffer.sgetn(bytes, static_cast<std::streamsize>(most)); });
-        // The get area still has bytes from before the block, which a caller could step back to. This empties it.
-        standAt(buffer, position + got);
+        // The get area may still have bytes from before the block, which a caller could step back to. This empties it.
+        if (got == 0 || GetArea::begin(buffer) != GetArea::end(buffer)) standAt(buffer, position + got);
         return static_cast<std::size_t>(got);
     };
     return block->lend(count, static_cast<int>(position), read, lent);
@@ -168,9 +169,11 @@ void FileInStream::takeBytesBack(const Window& lent) const {
     std::streambuf& buffer = *stream->rdbuf();
     notUsed = lent.end - lent.cursor;
     if (block != nullptr && block->hasLent(lent)) {
-        if (notUsed != 0) standAt(buffer, lent.base + (lent.cursor - lent.begin));
+        cameBackAt = lent.base + (lent.cursor - lent.begin);
+        if (notUsed != 0) standAt(buffer, cameBackAt);
         return;
     }
+    cameBackAt = -1;
     GetArea::advance(buffer, static_cast<int>(lent.cursor - GetArea::cursor(buffer)));
 }
 

@@ -51,7 +51,10 @@ private:
     mutable bool tooLarge = false;
     bool metItsEnd = false;
 
-    mutable std::streamoff notUsed = -1;  // how many of the bytes lent last came back; -1 before any were lent
+    // Of the bytes lent last.
+    mutable std::streamoff notUsed = -1;     // how many came back; -1 before any were lent
+    mutable std::streamoff cameBackAt = -1;  // where they came back; -1 where that is not known
+
     std::streamoff getAreaLength = 0;
     std::streamoff measuredEnd = 0;
     std::unique_ptr<FileBlock> block;  // null until it is worth its while

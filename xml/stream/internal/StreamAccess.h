@@ -111,10 +111,16 @@ struct StreamAccess {
         if (window.loan != Window::Loan::ForNow) return false;
         const auto count = window.end - window.cursor;
         in.releaseWindow();
+        // The hint is for this one time, also where memory runs out.
+        struct Hint {
+            Window& window;
+            ~Hint() {
+                if (window.loan == Window::Loan::TooFew) window.loan = Window::Loan::None;
+            }
+        };
+        const Hint hint{window};
         window.loan = Window::Loan::TooFew;
-        if (in.lendBytes(window)) return window.end - window.cursor > count;
-        if (window.loan == Window::Loan::TooFew) window.loan = Window::Loan::None;
-        return false;
+        return in.lendBytes(window) && window.end - window.cursor > count;
     }
 
     // Goes on at a byte of the window. What is passed over is not noted.
