@@ -1,7 +1,10 @@
 #include "xml/text/internal/Decode.h"
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
+#include <memory>
 #include <random>
 #include <string>
 #include <string_view>
@@ -64,6 +67,71 @@ TEST(DecodeTest, AppendsTextWithItsReferencesReplaced) {
         EXPECT_TRUE(result.complete);
         EXPECT_EQ(result.text, c.result);
         EXPECT_EQ(result.asked, c.asked);
+    }
+}
+
+// The reference that a text has, at every place of texts of many lengths, in memory of exactly that length.
+TEST(DecodeTest, FindsAReferenceWhereverItStands) {
+    const struct {
+        std::string reference;
+        std::string value;
+    } kCases[] = {{"&amp;", "&"},
+                  {"&lt;", "<"},
+                  {"&gt;", ">"},
+                  {"&quot;", "\""},
+                  {"&apos;", "'"},
+                  {"&#9;", "\t"},
+                  {"&#x3f;", "?"},
+                  {"&#00000065;", "A"},
+                  {"&#x00000041;", "A"},
+                  {"&#000000065;", "A"},
+                  {"&# 65z;", "A"},
+                  {"&#x-bf;", "A"},
+                  {"&#321;", "A"},
+                  {"&#0;", "&#0;"},
+                  {"&#;", "&#;"},
+                  {"&#x;", "&#x;"},
+                  {"&a;", "alpha"},
+                  {"&;", "no name"},
+                  {"&lt &amp;", "&lt &amp;"},
+                  {"&lt;&amp;&gt;", "<&>"},
+                  {"&am;", "&am;"},
+                  {"&amp ;", "&amp ;"},
+                  {"&quo;", "&quo;"},
+                  {"&aposs;", "&aposs;"},
+                  {"&Lt;", "&Lt;"}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.reference);
+        for (std::size_t before = 0; before < 150; ++before) {
+            for (const std::size_t after : {0, 1, 7, 15, 63, 64, 90}) {
+                const std::string text = std::string(before, '<') + c.reference + std::string(after, ';');
+                const std::unique_ptr<char[]> exact(new char[text.size()]);
+                std::copy(text.begin(), text.end(), exact.get());
+                const Decoded result = decoded({exact.get(), text.size()});
+                ASSERT_EQ(result.text, ">" + std::string(before, '<') + c.value + std::string(after, ';'))
+                    << before << " before, " << after << " after";
+            }
+        }
+    }
+}
+
+// The same reference by reference: what a text has of others makes no difference to one.
+TEST(DecodeTest, DecodesReferencesOneByOneAsAllTogether) {
+    const std::string kPieces[] = {"&amp;", "&lt;",   "&gt;", "&quot;", "&apos;",
+                                   "&#65;", "&#x42;", "&#7;", "&a;",    "&q;",
+                                   "&#0;",  "&none;", "x",    "; ",     "words, as they are",
+                                   "\0"s,   "&#x3;"};
+    std::mt19937 random(4);
+    for (int round = 0; round < 2000; ++round) {
+        std::string text;
+        std::string expected = ">";
+        const bool mostlyPlain = random() % 2 == 0;
+        for (auto count = random() % 60; count > 0; --count) {
+            const std::string& piece = kPieces[mostlyPlain && random() % 4 != 0 ? 14 : random() % std::size(kPieces)];
+            text += piece;
+            expected += decoded(piece).text.substr(1);
+        }
+        ASSERT_EQ(decoded(text).text, expected) << text;
     }
 }
 

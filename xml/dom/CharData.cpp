@@ -5,6 +5,7 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/stream/internal/OutStreamAccess.h"
 #include "xml/text/Entities.h"
+#include "xml/text/internal/Expansion.h"
 #include <utility>
 
 namespace Xml {
@@ -43,18 +44,17 @@ const DataHolder& CharData::getData() const {
         decoded = std::make_unique<DataHolder>();
         Arena::noteChange(*this);
     }
-    *decoded = NodeAccess::text(*this);
-    return replaceEntities(*decoded, NodeAccess::dtd(*this));
+    getData(decoded.get());
+    return *decoded;
 }
 
 void CharData::getData(DataHolder* text) const {
     const std::string_view bytes = NodeAccess::text(*this);
     if (bytes.find('&') == std::string_view::npos) {
         text->assign(bytes);
-        return;
+    } else {
+        *text = decodedText(bytes, NodeAccess::dtd(*this));
     }
-    DataHolder own(bytes);
-    *text = std::move(replaceEntities(own, NodeAccess::dtd(*this)));
 }
 
 DataHolder& CharData::data() {

@@ -69,6 +69,15 @@ bool expandReferences(DataHolder& text, const Dtd* dtd, Expansion& expansion) {
     return true;
 }
 
+DataHolder decodedText(std::string_view text, const Dtd* dtd) {
+    Expansion expansion;
+    DataHolder result;
+    result.reserve(text.size());
+    appendDecoded(result, text, DtdEntities(dtd), expansion);
+    if (result.empty()) result.assign(text);
+    return result;
+}
+
 DataHolder& insertStdEntities(DataHolder& text) {
     if (!needsEscaping(text)) return text;
     DataHolder result;

@@ -22,13 +22,6 @@ bool isBlank(char c) { return ByteClass::is(c, ByteClass::kWhite) || c == '\v' |
 
 bool isDigit(char c) { return ByteClass::is(c, ByteClass::kDigit); }
 
-unsigned digitOf(char c) {
-    if (isDigit(c)) return static_cast<unsigned>(c - '0');
-    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
-    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A' + 10);
-    return 16;
-}
-
 // Moves to what follows white space.
 void skipBlanks(std::string_view& text) {
     const auto* const begin = std::find_if_not(text.begin(), text.end(), isBlank);

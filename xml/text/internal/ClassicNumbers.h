@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +18,16 @@ double extractDouble(const std::string& text);
 // The same for an unsigned number of base 10 or 16, but 0 for one out of range. A sign is read (-1 is the largest
 // number), and "0x" in front of hexadecimal digits.
 unsigned extractUnsigned(std::string_view text, unsigned base);
+
+// The value of a digit, decimal or hexadecimal; 16 for every other byte.
+inline constexpr std::array<std::uint8_t, 256> kDigitValues = [] {
+    std::array<std::uint8_t, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) table[byte] = 16;
+    for (std::uint8_t i = 0; i < 10; ++i) table[std::size_t{'0'} + i] = i;
+    for (std::uint8_t i = 10; i < 16; ++i) table[std::size_t{'a'} + i - 10] = table[std::size_t{'A'} + i - 10] = i;
+    return table;
+}();
+inline unsigned digitOf(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 
 // As std::atof: it takes more for a number than a stream does ("inf", "0x10", the 1 of "1e").
 double atof(const char* text);

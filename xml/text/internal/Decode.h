@@ -23,19 +23,21 @@ constexpr bool isCharReference(std::string_view name) { return name.size() >= 2 
 // The byte that a standard entity or a character reference stands for, 0 for none.
 char standardValue(std::string_view name);
 
+// Appends what `text` begins with, as far as its references are of the usual forms ("&lt;", "&#65;", "&#x41;"), each
+// replaced by its value. Returns how many bytes of it that are: what is left is nothing, or begins with a reference.
+std::size_t appendUsual(std::string& result, std::string_view text);
+
 // Appends `text` to `result` with each reference replaced by its value, in one pass: values are not looked through
 // again. What has no standard value is looked up: `lookUp(name)` points to the value of an entity, or is null for an
 // unknown one, which stays, with a ';' at its end. Values that were looked up are counted in `expansion`; false when
 // the next one would pass the bound, and `result` ends before it.
 template <class LookUp>
 bool appendDecoded(std::string& result, std::string_view text, LookUp&& lookUp, Expansion& expansion) {
-    std::size_t done = 0;
-    while (true) {
-        const std::size_t reference = text.find('&', done);
-        if (reference == std::string_view::npos) break;
-        const std::size_t end = std::min(text.find(';', reference), text.size());
-        const std::string_view name = text.substr(reference + 1, end - reference - 1);
-        result.append(text, done, reference - done);
+    for (;;) {
+        text.remove_prefix(appendUsual(result, text));
+        if (text.empty()) return true;
+        const std::size_t end = std::min(text.find(';'), text.size());
+        const std::string_view name = text.substr(1, end - 1);
         if (const char byte = standardValue(name)) {
             result += byte;
         } else if (const std::string* const value = lookUp(name)) {
@@ -45,11 +47,8 @@ bool appendDecoded(std::string& result, std::string_view text, LookUp&& lookUp, 
         } else {
             result.append(1, '&').append(name).append(1, ';');
         }
-        if (end == text.size()) return true;
-        done = end + 1;
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
-    result.append(text, done);
-    return true;
 }
 
 }  // namespace Xml
