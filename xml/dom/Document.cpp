@@ -1,6 +1,7 @@
 #include "xml/dom/Document.h"
 
 #include "xml/dom/Element.h"
+#include "xml/dom/internal/Copying.h"
 #include "xml/dom/internal/Linking.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/Dtd.h"
@@ -38,17 +39,22 @@ std::unique_ptr<Document> NodeAccess::makeDocument(std::unique_ptr<Element> root
     return document;
 }
 
-// The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first.
+// The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first. Where there is no
+// Dtd, and nothing in the copy of the root has a link, the tree need not be walked to take links away.
 Document::Document(const Document& other) : Document(nullptr, nullptr) {
-    if (other.root != nullptr) {
+    bool isUnlinked = false;
+    if (other.root != nullptr && isExactly<Element>(*other.root)) {
+        root = NodeAccess::makeElement({});
+        isUnlinked = copyInto(*root, *other.root);
+    } else if (other.root != nullptr) {
         root.reset(other.root->clone()->toElement());
-        root->setParent(this);
     }
+    if (root != nullptr) root->setParent(this);
     if (other.dtd != nullptr) {
         dtd.reset(other.dtd->clone()->toDtd());
         dtd->setParent(this);
     }
-    if (root != nullptr) root->setDtd(dtd.get());
+    if (root != nullptr && !(isUnlinked && dtd == nullptr)) root->setDtd(dtd.get());
 }
 
 // Root first, and while all members are there: destructors of callers' nodes may ask the document.

@@ -1,8 +1,8 @@
 #include "xml/dom/Element.h"
 
 #include "xml/dom/internal/AsideTexts.h"
+#include "xml/dom/internal/Copying.h"
 #include "xml/dom/internal/Linking.h"
-#include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/dom/internal/Writer.h"
@@ -12,7 +12,6 @@
 #include "xml/text/internal/EmptyData.h"
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <utility>
 
 // Everything that goes through a subtree keeps its place on a stack of its own and treats the library's own classes in
@@ -25,28 +24,6 @@ namespace {
 bool inRange(int i, std::size_t count) { return i >= 0 && static_cast<std::size_t>(i) < count; }
 
 const Element* asConst(Element* element) { return element; }
-
-// Whether so much is below the element that a copy of it fills a good part of a slab. What is less lies in the heap: a
-// program may keep many small copies.
-bool isWorthASlab(const Element& top) {
-    constexpr std::size_t kFew = 128;
-    const auto countAt = [](const Element& element) {
-        return NodeAccess::children(element).size() + NodeAccess::attributes(element).size();
-    };
-    std::size_t nodes = countAt(top);
-    for (ElementWalk walk(top); nodes < kFew;) {
-        const Element* const element = walk.next();
-        if (element == nullptr) return false;
-        nodes += countAt(*element);
-    }
-    return true;
-}
-
-// Memory of its own, and the names in it.
-struct CopyMemory {
-    NodeMemory nodes;
-    NameTable names;
-};
 
 }  // namespace
 
@@ -62,67 +39,8 @@ Element::Element(const std::string& itsName, const DataHolder& itsText) : Elemen
     adopt(std::make_unique<CharData>(itsText));
 }
 
-// What is large is copied into one memory of its own, but for this element.
 Element::Element(const Element& other) : Element() {
-    struct Copy {
-        Element* element;
-    };
-    std::optional<CopyMemory> memory;
-    if (isWorthASlab(other)) memory.emplace();
-    Preorder<const Element, Copy> walk;
-    const auto copyAttribute = [&](const Attribute& from) {
-        if (!memory) return std::make_unique<Attribute>(from);
-        const SharedName& shared = memory->names.find(NodeAccess::name(from), memory->nodes);
-        auto copy = NodeAccess::makeAttribute(memory->nodes, shared, NodeAccess::text(from), nullptr);
-        NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(from));
-        return copy;
-    };
-    const auto copyElement = [&](const Element& from) {
-        const std::string& itsName = NodeAccess::name(from);
-        if (!memory) return NodeAccess::makeElement(itsName);
-        return NodeAccess::makeElement(memory->nodes, memory->names.find(itsName, memory->nodes), nullptr);
-    };
-    // Attributes, and room for the children.
-    const auto begin = [&](const Element& from, Element& to) {
-        NodeMemory* const nodes = memory ? &memory->nodes : nullptr;
-        NodeAccess::reserveAttributes(to, nodes, from.attributes.size());
-        for (const Attribute* attribute : from.attributes.span()) {
-            auto copy = copyAttribute(*attribute);
-            if (copy->isOk()) NodeAccess::setParent(*copy, to);
-            to.attributes.append(std::move(copy));
-        }
-        NodeAccess::reserveChildren(to, nodes, from.children.size());
-        if (!from.children.empty()) walk.enter(from, {&to});
-    };
-    name.set(other.getName());
-    begin(other, *this);
-    while (!walk.atEnd()) {
-        const Object* const child = walk.next();
-        if (child == nullptr) {
-            walk.leave();
-            continue;
-        }
-        Element& to = *walk.note().element;
-        const NodeClass exactly = exactClassOf(*child);
-        if (exactly == NodeClass::Element) {
-            const auto& from = static_cast<const Element&>(*child);
-            std::unique_ptr<Element> copy = copyElement(from);
-            Element& made = *copy;
-            NodeAccess::appendChild(to, std::move(copy));
-            begin(from, made);
-        } else if (exactly == NodeClass::CharData && memory) {
-            auto copy =
-                NodeAccess::makeText(memory->nodes, NodeAccess::text(static_cast<const CharData&>(*child)), &to);
-            NodeAccess::setOwnDtd(*copy, NodeAccess::dtd(*child));
-            NodeAccess::appendChild(to, std::move(copy));
-        } else {
-            std::unique_ptr<Object> made(child->clone());
-            made->setParent(&to);
-            to.children.append(std::move(made));
-            NodeAccess::noteEdit(to);
-        }
-    }
-    if (memory) memory->nodes.finish(*this);
+    copyInto(*this, other);
     // Code of callers in a clone may have asked for the class of this element, which may become one of a derived class.
     NodeAccess::forgetClass(*this);
 }

@@ -83,7 +83,10 @@ public:
         *at = node;
         ++block().size;
     }
-    void append(Node* node) { insert(size(), node); }
+    void append(Node* node) {
+        makeRoom();
+        *extend(1) = node;
+    }
 
     // Room for so many more at the end, where there is such: their pointers are to be put there.
     Node** extend(std::size_t count) {

@@ -80,6 +80,11 @@ struct NodeAccess {
         element.children.append(std::move(child));
     }
 
+    // Appends an attribute, for which room was made, and which is the last one by its name.
+    static void appendAttribute(Element& element, std::unique_ptr<Attribute> attribute) {
+        element.attributes.fill().put(attribute.release());
+    }
+
     // Gives an element of the same memory exactly these: its children, which have it as their parent; its attributes.
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
@@ -106,6 +111,7 @@ struct NodeAccess {
     }
 
     static void setParent(Object& node, Object& parent) { node.parent = &parent; }
+    static void setName(Element& element, const std::string& name) { element.name.set(name); }
 
     // A document around a tree that was read, without a Dtd: nothing in it links to one.
     static std::unique_ptr<Document> makeDocument(std::unique_ptr<Element> root);

@@ -1,0 +1,134 @@
+#include "xml/dom/internal/Copying.h"
+
+#include "xml/dom/internal/NameTable.h"
+#include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/Preorder.h"
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace Xml {
+
+namespace {
+
+// Whether so much is below the element that a copy of it fills a good part of a slab. What is less lies in the heap: a
+// program may keep many small copies.
+bool isWorthASlab(const Element& top) {
+    constexpr std::size_t kFew = 128;
+    const auto countAt = [](const Element& element) {
+        return NodeAccess::children(element).size() + NodeAccess::attributes(element).size();
+    };
+    std::size_t nodes = countAt(top);
+    for (ElementWalk walk(top); nodes < kFew;) {
+        const Element* const element = walk.next();
+        if (element == nullptr) return false;
+        nodes += countAt(*element);
+    }
+    return true;
+}
+
+// Goes through what is to be copied in the order of the document. Nodes of the library's own classes are copied in the
+// loop, any other gets its clone called. What is large is copied into one memory of its own.
+class Copier {
+public:
+    explicit Copier(const Element& from) {
+        if (isWorthASlab(from)) memory.emplace();
+    }
+
+    void copy(const Element& from, Element& top) {
+        begin(from, top);
+        while (!walk.atEnd()) {
+            if (const Object* const child = walk.next()) {
+                copyChild(*child, *walk.note().element);
+            } else {
+                walk.leave();
+            }
+        }
+        if (memory) memory->nodes.finish(top);
+    }
+
+    // Whether all is of the library's own classes, and nothing links to a Dtd.
+    bool isUnlinked() const { return unlinked; }
+
+private:
+    struct Copy {
+        Element* element;
+    };
+    struct Memory {
+        NodeMemory nodes;
+        NameTable names;
+    };
+
+    // Copies the attributes, and makes room for the children.
+    void begin(const Element& from, Element& to) {
+        NodeMemory* const nodes = memory ? &memory->nodes : nullptr;
+        const AttributeSpan attributes = NodeAccess::attributes(from);
+        NodeAccess::reserveAttributes(to, nodes, attributes.size());
+        for (const Attribute* const attribute : attributes) {
+            std::unique_ptr<Attribute> made = copyOf(*attribute);
+            keepLink(*attribute, *made);
+            if (made->isOk()) NodeAccess::setParent(*made, to);
+            NodeAccess::appendAttribute(to, std::move(made));
+        }
+        const NodeSpan children = NodeAccess::children(from);
+        NodeAccess::reserveChildren(to, nodes, children.size());
+        if (!children.empty()) walk.enter(from, {&to});
+    }
+
+    void copyChild(const Object& child, Element& to) {
+        const NodeClass exactly = exactClassOf(child);
+        if (exactly == NodeClass::Element) {
+            const auto& from = static_cast<const Element&>(child);
+            std::unique_ptr<Element> made = copyOf(from);
+            Element& element = *made;
+            NodeAccess::appendChild(to, std::move(made));
+            begin(from, element);
+        } else if (exactly == NodeClass::CharData) {
+            std::unique_ptr<CharData> made = copyOf(static_cast<const CharData&>(child));
+            keepLink(child, *made);
+            NodeAccess::appendChild(to, std::move(made));
+        } else {
+            unlinked = false;
+            NodeAccess::appendChild(to, std::unique_ptr<Object>(child.clone()));
+            NodeAccess::noteEdit(to);
+        }
+    }
+
+    // Nodes that have neither links nor children nor attributes yet.
+    std::unique_ptr<Element> copyOf(const Element& from) {
+        const std::string& name = NodeAccess::name(from);
+        return memory ? NodeAccess::makeElement(memory->nodes, sharedName(name), nullptr) : NodeAccess::makeElement(name);
+    }
+    std::unique_ptr<CharData> copyOf(const CharData& from) {
+        if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
+        return NodeAccess::makeText(memory->nodes, NodeAccess::text(from), nullptr);
+    }
+    std::unique_ptr<Attribute> copyOf(const Attribute& from) {
+        if (!memory) return std::make_unique<Attribute>(from);
+        return NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)), NodeAccess::text(from),
+                                         nullptr);
+    }
+    const SharedName& sharedName(const std::string& name) { return memory->names.find(name, memory->nodes); }
+
+    void keepLink(const Object& from, Object& to) {
+        const Dtd* const dtd = NodeAccess::dtd(from);
+        NodeAccess::setOwnDtd(to, dtd);
+        if (dtd != nullptr) unlinked = false;
+    }
+
+    std::optional<Memory> memory;
+    Preorder<const Element, Copy> walk;
+    bool unlinked = true;
+};
+
+}  // namespace
+
+bool copyInto(Element& copy, const Element& from) {
+    NodeAccess::setName(copy, NodeAccess::name(from));
+    Copier copier(from);
+    copier.copy(from, copy);
+    return copier.isUnlinked();
+}
+
+}  // namespace Xml
