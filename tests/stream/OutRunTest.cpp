@@ -26,6 +26,14 @@ class Plain {
 public:
     explicit Plain(OutStream& stream) : out(stream) {}
     void put(const std::string& text) { out.put(text); }
+    void put(const std::string& a, const std::string& b, const std::string& c) { out.put(a + b + c); }
+    void putAttribute(const std::string& name, const std::string& value) {
+        std::string escaped;
+        appendEscaped(escaped, value);
+        out.put(" " + name + "=\"" + escaped + "\"");
+    }
+    void incTab() { out.incTab(); }
+    void decTab() { out.decTab(); }
     void putLineFeed() { out.put('\n'); }
     void putAny(const std::string& text) { out.put(text); }
     void putEscaped(const std::string& text) {
@@ -55,13 +63,20 @@ std::vector<int> putPieces(OutStream& out, Run& run, unsigned seed) {
     std::vector<int> positions;
     for (int i = 0; i < 60; ++i) {
         const unsigned length = next(40) == 0 ? 3000U + next(4000) : next(20);
-        switch (next(8)) {
+        const std::string plain = text("abc", length);
+        const std::string special = text("abc<>&\"'\n", next(20));
+        switch (next(12)) {
         case 0: run.putLineFeed(); break;
         case 1: run.putAny(text("ab\n", length)); break;
         case 2: run.putEscaped(text("abc<>&\"'\n", length)); break;
         case 3: run.putAsIs(text("ab\n<", length)); break;
         case 4: out.incTab(); break;
-        case 5: out.decTab(); break;
+        case 5: run.incTab(); break;
+        case 6: run.decTab(); break;
+        case 7: run.put("<", plain, text("/>", next(3))); break;
+        case 8: run.putAttribute(plain, plain); break;
+        case 9: run.putAttribute("name", special); break;
+        case 10: run.putAttribute(special, plain); break;
         default: run.put(text("ab<", length + 1));
         }
         if (next(30) == 0) run.flush();

@@ -2,7 +2,6 @@
 
 #include "xml/stream/internal/OutStreamAccess.h"
 #include <cstring>
-#include <limits>
 
 namespace Xml {
 
@@ -31,13 +30,9 @@ OutStream& OutStream::writeDataHolder(const DataHolder& data) {
     return *this;
 }
 
-void OutStream::incTab() {
-    if (tabLevel < std::numeric_limits<std::int32_t>::max()) ++tabLevel;
-}
+void OutStream::incTab() { OutStreamAccess::incTab(*this); }
 
-void OutStream::decTab() {
-    if (tabLevel > 0) --tabLevel;
-}
+void OutStream::decTab() { OutStreamAccess::decTab(*this); }
 
 bool OutStream::putChars(const char*, std::size_t) { return false; }
 

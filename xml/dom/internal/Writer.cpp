@@ -40,40 +40,33 @@ private:
         return false;
     }
 
-    // The start tag. False when the element is complete with it.
+    // An element, up to where a walk through its children is due. False when it is complete: most elements have one
+    // text, or nothing.
     bool begin(const Element& element) {
-        const std::string& name = NodeAccess::name(element);
-        run.put("<");
-        if (!name.empty()) run.put(name);
+        run.put("<", NodeAccess::name(element));
         for (const Attribute* attribute : NodeAccess::attributes(element)) {
-            const std::string& attributeName = NodeAccess::name(*attribute);
-            if (attributeName.empty()) continue;
-            run.put(" ");
-            run.putAny(attributeName);
-            run.put("=\"");
-            run.putEscaped(NodeAccess::text(*attribute));
-            run.put("\"");
+            const std::string& name = NodeAccess::name(*attribute);
+            if (!name.empty()) run.putAttribute(name, NodeAccess::text(*attribute));
         }
-        const bool empty = NodeAccess::children(element).empty();
-        if (empty && Element::mUseShortNotationForEmptyTags) {
+        const NodeSpan children = NodeAccess::children(element);
+        if (children.empty() && Element::mUseShortNotationForEmptyTags) {
             run.put("/>");
             return false;
         }
         run.put(">");
-        out.incTab();
-        if (empty) {
-            end(element);
-            return false;
+        run.incTab();
+        if (children.size() == 1 && isExactly<CharData>(*children[0])) {
+            writeText(static_cast<const CharData&>(*children[0]));
+        } else if (!children.empty()) {
+            return true;
         }
-        return true;
+        end(element);
+        return false;
     }
 
     void end(const Element& element) {
-        const std::string& name = NodeAccess::name(element);
-        out.decTab();
-        run.put("</");
-        if (!name.empty()) run.put(name);
-        run.put(">");
+        run.decTab();
+        run.put("</", NodeAccess::name(element), ">");
     }
 
     // One more child of the innermost open element, or its end.
@@ -97,14 +90,20 @@ private:
             child.toStream(out);
             return;
         }
+        if (exactly == NodeClass::CharData) return writeText(static_cast<const CharData&>(child));
         const Marks& marks = NodeAccess::marks(child);
         if (!beginNode(marks)) return;
-        if (exactly == NodeClass::CharData) {
-            run.putAsIs(NodeAccess::text(static_cast<const CharData&>(child)));
-        } else if (const auto& element = static_cast<const Element&>(child); begin(element)) {
+        if (const auto& element = static_cast<const Element&>(child); begin(element)) {
             walk.enter(element, {isMixed(element), true});
-            return;
+        } else {
+            endRecord(marks, run.position());
         }
+    }
+
+    void writeText(const CharData& text) {
+        const Marks& marks = NodeAccess::marks(text);
+        if (!beginNode(marks)) return;
+        run.putAsIs(NodeAccess::text(text));
         endRecord(marks, run.position());
     }
 

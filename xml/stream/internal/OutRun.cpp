@@ -5,11 +5,19 @@
 
 namespace Xml {
 
+// As OutStream::put; a text that has no line feed.
+void OutRun::putOne(std::string_view text) {
+    if (text.empty()) return;
+    if (!inRuns()) return OutStreamAccess::put(out, text);
+    if (out.atLineStart) putTabs();
+    append(text);
+}
+
 void OutRun::putAny(std::string_view text) {
     if (!inRuns()) return OutStreamAccess::put(out, text);
     while (!text.empty()) {
         const std::size_t line = std::min(text.find('\n'), text.size());
-        if (line > 0) put(text.substr(0, line));
+        putOne(text.substr(0, line));
         if (line == text.size()) return;
         putLineFeed();
         text.remove_prefix(line + 1);
@@ -32,6 +40,14 @@ void OutRun::putEscaped(std::string_view text) {
     }
 }
 
+void OutRun::putAttributeInPieces(std::string_view name, std::string_view value) {
+    put(" ");
+    putAny(name);
+    put("=\"");
+    putEscaped(value);
+    put("\"");
+}
+
 void OutRun::putTabs() {
     out.atLineStart = false;
     OutStreamAccess::eachRunOfTabs(out, [this](std::string_view tabs) {
@@ -40,11 +56,26 @@ void OutRun::putTabs() {
     });
 }
 
+// Room for so many bytes, and the tabs before them. False where there is none: for too many, or where the sink does not
+// count any more.
+bool OutRun::makeRoom(std::size_t size) {
+    if (size > kRoom || size + (out.atLineStart ? roomForTabs() : 0) > kRoom) return false;
+    takeMemory();
+    flush();
+    return inRuns();
+}
+
 void OutRun::appendSlowly(std::string_view text) {
-    if (bytes == nullptr) bytes = std::make_unique<char[]>(kRoom);
-    if (text.size() > kRoom - used) flush();
-    if (inRuns() && text.size() <= kRoom) return append(text);
+    takeMemory();
+    if (text.size() > capacity - used) flush();
+    if (inRuns() && text.size() <= capacity) return append(text);
     OutStreamAccess::putAsIs(out, text);
+}
+
+void OutRun::takeMemory() {
+    if (bytes != nullptr) return;
+    bytes = std::make_unique<char[]>(kRoom);
+    capacity = kRoom;
 }
 
 }  // namespace Xml

@@ -81,6 +81,14 @@ struct OutStreamAccess {
         return true;
     }
 
+    // As the operations of the stream.
+    static void incTab(OutStream& out) {
+        if (out.tabLevel < std::numeric_limits<std::int32_t>::max()) ++out.tabLevel;
+    }
+    static void decTab(OutStream& out) {
+        if (out.tabLevel > 0) --out.tabLevel;
+    }
+
     // As OutStream::writeDataHolder.
     static void putAsIs(OutStream& out, std::string_view text) {
         if (text.empty() || out.putChars(text.data(), text.size())) return;

@@ -2,9 +2,6 @@
 
 #include <array>
 #include <cstddef>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace Xml {
 
@@ -23,16 +20,10 @@ constexpr std::array<bool, 256> kSpecial = makeTable();
 
 const char* findSpecial(const char* from, const char* end) {
 #ifdef __SSE2__
-    // Sixteen bytes at a time; '<' and '>' differ in one bit.
     constexpr std::ptrdiff_t kAtOnce = 16;
     for (; end - from >= kAtOnce; from += kAtOnce) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
-        const __m128i angles = _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8('<' ^ '>')), _mm_set1_epi8('>'));
-        const __m128i quotes = _mm_or_si128(are('"'), are('\''));
-        const __m128i others = _mm_or_si128(are('&'), are('\n'));
-        const int found = _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(angles, quotes), others));
-        if (found != 0) return from + __builtin_ctz(static_cast<unsigned>(found));
+        const unsigned found = specialsAmong(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
+        if (found != 0) return from + __builtin_ctz(found);
     }
 #endif
     while (from != end && !kSpecial[static_cast<unsigned char>(*from)]) ++from;
