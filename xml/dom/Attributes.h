@@ -26,6 +26,9 @@ public:
     // Good until the next change.
     AttributeSpan span() const { return sorted.span(); }
 
+    // Asks the processor for the memory that span() needs.
+    void fetch() const { sorted.fetch(); }
+
     std::size_t size() const { return sorted.size(); }
     bool empty() const { return sorted.empty(); }
 

@@ -26,6 +26,9 @@ public:
     // Good until the next change.
     NodeSpan span() const { return nodes.span(); }
 
+    // Asks the processor for the memory that span() needs.
+    void fetch() const { nodes.fetch(); }
+
     std::size_t size() const { return nodes.size(); }
     bool empty() const { return nodes.empty(); }
 

@@ -74,6 +74,7 @@ private:
         const Layout layout = walk.note();
         if (!layout.mixed) run.putLineFeed();
         if (const Object* const child = walk.next()) {
+            fetchAhead();
             writeChild(*child);
             return;
         }
@@ -81,6 +82,14 @@ private:
         walk.leave();
         end(element);
         if (layout.recorded) endRecord(NodeAccess::marks(element), run.position());
+    }
+
+    // Siblings may lie far apart in memory. It is asked for while what is before them is written: for a node first, and
+    // when it is there, for what it holds.
+    void fetchAhead() const {
+        if (const Object* const node = walk.ahead(2)) NodeAccess::fetch(*node);
+        const Object* const next = walk.ahead(0);
+        if (next != nullptr && isExactly<Element>(*next)) NodeAccess::fetchNodesOf(static_cast<const Element&>(*next));
     }
 
     void writeChild(const Object& child) {
