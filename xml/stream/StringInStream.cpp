@@ -1,5 +1,6 @@
 #include "xml/stream/StringInStream.h"
 
+#include "xml/text/internal/LargePages.h"
 #include <limits>
 #include <typeinfo>
 
@@ -11,7 +12,10 @@ constexpr std::size_t kMostBytes = std::numeric_limits<int>::max();
 
 }  // namespace
 
-StringInStream::StringInStream(const std::string& bytes) : text(bytes) {}
+StringInStream::StringInStream(const std::string& bytes) {
+    LargePages::reserve(text, bytes.size());
+    text = bytes;
+}
 
 bool StringInStream::getChar(char& c) {
     releaseWindow();

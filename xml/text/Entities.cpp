@@ -4,6 +4,7 @@
 #include "xml/text/internal/Decode.h"
 #include "xml/text/internal/Escape.h"
 #include "xml/text/internal/Expansion.h"
+#include "xml/text/internal/LargePages.h"
 #include <string_view>
 #include <utility>
 
@@ -72,7 +73,7 @@ bool expandReferences(DataHolder& text, const Dtd* dtd, Expansion& expansion) {
 DataHolder decodedText(std::string_view text, const Dtd* dtd) {
     Expansion expansion;
     DataHolder result;
-    result.reserve(text.size());
+    LargePages::reserve(result, text.size());
     appendDecoded(result, text, DtdEntities(dtd), expansion);
     if (result.empty()) result.assign(text);
     return result;
