@@ -32,10 +32,15 @@ private:
         bool recorded;  // as toStream does it; the outermost element's own toStream does that for it
     };
 
+    // Looks at all children, and so asks for what they hold as well.
     static bool isMixed(const Element& element) {
         for (const Object* const child : NodeAccess::children(element)) {
             const NodeClass exactly = exactClassOf(*child);
-            if (exactly != NodeClass::Element && (exactly == NodeClass::CharData || child->isCharData())) return true;
+            if (exactly == NodeClass::Element) {
+                NodeAccess::fetchNodesOf(static_cast<const Element&>(*child));
+            } else if (exactly == NodeClass::CharData || child->isCharData()) {
+                return true;
+            }
         }
         return false;
     }
