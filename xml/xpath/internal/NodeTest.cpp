@@ -71,6 +71,11 @@ bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& e
 
 // Half of a surrogate pair is in no name of a node, but narrowing would make something of it.
 void NodeTest::setName(Names which, Unit begin, Unit end) {
+    if (std::all_of(begin, end, [](OrvSys::uni16char unit) { return unit <= 0x7F; })) {
+        name.assign(begin, end);
+        names = which;
+        return;
+    }
     const OrvSys::Uni16String wide(begin, end);
     name = OrvSys::Uni16CharToPlatformCString(wide);
     names = OrvSys::UTF8ToUni16Char(name) == wide ? which : Names::Impossible;
@@ -96,7 +101,7 @@ bool NodeTest::decide(const std::string& nodeName) const {
     return fit;
 }
 
-bool NodeTest::acceptsOther(const Object& node) const {
+bool NodeTest::acceptsRare(const Object& node) const {
     switch (kind) {
     case KindTest::Text: return isCharData(node);
     case KindTest::Document: return node.isDocument();

@@ -32,11 +32,18 @@ public:
         const std::string& itsName = NodeAccess::name(element);
         if (&itsName == refused) return false;
         if (&itsName == accepted) return true;
-        return decide(itsName);
+        return (names != Names::Whole || itsName.size() == name.size()) && decide(itsName);
     }
 
     // The same of a node that is no element.
-    bool acceptsOther(const Object& node) const;
+    bool acceptsOther(const Object& node) const {
+        return exactClassOf(node) == NodeClass::CharData ? acceptsTexts() : acceptsRare(node);
+    }
+
+    // Whether it accepts character data, which has no name.
+    bool acceptsTexts() const {
+        return kind == KindTest::Text || (names == Names::All && (kind == KindTest::None || kind == KindTest::Node));
+    }
 
     // The name that an attribute must have; null where the test asks for more or less than one name.
     const std::string* attributeName() const {
@@ -51,6 +58,7 @@ private:
     void setName(Names which, Unit begin, Unit end);
     bool fits(const std::string& nodeName) const;
     bool decide(const std::string& nodeName) const;
+    bool acceptsRare(const Object& node) const;
 
     KindTest kind = KindTest::None;
     bool elements = true;  // whether the kind allows for elements

@@ -56,10 +56,11 @@ inline void Walk::beginContext() {
     room.list.nodes.push_back(node);
 }
 
-// Whether what comes of the walk from this step on depends on one node only, to which other context nodes may lead as
-// well.
+// Whether what comes of the walk from this step on depends on one node only, to which other context nodes, or other
+// walks from the document, may lead as well.
 inline bool Walk::isTail() const {
-    return room.list.nodes.size() == 1 && (path.isAbsolute ? step == 0 : step > 0 && step == path.tail);
+    if (room.list.nodes.size() != 1) return false;
+    return path.isAbsolute ? step == 0 && start.mayComeAgain : step > 0 && step == path.tail;
 }
 
 // Puts what the next step finds into the list; or what the rest of the walk finds, where it is known. False on an

@@ -4,11 +4,24 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace Xml {
 
 namespace {
+
+// So many nodes ahead a wide row is fetched: its nodes lie apart in memory, each with its attributes and all that is
+// below it, and to wait for them is most of what a walk costs.
+constexpr std::ptrdiff_t kAhead = 4;
+
+// The lines of the cache with the class of an element, and with its name and its children.
+void fetch(const Object& node) {
+    const char* const memory = reinterpret_cast<const char*>(&node);
+    __builtin_prefetch(memory);
+    __builtin_prefetch(memory + sizeof(Element) - sizeof(void*));
+}
 
 // Walks from each context node through all below it; what was walked through already is left out. Calls start(node) for
 // a context node from which it walks, enter(node) for each node on the way, and again(node) for a context node that it
@@ -47,6 +60,60 @@ void walkBelow(const NodeList& from, Taker& taker, Start start, Enter enter, Aga
     }
 }
 
+// From which context nodes a walk has gone through all that is below, so that it does so once. Context nodes mostly have
+// one name and lie side by side: none of them is looked up before the walk comes upon an element of that name.
+class WalkedFrom {
+public:
+    explicit WalkedFrom(const NodeList& from) : contexts(from.nodes), mayNest_(from.mayNest && contexts.size() > 1) {
+        if (!mayNest_) return;
+        name = nameOf(*contexts.front());
+        const auto isNamedSo = [this](const Object* node) { return nameOf(*node) == name; };
+        if (name == nullptr || !std::all_of(contexts.begin(), contexts.end(), isNamedSo)) noteContexts(0);
+    }
+
+    // Whether the element may be a context node.
+    bool mayHave(const Element& element) const { return mayNest_ && (areNoted || &NodeAccess::name(element) == name); }
+
+    // Whether to walk from the context node with that number. They come in their order.
+    bool start(std::size_t number) {
+        if (areNoted) return isNew(*contexts[number]);
+        started = number + 1;
+        return true;
+    }
+
+    // Whether to go through what is below the element, which the walk has come upon.
+    bool enter(const Element& element) {
+        if (!mayHave(element)) return true;
+        if (!areNoted) noteContexts(started);
+        return isNew(element);
+    }
+
+private:
+    static const std::string* nameOf(const Object& node) {
+        return isElement(node) ? &NodeAccess::name(static_cast<const Element&>(node)) : nullptr;
+    }
+
+    // Of the first ones the walk has begun.
+    void noteContexts(std::size_t begun) {
+        walked = NodeMap(contexts.size());
+        for (std::size_t i = 0; i < contexts.size(); ++i) walked.insert(contexts[i], i < begun);
+        areNoted = true;
+    }
+
+    // Whether it is no context node, or one that nothing was walked from yet, which is noted then.
+    bool isNew(const Object& node) {
+        std::uint32_t* const known = walked.find(&node);
+        return known == nullptr || std::exchange(*known, true) == 0;
+    }
+
+    const std::vector<Object*>& contexts;
+    const bool mayNest_;
+    const std::string* name = nullptr;  // the one that all of them share
+    std::size_t started = 0;            // as many were walked from
+    bool areNoted = false;
+    NodeMap walked;  // whether each was walked from, once they are noted
+};
+
 }  // namespace
 
 void takeDescendants(const NodeList& from, Taker& taker) {
@@ -68,40 +135,46 @@ void takeAttributesFromBelow(const NodeList& from, Taker& taker) {
 // It is a walk of its own, since it is what most queries do: it looks at each node once, and keeps only elements that
 // have children on its stack.
 void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
-    NodeMap walked;  // of the context nodes those whose children were taken
-    if (from.mayNest) {
-        walked = NodeMap(from.nodes.size());
-        for (const Object* const node : from.nodes) walked.insert(node, false);
-    }
-    std::vector<Element*> open;  // the next one is the last
+    WalkedFrom walked(from);
+    // The only child of most elements is a text. Where texts are not taken it is looked at with its element, unless the
+    // walk may end between the two.
+    const bool passesTexts = taker.wantsAll() && !taker.takesTexts();
+    std::vector<const Element*> open;  // the next one is the last
+    std::size_t passed = 0;            // texts of the row
+    const auto enter = [&](Element& element) {
+        taker.take(element);
+        const NodeSpan below = NodeAccess::children(element);
+        if (below.empty()) return;
+        if (passesTexts && below.size() == 1 && isExactly<CharData>(*below[0]) && !walked.mayHave(element)) {
+            ++passed;
+        } else {
+            open.push_back(&element);
+        }
+    };
     const auto takeRow = [&](NodeSpan row) {
         const std::size_t first = open.size();
         Object* const* next = row.begin();
+        passed = 0;
         while (next != row.end() && !taker.isDone()) {
             Object& node = **next++;
+            if (row.end() - next >= kAhead) fetch(*next[kAhead - 1]);
             if (!isElement(node)) {
                 taker.takeOther(node);
-                continue;
+            } else {
+                enter(static_cast<Element&>(node));
             }
-            auto& element = static_cast<Element&>(node);
-            taker.take(element);
-            if (!NodeAccess::children(element).empty()) open.push_back(&element);
         }
-        std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
-        taker.visit(static_cast<std::size_t>(next - row.begin()));
+        if (open.size() > first + 1) std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
+        taker.visit(static_cast<std::size_t>(next - row.begin()) + passed);
     };
-    const auto isWalked = [&](const Object* node) {
-        std::uint32_t* const known = from.mayNest ? walked.find(node) : nullptr;
-        return known != nullptr && std::exchange(*known, true) != 0;
-    };
-    for (Object* const context : from.nodes) {
-        if (isWalked(context)) continue;
+    for (std::size_t i = 0; i < from.nodes.size(); ++i) {
+        if (!walked.start(i)) continue;
         Object* root = nullptr;
-        takeRow(childrenOf(*context, root));
+        takeRow(childrenOf(*from.nodes[i], root));
         while (!open.empty() && !taker.isDone()) {
-            Element* const element = open.back();
+            const Element& element = *open.back();
             open.pop_back();
-            if (!isWalked(element)) takeRow(elementChildren(*element));
+            if (walked.enter(element)) takeRow(NodeAccess::children(element));
         }
         if (taker.isDone()) return;
     }

@@ -32,7 +32,9 @@ public:
     bool isDone() const { return found.size() >= enough; }
 
     bool wantsOne() const { return enough == 1; }
+    bool wantsAll() const { return enough == kAll; }
     bool takes(const Object& node) const { return test.accepts(node); }
+    bool takesTexts() const { return test.acceptsTexts(); }
 
     // Says that as many nodes were looked at.
     void visit(std::size_t nodes = 1) {
