@@ -1,4 +1,5 @@
 #include "orvsys/Uni16.h"
+#include <algorithm>
 #include <cstring>
 
 namespace OrvSys {
@@ -6,6 +7,9 @@ namespace OrvSys {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+
+// ASCII, which paths and names nearly always are, is copied at once.
+constexpr bool isPlain(char32_t unit) { return unit <= 0x7F; }
 
 constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
@@ -61,10 +65,11 @@ void appendUnits(Uni16String& text, char32_t character) {
 }
 
 Uni16String widen(const char* text, std::size_t byteCount) {
-    Uni16String result;
-    result.reserve(byteCount);  // no sequence has more units than bytes
     const auto* bytes = reinterpret_cast<const unsigned char*>(text);
-    for (std::size_t i = 0; i < byteCount;) {
+    const auto* const plainEnd = std::find_if_not(bytes, bytes + byteCount, isPlain);
+    Uni16String result(bytes, plainEnd);
+    result.reserve(byteCount);  // no sequence has more units than bytes
+    for (std::size_t i = result.size(); i < byteCount;) {
         char32_t character = kReplacement;
         const std::size_t used = decode(bytes + i, byteCount - i, character);
         appendUnits(result, used == 0 ? kReplacement : character);
@@ -97,9 +102,10 @@ void appendBytes(std::string& text, char32_t character) {
 Uni16String UTF8ToUni16Char(const std::string& text) { return widen(text.data(), text.size()); }
 
 std::string Uni16CharToPlatformCString(const Uni16String& text) {
-    std::string result;
+    const auto plainEnd = std::find_if_not(text.begin(), text.end(), isPlain);
+    std::string result(text.begin(), plainEnd);
     result.reserve(text.size());  // exact for ASCII, which names and numbers nearly always are
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = result.size(); i < text.size(); ++i) {
         char32_t character = text[i];
         if (isHighSurrogate(character) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
             ++i;

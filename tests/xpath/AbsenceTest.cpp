@@ -114,7 +114,8 @@ struct Rule {
 };
 
 TEST(QueryErrorTest, IsAfterAQueryWhatItIsStepByStep) {
-    const PathText text(u"a");
+    const OrvSys::Uni16String path = u"a";
+    const PathText text(path);
     Step step;
     PathError error;
     Unit at = text.begin();

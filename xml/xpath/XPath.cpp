@@ -8,7 +8,9 @@
 #include "xml/xpath/internal/QueryError.h"
 #include "xml/xpath/internal/SyntaxCheck.h"
 #include "xml/xpath/internal/Value.h"
+#include <array>
 #include <cstddef>
+#include <memory_resource>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +21,9 @@ namespace {
 
 // Predicates may be nested this deep.
 constexpr std::size_t kDeepest = 1000;
+
+// A path of some 100 characters is taken apart without asking the heap.
+constexpr std::size_t kMemoryForText = 4096;
 
 // See XPath::setWorkLimit.
 std::int64_t workLimit = 0;
@@ -79,25 +84,27 @@ struct XPath::Kept {
 };
 
 bool XPath::Kept::find(const OrvSys::Uni16String& path) {
-    const PathText text(path);
+    alignas(std::max_align_t) std::array<std::byte, kMemoryForText> memory;
+    std::pmr::monotonic_buffer_resource resource(memory.data(), memory.size());
+    const PathText text(path, &resource);
     const bool isEmpty = text.begin() == text.end();
     const bool isAbsolute = startsWith(text.begin(), text.end(), "/");
     if (!isEmpty && !isAbsolute && count() == 0) {
         return error.set(RELATIVE_XPATH_EXPRESSION_NOT_ALLOWED_WITHOUT_CONTEXT_NODES,
                          text.written(text.begin(), text.end()));
     }
-    std::vector<Object*> contexts = {document};
+    std::vector<Object*> contexts;
     const bool noNodes = !isAbsolute && nodes.empty();
     if (mode == Mode::Answers) {
-        if (!isAbsolute) contexts = std::move(nodes);
-        nodes.clear();
+        contexts.swap(nodes);
         values.clear();
+        if (isAbsolute) contexts.assign(1, document);
     }
     if (isEmpty) return error.set(NO_XPATH_SPECIFIED, {});
     if (text.nesting() > kDeepest) return error.set(EXPRESSION_NESTED_TOO_DEEPLY, {});
 
     const bool isDocument = equals(text.begin(), text.end(), "/");
-    Expressions expressions(text);
+    Expressions expressions(text, &resource);
     if (mode == Mode::Checks) {
         if (isDocument) return true;
         PathError wrong;

@@ -28,23 +28,29 @@ void call(Function function, std::size_t contexts, bool reverse, Values& result)
 
 // An expression under evaluation.
 struct Evaluation::Frame {
+    explicit Frame(std::pmr::memory_resource* memory) : values(memory) {}
+
     bool isBarePath() const { return items->size() == 1; }
 
-    std::vector<ExpressionItem>* items = nullptr;
+    Frame* below = nullptr;
+    Frame* above = nullptr;  // null where none was needed yet
+    Expression::Items* items = nullptr;
     const std::vector<Object*>* contexts = nullptr;
-    bool reverse = false;        // whether positions count from the end
-    unsigned depth = 0;          // in errors, of the first step of a path
-    std::size_t operand = 0;     // the number of the one that is evaluated now
-    std::vector<Values> values;  // of the operands before it, and its own
+    bool reverse = false;             // whether positions count from the end
+    unsigned depth = 0;               // in errors, of the first step of a path
+    std::size_t operand = 0;          // the number of the one that is evaluated now
+    std::pmr::vector<Values> values;  // of the operands before it, and its own
 
     std::optional<Walk> walk;  // of that operand, where it is a path
     Walk::Room room;
 };
 
 Evaluation::Evaluation(Expressions& expressions, Document* document, VisitBudget budget, std::size_t mostKept)
-    : state{expressions, Axes(document, budget), OutcomeRoom(mostKept), {}, {}} {}
+    : state{expressions, Axes(document, budget), OutcomeRoom(mostKept), {}, {}}, frames(expressions.memory) {}
 
 Evaluation::~Evaluation() = default;
+
+bool Evaluation::isWhole(const Frame& frame) const { return frame.below == nullptr; }
 
 bool Evaluation::run(Expression& query, const Start& itsStart) {
     start = &itsStart;
@@ -53,8 +59,15 @@ bool Evaluation::run(Expression& query, const Start& itsStart) {
 }
 
 void Evaluation::push(Expression& expression, const std::vector<Object*>& contexts, bool reverse, unsigned depth) {
-    if (height == frames.size()) frames.push_back(std::make_unique<Frame>());
-    Frame& frame = *frames[height++];
+    Frame* pushed = top != nullptr ? top->above : nullptr;
+    if (pushed == nullptr) {
+        pushed = &frames.emplace_back(state.expressions.memory);
+        pushed->below = top;
+        if (top != nullptr) top->above = pushed;
+    }
+    top = pushed;
+    ++height;
+    Frame& frame = *pushed;
     frame.items = &expression.items(state.expressions.text);
     frame.contexts = &contexts;
     frame.reverse = reverse;
@@ -65,8 +78,8 @@ void Evaluation::push(Expression& expression, const std::vector<Object*>& contex
 }
 
 bool Evaluation::go() {
-    while (height > 0) {
-        Frame& frame = *frames[height - 1];
+    while (top != nullptr) {
+        Frame& frame = *top;
         const bool ok = frame.walk                            ? goOn(frame)
                         : frame.operand < frame.items->size() ? beginOperand(frame)
                                                               : end(frame);
@@ -77,7 +90,7 @@ bool Evaluation::go() {
 
 bool Evaluation::beginOperand(Frame& frame) {
     ExpressionItem& item = (*frame.items)[frame.operand];
-    if (!item.read(state.expressions.text, state.error)) return false;
+    if (!item.read(state.expressions, state.error)) return false;
 
     const Function* const function = std::get_if<Function>(&item.operand);
     Path* const path = std::get_if<Path>(&item.operand);
@@ -105,7 +118,7 @@ bool Evaluation::beginWalk(Frame& frame, ExpressionItem& item, Path& path) {
         return walkTogether(state, path, *frame.contexts, frame.depth, nodes);
     }
     const bool isTest = !isWhole(frame) && frame.isBarePath();  // a predicate that asks only whether there is a node
-    const bool mayComeAgain = height > 2 || (height == 2 && frames.front()->contexts->size() > 1);
+    const bool mayComeAgain = height > 2 || (height == 2 && frames.front().contexts->size() > 1);
     frame.walk.emplace(state, path, Walk::Start{*frame.contexts, frame.depth, isTest ? 1 : Taker::kAll, mayComeAgain},
                        frame.room);
     return true;
@@ -148,10 +161,12 @@ void Evaluation::gather(Frame& frame) {
 bool Evaluation::end(Frame& frame) {
     if (!fold(*frame.items, frame.values, state.axes.budget()))
         return state.error.set(XPath::EXPRESSION_TOO_COSTLY, {});
-    if (--height == 0) {
+    top = frame.below;
+    --height;
+    if (top == nullptr) {
         values = std::move(frame.values.front());
     } else {
-        frames[height - 1]->walk->filter(frame.values.front());
+        top->walk->filter(frame.values.front());
     }
     return true;
 }

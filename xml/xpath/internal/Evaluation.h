@@ -8,7 +8,8 @@
 #include "xml/xpath/internal/Value.h"
 #include "xml/xpath/internal/VisitBudget.h"
 #include <cstddef>
-#include <memory>
+#include <list>
+#include <memory_resource>
 #include <vector>
 
 namespace Xml {
@@ -57,13 +58,14 @@ private:
     bool goOn(Frame& frame);
     void gather(Frame& frame);
     bool end(Frame& frame);
-    bool isWhole(const Frame& frame) const { return &frame == frames.front().get(); }
+    bool isWhole(const Frame& frame) const;
 
     QueryState state;
     const Start* start = nullptr;
     NodeMap taken;  // those of `nodes`, where several context nodes may find the same
 
-    std::vector<std::unique_ptr<Frame>> frames;  // those from `height` on are kept for their memory
+    std::pmr::list<Frame> frames;  // those above the top one are kept for their memory
+    Frame* top = nullptr;
     std::size_t height = 0;
 };
 

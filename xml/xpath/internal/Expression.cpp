@@ -12,27 +12,33 @@ bool isDigit(OrvSys::uni16char unit) { return unit >= u'0' && unit <= u'9'; }
 
 }  // namespace
 
-Path::Path(Unit begin, Unit itsEnd)
-    : isAbsolute(startsWith(begin, itsEnd, "/")), next(begin + (isAbsolute ? 1 : 0)), end(itsEnd) {}
+Path::Path(Unit begin, Unit itsEnd, std::pmr::memory_resource* memory)
+    : isAbsolute(startsWith(begin, itsEnd, "/")), next(begin + (isAbsolute ? 1 : 0)), end(itsEnd), steps(memory) {}
 
 Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& error) {
-    if (number < steps.size()) return steps[number].get();
-    auto read = std::make_unique<Read>();
-    if (!read->step.read(expressions.text, next, end, error)) return nullptr;
-    read->depth = read->step.slashes + (steps.empty() ? 0 : steps.back()->depth + 1);
-    for (const Span& predicate : read->step.predicates) read->predicates.push_back(expressions.add(predicate));
-    if (tail == 0 && !steps.empty() && steps.back()->step.isParent() && !read->step.isParent()) tail = steps.size();
-    steps.push_back(std::move(read));
-    return steps.back().get();
+    if (number < steps.size()) return &steps[number];
+    const Read* const before = steps.empty() ? nullptr : &steps.back();
+    Read& read = steps.emplace_back();
+    if (!read.step.read(expressions.text, next, end, error)) {
+        steps.pop_back();
+        return nullptr;
+    }
+    read.depth = read.step.slashes + (before != nullptr ? before->depth + 1 : 0);
+    for (const Span& predicate : read.step.predicates) read.predicates.push_back(expressions.add(predicate));
+    if (tail == 0 && before != nullptr && before->step.isParent() && !read.step.isParent()) tail = number;
+    return &read;
 }
 
-std::vector<ExpressionItem>& Expression::items(const PathText& whole) {
+Expression::Items& Expression::items(const PathText& whole) {
     if (!items_.empty()) return items_;
     Unit begin = text.begin;
     for (Unit at = begin; at != text.end;) {
+        if (isNCChar(*at)) {
+            ++at;
+            continue;
+        }
         const Unit operandEnd = at;
-        const Operator op = ExtractOperator(at, text.end);
-        if (op != Operator::None) {
+        if (const Operator op = ExtractOperator(at, text.end); op != Operator::None) {
             items_.emplace_back(begin, operandEnd, op);
             begin = at;
         } else if (*at == u'[' && !whole.isClosedBracket(at)) {
@@ -45,8 +51,9 @@ std::vector<ExpressionItem>& Expression::items(const PathText& whole) {
     return items_;
 }
 
-bool ExpressionItem::read(const PathText& whole, PathError& error) {
+bool ExpressionItem::read(const Expressions& expressions, PathError& error) {
     if (operand.index() != 0) return true;
+    const PathText& whole = expressions.text;
     if (text.begin != text.end && IsBeginLiteral(*text.begin)) {
         operand.emplace<Literal>(OrvSys::Uni16String(text.begin + 1, whole.after(text.begin) - 1));
         return true;
@@ -54,7 +61,7 @@ bool ExpressionItem::read(const PathText& whole, PathError& error) {
     if (text.begin != text.end && isDigit(*text.begin)) return readNumber(whole, error);
     if (startsWith(text.begin, text.end, "position")) return readCall(whole, Function::Position, "position", error);
     if (startsWith(text.begin, text.end, "last")) return readCall(whole, Function::Last, "last", error);
-    operand.emplace<Path>(text.begin, text.end);
+    operand.emplace<Path>(text.begin, text.end, expressions.memory);
     return true;
 }
 

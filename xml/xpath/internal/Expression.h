@@ -8,7 +8,7 @@
 #include "xml/xpath/internal/axes/Siblings.h"
 #include <cstddef>
 #include <deque>
-#include <memory>
+#include <memory_resource>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -22,7 +22,10 @@ class Expression;
 // A location path. Its steps are read one by one as walks come to them: what is wrong with a step that no walk comes to
 // is never found.
 struct Path {
-    Path(Unit begin, Unit itsEnd);
+    Path(Unit begin, Unit itsEnd, std::pmr::memory_resource* memory);
+    Path(const Path&) = delete;
+    Path(Path&&) = default;
+    ~Path() = default;
 
     struct Read {
         Step step;
@@ -38,7 +41,7 @@ struct Path {
     bool isAbsolute;
     Unit next;  // where the first step begins that was not read yet
     Unit end;
-    std::vector<std::unique_ptr<Read>> steps;
+    std::pmr::deque<Read> steps;
 
     // Of walks that may come again: from context nodes; and, where one node is left to go on from there, from the step
     // after the first ones upwards, or from the first one of an absolute path. Context nodes often share a parent, and
@@ -59,7 +62,7 @@ struct ExpressionItem {
     ExpressionItem(Unit begin, Unit end, Operator itsOp) : text{begin, end}, op(itsOp) {}
 
     // Finds out what the operand is, at the first call. False, and the error set, where it is nothing.
-    bool read(const PathText& whole, PathError& error);
+    bool read(const Expressions& expressions, PathError& error);
 
     Span text;
     Operator op;
@@ -73,28 +76,34 @@ private:
 // A whole query, or what stands in the brackets of a predicate: operands with operators between them.
 class Expression {
 public:
-    explicit Expression(Span itsText) : text(itsText) {}
+    Expression(Span itsText, std::pmr::memory_resource* memory) : text(itsText), items_(memory) {}
 
     // At least one; taken apart at the first call.
-    std::vector<ExpressionItem>& items(const PathText& whole);
+    using Items = std::pmr::vector<ExpressionItem>;
+    Items& items(const PathText& whole);
 
 private:
     Span text;
-    std::vector<ExpressionItem> items_;
+    Items items_;
 };
 
-// The expressions of one query, and the text that they are parts of. They do not own each other, so that no depth of
-// nesting makes the end of a query recurse.
+// The expressions of one query, the text that they are parts of, and the memory for them. They do not own each other,
+// so that no depth of nesting makes the end of a query recurse.
 class Expressions {
 public:
-    explicit Expressions(const PathText& itsText) : text(itsText) {}
+    explicit Expressions(const PathText& itsText,
+                         std::pmr::memory_resource* itsMemory = std::pmr::get_default_resource())
+        : text(itsText), memory(itsMemory), all(memory) {}
 
-    Expression* add(Span span) { return &all.emplace_back(span); }
+    Expression* add(Span span) { return &all.emplace_back(span, memory); }
 
     const PathText& text;
 
+    // For what is as large as the path, and not for what is as large as the tree: it is given back with the query.
+    std::pmr::memory_resource* const memory;
+
 private:
-    std::deque<Expression> all;
+    std::pmr::deque<Expression> all;
 };
 
 }  // namespace Xml

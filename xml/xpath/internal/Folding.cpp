@@ -229,7 +229,7 @@ void CompareExpressionItems(Values& left, const Values& right, Operator op) {
     }
 }
 
-bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values, VisitBudget& budget) {
+bool fold(const Expression::Items& items, std::pmr::vector<Values>& values, VisitBudget& budget) {
     if (items.size() == 1) return true;
     std::vector<Operator> operators;
     for (const ExpressionItem& item : items) operators.push_back(item.op);

@@ -27,6 +27,6 @@ void CompareExpressionItems(Values& left, const Values& right, Operator op);
 // Folds the values of operands into those of the first one, by the rank of the operators between them: products, sums,
 // orders, equalities, each from left to right. A number that is made costs as much as a node that is looked at. False
 // where an operator would make more pairs than may be, or where the budget is spent.
-bool fold(const std::vector<ExpressionItem>& items, std::vector<Values>& values, VisitBudget& budget);
+bool fold(const Expression::Items& items, std::pmr::vector<Values>& values, VisitBudget& budget);
 
 }  // namespace Xml

@@ -21,10 +21,6 @@ constexpr OperatorName oOperatorNames[] = {
     {" * ", Operator::Multiply},
 };
 
-bool mayBeginOperator(OrvSys::uni16char unit) {
-    return unit == u' ' || unit == u'!' || unit == u'<' || unit == u'=' || unit == u'>';
-}
-
 }  // namespace
 
 Operator ExtractOperator(Unit& at, Unit end) {

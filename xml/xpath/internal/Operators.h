@@ -22,4 +22,9 @@ enum class Operator {
 // the signs of arithmetic carry a blank on each side, so that `a - b` is apart from the name `a-b`.
 Operator ExtractOperator(Unit& at, Unit end);
 
+// Whether there may be one that begins with the unit.
+inline bool mayBeginOperator(OrvSys::uni16char unit) {
+    return unit == u' ' || unit == u'!' || unit == u'<' || unit == u'=' || unit == u'>';
+}
+
 }  // namespace Xml

@@ -3,6 +3,9 @@
 #include "orvsys/Uni16.h"
 #include "xml/xpath/internal/Characters.h"
 #include <cstddef>
+#include <memory_resource>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace Xml {
@@ -14,17 +17,25 @@ namespace Xml {
 // hand for messages. A literal that is not closed runs to the end and is closed there. After a bracket that is not
 // closed nothing is dropped.
 //
-// It costs O(length), whatever the nesting.
+// Most paths are short and have little of all that: a path without white space is its own text, and only literals and
+// brackets are noted.
+//
+// It costs O(length), whatever the nesting, and later O(log n) for each of n literals and brackets.
 class PathText {
 public:
-    explicit PathText(const OrvSys::Uni16String& path);
+    // The path must stay. What is noted is put into `memory`.
+    explicit PathText(const OrvSys::Uni16String& path,
+                      std::pmr::memory_resource* memory = std::pmr::get_default_resource());
+    explicit PathText(OrvSys::Uni16String&&) = delete;
+    PathText(const PathText&) = delete;
+    PathText& operator=(const PathText&) = delete;
 
     Unit begin() const { return text.data(); }
     Unit end() const { return text.data() + text.size(); }
 
     // The place after what begins at `at`: a whole literal; a whole "[...]" that is closed; else the one unit.
-    Unit after(Unit at) const { return begin() + next[static_cast<std::size_t>(at - begin())]; }
-    bool isClosedBracket(Unit at) const { return *at == u'[' && after(at) > at + 1; }
+    Unit after(Unit at) const { return *at == u'[' || IsBeginLiteral(*at) ? afterEnclosed(at) : at + 1; }
+    bool isClosedBracket(Unit at) const { return *at == u'[' && afterEnclosed(at) > at + 1; }
 
     // A part of the text, with what stands in its outermost brackets as it was written. It may end within a
     // bracket or a literal.
@@ -34,17 +45,36 @@ public:
     std::size_t nesting() const { return nesting_; }
 
 private:
-    void findEnds();
-    void removeWhiteSpace();
+    using View = std::basic_string_view<OrvSys::uni16char, OrvSys::Core::uni16char_traits>;
+    using Units = std::basic_string<OrvSys::uni16char, OrvSys::Core::uni16char_traits,
+                                    std::pmr::polymorphic_allocator<OrvSys::uni16char>>;
 
-    OrvSys::Uni16String source;           // the path, its last literal closed
-    std::vector<std::size_t> sourceNext;  // as `next`, in the source
-    std::size_t unclosed = 0;  // the place of the first bracket in the source that is not closed, else its length
+    // A literal, or brackets that are closed: the place where it begins, and the place after it.
+    struct Enclosed {
+        std::size_t begin;
+        std::size_t end;
+    };
+
+    // How many units of the source are missing from the text from that place of it on.
+    struct Dropped {
+        std::size_t from;
+        std::size_t units;
+    };
+
+    bool findEnclosed();
+    void removeWhiteSpace();
+    Unit afterEnclosed(Unit at) const;
+    std::size_t sourcePlaceOf(Unit at) const;
+
+    View source;           // the path, its last literal closed
+    Units closed;          // the same, where one had to be closed
+    std::size_t unclosed;  // the place of the first bracket in the source that is not closed, else its length
     std::size_t nesting_ = 0;
 
-    OrvSys::Uni16String text;
-    std::vector<std::size_t> next;         // for each unit the place after what begins there
-    std::vector<std::size_t> sourcePlace;  // of each unit
+    View text;
+    Units shorter;                        // the text, where the source has white space
+    std::pmr::vector<Enclosed> enclosed;  // in the order in which they begin in the text
+    std::pmr::vector<Dropped> dropped;
 };
 
 }  // namespace Xml

@@ -38,8 +38,14 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
 // counts too: no slash ends the step then until one more is opened.
 bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.begin = at;
+    headEnd = nullptr;
     long open = 0;
     while (at != end && !(*at == u'/' && open == 0)) {
+        if (isNCChar(*at)) {
+            ++at;
+            continue;
+        }
+        if (*at == u'[' && headEnd == nullptr) headEnd = at;
         if (*at == u'[' && (open < 0 || !text.isClosedBracket(at))) {
             ++open;
             ++at;
@@ -49,15 +55,13 @@ bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
         }
     }
     whole.end = at;
+    if (headEnd == nullptr) headEnd = at;
     isLast = at == end;
     if (isLast || ++at != end) return true;
     return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
 }
 
 bool Step::extractPredicates(const PathText& text, PathError& error) {
-    headEnd = whole.begin;
-    while (headEnd != whole.end && *headEnd != u'[') headEnd = text.after(headEnd);
-
     Unit last = headEnd;
     for (Unit at = headEnd; at != whole.end; at = text.after(at)) {
         if (*at != u'[') {

@@ -10,7 +10,7 @@ namespace {
 
 // An expression that is being read, and what of it is read next.
 struct Place {
-    std::vector<ExpressionItem>& items;
+    Expression::Items& items;
     std::size_t item = 0;
     std::size_t step = 0;
     std::size_t predicate = 0;
@@ -28,7 +28,7 @@ bool checkSyntax(Expression& query, bool noNodes, Expressions& expressions, Path
             continue;
         }
         ExpressionItem& item = place.items[place.item];
-        if (!item.read(expressions.text, error)) return false;
+        if (!item.read(expressions, error)) return false;
         Path* const path = std::get_if<Path>(&item.operand);
         if (path == nullptr) {
             const bool asksContext = noNodes && open.size() == 1 && std::holds_alternative<Function>(item.operand);
