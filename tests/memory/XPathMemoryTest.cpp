@@ -8,6 +8,7 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
+#include "xml/xpath/internal/QueryMemory.h"
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
@@ -125,7 +126,9 @@ protected:
         document = documentOf(blockOf("```xml", "```", page));
         queries = queriesOfThePage();
         queries.insert(queries.end(), std::begin(kMoreQueries), std::end(kMoreQueries));
+        QueryMemory::isFromHeap = true;
     }
+    ~XPathMemoryTest() override { QueryMemory::isFromHeap = false; }
 
     // Asks for the context of a query, whatever comes of it.
     void goTo(XPath& query, const Query& asked) const {
@@ -174,6 +177,24 @@ TEST_F(XPathMemoryTest, AQueryThatCouldNotBeAnsweredIsAnsweredTheNextTime) {
     }
     EXPECT_EQ(dump(document.get()), tree);
     expectUsable(*document);
+}
+
+// As queries are made: what is short is taken apart without the heap.
+TEST_F(XPathMemoryTest, ALongPathThatCouldNotBeTakenApartIsTakenApartTheNextTime) {
+    QueryMemory::isFromHeap = false;
+    OrvSys::Uni16String path = u"//pea";
+    for (int i = 0; i < 50; ++i) path += u"[ @n != 'a text that is nowhere' ]/../pea[ position() > 0 ]";
+    XPath whole(document.get());
+    whole.GetValues(path);
+    const Answer expected = answerOf(whole);
+    EXPECT_EQ(whole.GetNrOfResults(), 4U);
+    forEachFailingAllocation([&](Attempt& attempt) {
+        XPath query(document.get());
+        if (!attempt([&] { query.GetValues(path); })) query.GetValues(path);
+        const Answer answer = answerOf(query);
+        EXPECT_EQ(answer.results, expected.results);
+        EXPECT_EQ(answer.error, expected.error);
+    });
 }
 
 TEST_F(XPathMemoryTest, ACheckThatCouldNotBeMadeLeavesTheResults) {

@@ -6,11 +6,10 @@
 #include "xml/xpath/internal/NodeMap.h"
 #include "xml/xpath/internal/PathText.h"
 #include "xml/xpath/internal/QueryError.h"
+#include "xml/xpath/internal/QueryMemory.h"
 #include "xml/xpath/internal/SyntaxCheck.h"
 #include "xml/xpath/internal/Value.h"
-#include <array>
 #include <cstddef>
-#include <memory_resource>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,9 +20,6 @@ namespace {
 
 // Predicates may be nested this deep.
 constexpr std::size_t kDeepest = 1000;
-
-// A path of some 100 characters is taken apart without asking the heap.
-constexpr std::size_t kMemoryForText = 4096;
 
 // See XPath::setWorkLimit.
 std::int64_t workLimit = 0;
@@ -84,9 +80,8 @@ struct XPath::Kept {
 };
 
 bool XPath::Kept::find(const OrvSys::Uni16String& path) {
-    alignas(std::max_align_t) std::array<std::byte, kMemoryForText> memory;
-    std::pmr::monotonic_buffer_resource resource(memory.data(), memory.size());
-    const PathText text(path, &resource);
+    QueryMemory memory;
+    const PathText text(path, &memory);
     const bool isEmpty = text.begin() == text.end();
     const bool isAbsolute = startsWith(text.begin(), text.end(), "/");
     if (!isEmpty && !isAbsolute && count() == 0) {
@@ -104,7 +99,7 @@ bool XPath::Kept::find(const OrvSys::Uni16String& path) {
     if (text.nesting() > kDeepest) return error.set(EXPRESSION_NESTED_TOO_DEEPLY, {});
 
     const bool isDocument = equals(text.begin(), text.end(), "/");
-    Expressions expressions(text, &resource);
+    Expressions expressions(text, &memory);
     if (mode == Mode::Checks) {
         if (isDocument) return true;
         PathError wrong;
@@ -197,7 +192,7 @@ OrvSys::Uni16String XPath::GetValue(unsigned index, int token) {
 
 OrvSys::Uni16String XPath::GetValue(Object* node) const {
     std::string buffer;
-    return node != nullptr ? OrvSys::UTF8ToUni16Char(textOf(*node, buffer)) : OrvSys::Uni16String();
+    return node != nullptr ? OrvSys::UTF8ToUni16Char(std::string(textOf(*node, buffer))) : OrvSys::Uni16String();
 }
 
 bool XPath::SyntaxOK(const OrvSys::Uni16String& path) {

@@ -7,8 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 #include <locale.h>
+#include <optional>
 
 namespace Xml::Classic {
 
@@ -71,6 +73,33 @@ bool skipNumber(std::string_view& text) {
     return skipDigits(text);
 }
 
+// The decimal number that the text begins with, where it has few digits and no exponent; nothing for any other. So few
+// digits are a whole number that a double holds, and so is the power of ten that their point divides it by: the one
+// division rounds as reading the number does.
+std::optional<double> shortDecimal(std::string_view text) {
+    constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::size_t kMost = std::size(kPowers) - 1;
+    std::int64_t number = 0;
+    std::size_t digits = 0;
+    std::size_t fraction = 0;
+    bool hasPoint = false;
+    for (const char c : text) {
+        if (c == '.' && !hasPoint) {
+            hasPoint = true;
+        } else if (isDigit(c)) {
+            if (++digits > kMost) return std::nullopt;
+            number = number * 10 + (c - '0');
+            if (hasPoint) ++fraction;
+        } else if (c == 'e' || c == 'E' || c == 'x' || c == 'X') {
+            return std::nullopt;
+        } else {
+            break;
+        }
+    }
+    if (digits == 0) return std::nullopt;
+    return static_cast<double>(number) / kPowers[fraction];
+}
+
 // Never freed; made without allocating.
 locale_t classicLocale() {
     static const locale_t made = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -113,7 +142,13 @@ double extractDouble(const std::string& text) {
     return std::clamp(number, std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max());
 }
 
-double atof(const char* text) { return strtod_l(text, nullptr, classicLocale()); }
+double atof(std::string_view text) {
+    std::string_view rest = text;
+    skipBlanks(rest);
+    const bool negative = skipSign(rest);
+    if (const std::optional<double> number = shortDecimal(rest)) return negative ? -*number : *number;
+    return strtod_l(std::string(text).c_str(), nullptr, classicLocale());
+}
 
 std::string fixedPoint(double number, int precision) {
     std::array<char, 1 + kMostDigits + 1 + kMostFractionDigits> buffer;

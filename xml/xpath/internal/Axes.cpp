@@ -6,6 +6,13 @@
 
 namespace Xml {
 
+namespace {
+
+// Room for so many nodes is made at once.
+constexpr std::size_t kSome = 16;
+
+}  // namespace
+
 inline void Axes::along(const Step& step, const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker,
                         NodeList& found) const {
     found.mayNest = from.mayNest || from.nodes.size() > 1;  // they may reach each other's regions
@@ -55,6 +62,7 @@ inline void Axes::along(const Step& step, const NodeList& from, std::optional<Si
 void Axes::collect(const Step& step, const NodeList& from, std::size_t enough, std::optional<SiblingHint>& hint,
                    NodeList& found) {
     found.nodes.clear();
+    if (found.nodes.capacity() == 0) found.nodes.reserve(kSome);
     Taker taker(step.test, found.nodes, enough, budget_);
     taker.visit(from.nodes.size());
     if (step.slashes == 0) {

@@ -1,6 +1,7 @@
 #include "xml/xpath/internal/Evaluation.h"
 
 #include "xml/xpath/internal/Folding.h"
+#include "xml/xpath/internal/OneStep.h"
 #include "xml/xpath/internal/Together.h"
 #include "xml/xpath/internal/Walk.h"
 #include <cstdint>
@@ -12,16 +13,21 @@ namespace Xml {
 
 namespace {
 
-// What a function makes of the context nodes.
-void call(Function function, std::size_t contexts, bool reverse, Values& result) {
+// The value of last() among so many context nodes.
+void callLast(std::size_t contexts, bool reverse, Values& result) {
     if (contexts == 0) return;
     const auto size = static_cast<std::int32_t>(contexts);
-    if (function == Function::Last) {
-        result.push_back(reverse ? Value::ofNumber(0, 1) : Value::ofNumber(size - 1, size));
-        return;
+    result.push_back(reverse ? Value::ofNumber(0, 1) : Value::ofNumber(size - 1, size));
+}
+
+// The values of position() among so many context nodes, those that `keeps` is true of.
+template <class Keeps>
+void callPosition(std::size_t contexts, bool reverse, Values& result, Keeps keeps) {
+    const auto size = static_cast<std::int32_t>(contexts);
+    for (std::int32_t i = 0; i < size; ++i) {
+        const std::int32_t position = reverse ? size - i : i + 1;
+        if (keeps(position)) result.push_back(Value::ofNumber(i, position));
     }
-    result.reserve(contexts);
-    for (std::int32_t i = 0; i < size; ++i) result.push_back(Value::ofNumber(i, reverse ? size - i : i + 1));
 }
 
 }  // namespace
@@ -99,8 +105,22 @@ bool Evaluation::beginOperand(Frame& frame) {
     if (path != nullptr) return beginWalk(frame, item, *path);
 
     Values& result = frame.values[frame.operand++];
-    if (function != nullptr) {
-        call(*function, frame.contexts->size(), frame.reverse, result);
+    const std::size_t contexts = frame.contexts->size();
+    if (function != nullptr && *function == Function::Last) {
+        callLast(contexts, frame.reverse, result);
+    } else if (function != nullptr) {
+        // Of positions that are only compared with a number, those are made for which that holds.
+        const bool isCompared = frame.items->size() == 2 && &item == &frame.items->front() && isComparison(item.op);
+        ExpressionItem* const bound = isCompared ? &frame.items->back() : nullptr;
+        if (bound != nullptr && !bound->read(state.expressions, state.error)) return false;
+        const double* const number = bound != nullptr ? std::get_if<double>(&bound->operand) : nullptr;
+        if (number != nullptr) {
+            callPosition(contexts, frame.reverse, result,
+                         [&](double position) { return CompareValue(position, *number, item.op); });
+        } else {
+            result.reserve(contexts);
+            callPosition(contexts, frame.reverse, result, [](std::int32_t) { return true; });
+        }
     } else if (const Literal* const string = std::get_if<Literal>(&item.operand)) {
         result.push_back(Value::ofString(-1, string));
     } else if (const double* const number = std::get_if<double>(&item.operand)) {
@@ -119,8 +139,13 @@ bool Evaluation::beginWalk(Frame& frame, ExpressionItem& item, Path& path) {
     }
     const bool isTest = !isWhole(frame) && frame.isBarePath();  // a predicate that asks only whether there is a node
     const bool mayComeAgain = height > 2 || (height == 2 && frames.front().contexts->size() > 1);
-    frame.walk.emplace(state, path, Walk::Start{*frame.contexts, frame.depth, isTest ? 1 : Taker::kAll, mayComeAgain},
-                       frame.room);
+    const Walk::Start from{*frame.contexts, frame.depth, isTest ? 1 : Taker::kAll, mayComeAgain};
+    if (!path.isAbsolute && !isQuery && !mayComeAgain && !frame.contexts->empty()) {
+        const Path::Read* const first = path.step(0, state.expressions, state.error);
+        if (first == nullptr) return false;
+        if (isOneStep(*first)) return walkOneStep(state, *first, from, frame.values[frame.operand++]);
+    }
+    frame.walk.emplace(state, path, from, frame.room);
     return true;
 }
 

@@ -38,7 +38,9 @@ Expression::Items& Expression::items(const PathText& whole) {
             continue;
         }
         const Unit operandEnd = at;
-        if (const Operator op = ExtractOperator(at, text.end); op != Operator::None) {
+        const Operator op = mayBeginOperator(*at) ? ExtractOperator(at, text.end) : Operator::None;
+        if (op != Operator::None) {
+            if (items_.empty()) items_.reserve(2);
             items_.emplace_back(begin, operandEnd, op);
             begin = at;
         } else if (*at == u'[' && !whole.isClosedBracket(at)) {

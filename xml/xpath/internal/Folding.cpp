@@ -45,7 +45,7 @@ void keepAgainst(const Value& scalar, Values& values, Operator op) {
         ValueText text(scalar);
         keepIf(values, [&](const Value& value) {
             ValueText other(value);
-            return CompareValue(text.compare(other), 0, op);
+            return text.holds(other, op);
         });
     }
 }
@@ -231,7 +231,8 @@ void CompareExpressionItems(Values& left, const Values& right, Operator op) {
 
 bool fold(const Expression::Items& items, std::pmr::vector<Values>& values, VisitBudget& budget) {
     if (items.size() == 1) return true;
-    std::vector<Operator> operators;
+    std::pmr::vector<Operator> operators(values.get_allocator());
+    operators.reserve(items.size());
     for (const ExpressionItem& item : items) operators.push_back(item.op);
     std::size_t count = operators.size();
     for (const Rank rank : {Rank::Product, Rank::Sum, Rank::Order, Rank::Equality}) {

@@ -71,8 +71,10 @@ bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& e
 
 // Half of a surrogate pair is in no name of a node, but narrowing would make something of it.
 void NodeTest::setName(Names which, Unit begin, Unit end) {
-    if (std::all_of(begin, end, [](OrvSys::uni16char unit) { return unit <= 0x7F; })) {
-        name.assign(begin, end);
+    unsigned bits = 0;
+    for (Unit at = begin; at != end; ++at) bits |= *at;
+    if (bits <= 0x7F) {
+        name = std::string(begin, end);
         names = which;
         return;
     }

@@ -28,11 +28,7 @@ public:
     }
     bool accepts(const Element& element) const {
         if (!elements) return false;
-        if (names == Names::All) return true;
-        const std::string& itsName = NodeAccess::name(element);
-        if (&itsName == refused) return false;
-        if (&itsName == accepted) return true;
-        return (names != Names::Whole || itsName.size() == name.size()) && decide(itsName);
+        return names == Names::All || acceptsName(NodeAccess::name(element));
     }
 
     // The same of a node that is no element.
@@ -45,14 +41,31 @@ public:
         return kind == KindTest::Text || (names == Names::All && (kind == KindTest::None || kind == KindTest::Node));
     }
 
-    // The name that an attribute must have; null where the test asks for more or less than one name.
-    const std::string* attributeName() const {
+    // Whether an attribute must have one certain name; the attribute of that name then, null where there is none.
+    bool wantsOneAttribute() const {
         const bool attributes = kind == KindTest::None || kind == KindTest::Node || kind == KindTest::Attribute;
-        return attributes && names == Names::Whole ? &name : nullptr;
+        return attributes && names == Names::Whole;
+    }
+    Attribute* attributeOf(Element& element) const {
+        const AttributeSpan all = NodeAccess::attributes(element);
+        if (all.size() > kFew) return element.getAttribute(name);
+        for (Attribute* const attribute : all) {
+            if (acceptsName(NodeAccess::name(*attribute))) return attribute;
+        }
+        return nullptr;
     }
 
 private:
     enum class Names { All, Whole, Local, Prefixed, Impossible };
+
+    // Up to so many attributes are gone through for one of a name.
+    static constexpr std::size_t kFew = 8;
+
+    bool acceptsName(const std::string& itsName) const {
+        if (&itsName == refused) return false;
+        if (&itsName == accepted) return true;
+        return (names != Names::Whole || itsName.size() == name.size()) && decide(itsName);
+    }
 
     bool readName(const PathText& text, Unit begin, Unit end, PathError& error);
     void setName(Names which, Unit begin, Unit end);

@@ -21,12 +21,18 @@ constexpr OperatorName oOperatorNames[] = {
     {" * ", Operator::Multiply},
 };
 
+// Whether a blank before the unit may belong to an operator: most do not.
+bool mayFollowBlank(OrvSys::uni16char unit) {
+    return unit == u'+' || unit == u'-' || unit == u'*' || (unit >= u'd' && unit <= u'n');
+}
+
 }  // namespace
 
 Operator ExtractOperator(Unit& at, Unit end) {
     if (at == end || !mayBeginOperator(*at)) return Operator::None;
+    if (*at == u' ' && (at + 1 == end || !mayFollowBlank(at[1]))) return Operator::None;
     for (const OperatorName& row : oOperatorNames) {
-        if (!startsWith(at, end, row.text)) continue;
+        if (*at != static_cast<unsigned char>(row.text[0]) || !startsWith(at, end, row.text)) continue;
         at += std::strlen(row.text);
         return row.op;
     }

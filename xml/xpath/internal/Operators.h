@@ -5,7 +5,7 @@
 namespace Xml {
 
 enum class Operator {
-    LessThan,
+    LessThan,  // the first six compare
     LessOrEqual,
     Equal,
     GreaterThan,
@@ -17,6 +17,8 @@ enum class Operator {
     Multiply,
     None
 };
+
+inline bool isComparison(Operator op) { return op <= Operator::NotEqual; }
 
 // The operator whose text stands at `at`, which moves after it; None, and `at` unmoved, where there is none. Words and
 // the signs of arithmetic carry a blank on each side, so that `a - b` is apart from the name `a-b`.

@@ -6,8 +6,16 @@
 
 namespace Xml {
 
+namespace {
+
+// Room for so many literals and brackets is made at once.
+constexpr std::size_t kSome = 4;
+
+}  // namespace
+
 PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* memory)
     : source(path), closed(memory), unclosed(path.size()), shorter(memory), enclosed(memory), dropped(memory) {
+    enclosed.reserve(kSome);
     const bool hasWhiteSpace = findEnclosed();
     text = source;
     if (hasWhiteSpace) removeWhiteSpace();
@@ -18,16 +26,17 @@ bool PathText::findEnclosed() {
     bool hasWhiteSpace = false;
     constexpr std::size_t kOpen = 0;                               // the end of a bracket that is not closed yet
     std::pmr::vector<std::size_t> open(enclosed.get_allocator());  // numbers of brackets
-    for (std::size_t at = 0; at < source.size(); ++at) {
+    for (std::size_t at = 0;; ++at) {
+        while (at < source.size() && isNCChar(source[at])) ++at;
+        if (at >= source.size()) break;
         const OrvSys::uni16char unit = source[at];
-        if (isNCChar(unit)) continue;
         if (IsBeginLiteral(unit)) {
             std::size_t close = source.find(unit, at + 1);
             if (close == View::npos) {
                 close = source.size();
-                closed = source;
-                closed += unit;
-                source = closed;
+                closed.assign(source.begin(), source.end());
+                closed.push_back(unit);
+                source = View(closed.data(), closed.size());
             }
             enclosed.push_back({at, close + 1});
             at = close;
@@ -53,38 +62,46 @@ bool PathText::findEnclosed() {
 
 // Makes the text, and turns the places of what is enclosed into those in the text.
 void PathText::removeWhiteSpace() {
-    shorter.reserve(source.size());
-    const Unit sourceBegin = source.data();
-    const Unit sourceEnd = sourceBegin + source.size();
+    shorter.resize(source.size());
+    const Unit sourceEnd = source.data() + source.size();
+    std::size_t place = 0;  // in the text
+    const auto copy = [&](Unit from, Unit to) {
+        while (from != to) shorter[place++] = *from++;
+    };
     auto next = enclosed.begin();
     std::pmr::vector<Enclosed*> open(enclosed.get_allocator());
-    for (std::size_t at = 0; at < source.size();) {
-        const std::size_t place = shorter.size();
-        std::size_t after = at + 1;
-        if (IsBeginLiteral(source[at])) {
-            after = next->end;
-            shorter.append(source, at, after - at);
-            *next++ = {place, shorter.size()};
-        } else if (IsWhiteSpace(source[at]) && at < unclosed) {
-            Unit operatorEnd = sourceBegin + at;
+    for (Unit at = source.data(); at != sourceEnd;) {
+        const auto sourcePlace = static_cast<std::size_t>(at - source.data());
+        Unit after = at + 1;
+        if (isNCChar(*at)) {
+            shorter[place++] = *at;
+        } else if (IsBeginLiteral(*at)) {
+            const std::size_t begin = place;
+            after = source.data() + next->end;
+            copy(at, after);
+            *next++ = {begin, place};
+        } else if (IsWhiteSpace(*at) && sourcePlace < unclosed) {
+            Unit operatorEnd = at;
             ExtractOperator(operatorEnd, sourceEnd);
-            const auto kept = static_cast<std::size_t>(operatorEnd - sourceBegin);
-            shorter.append(source, at, kept - at);
-            after = std::max(after, kept);
-            if (kept == at) dropped.push_back({place, at + 1 - place});
+            copy(at, operatorEnd);
+            if (operatorEnd != at) {
+                after = operatorEnd;
+            } else {
+                dropped.push_back({place, sourcePlace + 1 - place});
+            }
         } else {
-            shorter += source[at];
-            if (next != enclosed.end() && next->begin == at) {
-                next->begin = place;
+            shorter[place++] = *at;
+            if (next != enclosed.end() && next->begin == sourcePlace) {
+                next->begin = place - 1;
                 open.push_back(&*next++);
-            } else if (!open.empty() && open.back()->end == after) {
-                open.back()->end = shorter.size();
+            } else if (!open.empty() && open.back()->end == sourcePlace + 1) {
+                open.back()->end = place;
                 open.pop_back();
             }
         }
         at = after;
     }
-    text = shorter;
+    text = View(shorter.data(), place);
 }
 
 Unit PathText::afterEnclosed(Unit at) const {

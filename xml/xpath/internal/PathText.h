@@ -46,8 +46,7 @@ public:
 
 private:
     using View = std::basic_string_view<OrvSys::uni16char, OrvSys::Core::uni16char_traits>;
-    using Units = std::basic_string<OrvSys::uni16char, OrvSys::Core::uni16char_traits,
-                                    std::pmr::polymorphic_allocator<OrvSys::uni16char>>;
+    using Units = std::pmr::vector<OrvSys::uni16char>;
 
     // A literal, or brackets that are closed: the place where it begins, and the place after it.
     struct Enclosed {

@@ -25,6 +25,14 @@ constexpr AxisName kAxisNames[] = {{"descendant-or-self", Axis::DescendantOrSelf
                                    {"preceding", Axis::Preceding},
                                    {"self", Axis::Self}};
 
+// The first "::"; the end where there is none.
+Unit findColons(Unit begin, Unit end) {
+    for (Unit at = begin; at != end; ++at) {
+        if (*at == u':' && at + 1 != end && at[1] == u':') return at;
+    }
+    return end;
+}
+
 }  // namespace
 
 bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
@@ -40,11 +48,9 @@ bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.begin = at;
     headEnd = nullptr;
     long open = 0;
-    while (at != end && !(*at == u'/' && open == 0)) {
-        if (isNCChar(*at)) {
-            ++at;
-            continue;
-        }
+    for (;;) {
+        while (at != end && isNCChar(*at)) ++at;
+        if (at == end || (*at == u'/' && open == 0)) break;
         if (*at == u'[' && headEnd == nullptr) headEnd = at;
         if (*at == u'[' && (open < 0 || !text.isClosedBracket(at))) {
             ++open;
@@ -83,8 +89,7 @@ bool Step::extractAxis(const PathText& text, PathError& error) {
         return true;  // tests for any node, as a test does that was not read
     }
     testBegin = whole.begin;
-    const OrvSys::uni16char colons[] = {u':', u':'};
-    const Unit separator = std::search(whole.begin, headEnd, std::begin(colons), std::end(colons));
+    const Unit separator = findColons(whole.begin, headEnd);
     if (separator != headEnd) {
         const auto row = std::find_if(std::begin(kAxisNames), std::end(kAxisNames),
                                       [&](const AxisName& name) { return equals(whole.begin, separator, name.text); });

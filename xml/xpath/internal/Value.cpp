@@ -13,11 +13,11 @@ namespace {
 
 // The character data that an element or a character data node has its text from; null where there is none.
 const CharData* dataOf(const Object& node) {
-    if (node.isCharData()) return static_cast<const CharData*>(&node);
-    if (!node.isElement()) return nullptr;
+    if (isCharData(node)) return static_cast<const CharData*>(&node);
+    if (!isElement(node)) return nullptr;
     const NodeSpan children = NodeAccess::children(static_cast<const Element&>(node));
     const auto* const first =
-        std::find_if(children.begin(), children.end(), [](const Object* c) { return c->isCharData(); });
+        std::find_if(children.begin(), children.end(), [](const Object* c) { return isCharData(*c); });
     return first != children.end() ? static_cast<const CharData*>(*first) : nullptr;
 }
 
@@ -26,7 +26,8 @@ const CharData* dataOf(const Object& node) {
 Literal::Literal(const OrvSys::Uni16String& itsText)
     : text(itsText),
       bytes(OrvSys::Uni16CharToPlatformCString(text)),
-      faithful(OrvSys::UTF8ToUni16Char(bytes) == text) {}
+      faithful(OrvSys::UTF8ToUni16Char(bytes) == text),
+      unique(faithful && text.find(u'\uFFFD') == OrvSys::Uni16String::npos) {}
 
 Value Value::ofNode(std::int32_t tag, Object* node) {
     Value value;
@@ -52,16 +53,11 @@ Value Value::ofNumber(std::int32_t tag, double number) {
     return value;
 }
 
-const std::string& textOf(const Object& node, std::string& buffer) {
+std::string_view textOf(const Object& node, std::string& buffer) {
+    if (isAttribute(node)) return NodeAccess::text(static_cast<const Attribute&>(node));
     const CharData* const data = dataOf(node);
-    if (data == nullptr) {
-        buffer = node.isAttribute() ? NodeAccess::text(static_cast<const Attribute&>(node)) : std::string_view();
-        return buffer;
-    }
-    if (const std::string_view held = NodeAccess::text(*data); held.find('&') == std::string::npos) {
-        buffer = held;
-        return buffer;
-    }
+    if (data == nullptr) return {};
+    if (const std::string_view held = NodeAccess::text(*data); held.find('&') == std::string::npos) return held;
     DataHolder decoded;
     data->getData(&decoded);
     buffer = std::move(decoded);
@@ -76,8 +72,8 @@ OrvSys::Uni16String textOf(double number) {
 double ConvertToNumber(const Value& value) {
     std::string buffer;
     switch (value.kind) {
-    case Value::Kind::Node: return Classic::atof(textOf(*value.node, buffer).c_str());
-    case Value::Kind::String: return Classic::atof(value.string->bytes.c_str());
+    case Value::Kind::Node: return Classic::atof(textOf(*value.node, buffer));
+    case Value::Kind::String: return Classic::atof(value.string->bytes);
     case Value::Kind::Number: return value.number;
     }
     return 0.0;
@@ -86,7 +82,7 @@ double ConvertToNumber(const Value& value) {
 OrvSys::Uni16String ConvertToString(const Value& value) {
     std::string buffer;
     switch (value.kind) {
-    case Value::Kind::Node: return OrvSys::UTF8ToUni16Char(textOf(*value.node, buffer));
+    case Value::Kind::Node: return OrvSys::UTF8ToUni16Char(std::string(textOf(*value.node, buffer)));
     case Value::Kind::String: return value.string->text;
     case Value::Kind::Number: return textOf(value.number);
     }
@@ -95,9 +91,10 @@ OrvSys::Uni16String ConvertToString(const Value& value) {
 
 ValueText::ValueText(const Value& value) {
     if (value.kind == Value::Kind::Node) {
-        bytes = &textOf(*value.node, buffer);
+        bytes = textOf(*value.node, buffer);
     } else if (value.kind == Value::Kind::String) {
-        if (value.string->faithful) bytes = &value.string->bytes;
+        if (value.string->faithful) bytes = value.string->bytes;
+        unique = value.string->unique;
         wide = &value.string->text;
     } else {
         ownWide = ConvertToString(value);
@@ -106,7 +103,7 @@ ValueText::ValueText(const Value& value) {
 }
 
 int ValueText::compare(ValueText& other) {
-    if (bytes != nullptr && other.bytes != nullptr) {
+    if (bytes && other.bytes) {
         const auto [place, otherPlace] =
             std::mismatch(bytes->begin(), bytes->end(), other.bytes->begin(), other.bytes->end());
         const int next = place == bytes->end() ? -1 : static_cast<unsigned char>(*place);
@@ -118,9 +115,16 @@ int ValueText::compare(ValueText& other) {
     return OrvSys::Uni16CharCompare(widened(), other.widened());
 }
 
+bool ValueText::holds(ValueText& other, Operator op) {
+    const bool isEquality = op == Operator::Equal || op == Operator::NotEqual;
+    if (isEquality && bytes && other.bytes && (unique || other.unique))
+        return (*bytes == *other.bytes) == (op == Operator::Equal);
+    return CompareValue(compare(other), 0, op);
+}
+
 const OrvSys::Uni16String& ValueText::widened() {
     if (wide == nullptr) {
-        ownWide = OrvSys::UTF8ToUni16Char(*bytes);
+        ownWide = OrvSys::UTF8ToUni16Char(std::string(*bytes));
         wide = &ownWide;
     }
     return *wide;
@@ -145,7 +149,7 @@ bool CompareResultItems(const Value& left, const Value& right, Operator op) {
         return CompareValue(ConvertToNumber(left), ConvertToNumber(right), op);
     ValueText text(left);
     ValueText other(right);
-    return CompareValue(text.compare(other), 0, op);
+    return text.holds(other, op);
 }
 
 }  // namespace Xml

@@ -3,7 +3,9 @@
 #include "orvsys/Uni16.h"
 #include "xml/xpath/internal/Operators.h"
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Xml {
@@ -17,6 +19,7 @@ struct Literal {
     OrvSys::Uni16String text;
     std::string bytes;
     bool faithful;  // whether `bytes` widen to `text` again: half of a surrogate pair does not
+    bool unique;    // whether no other bytes widen to it: malformed ones all become U+FFFD
 };
 
 // What an expression computes with. It refers to its string or node and does not own it.
@@ -42,7 +45,7 @@ using Values = std::vector<Value>;
 
 // The text of a node (see XPath::GetValue): as it stands in the node where it can, else in `buffer`. The tree is not
 // touched.
-const std::string& textOf(const Object& node, std::string& buffer);
+std::string_view textOf(const Object& node, std::string& buffer);
 
 // "2.000000", whole and with a point under every locale; "inf", "nan", also with a minus.
 OrvSys::Uni16String textOf(double number);
@@ -61,10 +64,14 @@ public:
     // Below 0, 0 or above 0, by the values of 16-bit units.
     int compare(ValueText& other);
 
+    // Whether `this op other` holds; for no operator but the six comparisons.
+    bool holds(ValueText& other, Operator op);
+
 private:
     const OrvSys::Uni16String& widened();
 
-    const std::string* bytes = nullptr;         // null where they would not tell the text
+    std::optional<std::string_view> bytes;      // nothing where they would not tell the text
+    bool unique = false;                        // whether no other bytes than those widen to the text
     const OrvSys::Uni16String* wide = nullptr;  // null until it is made
     std::string buffer;
     OrvSys::Uni16String ownWide;

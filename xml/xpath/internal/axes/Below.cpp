@@ -16,6 +16,9 @@ namespace {
 // below it, and to wait for them is most of what a walk costs.
 constexpr std::ptrdiff_t kAhead = 4;
 
+// Room for so many nodes is made at once.
+constexpr std::size_t kMany = 32;
+
 // The lines of the cache with the class of an element, and with its name and its children.
 void fetch(const Object& node) {
     const char* const memory = reinterpret_cast<const char*>(&node);
@@ -136,47 +139,46 @@ void takeAttributesFromBelow(const NodeList& from, Taker& taker) {
 // have children on its stack.
 void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
     WalkedFrom walked(from);
+    const bool takesAll = taker.wantsAll();
     // The only child of most elements is a text. Where texts are not taken it is looked at with its element, unless the
     // walk may end between the two.
-    const bool passesTexts = taker.wantsAll() && !taker.takesTexts();
+    const bool passesTexts = takesAll && !taker.takesTexts();
     std::vector<const Element*> open;  // the next one is the last
-    std::size_t passed = 0;            // texts of the row
-    const auto enter = [&](Element& element) {
-        taker.take(element);
-        const NodeSpan below = NodeAccess::children(element);
-        if (below.empty()) return;
-        if (passesTexts && below.size() == 1 && isExactly<CharData>(*below[0]) && !walked.mayHave(element)) {
-            ++passed;
-        } else {
-            open.push_back(&element);
-        }
-    };
-    const auto takeRow = [&](NodeSpan row) {
-        const std::size_t first = open.size();
-        Object* const* next = row.begin();
-        passed = 0;
-        while (next != row.end() && !taker.isDone()) {
-            Object& node = **next++;
-            if (row.end() - next >= kAhead) fetch(*next[kAhead - 1]);
-            if (!isElement(node)) {
-                taker.takeOther(node);
-            } else {
-                enter(static_cast<Element&>(node));
-            }
-        }
-        if (open.size() > first + 1) std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
-        taker.visit(static_cast<std::size_t>(next - row.begin()) + passed);
-    };
+    open.reserve(kMany);
     for (std::size_t i = 0; i < from.nodes.size(); ++i) {
         if (!walked.start(i)) continue;
         Object* root = nullptr;
-        takeRow(childrenOf(*from.nodes[i], root));
-        while (!open.empty() && !taker.isDone()) {
-            const Element& element = *open.back();
+        NodeSpan row = childrenOf(*from.nodes[i], root);
+        for (;;) {
+            const std::size_t first = open.size();
+            std::size_t passed = 0;  // texts that were looked at with their elements
+            Object* const* next = row.begin();
+            for (; next != row.end() && (takesAll || !taker.isDone()); ++next) {
+                if (row.end() - next > kAhead) fetch(*next[kAhead]);
+                Object& node = **next;
+                if (!isElement(node)) {
+                    taker.takeOther(node);
+                    continue;
+                }
+                auto& element = static_cast<Element&>(node);
+                taker.take(element);
+                const NodeSpan below = NodeAccess::children(element);
+                if (below.empty()) continue;
+                if (passesTexts && below.size() == 1 && isExactly<CharData>(*below[0]) && !walked.mayHave(element)) {
+                    ++passed;
+                } else {
+                    open.push_back(&element);
+                }
+            }
+            if (open.size() > first + 1) std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
+            taker.visit(static_cast<std::size_t>(next - row.begin()) + passed);
+            if (taker.isDone()) return;
+
+            while (!open.empty() && !walked.enter(*open.back())) open.pop_back();
+            if (open.empty()) break;
+            row = NodeAccess::children(*open.back());
             open.pop_back();
-            if (walked.enter(element)) takeRow(NodeAccess::children(element));
         }
-        if (taker.isDone()) return;
     }
 }
 

@@ -62,8 +62,9 @@ public:
 
     // Looks at each node of the row.
     void take(NodeSpan row) {
+        const bool takesAll = wantsAll();
         Object* const* next = row.begin();
-        while (next != row.end() && !isDone()) take(**next++);
+        while (next != row.end() && (takesAll || !isDone())) take(**next++);
         visit(static_cast<std::size_t>(next - row.begin()));
     }
 
@@ -71,8 +72,8 @@ public:
     void takeAttributes(Object& node) {
         if (!isElement(node)) return;
         auto& element = static_cast<Element&>(node);
-        if (const std::string* const name = test.attributeName()) {
-            if (Attribute* const attribute = element.getAttribute(*name)) found.push_back(attribute);
+        if (test.wantsOneAttribute()) {
+            if (Attribute* const attribute = test.attributeOf(element)) found.push_back(attribute);
         } else {
             takeEachAttribute(element);
         }
