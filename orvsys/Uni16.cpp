@@ -1,5 +1,6 @@
 #include "orvsys/Uni16.h"
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace OrvSys {
@@ -10,6 +11,17 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 // ASCII, which paths and names nearly always are, is copied at once.
 constexpr bool isPlain(char32_t unit) { return unit <= 0x7F; }
+
+// Where the plain bytes at the begin end, eight at a time.
+const unsigned char* endOfPlain(const unsigned char* begin, const unsigned char* end) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    std::uint64_t eight = 0;
+    for (; end - begin >= static_cast<std::ptrdiff_t>(sizeof eight); begin += sizeof eight) {
+        std::memcpy(&eight, begin, sizeof eight);
+        if ((eight & kHighBits) != 0) break;
+    }
+    return std::find_if_not(begin, end, isPlain);
+}
 
 constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
@@ -66,7 +78,7 @@ void appendUnits(Uni16String& text, char32_t character) {
 
 Uni16String widen(const char* text, std::size_t byteCount) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(text);
-    const auto* const plainEnd = std::find_if_not(bytes, bytes + byteCount, isPlain);
+    const auto* const plainEnd = endOfPlain(bytes, bytes + byteCount);
     Uni16String result(bytes, plainEnd);
     result.reserve(byteCount);  // no sequence has more units than bytes
     for (std::size_t i = result.size(); i < byteCount;) {

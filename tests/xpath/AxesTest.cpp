@@ -190,6 +190,23 @@ TEST(AxesTest, GiveTheNodesOfSeveralContextsOnceInTheOrderOfTheirFirstDiscovery)
     EXPECT_EQ(answer(small.document(), u"/descendant::b"), "inner outer");
 }
 
+// Elements of one name and of several, side by side and one in the other, with texts alone and among others.
+TEST(AxesTest, GoThroughWhatIsBelowSeveralNodesOnce) {
+    const Tree tree(
+        "<r i='r'><x i='x1'><y i='y1'>t</y><x i='x2'><y i='y2'/><z><x i='x3'>t<y i='y3'>t</y></x></z></x></x>"
+        "<x i='x4'>t</x><z i='z1'><x i='x5'><x i='x6'>t</x></x></z></r>");
+    const PathCase kCases[] = {
+        {"of one name, in each other", u"//x//y", "y1 y2 y3"},
+        {"and the same name again", u"//x//x", "x2 x3 x6"},
+        {"of two names", u"/r/*//x", "x2 x3 x5 x6"},
+        {"the inner ones first", u"//z/x/ancestor-or-self::x//y", "y1 y2 y3"},
+        {"texts below them", u"//x//text()", "'t' 't' 't' 't' 't'"},
+        {"texts below them and elements", u"//x//node()", "y1 x2 't' y2 z x3 't' y3 't' 't' x6 't'"},
+        {"as a test", u"//x[.//y]", "x1 x2 x3"},
+    };
+    expectAnswers(tree.document(), kCases);
+}
+
 TEST(AxesTest, StartFromEachNodeOfTheQueryInTurn) {
     const Tree tree(kText);
     const PathCase kCases[] = {

@@ -32,6 +32,10 @@ Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& 
 Expression::Items& Expression::items(const PathText& whole) {
     if (!items_.empty()) return items_;
     Unit begin = text.begin;
+    if (!whole.mayHaveOperators()) {
+        items_.emplace_back(begin, text.end, Operator::None);
+        return items_;
+    }
     for (Unit at = begin; at != text.end;) {
         if (isNCChar(*at)) {
             ++at;

@@ -23,8 +23,10 @@ constexpr Keyword kKeywords[] = {{"node", KindTest::Node},
 }  // namespace
 
 bool NodeTest::read(const PathText& text, Unit begin, Unit end, PathError& error) {
-    const auto keyword = std::find_if(std::begin(kKeywords), std::end(kKeywords),
-                                      [&](const Keyword& row) { return startsWith(begin, end, row.text); });
+    const auto isThat = [&](const Keyword& row) {
+        return begin != end && *begin == static_cast<unsigned char>(row.text[0]) && startsWith(begin, end, row.text);
+    };
+    const auto* const keyword = std::find_if(std::begin(kKeywords), std::end(kKeywords), isThat);
     if (keyword == std::end(kKeywords)) return readName(text, begin, end, error);
 
     kind = keyword->kind;
@@ -71,13 +73,15 @@ bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& e
 
 // Half of a surrogate pair is in no name of a node, but narrowing would make something of it.
 void NodeTest::setName(Names which, Unit begin, Unit end) {
+    name.resize(static_cast<std::size_t>(end - begin));
+    char* narrow = name.data();
     unsigned bits = 0;
-    for (Unit at = begin; at != end; ++at) bits |= *at;
-    if (bits <= 0x7F) {
-        name = std::string(begin, end);
-        names = which;
-        return;
+    for (Unit at = begin; at != end; ++at) {
+        bits |= *at;
+        *narrow++ = lowByte(*at);
     }
+    names = which;
+    if (bits <= 0x7F) return;  // ASCII, as most names are
     const OrvSys::Uni16String wide(begin, end);
     name = OrvSys::Uni16CharToPlatformCString(wide);
     names = OrvSys::UTF8ToUni16Char(name) == wide ? which : Names::Impossible;

@@ -26,29 +26,31 @@ bool PathText::findEnclosed() {
     bool hasWhiteSpace = false;
     constexpr std::size_t kOpen = 0;                               // the end of a bracket that is not closed yet
     std::pmr::vector<std::size_t> open(enclosed.get_allocator());  // numbers of brackets
-    for (std::size_t at = 0;; ++at) {
-        while (at < source.size() && isNCChar(source[at])) ++at;
-        if (at >= source.size()) break;
-        const OrvSys::uni16char unit = source[at];
+    for (Unit at = source.data(), end = at + source.size(); at != end; ++at) {
+        const OrvSys::uni16char unit = *at;
+        if (isNCChar(unit) || unit == u'/') continue;
+        const auto place = static_cast<std::size_t>(at - source.data());
         if (IsBeginLiteral(unit)) {
-            std::size_t close = source.find(unit, at + 1);
+            std::size_t close = source.find(unit, place + 1);
             if (close == View::npos) {
                 close = source.size();
                 closed.assign(source.begin(), source.end());
                 closed.push_back(unit);
                 source = View(closed.data(), closed.size());
+                end = source.data() + source.size();
             }
-            enclosed.push_back({at, close + 1});
-            at = close;
+            enclosed.push_back({place, close + 1});
+            at = source.data() + close;
         } else if (unit == u'[') {
             open.push_back(enclosed.size());
             nesting_ = std::max(nesting_, open.size());
-            enclosed.push_back({at, kOpen});
+            enclosed.push_back({place, kOpen});
         } else if (unit == u']' && !open.empty()) {
-            enclosed[open.back()].end = at + 1;
+            enclosed[open.back()].end = place + 1;
             open.pop_back();
-        } else if (IsWhiteSpace(unit)) {
-            hasWhiteSpace = true;
+        } else {
+            hasWhiteSpace = hasWhiteSpace || IsWhiteSpace(unit);
+            mayHaveOperators_ = mayHaveOperators_ || mayBeginOperator(unit);
         }
     }
     unclosed = source.size();

@@ -41,6 +41,9 @@ public:
     // bracket or a literal.
     OrvSys::Uni16String written(Unit from, Unit to) const;
 
+    // Whether an operator may begin anywhere in it.
+    bool mayHaveOperators() const { return mayHaveOperators_; }
+
     // The greatest number of brackets that are open at one place.
     std::size_t nesting() const { return nesting_; }
 
@@ -69,6 +72,7 @@ private:
     Units closed;          // the same, where one had to be closed
     std::size_t unclosed;  // the place of the first bracket in the source that is not closed, else its length
     std::size_t nesting_ = 0;
+    bool mayHaveOperators_ = false;
 
     View text;
     Units shorter;                        // the text, where the source has white space

@@ -44,7 +44,8 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
 
 // A slash ends the step where as many brackets were closed as opened. A bracket that is closed without being opened
 // counts too: no slash ends the step then until one more is opened.
-bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
+bool Step::split(const PathText& text, Unit& next, Unit end, PathError& error) {
+    Unit at = next;
     whole.begin = at;
     headEnd = nullptr;
     long open = 0;
@@ -63,7 +64,8 @@ bool Step::split(const PathText& text, Unit& at, Unit end, PathError& error) {
     whole.end = at;
     if (headEnd == nullptr) headEnd = at;
     isLast = at == end;
-    if (isLast || ++at != end) return true;
+    next = isLast ? at : at + 1;
+    if (isLast || next != end) return true;
     return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
 }
 

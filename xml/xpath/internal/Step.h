@@ -58,7 +58,7 @@ struct Step {
     bool isLast = false;
 
 private:
-    bool split(const PathText& text, Unit& at, Unit end, PathError& error);
+    bool split(const PathText& text, Unit& next, Unit end, PathError& error);
     bool extractPredicates(const PathText& text, PathError& error);
     bool extractAxis(const PathText& text, PathError& error);
 

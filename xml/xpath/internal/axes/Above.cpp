@@ -14,14 +14,17 @@ template <class First>
 void climb(const NodeList& from, Taker& taker, First first) {
     NodeMap climbed;
     std::vector<Object*> way;
+    const Object* last = nullptr;  // the first node of the climb before: many context nodes have the same parent
     for (Object* const context : from.nodes) {
         way.clear();
         std::size_t left = taker.visitsLeft();
         for (Object* node = first(*context); node != nullptr; node = node->getParent()) {
+            if (node == last) break;
             if (from.nodes.size() > 1 && !climbed.insert(node).second) break;
             way.push_back(node);
             if (left-- == 0) break;
         }
+        if (!way.empty()) last = way.front();
         taker.visit(way.size());
         for (auto node = way.rbegin(); node != way.rend(); ++node) taker.take(**node);
         if (taker.isDone()) return;

@@ -4,6 +4,7 @@
 #include "xml/xpath/internal/axes/Below.h"
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -33,8 +34,8 @@ public:
     // order of the children, so the search goes on where the last one ended. Where they turn back more than once, which
     // takes some steps along different axes, all places are noted.
     std::size_t placeOf(const Object* child, Taker& taker) {
-        if (turns > kTurns) {
-            const std::uint32_t* const place = places.find(child);
+        if (places != nullptr) {
+            const std::uint32_t* const place = places->find(child);
             return place != nullptr ? *place : children.size();
         }
         if (search(child, hint, children.size(), taker)) return hint;
@@ -58,16 +59,16 @@ private:
     }
 
     void notePlaces() {
-        places = NodeMap(children.size());
-        for (std::size_t i = 0; i < children.size(); ++i) places.insert(children[i], static_cast<std::uint32_t>(i));
+        places = std::make_unique<NodeMap>(children.size());
+        for (std::size_t i = 0; i < children.size(); ++i) places->insert(children[i], static_cast<std::uint32_t>(i));
     }
 
     NodeSpan children;
-    std::size_t doneTo = 0;  // those before it were taken
-    std::size_t doneFrom;    // those from it on were taken
-    std::size_t hint = 0;    // where the last search ended
-    unsigned turns = 0;      // how often a search began anew from the first child
-    NodeMap places;          // of all children, once there were too many turns
+    std::size_t doneTo = 0;           // those before it were taken
+    std::size_t doneFrom;             // those from it on were taken
+    std::size_t hint = 0;             // where the last search ended
+    unsigned turns = 0;               // how often a search began anew from the first child
+    std::unique_ptr<NodeMap> places;  // of all children, once there were too many turns
 };
 
 // Calls visit(row, place) for each context node that is a child of an element.
@@ -75,15 +76,21 @@ template <class Visit>
 void forEachSibling(const NodeList& from, std::optional<SiblingHint>& hint, Taker& taker, Visit visit) {
     NodeMap rowOf;
     std::vector<Row> rows;
+    const Object* last = nullptr;  // the parent of the one before, most of which are siblings, and its row
+    std::size_t lastRow = 0;
     for (Object* const node : from.nodes) {
         Object* const parent = node->getParent();
         if (parent == nullptr || !isElement(*parent) || isAttribute(*node)) continue;
-        const auto [number, isNew] = rowOf.insert(parent, static_cast<std::uint32_t>(rows.size()));
-        if (isNew) {
-            const std::size_t begin = hint && hint->parent == parent ? hint->place : 0;
-            rows.emplace_back(elementChildren(*parent), begin);
+        if (parent != last) {
+            const auto [number, isNew] = rowOf.insert(parent, static_cast<std::uint32_t>(rows.size()));
+            if (isNew) {
+                const std::size_t begin = hint && hint->parent == parent ? hint->place : 0;
+                rows.emplace_back(elementChildren(*parent), begin);
+            }
+            last = parent;
+            lastRow = *number;
         }
-        Row& row = rows[*number];
+        Row& row = rows[lastRow];
         const std::size_t place = row.placeOf(node, taker);
         hint = SiblingHint{parent, place};
         if (place < row.size()) visit(row, place);
