@@ -29,7 +29,8 @@ inline constexpr std::array<std::uint8_t, 256> kDigitValues = [] {
 }();
 inline unsigned digitOf(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 
-// As std::atof, of a text up to its first zero: it takes more for a number than a stream does ("inf", "0x10", the 1 of "1e").
+// As std::atof, of a text up to its first zero: it takes more for a number than a stream does ("inf", "0x10", the 1 of
+// "1e").
 double atof(std::string_view text);
 
 // Fixed-point text, as printf's "%f" has it while numbers are rounded to the nearest, with `precision` digits after the

@@ -13,19 +13,24 @@ bool isDigit(OrvSys::uni16char unit) { return unit >= u'0' && unit <= u'9'; }
 }  // namespace
 
 Path::Path(Unit begin, Unit itsEnd, std::pmr::memory_resource* memory)
-    : isAbsolute(startsWith(begin, itsEnd, "/")), next(begin + (isAbsolute ? 1 : 0)), end(itsEnd), steps(memory) {}
+    : isAbsolute(startsWith(begin, itsEnd, "/")),
+      next(begin + (isAbsolute ? 1 : 0)),
+      end(itsEnd),
+      owned(memory),
+      steps(memory) {}
 
 Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& error) {
-    if (number < steps.size()) return &steps[number];
-    const Read* const before = steps.empty() ? nullptr : &steps.back();
-    Read& read = steps.emplace_back();
+    if (number < steps.size()) return steps[number];
+    const Read* const before = steps.empty() ? nullptr : steps.back();
+    Read& read = owned.emplace_back();
     if (!read.step.read(expressions.text, next, end, error)) {
-        steps.pop_back();
+        owned.pop_back();
         return nullptr;
     }
     read.depth = read.step.slashes + (before != nullptr ? before->depth + 1 : 0);
     for (const Span& predicate : read.step.predicates) read.predicates.push_back(expressions.add(predicate));
     if (tail == 0 && before != nullptr && before->step.isParent() && !read.step.isParent()) tail = number;
+    steps.push_back(&read);
     return &read;
 }
 

@@ -8,6 +8,7 @@
 #include "xml/xpath/internal/axes/Siblings.h"
 #include <cstddef>
 #include <deque>
+#include <list>
 #include <memory_resource>
 #include <optional>
 #include <variant>
@@ -41,7 +42,8 @@ struct Path {
     bool isAbsolute;
     Unit next;  // where the first step begins that was not read yet
     Unit end;
-    std::pmr::deque<Read> steps;
+    std::pmr::list<Read> owned;
+    std::pmr::vector<Read*> steps;
 
     // Of walks that may come again: from context nodes; and, where one node is left to go on from there, from the step
     // after the first ones upwards, or from the first one of an absolute path. Context nodes often share a parent, and

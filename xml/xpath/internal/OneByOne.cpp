@@ -38,17 +38,17 @@ std::ptrdiff_t countLastInVain(Axes& axes, Path::Read& first, const std::vector<
 }  // namespace
 
 Absence absenceOneByOne(Axes& axes, Path& path, const std::vector<Object*>& contexts, unsigned depth) {
-    Path::Read& first = path.steps.front();
+    Path::Read& first = *path.steps.front();
     const std::ptrdiff_t inVain = countLastInVain(axes, first, contexts);
     Absence absence;
     NodeList list;
     NodeList next;
     list.nodes.push_back(contexts.rbegin()[inVain]);
-    for (Path::Read& read : path.steps) {
-        axes.collect(read.step, list, Taker::kAll, read.hint, next);
+    for (Path::Read* const read : path.steps) {
+        axes.collect(read->step, list, Taker::kAll, read->hint, next);
         std::swap(list, next);
         if (list.nodes.empty()) {
-            absence.foundNothing({&read.step, depth + read.depth, Missed::Name::WithAxis});
+            absence.foundNothing({&read->step, depth + read->depth, Missed::Name::WithAxis});
             break;
         }
         absence.found();

@@ -35,7 +35,7 @@ bool walkTogether(QueryState& state, Path& path, const std::vector<Object*>& con
     if (anyFound) {
         state.absences.top().append(absenceOneByOne(state.axes, path, contexts, depth));
     } else {
-        state.absences.top().foundNothing({&path.steps.front().step, depth, Missed::Name::WithAxis});
+        state.absences.top().foundNothing({&path.steps.front()->step, depth, Missed::Name::WithAxis});
     }
     found = std::move(list.nodes);
     return state.isAffordable();

@@ -76,7 +76,7 @@ private:
     void use(const Outcome& outcome);
     bool isTail() const;
     void record(Missed::Name name);
-    const Path::Read& read() const { return path.steps[step]; }
+    const Path::Read& read() const { return *path.steps[step]; }
 
     QueryState& state;
     Path& path;

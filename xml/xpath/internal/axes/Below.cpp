@@ -66,8 +66,8 @@ void walkBelow(const NodeList& from, Taker& taker, Start start, Enter enter, Aga
     }
 }
 
-// From which context nodes a walk has gone through all that is below, so that it does so once. Context nodes mostly have
-// one name and lie side by side: none of them is looked up before the walk comes upon an element of that name.
+// From which context nodes a walk has gone through all that is below, so that it does so once. Context nodes mostly
+// have one name and lie side by side: none of them is looked up before the walk comes upon an element of that name.
 class WalkedFrom {
 public:
     explicit WalkedFrom(const NodeList& from) : contexts(from.nodes), mayNest_(from.mayNest && contexts.size() > 1) {
