@@ -32,5 +32,12 @@ TEST(NameTest, CopiesATextOfItsOwnOrRefersToASharedOne) {
     }
 }
 
+TEST(NameTest, KnowsWhetherItsTextIsShared) {
+    EXPECT_TRUE(Name(&kLong).isShared());
+    Name copy;
+    copy.set(kLong);
+    EXPECT_FALSE(copy.isShared());
+}
+
 }  // namespace
 }  // namespace Xml::test

@@ -22,6 +22,9 @@ public:
 
     const std::string& text() const { return word != 0 ? *pointer() : emptyText(); }
 
+    // Whether the text may be that of other names too.
+    bool isShared() const { return (word & kOwned) == 0; }
+
     // A copy of its own. Where memory runs out nothing has changed.
     void set(const std::string& text) {
         const std::string* const copy = text.empty() ? nullptr : new std::string(text);

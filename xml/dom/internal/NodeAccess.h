@@ -41,6 +41,8 @@ struct NodeAccess {
 
     static const std::string& name(const Element& element) { return element.name.text(); }
     static const std::string& name(const Attribute& attribute) { return attribute.name.text(); }
+    static bool sharesName(const Element& element) { return element.name.isShared(); }
+    static bool sharesName(const Attribute& attribute) { return attribute.name.isShared(); }
     static NodeSpan children(const Element& element) { return element.children.span(); }
     static AttributeSpan attributes(const Element& element) { return element.attributes.span(); }
 
