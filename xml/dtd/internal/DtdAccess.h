@@ -3,7 +3,9 @@
 #include "xml/dtd/AttDef.h"
 #include "xml/dtd/Dtd.h"
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace Xml {
 
@@ -13,10 +15,17 @@ struct DtdAccess {
         return dtd.elements.find(element) != dtd.elements.end();
     }
 
+    // The name and the model of a declared element; null where it is not declared.
+    using Declaration = std::pair<const std::string, std::unique_ptr<ContentSpec>>;
+    static const Declaration* findDeclaration(const Dtd& dtd, const std::string& element) {
+        const auto declaration = dtd.elements.find(element);
+        return declaration != dtd.elements.end() ? &*declaration : nullptr;
+    }
+
     // The model of a declared element, else null.
     static const ContentSpec* findModel(const Dtd& dtd, const std::string& element) {
-        const auto declaration = dtd.elements.find(element);
-        return declaration != dtd.elements.end() ? declaration->second.get() : nullptr;
+        const Declaration* const declaration = findDeclaration(dtd, element);
+        return declaration != nullptr ? declaration->second.get() : nullptr;
     }
 
     // The list with the element's attributes; null while none is defined.

@@ -26,6 +26,7 @@ struct SpecAccess {
     static Dtd* dtd(const ContentSpec& spec) { return spec.dtd; }
     static Dtd* dtd(const CpSpec& spec) { return spec.dtd; }
     static const std::string& name(const NameSpec& spec) { return spec.name; }
+    static const std::vector<std::string>& names(const MixedSpec& spec) { return spec.names; }
     static bool hasName(const MixedSpec& spec, const std::string& name) {
         return spec.index != nullptr && spec.index->find(name) != NameIndex::kNone;
     }
