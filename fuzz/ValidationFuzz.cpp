@@ -1,6 +1,7 @@
 // Validation: verdict and links must be those of the naive matcher, for the root by its declaration and then for each
 // of its children by theirs, over the links that were set before; and then for an element with each of a few short
-// contents, so that a model need not meet a tree by chance.
+// contents, so that a model need not meet a tree by chance. All that once as validation is elsewhere, and once by the
+// Matcher alone.
 //
 // Input: a line of declarations and a line with the tree, in the short texts of the tests: "a: (b, c?)*; b: ANY; a@x
 // REQUIRED" and "a[x=1](b 'text')". What does not fit these is no input.
@@ -9,6 +10,7 @@
 #include "fuzz/Target.h"
 #include "models/NaiveMatcher.h"
 #include "support/Messages.h"
+#include "support/WithoutFastValidation.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/text/Names.h"
@@ -139,10 +141,13 @@ void check(const std::string& input) {
     const std::vector<DtdValue> values{made->declarations};
     Dtd dtd("fuzz");
     test::declare(dtd, made->declarations, {&dtd});
-    Tree tree(made->root);
+    Tree trees[] = {Tree(made->root), Tree(made->root)};
     const std::size_t before = messages.texts().size();
-    tree.checkAll(values, dtd);
-    for (const NodeValue& element : shortElements()) Tree(element).checkRoot(values, dtd);
+    for (const bool byMatcher : {false, true}) {
+        const test::WithoutFastValidation off(byMatcher);
+        trees[byMatcher ? 1 : 0].checkAll(values, dtd);
+        for (const NodeValue& element : shortElements()) Tree(element).checkRoot(values, dtd);
+    }
     expectTrue("validation reports nothing", messages.texts().size() == before, input);
 }
 

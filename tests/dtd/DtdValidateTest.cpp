@@ -1,6 +1,7 @@
 #include "models/Models.h"
 #include "models/NaiveMatcher.h"
 #include "support/Messages.h"
+#include "support/WithoutFastValidation.h"
 #include "xml/dom/CharData.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/ChildQueue.h"
@@ -58,11 +59,14 @@ TEST(DtdValidateTest, ChecksDeclarationsContentAndAttributes) {
     };
     MessageCollector messages;
     for (const auto& c : kCases) {
-        SCOPED_TRACE(c.name);
-        const auto dtd = dtdOf(c.dtd);
-        const auto tree = elementOf(c.tree);
-        EXPECT_EQ(dtd->validate(tree.get()), c.valid);
-        EXPECT_EQ(dtd->validate(tree.get()), c.valid) << "the second time";
+        for (const bool byMatcher : {false, true}) {
+            SCOPED_TRACE(std::string(c.name) + (byMatcher ? ", by the Matcher alone" : ""));
+            const WithoutFastValidation off(byMatcher);
+            const auto dtd = dtdOf(c.dtd);
+            const auto tree = elementOf(c.tree);
+            EXPECT_EQ(dtd->validate(tree.get()), c.valid);
+            EXPECT_EQ(dtd->validate(tree.get()), c.valid) << "the second time";
+        }
     }
     EXPECT_EQ(messages.texts(), Texts());
 }
@@ -104,7 +108,9 @@ TEST(DtdValidateTest, AnElementWithoutNameIsLookedUpByItsEmptyName) {
 
 // --- A verdict is of the call that found it ---
 
-TEST(DtdValidateTest, SeesWhatChangedInTheTreeSinceTheLastCall) {
+namespace {
+
+void expectChangesInTheTreeSeen() {
     const auto dtd = dtdOf("a: (b, c?); b: (c*); c: (#PCDATA); b@x IMPLIED");
     const auto a = elementOf("a(b(c c('t')))");
     Element* b = a->getElement("b");
@@ -133,7 +139,7 @@ TEST(DtdValidateTest, SeesWhatChangedInTheTreeSinceTheLastCall) {
     EXPECT_TRUE(dtd->validate(a.get()));
 }
 
-TEST(DtdValidateTest, SeesWhatChangedInTheDtdSinceTheLastCall) {
+void expectChangesInTheDtdSeen() {
     Dtd dtd("doc");
     const auto a = elementOf("a(b[x=1])");
     EXPECT_FALSE(dtd.validate(a.get()));
@@ -147,6 +153,17 @@ TEST(DtdValidateTest, SeesWhatChangedInTheDtdSinceTheLastCall) {
     EXPECT_FALSE(dtd.validate(a.get()));
     dtd.merge(*dtdOf("a: ANY"), true);
     EXPECT_TRUE(dtd.validate(a.get()));
+}
+
+}  // namespace
+
+TEST(DtdValidateTest, SeesWhatChangedSinceTheLastCall) {
+    for (const bool byMatcher : {false, true}) {
+        SCOPED_TRACE(byMatcher);
+        const WithoutFastValidation off(byMatcher);
+        expectChangesInTheTreeSeen();
+        expectChangesInTheDtdSeen();
+    }
 }
 
 TEST(DtdValidateTest, VerdictsOfOneDtdAreNotThoseOfAnother) {

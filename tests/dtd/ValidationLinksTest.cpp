@@ -1,6 +1,7 @@
 #include "models/Models.h"
 #include "support/Messages.h"
 #include "support/NodeTestAccess.h"
+#include "support/WithoutFastValidation.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Entity.h"
 #include "xml/dtd/ChildrenSpec.h"
@@ -23,11 +24,14 @@ struct LinkCase {
 
 void expectLinks(const LinkCase* begin, const LinkCase* end) {
     for (const LinkCase* c = begin; c != end; ++c) {
-        SCOPED_TRACE(c->name);
-        const auto dtd = dtdOf(c->dtd);
-        const auto tree = elementOf(c->tree);
-        EXPECT_EQ(dtd->validate(tree.get()), c->valid);
-        EXPECT_EQ(linksOf(*tree, {dtd.get()}), c->links);
+        for (const bool byMatcher : {false, true}) {
+            SCOPED_TRACE(std::string(c->name) + (byMatcher ? ", by the Matcher alone" : ""));
+            const WithoutFastValidation off(byMatcher);
+            const auto dtd = dtdOf(c->dtd);
+            const auto tree = elementOf(c->tree);
+            EXPECT_EQ(dtd->validate(tree.get()), c->valid);
+            EXPECT_EQ(linksOf(*tree, {dtd.get()}), c->links);
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include "support/Sources.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
+#include "support/WithoutFastValidation.h"
 #include "support/WithoutReadAhead.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/xml.h"
@@ -517,8 +518,11 @@ TEST(GrowthTest, AMillionSiblingsAreReadValidatedCopiedSearchedAndWritten) {
         SCOPED_TRACE(model);
         const auto dtd = readDtd(std::string("<!ELEMENT r ") + model +
                                  "><!ELEMENT a EMPTY><!ELEMENT z EMPTY><!ATTLIST r k CDATA #IMPLIED>");
-        EXPECT_TRUE(dtd->validate(root.get()));
-        root->setDtd(nullptr);
+        for (const bool byMatcher : {false, true}) {
+            const WithoutFastValidation off(byMatcher);
+            EXPECT_TRUE(dtd->validate(root.get()));
+            root->setDtd(nullptr);
+        }
     }
     EXPECT_EQ(root->findElement("z"), root->getChild(kMillion));
     EXPECT_EQ(root->findElement("a", kMillion - 1), root->getChild(kMillion - 1));
@@ -559,7 +563,11 @@ TEST(GrowthTest, AWideModelIsMatchedByAsManyChildren) {
     for (const std::string& model :
          {"(#PCDATA" + names + ")*", "(e" + names + ")*", "((e" + names + "), x?)*", "(e" + names + "|#PCDATA)+"}) {
         SCOPED_TRACE(model.substr(0, 10));
-        EXPECT_TRUE(readDtd("<!ELEMENT r " + model + ">" + leaf)->validate(root.get()));
+        const auto dtd = readDtd("<!ELEMENT r " + model + ">" + leaf);
+        for (const bool byMatcher : {false, true}) {
+            const WithoutFastValidation off(byMatcher);
+            EXPECT_TRUE(dtd->validate(root.get()));
+        }
         EXPECT_FALSE(readDtd("<!ELEMENT r " + model + ">")->validate(root.get()));
     }
     // In a model that lists them all in order each is looked at once.

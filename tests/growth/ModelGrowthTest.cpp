@@ -5,6 +5,7 @@
 #include "models/Models.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
+#include "xml/dtd/internal/FastValidation.h"
 #include "xml/xml.h"
 #include <cstddef>
 #include <functional>
@@ -336,6 +337,58 @@ TEST(ModelGrowthTest, ValidatingIsLinearInTheDepth) {
                 return [root, &dtd] { EXPECT_TRUE(dtd->validate(root.get())); };
             },
             NodeCalls, 250);
+    }
+}
+
+TEST(ModelGrowthTest, AcceptingAtOnceIsLinear) {
+    const std::string leaves = "<!ELEMENT a EMPTY><!ELEMENT b EMPTY>";
+    const struct {
+        const char* name;
+        std::function<std::string(int)> declarations;
+        std::function<std::string(int)> tree;
+    } kCases[] = {
+        {"elements that get their links with the next around them",
+         [](int) { return "<!ELEMENT r (x)><!ELEMENT x (r | y)><!ELEMENT y ANY><!ATTLIST r k CDATA #IMPLIED>"; },
+         [](int n) { return repeated("<r><x>", n) + "<y/>" + repeated("</x></r>", n); }},
+        {"elements that get their links with the outermost",
+         [](int) { return "<!ELEMENT r (x)><!ATTLIST r k CDATA #IMPLIED><!ELEMENT x (x | y)><!ELEMENT y ANY>"; },
+         [](int n) { return "<r>" + repeated("<x>", n) + "<y/>" + repeated("</x>", n) + "</r>"; }},
+        {"what is below ANY", [](int) { return "<!ELEMENT r ANY><!ATTLIST r k CDATA #IMPLIED>"; },
+         [](int n) { return "<r>" + repeated("<x>text<y/>", n) + repeated("</x>", n) + "</r>"; }},
+        {"the length of a sequence",
+         [&](int n) {
+             return leaves + "<!ELEMENT r (b?" + pieces(n, [](int i) { return numbered(", e", i) + "?"; }) + ", a*)>";
+         },
+         [](int) { return "<r><a/><a/></r>"; }},
+        {"the width of a choice",
+         [&](int n) {
+             return leaves + "<!ELEMENT r (b" + pieces(n, [](int i) { return numbered("|e", i); }) + "|a)*>";
+         },
+         [](int) { return "<r><a/><a/></r>"; }},
+        {"the width of a mixed model",
+         [&](int n) {
+             return leaves + "<!ELEMENT r (#PCDATA" + pieces(n, [](int i) { return numbered("|e", i); }) + "|a)*>";
+         },
+         [](int) { return "<r><a/><a/></r>"; }},
+        {"choices in each other",
+         [&](int n) { return leaves + "<!ELEMENT r " + repeated("(", n + 1) + "a" + repeated(" | b)", n) + "*)>"; },
+         [](int) { return "<r><a/><b/></r>"; }},
+        {"sequences in each other",
+         [&](int n) { return leaves + "<!ELEMENT r " + repeated("(", n) + "a" + repeated(", b?)*", n) + ">"; },
+         [](int) { return "<r><a/><b/><a/></r>"; }},
+        {"groups that open at the end",
+         [&](int n) { return leaves + "<!ELEMENT r " + repeated("(a?, (b | ", n) + "a" + repeated("))?", n) + ">"; },
+         [](int) { return "<r><b/></r>"; }},
+    };
+    for (const auto& c : kCases) {
+        expectLinear(
+            c.name,
+            [&c](int n) {
+                const auto dtd = std::shared_ptr<Dtd>(readDtd(c.declarations(n)));
+                const auto root = std::shared_ptr<Element>(readElement(c.tree(n)));
+                return [root, dtd] { EXPECT_TRUE(FastValidation::accepts(*dtd, *root)); };
+            },
+            AllocatedBytes);
     }
 }
 

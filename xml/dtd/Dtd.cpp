@@ -6,6 +6,7 @@
 #include "xml/dtd/CpSpec.h"
 #include "xml/dtd/MixedSpec.h"
 #include "xml/dtd/internal/DtdAccess.h"
+#include "xml/dtd/internal/FastValidation.h"
 #include "xml/dtd/internal/Matcher.h"
 #include "xml/stream/OutStream.h"
 #include "xml/stream/internal/OutStreamAccess.h"
@@ -165,7 +166,10 @@ void Dtd::merge(const Dtd& other, bool replace) {
 
 // --- Queries ---
 
-bool Dtd::validate(Element* element) const { return element != nullptr && Matcher().validateElement(*this, *element); }
+bool Dtd::validate(Element* element) const {
+    if (element == nullptr) return false;
+    return FastValidation::accepts(*this, *element) || Matcher().validateElement(*this, *element);
+}
 
 const AttDef* Dtd::findDefinition(const std::string& element, const std::string& attribute) const {
     const auto list = attributeLists.find(element);
