@@ -98,7 +98,8 @@ private:
     // Nodes that have neither links nor children nor attributes yet.
     std::unique_ptr<Element> copyOf(const Element& from) {
         const std::string& name = NodeAccess::name(from);
-        return memory ? NodeAccess::makeElement(memory->nodes, sharedName(name), nullptr) : NodeAccess::makeElement(name);
+        if (!memory) return NodeAccess::makeElement(name);
+        return NodeAccess::makeElement(memory->nodes, sharedName(name), nullptr);
     }
     std::unique_ptr<CharData> copyOf(const CharData& from) {
         if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
