@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/reader/internal/EntityBudget.h"
+#include "xml/reader/internal/MarkupScan.h"
 #include "xml/stream/internal/ReturnsAhead.h"
 #include "xml/stream/internal/Scan.h"
 #include "xml/stream/internal/StreamAccess.h"
@@ -22,21 +23,9 @@ namespace Xml {
 
 namespace {
 
-bool isQuote(char c) { return c == '"' || c == '\''; }
-bool isNameStart(char c) { return ByteClass::is(c, ByteClass::kNameStart); }
-bool isWhite(char c) { return ByteClass::is(c, ByteClass::kWhite); }
+using namespace MarkupScan;
 
 std::string_view viewOf(const char* from, const char* to) { return {from, static_cast<std::size_t>(to - from)}; }
-
-const char* whiteEnd(const char* from, const char* to) {
-    return from == to || !isWhite(*from) ? from : Scan::endOfAny<' ', '\t', '\n', '\r'>(from + 1, to);
-}
-const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
-
-// The end of a value, or its first '&'.
-const char* plainValueEnd(const char* from, const char* to, char quote) {
-    return quote == '"' ? Scan::findAny<'"', '&'>(from, to) : Scan::findAny<'\'', '&'>(from, to);
-}
 
 // The window of a stream, and what is read from it.
 class Pieces {

@@ -1,10 +1,10 @@
 #include "xml/reader/internal/FastProlog.h"
 
 #include "xml/reader/internal/FastContent.h"
+#include "xml/reader/internal/MarkupScan.h"
 #include "xml/reader/internal/Tokens.h"
 #include "xml/stream/internal/Scan.h"
 #include "xml/stream/internal/StreamAccess.h"
-#include "xml/text/internal/ByteClasses.h"
 #include <string_view>
 
 // The bytes that are taken or looked at are neither CR nor LF, so that all they leave in the line breaks is that the
@@ -46,7 +46,7 @@ bool FastProlog::isBeforeElement(InStream& in) {
     if (!FastContent::isEnabled()) return false;
     const Window& window = StreamAccess::window(in);
     const char* const at = window.cursor;
-    if (window.end - at < 2 || *at != '<' || !ByteClass::is(at[1], ByteClass::kNameStart)) return false;
+    if (window.end - at < 2 || *at != '<' || !MarkupScan::isNameStart(at[1])) return false;
     leave(in, kLessThen);
     return true;
 }
