@@ -77,9 +77,9 @@ TEST(AttributesTest, OfSeveralWithOneNameTheLastStays) {
 }
 
 // In their order: what a reader or a copy makes.
-TEST(AttributesTest, AreAppendedAndFilledInAsTheyCome) {
+TEST(AttributesTest, AreFilledInAsTheyCome) {
     Attributes attributes;
-    attributes.append(attribute("a", "1"));
+    attributes.set(attribute("a", "1"));
     attributes.reserve(3);
     EXPECT_EQ(shown(attributes), "a=1 ");
     {

@@ -23,11 +23,11 @@ std::vector<std::string> manyNames() {
 }
 
 // Names without memory around them: what looks past the end is found out.
-const SharedName& read(NameTable& names, NodeMemory& memory, const std::string& run, std::size_t& length) {
+const SharedName* read(NameTable& names, NodeMemory& memory, const std::string& run, std::size_t& length) {
     const std::unique_ptr<char[]> bytes(new char[run.size()]);
     std::memcpy(bytes.get(), run.data(), run.size());
     const char* at = bytes.get();
-    const SharedName& name = names.read<ByteClass::kNameChar>(at, bytes.get() + run.size(), memory);
+    const SharedName* const name = names.read<ByteClass::kNameChar>(at, bytes.get() + run.size(), memory);
     length = static_cast<std::size_t>(at - bytes.get());
     return name;
 }
@@ -59,10 +59,14 @@ TEST(NameTableTest, ReadsTheNameThatBeginsARun) {
             const std::string after[] = {"", "=", " ", "\x80", "/>", "=\"a longer value\"", "\t\n  ..."};
             const std::string& rest = after[random() % 7];
             std::size_t length = 0;
-            const SharedName& name = read(names, memory, text + rest, length);
-            ASSERT_EQ(name.text, text) << rest;
+            const SharedName* const name = read(names, memory, text + rest, length);
             ASSERT_EQ(length, text.size()) << text << rest;
-            ASSERT_EQ(&names.find(text, memory), &name);
+            if (rest.empty()) {
+                ASSERT_EQ(name, nullptr) << "it may go on";
+                continue;
+            }
+            ASSERT_EQ(name->text, text) << rest;
+            ASSERT_EQ(&names.find(text, memory), name);
         }
     }
 }

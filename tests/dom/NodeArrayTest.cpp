@@ -84,15 +84,22 @@ TEST(NodeArrayTest, StaysWhereItIsWhileThereIsRoom) {
     }
 }
 
-TEST(NodeArrayTest, GivesTheOrderOfItsPointersAway) {
-    int nodes[3];
-    Array array;
-    array.append(nodes);
-    EXPECT_EQ(*array.data(), nodes);
-    array.append(nodes + 1);
-    array.append(nodes + 2);
-    std::swap(array.data()[0], array.data()[2]);
-    EXPECT_EQ(shown(array), (std::vector<int*>{nodes + 2, nodes + 1, nodes}));
+TEST(NodeArrayTest, IsFilledAtItsEnd) {
+    int nodes[5];
+    for (const std::size_t count : {0U, 1U, 2U, 5U}) {
+        for (std::size_t before = 0; before <= count; ++before) {
+            Array array;
+            array.reserve(count);
+            for (std::size_t i = 0; i < before; ++i) array.append(nodes + i);
+            {
+                Array::Filling filling(array);
+                for (std::size_t i = before; i < count; ++i) filling.put(nodes + i);
+            }
+            std::vector<int*> expected;
+            for (std::size_t i = 0; i < count; ++i) expected.push_back(nodes + i);
+            EXPECT_EQ(shown(array), expected);
+        }
+    }
 }
 
 }  // namespace

@@ -276,7 +276,10 @@ TEST(PathGrowthTest, AskingAllResultsForTheirTextIsLinearInThem) {
 
 // Where only bytes are counted they grow at most so: of a plain path nothing is kept but its steps.
 TEST(PathGrowthTest, APathIsLinearInItsLength) {
-    QueryMemory::isFromHeap = true;
+    const struct FromHeap {
+        FromHeap() { QueryMemory::isFromHeap = true; }
+        ~FromHeap() { QueryMemory::isFromHeap = false; }
+    } fromHeap;
     const struct {
         const char* name;
         Kind kind;
@@ -320,7 +323,6 @@ TEST(PathGrowthTest, APathIsLinearInItsLength) {
             },
             AllocatedBytes, 100);
     }
-    QueryMemory::isFromHeap = false;
 }
 
 TEST(PathGrowthTest, SiblingsThatComeInAnyOrderAreFound) {

@@ -112,6 +112,49 @@ TEST(OutRunTest, WritesTheSameBytesAtTheSamePlacesAsTheStream) {
     }
 }
 
+// A sink that takes runs, and is indented further with each of them.
+class Deepening : public OutStream {
+public:
+    void putChar(char c) override { text += c; }
+    int getPosition() const override { return static_cast<int>(text.size()); }
+    void setPosition(int) override {}
+
+    std::string text;
+
+protected:
+    std::int64_t countFrom() const override { return getPosition(); }
+    bool putChars(const char* bytes, std::size_t count) override {
+        text.append(bytes, count);
+        wrote(count);
+        for (int i = 0; i < 3000; ++i) incTab();
+        return true;
+    }
+};
+
+TEST(OutRunTest, HasRoomForTheTabsThatASinkAddsWhileItTakesARun) {
+    Deepening sink;
+    {
+        const OutStreamAccess::Counting counting(sink);
+        OutRun run(sink);
+        const std::string line(4000, 'x');
+        for (int i = 0; i < 4; ++i) {
+            run.put(line);
+            run.putLineFeed();
+            run.put("<", "name");
+            run.putAttribute("name", line);
+            run.putLineFeed();
+        }
+        run.flush();
+    }
+    std::string shown;
+    for (const char c : sink.text)
+        if (c != '\t') shown += c;
+    std::string expected;
+    for (int i = 0; i < 4; ++i)
+        expected += std::string(4000, 'x') + "\n<name name=\"" + std::string(4000, 'x') + "\"\n";
+    EXPECT_EQ(shown, expected);
+}
+
 TEST(OutRunTest, GivesASinkThatFailsNothingMore) {
     std::ostringstream text;
     FileOutStream sink(&text);

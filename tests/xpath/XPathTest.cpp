@@ -84,6 +84,17 @@ TEST(XPathTest, StandsOnTheNodeThatItIsMadeOver) {
     }
 }
 
+TEST(XPathTest, TakesTheTextOfItsOwnResultForAPath) {
+    const Tree tree("<root><some><long><enough>text</enough></long></some></root>");
+    XPath query(tree.document());
+    const std::u16string paths[] = {u"'/root'", u"'/root/some/long/enough'", u"'/root/some/long[enough = \"text\"]'"};
+    for (const std::u16string& path : paths) {
+        ASSERT_EQ(query.GetValues(path.c_str()), 1U);
+        EXPECT_EQ(query.GetValues(query.GetResult(0).string), 1U);
+        EXPECT_EQ(query.GetResult(0).kind, 0);
+    }
+}
+
 TEST(XPathTest, FindsTheDocumentAboveWhateverNodeItStandsOn) {
     const Tree tree(kText);
     for (const auto& [name, node] : nodesInside(tree)) {

@@ -3,7 +3,6 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include <algorithm>
 #include <memory>
-#include <utility>
 
 namespace Xml::internal {
 
@@ -48,10 +47,5 @@ bool Attributes::remove(const std::string& name) {
 }
 
 void Attributes::remove(std::size_t place) { delete sorted.remove(place); }
-
-void Attributes::append(std::unique_ptr<Attribute> attribute) {
-    sorted.append(attribute.get());
-    attribute.release();
-}
 
 }  // namespace Xml::internal

@@ -49,7 +49,6 @@ public:
     // --- In their order, where there is none yet ---
 
     void reserve(std::size_t count) { sorted.reserve(count); }
-    void append(std::unique_ptr<Attribute> attribute);
 
     // Into the room for them. They count when the filling goes.
     using Filling = NodeArray<Attribute>::Filling;

@@ -58,13 +58,10 @@ public:
 
     // A place below size().
     Node* operator[](std::size_t place) const { return isBlock() ? block().nodes()[place] : word; }
-    void set(std::size_t place, Node* node) { data()[place] = node; }
+    void set(std::size_t place, Node* node) { (isBlock() ? block().nodes() : &word)[place] = node; }
 
     // Asks the processor for the memory of the block.
     void fetch() const { __builtin_prefetch(word); }
-
-    // The pointers, to put them in another order.
-    Node** data() { return isBlock() ? block().nodes() : &word; }
 
     // Room for so many, and for one more than there are: adding these cannot fail then.
     void reserve(std::size_t count) {

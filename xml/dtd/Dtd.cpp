@@ -168,7 +168,9 @@ void Dtd::merge(const Dtd& other, bool replace) {
 
 bool Dtd::validate(Element* element) const {
     if (element == nullptr) return false;
-    return FastValidation::accepts(*this, *element) || Matcher().validateElement(*this, *element);
+    const bool isWorthStates = !NodeAccess::children(*element).empty();  // a model costs its whole size
+    if (isWorthStates && FastValidation::accepts(*this, *element)) return true;
+    return Matcher().validateElement(*this, *element);
 }
 
 const AttDef* Dtd::findDefinition(const std::string& element, const std::string& attribute) const {

@@ -4,7 +4,6 @@
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/Message.h"
 #include "xml/text/internal/IoGuard.h"
-#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -35,8 +34,11 @@ bool isAtEnd(std::streambuf& buffer) {
 
 Position tellOf(std::streambuf& buffer) { return buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::in); }
 
-void standAt(std::streambuf& buffer, Position position) {
-    withoutExceptions([&] { buffer.pubseekpos(position, std::ios_base::in); });
+// False where it cannot stand there.
+bool standAt(std::streambuf& buffer, Position position) {
+    Position place = -1;
+    withoutExceptions([&] { place = buffer.pubseekpos(position, std::ios_base::in); });
+    return place == position;
 }
 
 }  // namespace
@@ -159,7 +161,9 @@ bool FileInStream::lendBlock(std::streambuf& buffer, Window& lent) {
         std::streamsize got = 0;
         withoutExceptions([&] { got = buffer.sgetn(bytes, static_cast<std::streamsize>(most)); });
         // The get area may still have bytes from before the block, which a caller could step back to. This empties it.
-        if (got == 0 || GetArea::begin(buffer) != GetArea::end(buffer)) standAt(buffer, position + got);
+        if (got == 0 || GetArea::begin(buffer) != GetArea::end(buffer)) {
+            if (!standAt(buffer, position + got)) fail();
+        }
         return static_cast<std::size_t>(got);
     };
     return block->lend(count, static_cast<int>(position), read, lent);
@@ -170,11 +174,17 @@ void FileInStream::takeBytesBack(const Window& lent) const {
     notUsed = lent.end - lent.cursor;
     if (block != nullptr && block->hasLent(lent)) {
         cameBackAt = lent.base + (lent.cursor - lent.begin);
-        if (notUsed != 0) standAt(buffer, cameBackAt);
+        if (notUsed != 0 && !standAt(buffer, cameBackAt)) fail();
         return;
     }
     cameBackAt = -1;
     GetArea::advance(buffer, static_cast<int>(lent.cursor - GetArea::cursor(buffer)));
+}
+
+// The stream does not stand where it should, as after a seek that failed: nothing is read from there.
+void FileInStream::fail() const {
+    cameBackAt = -1;
+    withoutExceptions([&] { stream->setstate(std::ios_base::failbit); });
 }
 
 int FileInStream::positionOfBytes(const Window&) const {

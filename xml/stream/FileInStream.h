@@ -42,6 +42,7 @@ protected:
 
 private:
     ORVXML_LOCAL void measure();
+    ORVXML_LOCAL void fail() const;
     ORVXML_LOCAL bool lendBlock(std::streambuf& buffer, Window& lent);
 
     std::istream* stream;

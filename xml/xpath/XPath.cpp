@@ -89,10 +89,11 @@ bool XPath::Kept::find(const OrvSys::Uni16String& path) {
                          text.written(text.begin(), text.end()));
     }
     std::vector<Object*> contexts;
+    std::vector<ResultItem> before;  // until the end: the path may be the text of one
     const bool noNodes = !isAbsolute && nodes.empty();
     if (mode == Mode::Answers) {
         contexts.swap(nodes);
-        values.clear();
+        before.swap(values);
         if (isAbsolute) contexts.assign(1, document);
     }
     if (isEmpty) return error.set(NO_XPATH_SPECIFIED, {});

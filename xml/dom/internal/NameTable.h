@@ -22,18 +22,19 @@ public:
     }
 
     // The name that begins a run of bytes [at, to) and goes as far as they are of these classes, the first one aside.
-    // `at` is set to its end.
+    // `at` is set to its end. Null where that is the end of the run: it may go on.
     template <std::uint8_t Classes>
-    const SharedName& read(const char*& at, const char* to, NodeMemory& memory) {
+    const SharedName* read(const char*& at, const char* to, NodeMemory& memory) {
         SharedName*& next = followers[context];
         const char* const from = at;
         if (next != nullptr && next->begins(from, to)) {
             at = from + next->text.size();
-            if (at != to && !ByteClass::is(*at, Classes)) return take(*next);
+            if (at != to && !ByteClass::is(*at, Classes)) return &take(*next);
         }
         at = Scan::endOf<Classes>(from + 1, to);
+        if (at == to) return nullptr;
         next = &findElsewhere({from, static_cast<std::size_t>(at - from)}, memory);
-        return take(*next);
+        return &take(*next);
     }
 
 private:

@@ -82,7 +82,7 @@ public:
     // A name for what is in the tree below the outermost element; the same, read from a run of bytes (see NameTable).
     const SharedName& name(std::string_view text) { return names.find(text, memory); }
     template <std::uint8_t Classes>
-    const SharedName& readName(const char*& at, const char* to) {
+    const SharedName* readName(const char*& at, const char* to) {
         return names.read<Classes>(at, to, memory);
     }
 

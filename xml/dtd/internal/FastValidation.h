@@ -16,9 +16,9 @@ class Object;
 //
 // This is cost control and nothing else: Matcher has the rules, and decides everything without this. The walk says that
 // an element is valid, with all its links set, or gives up. It goes the way of the Matcher as long as that tries each
-// child once (see ModelStates). So where it gives up, what it has done is what the Matcher does on its way there: the
-// links of elements that have been found valid, and verdicts overwritten. The Matcher then begins at the beginning,
-// does the same again, and goes on; no code of a caller runs before it comes there.
+// child once (see ModelStates). So where it gives up, what it has done is some of what the Matcher does on its way
+// there: the links of elements that have been found valid, and verdicts overwritten. The Matcher then begins at the
+// beginning, does the same again, and goes on; no code of a caller runs before it comes there.
 //
 // A run of the Matcher by another Dtd may be under way, where a model of a caller's validates something. The verdicts
 // of that run are taken out of the elements here, as the Matcher overwrites them. None has to be put there.

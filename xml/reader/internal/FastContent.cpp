@@ -91,7 +91,7 @@ private:
         StreamAccess::noteOther(in);
     }
 
-    const SharedName& readName(const char*& at) { return tree.readName<ByteClass::kNameChar>(at, end); }
+    const SharedName* readName(const char*& at) { return tree.readName<ByteClass::kNameChar>(at, end); }
 
     // Whether texts up to there are padded: as many bytes as a short text may have can be read from each of them on.
     bool isPadded(const char* to) const { return end - to >= static_cast<std::ptrdiff_t>(internal::kShortText); }
@@ -144,7 +144,8 @@ bool Pieces::takeStartTag(const char* name) {
     if (isOutermost) {
         at = nameEnd(name + 1, end);  // its name is its own
     } else {
-        shared = &readName(at);
+        shared = readName(at);
+        if (shared == nullptr) return false;
     }
     const std::string_view itsName = viewOf(name, at);
     const char* const to = collectAttributes(at);
@@ -200,7 +201,8 @@ const char* Pieces::collectAttributes(const char* from) {
             if (*at == '/') return end - at >= 2 && at[1] == '>' ? at + 2 : nullptr;
             if (!isNameStart(*at)) return nullptr;
         }
-        const SharedName& name = readName(at);
+        const SharedName* const name = readName(at);
+        if (name == nullptr) return nullptr;
         at = afterEqual(at);
         if (at == nullptr) return nullptr;
         const char quote = *at;
@@ -212,7 +214,7 @@ const char* Pieces::collectAttributes(const char* from) {
             if (valueEnd == nullptr) return nullptr;
             referring.push_back(attributes.size());
         }
-        attributes.add(name, viewOf(value, valueEnd));
+        attributes.add(*name, viewOf(value, valueEnd));
         from = valueEnd + 1;
     }
 }

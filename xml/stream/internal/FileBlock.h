@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace Xml {
 
@@ -18,8 +19,8 @@ public:
 
     // How many bytes to lend to a reading that has read so many and found so many lent too few, where the file has so
     // many left; 0 where a block is not worth its while. Short readings that come again and again do not pay for blocks
-    // that they do not need: one is no longer than what was read so far. What does not end in a block, however long it
-    // is, is read again a third more often at most.
+    // that they do not need: one is no longer than what was read so far, or four times what was too few. What does not
+    // end in a block, however long it is, is read again a third more often at most.
     static std::size_t lengthFor(std::int64_t read, std::int64_t tooFew, std::int64_t left) {
         constexpr std::int64_t kLeast = 16 * 1024;
         constexpr std::int64_t kGrowth = 4;
@@ -27,11 +28,11 @@ public:
         return length < kLeast ? 0 : static_cast<std::size_t>(length);
     }
 
-    // Lends what `read` puts there, which is asked for `count` bytes and says how many came; where none came the window
-    // stays as it is. The position is that of the first.
+    // Lends what `read` puts there, which is asked for `count` bytes and says how many came; where none came, or there
+    // is no memory, the window stays as it is. The position is that of the first.
     template <class Read>
     bool lend(std::size_t count, int position, const Read& read, internal::Window& lent) {
-        makeRoom(count);
+        if (!makeRoom(count)) return false;
         const std::size_t got = read(bytes.get(), count);
         if (got == 0) return false;
         lent = {bytes.get(), bytes.get(), bytes.get() + got, position, internal::Window::Loan::ForNow};
@@ -42,14 +43,15 @@ public:
     bool hasLent(const internal::Window& lent) const { return bytes != nullptr && lent.begin == bytes.get(); }
 
 private:
-    // A long block goes when it is not needed any more.
-    void makeRoom(std::size_t count) {
+    // A long block goes when it is not needed any more. False where there is no memory for one: reading goes on
+    // without.
+    bool makeRoom(std::size_t count) {
         const std::size_t wanted = count < kSize ? kSize : count;
-        if (wanted == size) return;
+        if (wanted == size) return true;
         bytes.reset();
-        size = 0;
-        bytes.reset(new char[wanted]);
-        size = wanted;
+        bytes.reset(new (std::nothrow) char[wanted]);
+        size = bytes != nullptr ? wanted : 0;
+        return bytes != nullptr;
     }
 
     std::unique_ptr<char[]> bytes;

@@ -59,10 +59,10 @@ void OutRun::putTabs() {
 // Room for so many bytes, and the tabs before them. False where there is none: for too many, or where the sink does not
 // count any more.
 bool OutRun::makeRoom(std::size_t size) {
-    if (size > kRoom || size + (out.atLineStart ? roomForTabs() : 0) > kRoom) return false;
+    if (size > kRoom) return false;
     takeMemory();
-    flush();
-    return inRuns();
+    flush();  // a sink may change the level of tabs
+    return inRuns() && size + (out.atLineStart ? roomForTabs() : 0) <= kRoom;
 }
 
 void OutRun::appendSlowly(std::string_view text) {

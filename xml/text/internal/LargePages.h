@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,7 +20,9 @@ inline void ask([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size
     const auto from = reinterpret_cast<std::uintptr_t>(memory);
     const std::uintptr_t begin = (from + kBytes - 1) & ~(kBytes - 1);
     const std::uintptr_t end = (from + size) & ~(kBytes - 1);
+    const int before = errno;
     if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    errno = before;
 #endif
 }
 
