@@ -73,8 +73,9 @@ TEST(ScanTest, FindsOneOfSomeFarAway) {
         for (const std::string found : {"\"", "&", "\"&", "&\"", ""}) {
             const std::string text = std::string(length, 'x') + found + "x";
             const char* const end = text.data() + text.size();
-            EXPECT_EQ((Scan::findAny<'"', '&'>(text.data(), end)), found.empty() ? end : text.data() + length)
-                << length << found;
+            const char* const expected = found.empty() ? end : text.data() + length;
+            EXPECT_EQ((Scan::findAny<'"', '&'>(text.data(), end)), expected) << length << found;
+            EXPECT_EQ((Scan::findNear<'"', '&'>(text.data(), end)), expected) << length << found;
         }
     }
 }

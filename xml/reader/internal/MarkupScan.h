@@ -18,7 +18,7 @@ inline const char* nameEnd(const char* from, const char* to) { return Scan::endO
 
 // The end of a value, or its first '&'.
 inline const char* plainValueEnd(const char* from, const char* to, char quote) {
-    return quote == '"' ? Scan::findAny<'"', '&'>(from, to) : Scan::findAny<'\'', '&'>(from, to);
+    return quote == '"' ? Scan::findNear<'"', '&'>(from, to) : Scan::findNear<'\'', '&'>(from, to);
 }
 
 }  // namespace Xml::MarkupScan

@@ -89,16 +89,19 @@ inline const char* endOfAny(const char* from, const char* to) {
     return findFirst<true, These...>(from, to);
 }
 
-// The first such byte, `to` without one. Mostly it is within a few bytes; what is further away is looked for with
-// find().
-template <char Wanted>
+// As findAny. Mostly it is within a few bytes; what is further away is looked for with find().
+template <char... These>
 inline const char* findNear(const char* from, const char* to) {
-    constexpr std::ptrdiff_t kNear = 32;
+    constexpr std::ptrdiff_t kNear = 64;
     const char* const nearEnd = to - from > kNear ? from + kNear : to;
-    const char* const near = findAny<Wanted>(from, nearEnd);
+    const char* const near = findAny<These...>(from, nearEnd);
     if (near != nearEnd || near == to) return near;
-    const char* const found = find(near, to, Wanted);
-    return found != nullptr ? found : to;
+    const char* first = to;
+    const auto look = [&](char wanted) {
+        if (const char* const found = find(near, first, wanted)) first = found;
+    };
+    (look(These), ...);
+    return first;
 }
 
 // Whether both have the same bytes there.
