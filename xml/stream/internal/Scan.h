@@ -1,13 +1,11 @@
 #pragma once
 
 #include "xml/text/internal/ByteClasses.h"
+#include "xml/text/internal/Words.h"
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 // Where something ends in a run of bytes [from, to): a name, white space, a value, a text. Nothing outside the run is
 // looked at. Knows no language: what is looked for is said by its bytes or by their class.
@@ -35,38 +33,11 @@ inline const char* find(const char* from, const char* to, char wanted) {
     return static_cast<const char*>(std::memchr(from, wanted, static_cast<std::size_t>(to - from)));
 }
 
-// Eight bytes at a time, the first of them in the lowest place.
-using Word = std::uint64_t;
-constexpr std::ptrdiff_t kWordSize = sizeof(Word);
-
-inline Word wordAt(const char* bytes) {
-    Word word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    word = __builtin_bswap64(word);
-#endif
-    return word;
-}
-
-// Which of the bytes there are one of these: a bit for each, the first in the lowest place.
-#ifdef __SSE2__
-constexpr std::ptrdiff_t kBlockSize = 16;
-
-template <char... These>
-inline unsigned marksOf(const char* block) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
-    __m128i found = _mm_setzero_si128();
-    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(These)))), ...);
-    return static_cast<unsigned>(_mm_movemask_epi8(found));
-}
-#else
-constexpr std::ptrdiff_t kBlockSize = 1;
-
-template <char... These>
-inline unsigned marksOf(const char* block) {
-    return ((*block == These) || ...) ? 1 : 0;
-}
-#endif
+using Words::kBlockSize;
+using Words::kWordSize;
+using Words::marksOf;
+using Words::Word;
+using Words::wordAt;
 
 // The first byte that is one of these (or, Not, none of these), `to` without one.
 template <bool Not, char... These>

@@ -2,11 +2,9 @@
 
 #include "xml/text/internal/ClassicNumbers.h"
 #include "xml/text/internal/Escape.h"
+#include "xml/text/internal/Words.h"
 #include <array>
 #include <cstring>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace Xml {
 
@@ -16,8 +14,7 @@ constexpr char kStandardValues[] = {'&', '<', '>', '"', '\''};
 
 // --- References of the usual forms: found out by the bytes that they begin with, without a look for their end ---
 
-// Eight bytes, the first of them in the lowest place.
-using Word = std::uint64_t;
+using Words::Word;
 
 constexpr Word wordOf(std::string_view text) {
     Word word = 0;
@@ -29,12 +26,7 @@ constexpr Word wordOf(std::string_view text) {
 Word wordAt(const char* from, const char* end) {
     const std::size_t left = static_cast<std::size_t>(end - from);
     if (left < sizeof(Word)) return wordOf({from, left});
-    Word word = 0;
-    std::memcpy(&word, from, sizeof word);
-#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    word = __builtin_bswap64(word);
-#endif
-    return word;
+    return Words::wordAt(from);
 }
 
 struct StandardReference {
@@ -109,15 +101,8 @@ constexpr std::ptrdiff_t kLook = kStretch + kAtOnce;  // what is looked at of a 
 // A bit for each byte of a stretch: whether it is '&'.
 std::uint64_t ampersandsIn(const char* stretch) {
     std::uint64_t marks = 0;
-#ifdef __SSE2__
-    for (std::ptrdiff_t i = 0; i < kStretch; i += kAtOnce) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(stretch + i));
-        const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('&')));
-        marks |= static_cast<std::uint64_t>(found) << i;
-    }
-#else
-    for (std::ptrdiff_t i = 0; i < kStretch; ++i) marks |= std::uint64_t{stretch[i] == '&'} << i;
-#endif
+    for (std::ptrdiff_t i = 0; i < kStretch; i += Words::kBlockSize)
+        marks |= std::uint64_t{Words::marksOf<'&'>(stretch + i)} << i;
     return marks;
 }
 

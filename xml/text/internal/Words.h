@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+// Several bytes at a time.
+namespace Xml::Words {
+
+// Eight bytes, the first of them in the lowest place.
+using Word = std::uint64_t;
+constexpr std::ptrdiff_t kWordSize = sizeof(Word);
+
+inline Word wordAt(const char* bytes) {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    word = __builtin_bswap64(word);
+#endif
+    return word;
+}
+
+// Which of the bytes of a block are one of these: a bit for each, the first in the lowest place.
+#ifdef __SSE2__
+constexpr std::ptrdiff_t kBlockSize = 16;
+
+template <char... These>
+inline unsigned marksOf(const char* block) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    __m128i found = _mm_setzero_si128();
+    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(These)))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#else
+constexpr std::ptrdiff_t kBlockSize = 1;
+
+template <char... These>
+inline unsigned marksOf(const char* block) {
+    return ((*block == These) || ...) ? 1 : 0;
+}
+#endif
+
+}  // namespace Xml::Words
