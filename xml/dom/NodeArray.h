@@ -99,10 +99,7 @@ public:
     // Puts nodes at the end, where there is room for them. They count when it goes.
     class Filling {
     public:
-        explicit Filling(NodeArray& toFill)
-            : array(toFill),
-              first(toFill.isBlock() ? toFill.block().nodes() + toFill.block().size : &toFill.word),
-              at(first) {}
+        explicit Filling(NodeArray& toFill) : array(toFill), first(toFill.extend(0)), at(first) {}
         ~Filling() { array.extend(static_cast<std::size_t>(at - first)); }
         Filling(const Filling&) = delete;
         Filling& operator=(const Filling&) = delete;

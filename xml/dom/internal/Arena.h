@@ -36,7 +36,6 @@ struct SharedName {
         char first[Scan::kWordSize] = {};
         std::memcpy(first, name.data(), std::min(name.size(), sizeof first));
         head = Scan::wordAt(first);
-        order = __builtin_bswap64(head);
         std::memset(first, 0xFF, std::min(name.size(), sizeof first));
         headMask = Scan::wordAt(first);
     }
@@ -50,7 +49,7 @@ struct SharedName {
 
     // In the byte order of the texts.
     bool isBefore(const SharedName& other) const {
-        return head != other.head ? order < other.order : text < other.text;
+        return head != other.head ? __builtin_bswap64(head) < __builtin_bswap64(other.head) : text < other.text;
     }
 
     std::string text;
@@ -58,7 +57,6 @@ struct SharedName {
     std::uint32_t number;  // in the order in which they were made
     Scan::Word head;       // its first bytes, and then zeros ...
     Scan::Word headMask;   // ... and which of them are its own
-    Scan::Word order;      // the same, the first in the highest place
 };
 
 // The memory of one tree that was read or copied in one go: all nodes below its top element, their names, their texts

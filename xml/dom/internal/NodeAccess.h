@@ -95,7 +95,6 @@ struct NodeAccess {
         for (Object** at = element.children.extend(count); first != last; ++first) *at++ = first->release();
     }
     static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
-        if (all.empty()) return;
         all.sort();
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();

@@ -60,21 +60,19 @@ public:
     }
 
     // Gives the innermost element, which has none, these attributes.
-    void setAttributes(GivenAttributes& attributes) {
-        if (!attributes.empty()) NodeAccess::setAttributes(*here, memory, attributes);
-    }
+    void setAttributes(GivenAttributes& attributes) { give(*here, attributes); }
 
     // An element without children, within the innermost one.
     void addElement(const SharedName& name, GivenAttributes& attributes) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
-        NodeAccess::setAttributes(*element, memory, attributes);
+        give(*element, attributes);
         finish(std::move(element));
     }
 
     // An element with this text alone as its child, within the innermost one.
     void addLeaf(const SharedName& name, GivenAttributes& attributes, std::string_view text, bool isPadded) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
-        NodeAccess::setAttributes(*element, memory, attributes);
+        give(*element, attributes);
         NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
         finish(std::move(element));
     }
@@ -114,6 +112,11 @@ private:
         std::unique_ptr<Element> element;
         std::size_t firstChild;
     };
+
+    // Many elements have no attributes.
+    void give(Element& element, GivenAttributes& attributes) {
+        if (!attributes.empty()) NodeAccess::setAttributes(element, memory, attributes);
+    }
 
     // A child of the innermost element is complete. The outermost one gets it at once: what is seen of that is as far
     // as the text was read.
