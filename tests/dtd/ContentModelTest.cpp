@@ -1,7 +1,7 @@
 #include "models/Models.h"
 #include "models/NaiveMatcher.h"
+#include "models/Snapshot.h"
 #include "support/Messages.h"
-#include "support/NodeTestAccess.h"
 #include "support/Rounds.h"
 #include "support/WithoutFastValidation.h"
 #include "xml/dtd/ChildQueue.h"
@@ -545,25 +545,6 @@ TEST(ContentModelTest, LinksByNestedRepetitionsOfTwoDtdsAsTheNaiveMatcherDoes) {
     balance.expectBoth(8);
     EXPECT_GT(linkedByBoth, atLeast(1000));
 }
-
-namespace {
-
-// The links of all nodes in document order.
-void collectLinks(const Object& node, std::vector<const Dtd*>& links) {
-    links.push_back(NodeTestAccess::dtd(node));
-    if (!node.isElement()) return;
-    const auto& element = static_cast<const Element&>(node);
-    for (int i = 0; i < element.getAttributeCount(); ++i) collectLinks(*element.getAttribute(i), links);
-    for (int i = 0; i < element.getChildCount(); ++i) collectLinks(*element.getChild(i), links);
-}
-
-std::vector<const Dtd*> linksIn(const Object& node) {
-    std::vector<const Dtd*> links;
-    collectLinks(node, links);
-    return links;
-}
-
-}  // namespace
 
 // What it accepts is valid and has all its links then; where it gives up it has set none that validation does not set.
 TEST(ContentModelTest, TreesAreAcceptedAtOnceOnlyAsTheNaiveMatcherDoes) {

@@ -3,10 +3,10 @@
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "orvsys/Uni16.h"
+#include "support/QueriesFromHeap.h"
 #include "support/Texts.h"
 #include "support/Trees.h"
 #include "xml/xml.h"
-#include "xml/xpath/internal/QueryMemory.h"
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -276,10 +276,7 @@ TEST(PathGrowthTest, AskingAllResultsForTheirTextIsLinearInThem) {
 
 // Where only bytes are counted they grow at most so: of a plain path nothing is kept but its steps.
 TEST(PathGrowthTest, APathIsLinearInItsLength) {
-    const struct FromHeap {
-        FromHeap() { QueryMemory::isFromHeap = true; }
-        ~FromHeap() { QueryMemory::isFromHeap = false; }
-    } fromHeap;
+    const QueriesFromHeap fromHeap;
     const struct {
         const char* name;
         Kind kind;

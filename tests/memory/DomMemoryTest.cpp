@@ -2,7 +2,7 @@
 #include "dom/Settings.h"
 #include "memory/Failing.h"
 #include "memory/Usable.h"
-#include "support/NodeTestAccess.h"
+#include "models/Snapshot.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
@@ -40,20 +40,6 @@ std::unique_ptr<Element> nested(int depth) {
         inner = inner->getElement("bed");
     }
     return top;
-}
-
-// The links of a node and of all below it.
-std::vector<const Dtd*> linksOf(const Object& node) {
-    std::vector<const Dtd*> links = {NodeTestAccess::dtd(node)};
-    if (!node.isElement()) return links;
-    const Element& element = *node.toElement();
-    for (int i = 0; i < element.getAttributeCount(); ++i)
-        links.push_back(NodeTestAccess::dtd(*element.getAttribute(i)));
-    for (int i = 0; i < element.getChildCount(); ++i) {
-        const auto below = linksOf(*element.getChild(i));
-        links.insert(links.end(), below.begin(), below.end());
-    }
-    return links;
 }
 
 }  // namespace
@@ -98,10 +84,10 @@ TEST(DomMemoryTest, AnEditThatFailsLeavesTheDocumentAsItWas) {
         forEachFailingAllocation([&c](Attempt& attempt) {
             const auto document = garden();
             const std::string before = textOf(*document);
-            const auto linksBefore = linksOf(*document->getRoot());
+            const auto linksBefore = linksIn(*document->getRoot());
             if (!attempt([&] { c.edit(*document); })) {
                 EXPECT_EQ(textOf(*document), before);
-                EXPECT_EQ(linksOf(*document->getRoot()), linksBefore);
+                EXPECT_EQ(linksIn(*document->getRoot()), linksBefore);
                 expectUsable(*document);
             }
         });
@@ -133,7 +119,7 @@ TEST(DomMemoryTest, AChildThatCannotBeAddedStaysTheCallersWithoutLinks) {
                 } else {
                     EXPECT_EQ(dump(document.get()), before);
                     EXPECT_EQ(child->getParent(), nullptr);
-                    EXPECT_EQ(linksOf(*child), linksOf(*nested(40)));
+                    EXPECT_EQ(linksIn(*child), linksIn(*nested(40)));
                     EXPECT_TRUE(document->validate());
                     expectUsable(*document);
                 }
@@ -161,7 +147,7 @@ TEST(DomMemoryTest, PartsOfADocumentThatCannotBeMadeStayTheCallersWithoutLinks) 
                 EXPECT_EQ(dump(document.get()), dump(nested(40).get()));
                 return;
             }
-            EXPECT_EQ(linksOf(*root), linksOf(*nested(40)));
+            EXPECT_EQ(linksIn(*root), linksIn(*nested(40)));
             EXPECT_EQ(root->getParent(), nullptr);
             EXPECT_EQ(dtd->getParent(), nullptr);
         }
@@ -208,7 +194,7 @@ TEST(DomMemoryTest, WhatCannotBeTakenOutStays) {
             }
             EXPECT_EQ(taken->getParent(), nullptr);
             EXPECT_NE(textOf(*document), before);
-            const auto links = linksOf(*taken);
+            const auto links = linksIn(*taken);
             EXPECT_EQ(std::count(links.begin(), links.end(), nullptr), static_cast<std::ptrdiff_t>(links.size()));
         });
     }

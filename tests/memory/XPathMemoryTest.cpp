@@ -3,12 +3,12 @@
 #include "memory/Usable.h"
 #include "orvsys/Uni16.h"
 #include "support/Places.h"
+#include "support/QueriesFromHeap.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/xpath/XPath.h"
-#include "xml/xpath/internal/QueryMemory.h"
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
@@ -126,9 +126,7 @@ protected:
         document = documentOf(blockOf("```xml", "```", page));
         queries = queriesOfThePage();
         queries.insert(queries.end(), std::begin(kMoreQueries), std::end(kMoreQueries));
-        QueryMemory::isFromHeap = true;
     }
-    ~XPathMemoryTest() override { QueryMemory::isFromHeap = false; }
 
     // Asks for the context of a query, whatever comes of it.
     void goTo(XPath& query, const Query& asked) const {
@@ -137,6 +135,7 @@ protected:
 
     std::unique_ptr<Document> document;
     std::vector<Query> queries;
+    QueriesFromHeap fromHeap;
 };
 
 }  // namespace

@@ -11,6 +11,18 @@
 
 namespace Xml::test {
 
+namespace {
+
+void collectLinks(const Object& node, std::vector<const Dtd*>& links) {
+    links.push_back(NodeTestAccess::dtd(node));
+    if (!node.isElement()) return;
+    const Element& element = *node.toElement();
+    for (int i = 0; i < element.getAttributeCount(); ++i) collectLinks(*element.getAttribute(i), links);
+    for (int i = 0; i < element.getChildCount(); ++i) collectLinks(*element.getChild(i), links);
+}
+
+}  // namespace
+
 std::string linksOf(const Object* node, const Dtd* dtd, const Object* parent) {
     if (node == nullptr) return "null";
     const Dtd* link = NodeTestAccess::dtd(*node);
@@ -35,6 +47,12 @@ std::string linksOf(const Object* node, const Dtd* dtd, const Object* parent) {
     text += "(";
     for (int i = 0; i < element.getChildCount(); ++i) text += " " + linksOf(element.getChild(i), dtd, node);
     return text + ")";
+}
+
+std::vector<const Dtd*> linksIn(const Object& node) {
+    std::vector<const Dtd*> links;
+    collectLinks(node, links);
+    return links;
 }
 
 std::string fullText(const Dtd* dtd) {

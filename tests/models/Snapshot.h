@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace Xml {
 class Dtd;
@@ -14,6 +15,9 @@ namespace Xml::test {
 // A tree with everything that no operation shows: for each node what it is, whether it links to `dtd`, to none ("-") or
 // to another ("?"), its mark of change, its positions, and whether its parent is the node above it.
 std::string linksOf(const Object* node, const Dtd* dtd, const Object* parent = nullptr);
+
+// The links of the node and of all below it, in document order.
+std::vector<const Dtd*> linksIn(const Object& node);
 
 // The Dtd as it is written, once as it is and once with every element of the tests declared, so that all attribute
 // lists show. "none" for null.
