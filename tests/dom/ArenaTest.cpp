@@ -191,11 +191,11 @@ TEST_F(ArenaTest, OutlivesTheTopElementWithoutChildren) {
     for (const auto& part : parts) EXPECT_EQ(part->toElement()->getName(), "child");
 }
 
-TEST_F(ArenaTest, TakesATreeApartAndPutsItTogetherAnyWay) {
+void takeApartAndPutTogether(int times, int mostChildren) {
     std::mt19937 dice(20261122);
-    for (int round = 0; round < rounds(40); ++round) {
+    for (int round = 0; round < times; ++round) {
         std::vector<std::unique_ptr<Element>> trees;
-        for (const int children : {0, 1, 3, 300}) trees.push_back(wide(children));
+        for (const int children : {0, 1, 3, mostChildren}) trees.push_back(wide(children));
         for (const auto& tree : std::vector<const Element*>{trees[2].get(), trees[3].get()})
             trees.push_back(std::unique_ptr<Element>(tree->clone()->toElement()));
         for (int i = 0; i < 60; ++i) {
@@ -216,6 +216,37 @@ TEST_F(ArenaTest, TakesATreeApartAndPutsItTogetherAnyWay) {
         std::shuffle(trees.begin(), trees.end(), dice);
         while (!trees.empty()) trees.pop_back();
         ASSERT_TRUE(slabs.empty());
+    }
+}
+
+TEST_F(ArenaTest, TakesATreeApartAndPutsItTogetherAnyWay) { takeApartAndPutTogether(rounds(40), 300); }
+
+// So many that their attributes lie apart.
+constexpr int kMany = 8000;
+
+TEST_F(ArenaTest, TakesALargeTreeApartAndPutsItTogetherAnyWay) { takeApartAndPutTogether(rounds(3), kMany); }
+
+TEST_F(ArenaTest, KeepsTheAttributesOfLargeTreesApart) {
+    const std::unique_ptr<Element> root = wide(kMany);
+    const std::unique_ptr<Object> copy(root->clone());
+    for (const Object* const node : std::vector<const Object*>{root.get(), copy.get()}) {
+        const Element* const top = node->toElement();
+        const auto isTogether = [&](int place) {
+            const Element& child = *top->getElement(place);
+            return &Slab::of(&child) == &Slab::of(child.getAttribute("short"));
+        };
+        EXPECT_TRUE(isTogether(0)) << "small trees need one slab";
+        std::set<Slab*> withAttributes;
+        std::set<Slab*> withNodes;
+        for (int i = kMany * 3 / 4; i < kMany; ++i) {
+            const Element& child = *top->getElement(i);
+            for (const char* const name : {"short", "long"}) withAttributes.insert(&Slab::of(child.getAttribute(name)));
+            withNodes.insert(&Slab::of(&child));
+            withNodes.insert(&Slab::of(child.getChild(0)));
+        }
+        EXPECT_GT(withAttributes.size(), 3U);
+        EXPECT_GT(withNodes.size(), 3U);
+        for (Slab* const slab : withAttributes) EXPECT_EQ(withNodes.count(slab), 0U);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "xml/text/internal/LargePages.h"
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -16,6 +17,23 @@ TEST(LargePagesTest, LeavesMemoryAsItIs) {
             ASSERT_TRUE(text == before) << size << " bytes from " << from;
         }
     }
+}
+
+TEST(LargePagesTest, MapsPagesAndGivesAnyPartOfThemBack) {
+    constexpr std::size_t kSmallPage = 4096;
+    errno = 17;
+    char* const page = static_cast<char*>(LargePages::map());
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(page) % LargePages::kBytes, 0U);
+    for (std::size_t i = 0; i < LargePages::kBytes; i += kSmallPage) {
+        EXPECT_EQ(page[i], 0);
+        page[i] = static_cast<char>(i / kSmallPage);
+    }
+    LargePages::unmap(page, kSmallPage);
+    LargePages::unmap(page + 5 * kSmallPage, LargePages::kBytes - 5 * kSmallPage);
+    for (std::size_t i = 1; i < 5; ++i) EXPECT_EQ(page[i * kSmallPage], static_cast<char>(i));
+    LargePages::unmap(page + kSmallPage, 4 * kSmallPage);
+    EXPECT_EQ(errno, 17) << "memory is given back by delete, which leaves errno alone";
 }
 
 TEST(LargePagesTest, MakesRoom) {

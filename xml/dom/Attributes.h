@@ -18,6 +18,8 @@ namespace Xml::internal {
 // Not for callers.
 class Attributes {
 public:
+    using Node = Attribute;
+
     Attributes() = default;
     Attributes(const Attributes&) = delete;
     Attributes& operator=(const Attributes&) = delete;
@@ -25,9 +27,6 @@ public:
 
     // Good until the next change.
     AttributeSpan span() const { return sorted.span(); }
-
-    // Asks the processor for the memory that span() needs.
-    void fetch() const { sorted.fetch(); }
 
     std::size_t size() const { return sorted.size(); }
     bool empty() const { return sorted.empty(); }

@@ -14,6 +14,8 @@ namespace Xml::internal {
 // Not for callers.
 class Children {
 public:
+    using Node = Object;
+
     Children() = default;
     Children(const Children&) = delete;
     Children& operator=(const Children&) = delete;
@@ -25,9 +27,6 @@ public:
 
     // Good until the next change.
     NodeSpan span() const { return nodes.span(); }
-
-    // Asks the processor for the memory that span() needs.
-    void fetch() const { nodes.fetch(); }
 
     std::size_t size() const { return nodes.size(); }
     bool empty() const { return nodes.empty(); }

@@ -60,9 +60,6 @@ public:
     Node* operator[](std::size_t place) const { return isBlock() ? block().nodes()[place] : word; }
     void set(std::size_t place, Node* node) { (isBlock() ? block().nodes() : &word)[place] = node; }
 
-    // Asks the processor for the memory of the block.
-    void fetch() const { __builtin_prefetch(word); }
-
     // Room for so many, and for one more than there are: adding these cannot fail then.
     void reserve(std::size_t count) {
         if (count > capacity()) grow(count);

@@ -66,71 +66,67 @@ void Arena::release(Slab& slab) {
 
 // --- Filling it ---
 
-NodeMemory::~NodeMemory() { closeSlab(); }
+NodeMemory::~NodeMemory() { close(); }
 
-void NodeMemory::closeSlab() {
-    if (slab == nullptr) return;
-    Slab* const full = slab;
-    slab = nullptr;
-    low = high = nullptr;
-    full->release(Slab::kFilling - count);
+void NodeMemory::close() {
+    arena = nullptr;  // it may go with the last slab
+    close(std::exchange(nodes, {}));
+    close(std::exchange(apart, {}));
 }
 
-void NodeMemory::addSlab() {
-    Slab* const made = Slab::make();
-    if (slab == nullptr) {
-        low = made->begin();
-        high = made->end() - sizeof(Arena);
+void NodeMemory::close(const Part& part) {
+    if (part.slab != nullptr) part.slab->release(Slab::kFilling - part.count);
+}
+
+void NodeMemory::addSlab(Part& part) {
+    constexpr std::uint32_t kFromHeap = 2;   // so many slabs are quicker taken from the heap
+    constexpr std::uint32_t kTogether = 32;  // so many are within the reach of the processor, however the nodes lie
+    Slab* const made = slabCount < kFromHeap ? Slab::make() : Slab::make(stock);
+    if (slabCount++ == kTogether) forAttributes = &apart;
+    char* high = made->end();
+    if (arena == nullptr) {
+        high -= sizeof(Arena);
         high -= reinterpret_cast<std::uintptr_t>(high) % alignof(Arena);
         Slab::allow(high, sizeof(Arena));
-        made->owner = ::new (high) Arena(*made);
+        arena = ::new (high) Arena(*made);
     } else {
-        made->owner = slab->owner;
-        made->next = slab->owner->newest;
-        made->owner->newest = made;
-        made->owner->slabs.fetch_add(1, std::memory_order_relaxed);
-        closeSlab();
-        low = made->begin();
-        high = made->end();
+        made->next = arena->newest;
+        arena->newest = made;
+        arena->slabs.fetch_add(1, std::memory_order_relaxed);
     }
-    slab = made;
-    count = 0;
+    made->owner = arena;
+    close(std::exchange(part, {made, made->begin(), high, 0}));
 }
 
-void NodeMemory::noteWide(Element& element) {
-    Arena& arena = slab->arena();
-    arena.wide = new Arena::WideElement{&element, arena.wide};
-}
+void NodeMemory::noteWide(Element& element) { arena->wide = new Arena::WideElement{&element, arena->wide}; }
 
 SharedName& NodeMemory::takeName(std::string_view name) {
-    if (slab == nullptr) addSlab();
-    Arena& arena = slab->arena();
+    if (arena == nullptr) addSlab(nodes);
     constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
     constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
-    const bool isFirst = slab->next == nullptr;
-    if (isFirst && nameCount++ < kFew && static_cast<std::size_t>(high - low) >= kSize) {
-        char* const end = high - sizeof(SharedName);
+    if (slabCount == 1 && nameCount++ < kFew && nodes.left() >= kSize) {
+        char* const end = nodes.high - sizeof(SharedName);
         char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(place, sizeof(SharedName));
-        arena.names = ::new (place) SharedName(name, arena.names);
-        high = place;
+        arena->names = ::new (place) SharedName(name, arena->names);
+        nodes.high = place;
     } else {
-        arena.names = new SharedName(name, arena.names);
+        arena->names = new SharedName(name, arena->names);
     }
-    return *arena.names;
+    return *arena->names;
 }
 
 KeptText& NodeMemory::takeText(std::string_view text) {
-    if (slab == nullptr) addSlab();
+    if (arena == nullptr) addSlab(nodes);
     auto made = std::make_unique<KeptText>();
     made->text = text;
-    return slab->arena().keep(std::move(made));
+    return arena->keep(std::move(made));
 }
 
 void NodeMemory::finish(const Element& top) {
-    if (slab == nullptr) return;
-    slab->arena().top = &top;
-    closeSlab();
+    if (arena == nullptr) return;
+    arena->top = &top;
+    close();
 }
 
 }  // namespace Xml

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Object.h"
 #include "xml/dom/internal/Slab.h"
+#include "xml/dom/internal/SlabStock.h"
 #include "xml/stream/internal/Scan.h"
 #include "xml/text/DataHolder.h"
 #include <algorithm>
@@ -12,9 +13,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace Xml {
 
+class Attribute;
 class Element;
 
 namespace internal {
@@ -130,24 +133,27 @@ public:
     Room takeNode(std::size_t byteCount = 0) {
         constexpr std::size_t size = sizeof(Node);
         static_assert(size % 16 == 0, "the next node has to be at 8 modulo 16 again");
-        if (static_cast<std::size_t>(high - low) < size + byteCount) addSlab();
-        Room room{low, high - byteCount};
-        low += size;
-        high -= byteCount;
-        ++count;
+        Part& part = partFor<Node>();
+        if (part.left() < size + byteCount) addSlab(part);
+        Room room{part.low, part.high - byteCount};
+        part.low += size;
+        part.high -= byteCount;
+        ++part.count;
         Slab::allow(room.node, size);
         Slab::allow(room.bytes, byteCount);
         return room;
     }
 
-    // Room for the array of an element in a slab, at most kMostBytes. It counts as a node does.
+    // Room for an array of such nodes in a slab, at most kMostBytes. It counts as a node does.
+    template <class Node>
     void* takeArray(std::size_t size) {
-        if (static_cast<std::size_t>(high - low) < size + alignof(void*)) addSlab();
-        high -= size;
-        high -= reinterpret_cast<std::uintptr_t>(high) % alignof(void*);
-        ++count;
-        Slab::allow(high, size);
-        return high;
+        Part& part = partFor<Node>();
+        if (part.left() < size + alignof(void*)) addSlab(part);
+        part.high -= size;
+        part.high -= reinterpret_cast<std::uintptr_t>(part.high) % alignof(void*);
+        ++part.count;
+        Slab::allow(part.high, size);
+        return part.high;
     }
 
     // The array of the element does not fit into a slab.
@@ -163,13 +169,35 @@ public:
     void finish(const Element& top);
 
 private:
-    void addSlab();
-    void closeSlab();
+    // A slab that is being filled.
+    struct Part {
+        std::size_t left() const { return static_cast<std::size_t>(high - low); }
 
-    Slab* slab = nullptr;
-    char* low = nullptr;   // from here on up nodes ...
-    char* high = nullptr;  // ... and from here on down what belongs to them
-    std::uint32_t count = 0;
+        Slab* slab = nullptr;
+        char* low = nullptr;   // from here on up nodes ...
+        char* high = nullptr;  // ... and from here on down what belongs to them
+        std::uint32_t count = 0;
+    };
+
+    template <class Node>
+    Part& partFor() {
+        return std::is_same_v<Node, Attribute> ? *forAttributes : nodes;
+    }
+
+    void addSlab(Part& part);
+    void close();
+    static void close(const Part& part);
+
+    Arena* arena = nullptr;
+    SlabStock stock;
+    std::uint32_t slabCount = 0;
+
+    // Most walks go through elements and texts, and look at few attributes. So the attributes of larger trees lie
+    // apart: what a walk needs is side by side in memory, where the processor fetches it ahead.
+    Part nodes;
+    Part apart;
+    Part* forAttributes = &nodes;
+
     std::uint32_t nameCount = 0;
 };
 

@@ -113,17 +113,6 @@ struct NodeAccess {
 
     static void setParent(Object& node, Object& parent) { node.parent = &parent; }
 
-    // Asks the processor for memory that is looked at soon: a node and what lies after it, which are its attributes
-    // first; the arrays of an element.
-    static void fetch(const Object& node) {
-        constexpr int kLine = 64;
-        const char* const memory = reinterpret_cast<const char*>(&node);
-        for (int line = 0; line < 3; ++line) __builtin_prefetch(memory + line * kLine);
-    }
-    static void fetchNodesOf(const Element& element) {
-        element.children.fetch();
-        element.attributes.fetch();
-    }
     static void setName(Element& element, const std::string& name) { element.name.set(name); }
 
     // A document around a tree that was read, without a Dtd: nothing in it links to one.
@@ -195,7 +184,7 @@ private:
         if (count < 2) return;
         if (element.marks.isInSlab()) {
             const std::size_t size = nodes.bytesFor(count);
-            if (size <= NodeMemory::kMostBytes) return nodes.lend(memory->takeArray(size), count);
+            if (size <= NodeMemory::kMostBytes) return nodes.lend(memory->takeArray<typename Nodes::Node>(size), count);
             memory->noteWide(element);
         }
         nodes.reserve(count);

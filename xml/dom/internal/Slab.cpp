@@ -1,6 +1,7 @@
 #include "xml/dom/internal/Slab.h"
 
 #include "xml/dom/internal/Arena.h"
+#include "xml/dom/internal/SlabStock.h"
 #include <cstdlib>
 #include <new>
 
@@ -60,6 +61,19 @@ void Slab::setSource(const Source* source) { ownSource = source; }
 Slab* Slab::make() {
     void* const memory = takeMemory();
     if (memory == nullptr) throw std::bad_alloc();
+    return makeIn(memory);
+}
+
+Slab* Slab::make(SlabStock& stock) {
+    if (ownSource != nullptr || kIsPoisoned) return make();
+    void* const memory = stock.take();
+    if (memory == nullptr) return make();
+    Slab* const made = makeIn(memory);
+    made->isFromStock = true;
+    return made;
+}
+
+Slab* Slab::makeIn(void* memory) {
     allow(memory, sizeof(Slab));
     Slab* const made = ::new (memory) Slab;
     forbid(made->begin(), static_cast<std::size_t>(made->end() - made->begin()));
@@ -68,7 +82,7 @@ Slab* Slab::make() {
 
 void Slab::free(Slab* slab) noexcept {
     allow(slab, kBytes - kSpared);
-    giveMemory(slab);
+    slab->isFromStock ? SlabStock::give(slab) : giveMemory(slab);
 }
 
 void Slab::noteChange() noexcept { owner->noteChange(); }

@@ -19,6 +19,7 @@
 namespace Xml {
 
 class Arena;
+class SlabStock;
 
 // 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to
 // nodes from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
@@ -36,8 +37,10 @@ public:
     Slab(const Slab&) = delete;
     Slab& operator=(const Slab&) = delete;
 
-    // A new one, held by what fills it. Its arena is the affair of the caller.
+    // A new one, held by what fills it. Its arena is the affair of the caller. From the stock it is where that has one,
+    // but under the address sanitizer, which watches the heap alone.
     static Slab* make();
+    static Slab* make(SlabStock& stock);
     static void free(Slab* slab) noexcept;
 
     // Where the memory comes from: so many bytes, aligned to kBytes. For tests; nothing is kept for reuse then.
@@ -70,6 +73,12 @@ public:
         slab.release(1);
     }
 
+#ifdef ORVXML_POISON
+    static constexpr bool kIsPoisoned = true;
+#else
+    static constexpr bool kIsPoisoned = false;
+#endif
+
     // Under the address sanitizer: what is no living node's may not be touched.
     static void allow([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t size) {
 #ifdef ORVXML_POISON
@@ -90,6 +99,7 @@ private:
     static constexpr std::uint32_t kFilling = std::uint32_t{1} << 31;
 
     Slab() = default;
+    static Slab* makeIn(void* memory);
 
     char* begin() { return reinterpret_cast<char*>(this + 1); }
     char* end() { return reinterpret_cast<char*>(this) + kBytes - kSpared; }
@@ -102,6 +112,7 @@ private:
     Arena* owner = nullptr;
     Slab* next = nullptr;
     std::atomic<std::uint32_t> living{kFilling};
+    bool isFromStock = false;
 };
 
 static_assert(sizeof(Slab) % 16 == 8, "nodes follow the header");

@@ -1,0 +1,111 @@
+#include "xml/dom/internal/SlabStock.h"
+
+#include "support/Rounds.h"
+#include "xml/dom/internal/Slab.h"
+#include "xml/text/internal/LargePages.h"
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <set>
+#include <sys/mman.h>
+#include <thread>
+#include <vector>
+
+namespace Xml::test {
+namespace {
+
+constexpr std::size_t kSlabsInAPage = LargePages::kBytes / Slab::kBytes;
+constexpr std::size_t kMostKept = 512;
+
+// Whether the address is one of the process's.
+bool isMapped(void* memory) {
+    unsigned char states[Slab::kBytes / 4096];
+    return mincore(memory, Slab::kBytes, states) == 0;
+}
+
+// Nothing is kept when a test begins.
+class SlabStockTest : public testing::Test {
+public:
+    SlabStockTest() {
+        SlabStock stock;
+        for (std::size_t i = 0; i < kMostKept; ++i) LargePages::unmap(stock.take(), Slab::kBytes);
+    }
+};
+
+TEST_F(SlabStockTest, GivesMemoryForSlabs) {
+    SlabStock stock;
+    std::set<char*> taken;
+    for (std::size_t i = 0; i < 2 * kSlabsInAPage + 1; ++i) {
+        char* const memory = static_cast<char*>(stock.take());
+        ASSERT_NE(memory, nullptr);
+        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(memory) % Slab::kBytes, 0U);
+        ASSERT_TRUE(taken.insert(memory).second) << "given twice";
+        std::memset(memory, static_cast<int>(i), Slab::kBytes);
+    }
+    for (char* const memory : taken) {
+        const char first = *memory;
+        for (std::size_t i = 0; i < Slab::kBytes; ++i) ASSERT_EQ(memory[i], first) << "two overlap";
+    }
+    for (char* const memory : taken) SlabStock::give(memory);
+}
+
+TEST_F(SlabStockTest, GivesTheRestOfAPageBackToTheSystem) {
+    char* memory = nullptr;
+    {
+        SlabStock stock;
+        memory = static_cast<char*>(stock.take());
+        ASSERT_NE(memory, nullptr);
+        EXPECT_TRUE(isMapped(memory + Slab::kBytes));
+    }
+    EXPECT_TRUE(isMapped(memory));
+    for (std::size_t i = 1; i < kSlabsInAPage; ++i) EXPECT_FALSE(isMapped(memory + i * Slab::kBytes)) << i;
+    SlabStock::give(memory);
+}
+
+TEST_F(SlabStockTest, KeepsWhatIsGivenBackForTheNext) {
+    SlabStock stock;
+    void* const memory = stock.take();
+    SlabStock::give(memory);
+    SlabStock other;
+    EXPECT_EQ(other.take(), memory);
+    SlabStock::give(memory);
+}
+
+TEST_F(SlabStockTest, KeepsSoMuchAndNoMore) {
+    SlabStock stock;
+    std::vector<void*> taken;
+    for (std::size_t i = 0; i < kMostKept + 40; ++i) taken.push_back(stock.take());
+    for (void* const memory : taken) SlabStock::give(memory);
+    std::size_t mapped = 0;
+    for (void* const memory : taken) mapped += isMapped(memory) ? 1U : 0U;
+    EXPECT_EQ(mapped, kMostKept);
+}
+
+// Each thread writes its mark into what it has taken and finds it there before it gives it back.
+TEST_F(SlabStockTest, ServesThreads) {
+    std::vector<std::thread> threads;
+    for (int mark = 1; mark <= 4; ++mark) {
+        threads.emplace_back([mark] {
+            std::mt19937 dice(static_cast<unsigned>(mark));
+            SlabStock stock;
+            std::vector<int*> taken;
+            for (int i = 0; i < rounds(3000); ++i) {
+                if (taken.size() < 40 && dice() % 2 == 0) {
+                    taken.push_back(static_cast<int*>(stock.take()));
+                    *taken.back() = mark;
+                } else if (!taken.empty()) {
+                    std::swap(taken[dice() % taken.size()], taken.back());
+                    ASSERT_EQ(*taken.back(), mark);
+                    SlabStock::give(taken.back());
+                    taken.pop_back();
+                }
+            }
+            for (int* const memory : taken) SlabStock::give(memory);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+}  // namespace Xml::test
