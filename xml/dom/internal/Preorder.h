@@ -42,13 +42,6 @@ public:
         return place.child < children.size() ? children[place.child++] : nullptr;
     }
 
-    // The child that follows after so many of the next ones; null without one.
-    const Object* ahead(std::size_t count) const {
-        const Place& place = open.back();
-        const NodeSpan children = NodeAccess::children(*place.element);
-        return place.child + count < children.size() ? children[place.child + count] : nullptr;
-    }
-
     // Ends the walk; its memory is kept for one that begins then.
     void end() { open.clear(); }
 

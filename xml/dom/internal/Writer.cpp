@@ -32,15 +32,11 @@ private:
         bool recorded;  // as toStream does it; the outermost element's own toStream does that for it
     };
 
-    // Looks at all children, and so asks for what they hold as well.
     static bool isMixed(const Element& element) {
         for (const Object* const child : NodeAccess::children(element)) {
             const NodeClass exactly = exactClassOf(*child);
-            if (exactly == NodeClass::Element) {
-                NodeAccess::fetchNodesOf(static_cast<const Element&>(*child));
-            } else if (exactly == NodeClass::CharData || child->isCharData()) {
-                return true;
-            }
+            if (exactly == NodeClass::Element) continue;
+            if (exactly == NodeClass::CharData || child->isCharData()) return true;
         }
         return false;
     }
@@ -79,7 +75,6 @@ private:
         const Layout layout = walk.note();
         if (!layout.mixed) run.putLineFeed();
         if (const Object* const child = walk.next()) {
-            fetchAhead();
             writeChild(*child);
             return;
         }
@@ -87,14 +82,6 @@ private:
         walk.leave();
         end(element);
         if (layout.recorded) endRecord(NodeAccess::marks(element), run.position());
-    }
-
-    // Siblings may lie far apart in memory. It is asked for while what is before them is written: for a node first, and
-    // when it is there, for what it holds.
-    void fetchAhead() const {
-        if (const Object* const node = walk.ahead(2)) NodeAccess::fetch(*node);
-        const Object* const next = walk.ahead(0);
-        if (next != nullptr && isExactly<Element>(*next)) NodeAccess::fetchNodesOf(static_cast<const Element&>(*next));
     }
 
     void writeChild(const Object& child) {

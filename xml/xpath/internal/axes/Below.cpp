@@ -12,22 +12,8 @@ namespace Xml {
 
 namespace {
 
-// So many nodes ahead memory is fetched: the nodes of a wide row lie apart, each with its attributes and all that is
-// below it, and to wait for them is most of what a walk over a large tree costs.
-constexpr std::size_t kAhead = 4;
-
 // Room for so many nodes is made at once.
 constexpr std::size_t kMany = 32;
-
-// The lines of the cache with the class of an element, and with its name and its children.
-void fetch(const Object& node) {
-    const char* const memory = reinterpret_cast<const char*>(&node);
-    __builtin_prefetch(memory);
-    __builtin_prefetch(memory + sizeof(Element) - sizeof(void*));
-}
-
-// The pointers to the children of the element.
-void fetchChildren(const Element& element) { __builtin_prefetch(NodeAccess::children(element).begin()); }
 
 // Walks from each context node through all below it; what was walked through already is left out. Calls start(node) for
 // a context node from which it walks, enter(node) for each node on the way, and again(node) for a context node that it
@@ -157,7 +143,6 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
             std::size_t passed = 0;  // texts that were looked at with their elements
             Object* const* next = row.begin();
             for (; next != row.end() && (takesAll || !taker.isDone()); ++next) {
-                if (row.end() - next > static_cast<std::ptrdiff_t>(kAhead)) fetch(*next[kAhead]);
                 Object& node = **next;
                 if (!isElement(node)) {
                     taker.takeOther(node);
@@ -181,10 +166,6 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
             if (open.empty()) break;
             row = NodeAccess::children(*open.back());
             open.pop_back();
-            if (open.size() > kAhead) {
-                fetch(*open[open.size() - kAhead]);
-                fetchChildren(*open[open.size() - kAhead / 2]);
-            }
         }
     }
 }
