@@ -13,6 +13,8 @@ namespace Xml {
 class GivenAttributes {
 public:
     struct Given {
+        Given(const SharedName& itsName, std::string_view itsValue) : name(&itsName), value(itsValue) {}
+
         const SharedName* name;
         std::string_view value;
     };
@@ -24,7 +26,7 @@ public:
     }
     void add(const SharedName& name, std::string_view value) {
         if (!all.empty()) isSorted &= all.back().name->isBefore(name);
-        all.push_back({&name, value});
+        all.emplace_back(name, value);
     }
 
     // Whether each value is padded (see GivenText); not at first.
