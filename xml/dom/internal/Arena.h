@@ -35,13 +35,11 @@ using internal::KeptText;
 // A name that the nodes of a tree share. The first ones lie in the first slab, the others in the heap.
 struct SharedName {
     SharedName(std::string_view name, SharedName* itsNext)
-        : text(name), next(itsNext), number(itsNext != nullptr ? itsNext->number + 1 : 0) {
-        char first[Scan::kWordSize] = {};
-        std::memcpy(first, name.data(), std::min(name.size(), sizeof first));
-        head = Scan::wordAt(first);
-        std::memset(first, 0xFF, std::min(name.size(), sizeof first));
-        headMask = Scan::wordAt(first);
-    }
+        : text(name),
+          next(itsNext),
+          number(itsNext != nullptr ? itsNext->number + 1 : 0),
+          head(Words::wordOf(name.data(), name.size())),
+          headMask(Words::maskOf(name.size())) {}
 
     // Whether the run of bytes begins with the name.
     bool begins(const char* from, const char* to) const {

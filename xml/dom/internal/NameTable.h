@@ -57,20 +57,25 @@ private:
     }
 
     [[gnu::noinline]] SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
+        if (!areMany()) {
+            for (SharedName* kept = newest; kept != nullptr; kept = kept->next)
+                if (isSame(*kept, name)) return *kept;
+            return add(name, memory);
+        }
         SharedName*& recent = recents[placeOf(name)];
-        if (recent == nullptr || !isSame(*recent, name)) recent = &findAmongAll(name, memory);
+        if (recent == nullptr || !isSame(*recent, name)) {
+            const auto found = all.find(name);
+            recent = found != all.end() ? found->second : &add(name, memory);
+        }
         return *recent;
     }
 
-    SharedName& findAmongAll(std::string_view name, NodeMemory& memory) {
-        if (newest == nullptr || newest->number < kFew) {
-            for (SharedName* kept = newest; kept != nullptr; kept = kept->next)
-                if (isSame(*kept, name)) return *kept;
-        } else if (const auto found = all.find(name); found != all.end()) {
-            return *found->second;
-        }
+    bool areMany() const { return newest != nullptr && newest->number >= kFew; }
+
+    SharedName& add(std::string_view name, NodeMemory& memory) {
         newest = &memory.takeName(name);
-        if (newest->number >= kFew) {
+        if (newest->number == kFew) recents.fill(nullptr);
+        if (areMany()) {
             for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;
         }
         return *newest;
@@ -78,9 +83,11 @@ private:
 
     std::uint8_t context = 0;                  // made of the last few names
     std::array<SharedName*, 256> followers{};  // what came last in each context
-    std::array<SharedName*, kRecents> recents{};
-    SharedName* newest = nullptr;                 // from there on all of them
-    std::map<std::string_view, SharedName*> all;  // once they are more than a few
+    SharedName* newest = nullptr;              // from there on all of them
+
+    // Once they are more than a few.
+    std::array<SharedName*, kRecents> recents;
+    std::map<std::string_view, SharedName*> all;
 };
 
 }  // namespace Xml

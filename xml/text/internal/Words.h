@@ -23,6 +23,18 @@ inline Word wordAt(const char* bytes) {
     return word;
 }
 
+// As many bytes as a word has, or fewer, and zeros after them. Put together in registers: a word that is loaded from
+// where its bytes were just stored one by one waits for them.
+inline Word wordOf(const char* bytes, std::size_t size) {
+    if (size >= sizeof(Word)) return wordAt(bytes);
+    Word word = 0;
+    for (std::size_t i = size; i > 0; --i) word = word << 8 | static_cast<unsigned char>(bytes[i - 1]);
+    return word;
+}
+
+// All bits of so many bytes, of a word's at most.
+inline Word maskOf(std::size_t size) { return size >= sizeof(Word) ? ~Word{0} : (Word{1} << 8 * size) - 1; }
+
 // Which of the bytes of a block are one of these: a bit for each, the first in the lowest place.
 #ifdef __SSE2__
 constexpr std::ptrdiff_t kBlockSize = 16;
