@@ -287,7 +287,7 @@ TEST(FastContentTest, TakesWholeOrdinaryPieces) {
         const std::string end = c.content == "\"t<a/>\"<b/>\"" ? "</r>\"" : "</r>";
         const Taken taken = takenOf(c.content + end);
         EXPECT_EQ(taken.tree, c.tree);
-        EXPECT_EQ(taken.left, end);
+        EXPECT_EQ(taken.left, end.substr(std::string("</r>").size()));
     }
 }
 
@@ -309,6 +309,17 @@ TEST(FastContentTest, TakesTheFirstStartTagOfAnElementWithContent) {
     }
 }
 
+TEST(FastContentTest, TakesTheEndTagOfTheOutermostElementAndNothingAfterIt) {
+    for (const char* const after : {"", " ", "<r>", "</r>", "t", "<!-- c -->"}) {
+        Reading reading(std::string("x<r>t</r>") + after);
+        reading.readFast();
+        EXPECT_TRUE(reading.tree.isComplete());
+        EXPECT_EQ(StreamAccess::tell(reading.in), 9);
+        EXPECT_EQ(StreamAccess::token(reading.in), ">") << "what the tokens leave";
+        EXPECT_EQ(reading.in.getErrorMessage(), "");
+    }
+}
+
 TEST(FastContentTest, TakesNothingAfterAReturn) {
     for (const char before : {'\r', '\n'}) {
         Reading reading(before + std::string("\n<a>\n<b/>"));
@@ -319,7 +330,7 @@ TEST(FastContentTest, TakesNothingAfterAReturn) {
 
 TEST(FastContentTest, LeavesWhatIsNotOrdinaryFromItsFirstByteOn) {
     const char* const kPieces[] = {
-        "</r>",          "</ r>",     "< a/>", "<a/ >",        "<a x/>",     "<a x=1/>",    "<a&/>",
+        "</r >",         "</ r>",     "< a/>", "<a/ >",        "<a x/>",     "<a x=1/>",    "<a&/>",
         "<1/>",          "<a\"x\"/>", "<a=/>", "<a x='1' =/>", "<a x='1'?>", "<a x&='1'/>", "<a \x80/>",
         "<![CDATA[x]]>", "<?x?>",     "<!x>",  "<!-x-->",      "<!--x->",    "\"t<b/>",     "'t\"<b/>",
         "&t<b/>",        "t",         "<",

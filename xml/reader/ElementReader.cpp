@@ -21,7 +21,7 @@ bool ElementReader::parse(InStream& in) {
     LiteralContent literal(*this, in, tree, dtd, budget, referenceEnd);
     FastContent fast(in, tree, dtd, budget, referenceEnd);
     fast.read();
-    if (!tree.isOpen() && !literal.begin()) return false;
+    if (!tree.isOpen() && !tree.isComplete() && !literal.begin()) return false;
     while (tree.isOpen()) {
         if (!literal.readPiece()) return false;
         if (tree.isOpen()) fast.read();

@@ -19,6 +19,11 @@ public:
         std::string_view value;
     };
 
+    GivenAttributes() = default;
+
+    // With room for so many.
+    explicit GivenAttributes(std::size_t count) { all.reserve(count); }
+
     void clear() {
         all.clear();
         isSorted = true;
@@ -43,8 +48,8 @@ public:
     void sort() {
         if (isSorted) return;
         const auto isBefore = [](const Given& a, const Given& b) { return a.name->isBefore(*b.name); };
-        constexpr std::size_t kFew = 32;
-        if (all.size() > kFew) {
+        constexpr std::size_t kInsertable = 32;
+        if (all.size() > kInsertable) {
             std::stable_sort(all.begin(), all.end(), isBefore);
         } else {
             insertionSort(isBefore);

@@ -33,8 +33,9 @@ public:
     TreeBuilder(const TreeBuilder&) = delete;
     TreeBuilder& operator=(const TreeBuilder&) = delete;
 
-    // Whether an element has begun that has not ended; how many have.
+    // Whether an element has begun that has not ended; whether the outermost one has ended; how many are open.
     bool isOpen() const { return here != nullptr; }
+    bool isComplete() const { return outermost != nullptr && !isOpen(); }
     std::size_t depth() const { return isOpen() ? inner.size() + 1 : 0; }
 
     // The element that began last and has not ended.

@@ -54,7 +54,7 @@ public:
         return first == end || Scan::find(first, end, *first == '<' ? '>' : '<') == nullptr;
     }
 
-    // Takes one piece; false when the next one is not ordinary.
+    // False when there is none, or it is not ordinary.
     bool takeOne() {
         const char* const first = takeWhite();
         if (first == nullptr) return false;
@@ -130,7 +130,7 @@ private:
     ReturnsAhead returns;
 
     // Of the tag at hand.
-    GivenAttributes attributes;
+    GivenAttributes attributes{8};       // most tags have fewer
     std::vector<std::size_t> referring;  // the places of those whose values have references ...
     std::vector<DataHolder> decoded;     // ... and these values decoded
 };
@@ -254,15 +254,15 @@ void Pieces::noteStartTag(const char* name, const char* to) {
 
 bool Pieces::takeEndTag(const char* name) {
     const std::string_view expected = tree.innermostName();
-    if (tree.depth() == 1 || !Scan::startsWith(name, end, expected)) return false;
+    if (!Scan::startsWith(name, end, expected)) return false;
     const char* const itsEnd = name + expected.size();
     if (itsEnd == end || *itsEnd != '>') return false;
     goOnAt(itsEnd + 1);
     tree.end();
-    return true;
+    if (tree.isOpen()) return true;
+    StreamAccess::setToken(in, ">");  // which shows: nothing more is read
+    return false;
 }
-
-// --- Comments and texts ---
 
 // From the byte after "<!" on.
 bool Pieces::takeComment(const char* dashes) {
@@ -343,7 +343,7 @@ void FastContent::read() {
         Pieces pieces(in, tree, dtd, budget, referenceEnd);
         if (!tree.isOpen() && !pieces.isBeforeStartTag()) return;
         while (pieces.takeOne()) {}
-        if (!pieces.isCutOff()) return;
+        if (tree.isComplete() || !pieces.isCutOff()) return;
     } while (StreamAccess::lendMore(in));
 }
 

@@ -14,8 +14,8 @@ class TreeBuilder;
 // This is cost control and nothing else: LiteralContent has the rules and the messages, and reads everything without
 // this. A piece is taken only when it lies in the window as a whole and is ordinary: its tokens would be read without a
 // failure, and what they leave is known. Then it leaves the tree, the line breaks, the message and the budget that the
-// tokens would leave. Not the parse buffer, which does not show before more is read by tokens. What is not taken (at
-// the end of the window, something unusual, an error) is untouched from its first byte on.
+// tokens would leave; the parse buffer after the last piece, before which it does not show. What is not taken (at the
+// end of the window, something unusual, an error) is untouched from its first byte on.
 class FastContent {
 public:
     // `endOfReferences` is LiteralContent's: the position after the last reference at the beginning of a text.
@@ -26,8 +26,7 @@ public:
     FastContent& operator=(const FastContent&) = delete;
 
     // Takes pieces as long as they are ordinary; where no element is open the first is the start tag of the outermost
-    // one, when that has content. The outermost element stays open: its end tag is read by tokens, since what they
-    // leave in the stream shows after a success.
+    // one, when that has content. The last one is the end tag of that.
     void read();
 
     // Switches it off, or on again, for all readings that begin; returns what it was. For tests.
