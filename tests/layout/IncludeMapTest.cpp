@@ -27,6 +27,7 @@ const std::map<std::string, Modules> kHeaderMap = {
     {"xml/dtd", {"xml/text", "xml/stream", "xml/dom"}},
     {"xml/reader", {"xml/text", "xml/stream", "xml/dom", "xml/dtd"}},
     {"xml/xpath", {"xml/text", "xml/dom", "orvsys"}},
+    {"xml/standard", {"xml/text", "xml/stream", "xml/dom", "xml/dtd"}},
 };
 const std::map<std::string, Modules> kUpInSources = {
     {"xml/text", {"xml/dtd"}},
@@ -139,6 +140,10 @@ TEST(IncludeMapTest, TellsAllowedIncludesFromOthers) {
         {"xml/text/Names.h", "#include \"xml/text/internal/ByteClasses.h\"", "is internal, the header is public"},
         {"xml/text/internal/Table.h", "#include \"xml/text/internal/ByteClasses.h\"", ""},
         {"xml/stream/InStream.cpp", "#include \"xml/text/internal/ByteClasses.h\"", ""},
+        {"xml/standard/Read.h", "#include \"xml/dtd/Dtd.h\"", ""},
+        {"xml/standard/Read.h", "#include \"xml/reader/Reader.h\"", "is not on the map"},
+        {"xml/standard/Read.cpp", "#include \"xml/xpath/XPath.h\"", "is not on the map"},
+        {"xml/dom/Element.cpp", "#include \"xml/standard/Problem.h\"", "is not on the map"},
         {"orvsys/Files.h", "#include \"orvsys/Export.h\"", ""},
         {"orvsys/Files.h", "#include \"xml/Export.h\"", "is above it"},
         {"orvsys/Files.cpp", "#include \"xml/text/Names.h\"", "is not on the map"},
