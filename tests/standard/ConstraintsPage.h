@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+// docs/standard-constraints.md as its tests read it. The notation of documents is explained at the top of the page.
+namespace Xml::test {
+
+// A document of the page: the cell that it stands in, without its quotes, and the bytes that the cell means.
+struct PageDocument {
+    std::string cell, bytes;
+};
+
+// What the documents of a table are.
+enum class Setting { Whole, ExternalSubset, ExternalEntity };
+
+struct ConstraintRow {
+    std::size_t line = 0;
+    std::string heading;  // of the section that the table stands in
+    Setting setting = Setting::Whole;
+    std::string rule, where, note;
+    std::optional<PageDocument> accepted, refused;
+    std::string fallsUnder;  // the rule that the refused document falls under; empty without one
+
+    bool isOfNamespaces() const { return where.rfind("Namespaces", 0) == 0; }
+};
+
+// A row of the table of documents that an oracle does not see as the recommendation has it.
+struct OracleMark {
+    std::size_t line = 0;
+    std::string oracle;
+    PageDocument document;
+    std::string clause;
+};
+
+struct ConstraintsPage {
+    std::vector<ConstraintRow> rows;
+    std::vector<OracleMark> marks;
+};
+
+// The page of the checkout. Throws std::runtime_error, which names the line, where the text is not of the form.
+const ConstraintsPage& constraintsPage();
+
+// A page of that text.
+ConstraintsPage constraintsPageOf(const std::string& text);
+
+}  // namespace Xml::test
