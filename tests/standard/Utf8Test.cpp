@@ -1,6 +1,7 @@
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/standard/internal/Utf8.h"
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -50,11 +51,11 @@ bool isCharacter(const std::string& bytes) {
     return value >= kLeast[bytes.size()] && value <= static_cast<long>(kLast) && (value < 0xD800 || value > 0xDFFF);
 }
 
-// Whether some bytes after these make a character: the least and the greatest that may follow are tried in every place.
+// Whether some bytes after these make a character: those at the edges of what may follow are tried in every place.
 bool mayBecomeCharacter(const std::string& bytes) {
-    if (bytes.size() > 4) return false;
     if (isCharacter(bytes)) return true;
-    if (bytes.size() == 4) return false;
+    const bool isForm = (bytes[0] & 0xC0) == 0xC0 && std::all_of(bytes.begin() + 1, bytes.end(), Utf8::goesOn);
+    if (bytes.size() >= 4 || !isForm) return false;
     for (const char next : {'\x80', '\x8F', '\x90', '\x9F', '\xA0', '\xBF'}) {
         if (mayBecomeCharacter(bytes + next)) return true;
     }
@@ -106,13 +107,14 @@ TEST(Utf8Test, WritesAndReadsEveryCharacter) {
     }
 }
 
-TEST(Utf8Test, KnowsAllSequencesOfUpToThreeBytes) {
+TEST(Utf8Test, KnowsAllPairsOfBytesAndWhatFollowsThem) {
     std::string text;
     for (int first = 0; first < 256; ++first) {
         for (int second = 0; second < 256; ++second) {
+            if (first < 0x80 && second < 0x80) continue;
             text = {static_cast<char>(first), static_cast<char>(second)};
             expectAsNaive(text);
-            for (const int third : {0x00, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0xBD, 0xBE, 0xBF, 0xC0, 0xC3, 0xFF}) {
+            for (const int third : {0x41, 0x7F, 0x80, 0x90, 0xBE, 0xBF, 0xC0}) {
                 expectAsNaive(text + static_cast<char>(third));
                 for (const int fourth : {0x41, 0x80, 0xBF, 0xC0})
                     expectAsNaive(text + static_cast<char>(third) + static_cast<char>(fourth));

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "xml/standard/internal/Converter.h"
+#include "xml/standard/internal/EncodingDeclaration.h"
+#include "xml/standard/internal/Encodings.h"
+#include "xml/standard/internal/Places.h"
+#include "xml/standard/internal/SourceMap.h"
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Xml {
+
+// Why a source is no text.
+struct DecodingFailure {
+    enum class Kind : std::uint8_t {
+        UnknownEncoding,  // it cannot be read here
+        OtherEncoding,    // the declaration names another one than the source is in
+        IllFormed,        // bytes that are nothing in the encoding
+    };
+
+    Kind kind;
+    std::int64_t offset;      // of the first byte in question, or of the encoding's name; in bytes of the source
+    std::int64_t textOffset;  // the same place in the text: its end, or the encoding's name in it
+    std::string bytes;        // ill-formed ones in hexadecimal: C3 28
+    std::string encoding;     // the name that is not known, or wrong; otherwise what the source is read as
+    std::string text;         // all that in a line
+};
+
+// The bytes of a source in any encoding as UTF-8, in pieces of any size, and where places of the text are in the source.
+// It keeps a few bytes that wait for those after them; where the platform converts, also those that are not forgotten.
+//
+// The encoding is the one that is given, whatever the source says. Without one it is that of the byte order mark; UTF-16
+// or UTF-32 where the source begins with "<" in it; that which the declaration names; else UTF-8. A declaration that
+// names another encoding than the mark, or than the bytes it is written in, is a failure (4.3.3: a fatal error), also
+// after a mark of UTF-8. UTF-16 and UTF-32 need no mark and no declaration.
+//
+//     Decoder decoder;
+//     while (auto piece = ...)
+//         if (!decoder.decode(piece, text)) break;
+//     decoder.finish(text);                              // no more bytes
+//     if (const auto& failure = decoder.failure()) ...   // the text ends before what failed
+class Decoder {
+public:
+    // `encoding` is known from outside; empty: it is not known.
+    explicit Decoder(std::string_view encoding = {});
+
+    // Appends the text of the next bytes, whole characters, as they are: line ends stay. False: it has failed, and what
+    // comes after is not looked at. What is appended up to there does not depend on how the bytes come in pieces.
+    bool decode(std::string_view bytes, std::string& to);
+    bool finish(std::string& to);
+
+    const std::optional<DecodingFailure>& failure() const { return failed; }
+
+    // Whether the encoding is settled: the declaration, if there is one, has been read.
+    bool isSettled() const { return stage == Stage::Content; }
+    bool isUtf8() const { return encoding == Encoding::Utf8; }
+
+    // Settled, in UTF-8, and from its first byte to its last in memory: checks what has not been decoded of a source, and
+    // returns all of it that is text, where it stands. It takes the place of all other calls of decode() and finish().
+    std::string_view textWithin(std::string_view source);
+
+    // Whether none of the characters so far is one that XML forbids.
+    bool hasOnlyChars() const { return onlyChars; }
+
+    bool hasMark() const { return markSize != 0; }
+
+    // What the declaration names; empty where it names none, and where an encoding was given.
+    std::string_view declaredEncoding() const { return declaration.name(); }
+
+    // For sourceOffset(): the source stays in memory as a whole.
+    void keepSource(std::string_view source) { map.useWhole(source); }
+
+    // Where a place of the text that is not forgotten is in the source; a byte order mark counts.
+    std::int64_t sourceOffset(const TextPlace& place) { return map.sourceOffset(place); }
+
+    // No place before that offset of the text is asked again. Costs as much as what is not forgotten, so it is for when
+    // that is moved anyway.
+    void forget(std::int64_t textOffset) { map.forget(textOffset); }
+
+private:
+    enum class Stage : std::uint8_t { Opening, Declaration, Content };
+    using Kind = DecodingFailure::Kind;
+
+    bool take(std::string_view bytes, std::string& to, bool isLast);
+    bool end(std::string& to);
+
+    // How the encoding is found. What they read of the bytes they take away.
+    bool open(std::string_view& bytes);
+    bool openGiven(std::string_view& bytes);
+    void start(const Opening& opening, std::string_view& bytes);
+    bool readDeclaration(std::string_view& bytes, std::string& to);
+    bool readConverted(std::string_view& bytes, std::string& to);
+    bool switchTo(const std::string& name);
+    bool confirm(const std::string& name);
+
+    bool convert(std::string_view bytes, std::string& to);
+    bool accept(std::string& to, std::size_t before);
+    std::size_t check(std::string_view bytes);
+
+    bool failToOpen(const std::string& name, std::string text);
+    bool failDeclared(Kind kind, std::string text);
+    bool failAt(std::string_view bytes, bool isEnd = false);
+
+    const std::string given;
+    Stage stage = Stage::Opening;
+    Encoding encoding = Encoding::Utf8;
+    std::string foreignName;  // where it is another one
+    std::size_t markSize = 0;
+    bool mayChange = false;  // the declaration may name another one
+    EncodingDeclaration declaration;
+    std::unique_ptr<Converter> converter;  // none for UTF-8
+    std::string rest;                      // bytes that wait for those after them
+    std::int64_t sourceTaken = 0;
+    std::int64_t textGiven = 0;
+    bool onlyChars = true;
+    std::optional<DecodingFailure> failed;
+    SourceMap map;
+};
+
+}  // namespace Xml
