@@ -54,6 +54,8 @@ std::string_view Decoder::textWithin(std::string_view source) {
 
 bool Decoder::take(std::string_view bytes, std::string& to, bool isLast) {
     if (failed) return false;
+    const std::string_view fresh = bytes;
+    const bool wasForeign = encoding == Encoding::Other;
     std::string joined;
     if (!rest.empty()) {
         joined.swap(rest);
@@ -68,6 +70,7 @@ bool Decoder::take(std::string_view bytes, std::string& to, bool isLast) {
         if (!open(bytes)) return false;
     }
     if (stage == Stage::Declaration && !readDeclaration(bytes, to)) return false;
+    if (encoding == Encoding::Other) map.took(wasForeign ? fresh : bytes);
     return convert(bytes, to) && (!isLast || end(to));
 }
 
@@ -184,7 +187,6 @@ bool Decoder::convert(std::string_view bytes, std::string& to) {
     }
     const std::size_t before = to.size();
     const auto converted = converter->convert(bytes, to);
-    map.took(bytes.substr(0, converted.taken));
     sourceTaken += countOf(converted.taken);
     if (!accept(to, before)) return false;
     const std::string_view left = bytes.substr(converted.taken);

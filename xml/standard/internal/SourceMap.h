@@ -21,7 +21,7 @@ public:
     // From that place on, ASCII before it, the platform converts.
     void beginForeign(std::string encoding, std::int64_t text, std::int64_t source);
 
-    // Bytes of the source that were converted by the platform.
+    // The next bytes of the source for the platform, before they are converted.
     void took(std::string_view bytes);
 
     // The source stays in memory as a whole: no bytes are kept.
