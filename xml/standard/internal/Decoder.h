@@ -30,13 +30,15 @@ struct DecodingFailure {
     std::string text;         // all that in a line
 };
 
-// The bytes of a source in any encoding as UTF-8, in pieces of any size, and where places of the text are in the source.
-// It keeps a few bytes that wait for those after them; where the platform converts, also those that are not forgotten.
+// The bytes of a source in any encoding as UTF-8, in pieces of any size, and where places of the text are in the
+// source. It keeps a few bytes that wait for those after them; where the platform converts, also those that are not
+// forgotten.
 //
-// The encoding is the one that is given, whatever the source says. Without one it is that of the byte order mark; UTF-16
-// or UTF-32 where the source begins with "<" in it; that which the declaration names; else UTF-8. A declaration that
-// names another encoding than the mark, or than the bytes it is written in, is a failure (4.3.3: a fatal error), also
-// after a mark of UTF-8. UTF-16 and UTF-32 need no mark and no declaration.
+// The encoding is the one that is given, whatever the source says. Without one it is that of the byte order mark;
+// UTF-16 or UTF-32 where the source begins with "<" in it; that which the declaration names; else UTF-8. A declaration
+// that names another encoding than the mark or the first bytes show is a failure: 4.3.3 of XML makes it a fatal error
+// to be in another encoding than the one that is named. That goes for ISO-8859-1 after a mark of UTF-8 too, where
+// parsers differ. UTF-16 and UTF-32 need no mark: with "<" as the first character the bytes leave no doubt.
 //
 //     Decoder decoder;
 //     while (auto piece = ...)
@@ -59,8 +61,9 @@ public:
     bool isSettled() const { return stage == Stage::Content; }
     bool isUtf8() const { return encoding == Encoding::Utf8; }
 
-    // Settled, in UTF-8, and from its first byte to its last in memory: checks what has not been decoded of a source, and
-    // returns all of it that is text, where it stands. It takes the place of all other calls of decode() and finish().
+    // For a source that is settled, in UTF-8, and in memory from its first byte to its last: checks what has not been
+    // decoded, and returns all that is text, where it stands. It takes the place of what is left of decode() and
+    // finish().
     std::string_view textWithin(std::string_view source);
 
     // Whether none of the characters so far is one that XML forbids.

@@ -11,11 +11,11 @@
 namespace Xml {
 
 // Where places of a text are in the source that it was converted from by the platform, which alone knows how many bytes
-// each character has. As far as places are asked it converts the source once more, a byte at a time, and keeps a table of
-// what came of a few KB of it, or of what was not forgotten.
+// each character has. As far as places are asked it converts the source once more, a byte at a time, and keeps a table
+// of what came of a few KB of it, or of what was not forgotten.
 //
-// The place in the source is the first one with so much text before it. Where an encoding keeps a character until the one
-// after it is known, that is after the character's first bytes.
+// The place in the source is the first one with so much text before it. Where an encoding keeps a character until the
+// one after it is known, that is after the character's first bytes.
 class ForeignOffsets {
 public:
     // The encoding of that name converts the source from that place on, and gives the text from that place on.

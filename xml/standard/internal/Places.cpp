@@ -47,7 +47,11 @@ Marks marksOfBlock(const char* bytes, std::ptrdiff_t count) {
 }
 #endif
 
-std::int64_t countOf(unsigned bits) { return __builtin_popcount(bits); }
+// Mostly there is none, or one.
+std::int64_t countOf(unsigned bits) {
+    if ((bits & (bits - 1)) == 0) return bits != 0 ? 1 : 0;
+    return __builtin_popcount(bits);
+}
 
 void endLine(TextPlace& place) {
     ++place.line;
@@ -56,13 +60,15 @@ void endLine(TextPlace& place) {
 
 }  // namespace
 
-TextPlace Places::at(std::int64_t offset, std::string_view held, std::int64_t from) {
+const TextPlace& Places::at(std::int64_t offset, std::string_view held, std::int64_t from) {
     if (offset < last.place.offset) last = beginning;
-    goTo(offset, held, from);
-    TextPlace place = last.place;
+    if (offset != last.place.offset) goTo(offset, held, from);
+    if (!last.afterReturn) return last.place;
     const auto next = static_cast<std::size_t>(offset - from);
-    if (last.afterReturn && (next == held.size() || held[next] != '\n')) endLine(place);
-    return place;
+    if (next != held.size() && held[next] == '\n') return last.place;
+    answer = last.place;
+    endLine(answer);
+    return answer;
 }
 
 void Places::forget(std::int64_t offset, std::string_view held, std::int64_t from) {
@@ -71,7 +77,7 @@ void Places::forget(std::int64_t offset, std::string_view held, std::int64_t fro
 }
 
 void Places::goTo(std::int64_t offset, std::string_view held, std::int64_t from) {
-    TextPlace place = last.place;
+    TextPlace& place = last.place;
     bool afterReturn = last.afterReturn;
     const char* at = held.data() + (place.offset - from);
     const char* const to = held.data() + (offset - from);
@@ -84,24 +90,30 @@ void Places::goTo(std::int64_t offset, std::string_view held, std::int64_t from)
 #else
         const Marks marks = marksOf(at, count);
 #endif
-        // A CR ends a line unless an LF follows, and the last one may have to wait for what follows.
-        const unsigned lastReturn = marks.returns & 1U << (count - 1);
-        const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
-        unsigned inLine = marks.starts;
-        if (ends != 0) {
-            const int lastEnd = 31 - __builtin_clz(ends);
-            place.line += countOf(ends);
-            place.column = 1;
-            inLine = inLine >> lastEnd >> 1;
-        }
-        place.column += countOf(inLine);
-        place.characters += countOf(marks.starts);
+        const bool isAscii = marks.starts == (1U << count) - 1;
+        const std::int64_t characters = isAscii ? count : __builtin_popcount(marks.starts);
+        place.characters += characters;
         if (marks.wide != 0) place.wide += countOf(marks.wide);
-        afterReturn = lastReturn != 0;
+        if ((marks.feeds | marks.returns) == 0) {
+            place.column += characters;
+            afterReturn = false;
+        } else {
+            // A CR ends a line unless an LF follows, and the last one has to wait for what follows.
+            const unsigned lastReturn = marks.returns & 1U << (count - 1);
+            const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
+            if (ends == 0) {
+                place.column += characters;
+            } else {
+                const int lastEnd = 31 - __builtin_clz(ends);
+                place.line += countOf(ends);
+                place.column = isAscii ? count - lastEnd : 1 + __builtin_popcount(marks.starts >> lastEnd >> 1);
+            }
+            afterReturn = lastReturn != 0;
+        }
         at += count;
     }
     place.offset = offset;
-    last = {place, afterReturn};
+    last.afterReturn = afterReturn;
 }
 
 }  // namespace Xml

@@ -28,7 +28,8 @@ struct TextPlace {
 class Places {
 public:
     // The place of an offset within what is held, or of its end. It is where a character begins.
-    TextPlace at(std::int64_t offset, std::string_view held, std::int64_t from = 0);
+    // Good until the next one is asked.
+    const TextPlace& at(std::int64_t offset, std::string_view held, std::int64_t from = 0);
 
     // Makes a place the beginning of all that is asked from then on.
     void forget(std::int64_t offset, std::string_view held, std::int64_t from);
@@ -43,6 +44,7 @@ private:
 
     Count beginning;
     Count last;
+    TextPlace answer;  // where it is not the last count: a CR turned out to end a line
 };
 
 }  // namespace Xml

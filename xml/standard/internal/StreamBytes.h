@@ -15,8 +15,8 @@ public:
 
     explicit StreamBytes(std::istream& in) : stream(in) {}
 
-    // Puts the next bytes in the place of `piece`, at least one where there is one. Unreadable: the stream was not good, or
-    // its buffer has thrown something.
+    // Puts the next bytes in the place of `piece`, at least one where there is one. Unreadable: the stream was not
+    // good, or its buffer has thrown something.
     Ending read(std::string& piece);
 
 private:
