@@ -416,6 +416,26 @@ TEST(DecoderTest, AgreesWithThePlatformOnRandomBytes) {
     }
 }
 
+// Where the platform waits for a mark that may follow a character, the place after the character is known once another
+// byte has shown that there is none.
+TEST(DecoderTest, FindsPlacesWhereCharactersWaitForMarks) {
+    if (Xml::Converter::makeForeign("CP1255") == nullptr) GTEST_SKIP() << "not known to the platform";
+    const struct {
+        std::string source;
+        std::string text;
+        std::vector<std::int64_t> offsets;
+    } kCases[] = {
+        {"a\xE0\xC8"s + "b", "a\uFB2Fb", {0, 1, 3, 4}},
+        {"\xE0\xE1"s, "\u05D0\u05D1", {0, 2, 2}},
+    };
+    for (const auto& c : kCases) {
+        const auto outcome = decodeWhole(c.source, "CP1255");
+        EXPECT_EQ(outcome.text, c.text);
+        EXPECT_EQ(outcome.offsets, c.offsets);
+        expectSame(decodeBytes(c.source, "CP1255"), outcome);
+    }
+}
+
 // The platform's own wide characters may have values that are no characters.
 TEST(DecoderTest, TrustsNoPlatform) {
     const auto outcome = decodeWhole("a\0\0\0\0\0\x11\0b\0\0\0"s, "WCHAR_T");
