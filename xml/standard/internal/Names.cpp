@@ -1,8 +1,5 @@
 #include "xml/standard/internal/Names.h"
 
-#include "xml/standard/internal/Utf8.h"
-#include "xml/stream/internal/Scan.h"
-#include "xml/text/internal/ByteClasses.h"
 #include <algorithm>
 #include <iterator>
 
@@ -50,26 +47,19 @@ bool isChar(char32_t c) {
     return c <= 0xD7FF || (c >= 0xE000 && c <= 0xFFFD) || (c >= 0x10000 && c <= 0x10FFFF);
 }
 
-// In ASCII the classes are those of the byte table.
 bool isNameStart(char32_t c) { return isAscii(c) ? isClass(c, ByteClass::kNameStart) : isIn(kNameStarts, c); }
 
 bool isNameChar(char32_t c) {
     return isAscii(c) ? isClass(c, ByteClass::kNameChar) : isIn(kNameStarts, c) || isIn(kMoreNameChars, c);
 }
 
-const char* nmtokenEnd(const char* from, const char* to) {
-    for (;;) {
-        from = Scan::endOf<ByteClass::kNameChar>(from, to);
-        if (from == to || Utf8::isAscii(*from)) return from;
+const char* nmtokenEndBeyondAscii(const char* from, const char* to) {
+    while (from != to && !Utf8::isAscii(*from)) {
         const Utf8::Character c = Utf8::at(from);
         if (!isNameChar(c.value)) return from;
-        from += c.size;
+        from = Scan::endOf<ByteClass::kNameChar>(from + c.size, to);
     }
-}
-
-const char* nameEnd(const char* from, const char* to) {
-    if (from == to || !isNameStart(Utf8::at(from).value)) return from;
-    return nmtokenEnd(from, to);
+    return from;
 }
 
 const char* charsEnd(const char* from, const char* to) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "xml/standard/internal/Utf8.h"
+#include "xml/stream/internal/Scan.h"
+#include "xml/text/internal/ByteClasses.h"
 #include <optional>
 #include <string_view>
 
@@ -11,9 +14,23 @@ bool isChar(char32_t c);       // [2] Char
 bool isNameStart(char32_t c);  // [4] NameStartChar
 bool isNameChar(char32_t c);   // [4a] NameChar
 
-// The end of the longest [5] Name, or [7] Nmtoken, that begins at `from`; `from` itself where none does.
-const char* nameEnd(const char* from, const char* to);
-const char* nmtokenEnd(const char* from, const char* to);
+// nmtokenEnd from a character on that is not ASCII.
+const char* nmtokenEndBeyondAscii(const char* from, const char* to);
+
+// The end of the longest [7] Nmtoken that begins at `from`; `from` itself where none does. In ASCII the classes are
+// those of the byte table.
+inline const char* nmtokenEnd(const char* from, const char* to) {
+    from = Scan::endOf<ByteClass::kNameChar>(from, to);
+    return from == to || Utf8::isAscii(*from) ? from : nmtokenEndBeyondAscii(from, to);
+}
+
+// The same for a [5] Name.
+inline const char* nameEnd(const char* from, const char* to) {
+    if (from == to) return from;
+    const bool starts =
+        Utf8::isAscii(*from) ? ByteClass::is(*from, ByteClass::kNameStart) : isNameStart(Utf8::at(from).value);
+    return starts ? nmtokenEnd(from, to) : from;
+}
 
 // The first character that is none of XML's, `to` where all are.
 const char* charsEnd(const char* from, const char* to);
