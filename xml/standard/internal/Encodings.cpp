@@ -148,6 +148,7 @@ std::size_t unitOf(Encoding encoding) {
 }
 
 Opening openingOf(std::string_view bytes) {
+    if (bytes.size() > 1 && bytes[0] == '<' && bytes[1] != 0) return {};  // most sources
     for (const Form& form : kForms) {
         if (begins(bytes, form.bytes)) return form.opening;
     }

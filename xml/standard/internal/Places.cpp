@@ -1,5 +1,6 @@
 #include "xml/standard/internal/Places.h"
 
+#include "xml/standard/internal/Utf8.h"
 #include <algorithm>
 #include <cstddef>
 #ifdef __SSE2__
@@ -16,19 +17,18 @@ constexpr std::ptrdiff_t kAtOnce = 16;
 struct Marks {
     unsigned feeds = 0;
     unsigned returns = 0;
-    unsigned starts = 0;  // of characters
-    unsigned wide = 0;    // starts of characters above U+FFFF
+    unsigned beyondAscii = 0;
+
+    bool isPlain() const { return (feeds | returns | beyondAscii) == 0; }
 };
 
 Marks marksOf(const char* bytes, std::ptrdiff_t count) {
     Marks marks;
     for (std::ptrdiff_t i = 0; i < count; ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[i]);
         const unsigned bit = 1U << i;
-        if (byte == '\n') marks.feeds |= bit;
-        if (byte == '\r') marks.returns |= bit;
-        if ((byte & 0xC0) != 0x80) marks.starts |= bit;
-        if (byte >= 0xF0) marks.wide |= bit;
+        if (bytes[i] == '\n') marks.feeds |= bit;
+        if (bytes[i] == '\r') marks.returns |= bit;
+        if (!Utf8::isAscii(bytes[i])) marks.beyondAscii |= bit;
     }
     return marks;
 }
@@ -39,23 +39,51 @@ Marks marksOfBlock(const char* bytes, std::ptrdiff_t count) {
     const unsigned wanted = (1U << count) - 1;
     const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     const auto marks = [wanted](__m128i found) { return static_cast<unsigned>(_mm_movemask_epi8(found)) & wanted; };
-    const auto are = [&](char c) { return marks(_mm_cmpeq_epi8(block, _mm_set1_epi8(c))); };
-    // As signed numbers, bytes that go on with a character are the lowest, and those from 0xF0 on the last below zero.
-    const unsigned goOn = marks(_mm_cmplt_epi8(block, _mm_set1_epi8(static_cast<char>(0xC0))));
-    const unsigned high = marks(_mm_cmpgt_epi8(block, _mm_set1_epi8(static_cast<char>(0xEF)))) & marks(block);
-    return {are('\n'), are('\r'), ~goOn & wanted, high};
+    const __m128i feeds = _mm_cmpeq_epi8(block, _mm_set1_epi8('\n'));
+    const __m128i returns = _mm_cmpeq_epi8(block, _mm_set1_epi8('\r'));
+    if (marks(_mm_or_si128(_mm_or_si128(feeds, returns), block)) == 0) return {};
+    return {marks(feeds), marks(returns), marks(block)};
 }
 #endif
 
-// Mostly there is none, or one.
+// The bits of those of the first `count` bytes at which characters begin, and adds those above U+FFFF to `wide`.
+unsigned startsOf(const char* bytes, std::ptrdiff_t count, unsigned beyondAscii, std::int64_t& wide) {
+    unsigned starts = (1U << count) - 1;
+    for (; beyondAscii != 0; beyondAscii &= beyondAscii - 1) {
+        const char byte = bytes[__builtin_ctz(beyondAscii)];
+        if (Utf8::goesOn(byte)) starts &= ~(beyondAscii & -beyondAscii);
+        if (static_cast<unsigned char>(byte) >= 0xF0) ++wide;
+    }
+    return starts;
+}
+
 std::int64_t countOf(unsigned bits) {
-    if ((bits & (bits - 1)) == 0) return bits != 0 ? 1 : 0;
+    if ((bits & (bits + 1)) == 0)
+        return bits != 0 ? 32 - __builtin_clz(bits) : 0;  // all of the lowest ones, as in ASCII
     return __builtin_popcount(bits);
 }
 
 void endLine(TextPlace& place) {
     ++place.line;
     place.column = 1;
+}
+
+// Counts the bytes, and returns whether the last is a CR that has to wait for what follows.
+bool pass(TextPlace& place, const char* bytes, std::ptrdiff_t count, const Marks& marks) {
+    const unsigned starts = startsOf(bytes, count, marks.beyondAscii, place.wide);
+    const unsigned lastReturn = marks.returns & 1U << (count - 1);
+    // A CR ends a line unless an LF follows.
+    const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
+    unsigned inLine = starts;
+    if (ends != 0) {
+        const int lastEnd = 31 - __builtin_clz(ends);
+        place.line += countOf(ends);
+        place.column = 1;
+        inLine = inLine >> lastEnd >> 1;
+    }
+    place.column += countOf(inLine);
+    place.characters += countOf(starts);
+    return lastReturn != 0;
 }
 
 }  // namespace
@@ -90,25 +118,12 @@ void Places::goTo(std::int64_t offset, std::string_view held, std::int64_t from)
 #else
         const Marks marks = marksOf(at, count);
 #endif
-        const bool isAscii = marks.starts == (1U << count) - 1;
-        const std::int64_t characters = isAscii ? count : __builtin_popcount(marks.starts);
-        place.characters += characters;
-        if (marks.wide != 0) place.wide += countOf(marks.wide);
-        if ((marks.feeds | marks.returns) == 0) {
-            place.column += characters;
+        if (marks.isPlain()) {
+            place.column += count;
+            place.characters += count;
             afterReturn = false;
         } else {
-            // A CR ends a line unless an LF follows, and the last one has to wait for what follows.
-            const unsigned lastReturn = marks.returns & 1U << (count - 1);
-            const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
-            if (ends == 0) {
-                place.column += characters;
-            } else {
-                const int lastEnd = 31 - __builtin_clz(ends);
-                place.line += countOf(ends);
-                place.column = isAscii ? count - lastEnd : 1 + __builtin_popcount(marks.starts >> lastEnd >> 1);
-            }
-            afterReturn = lastReturn != 0;
+            afterReturn = pass(place, at, count, marks);
         }
         at += count;
     }
