@@ -57,9 +57,10 @@ unsigned startsOf(const char* bytes, std::ptrdiff_t count, unsigned beyondAscii,
     return starts;
 }
 
+// Mostly there is one, or it is all of the lowest, as in ASCII.
 std::int64_t countOf(unsigned bits) {
-    if ((bits & (bits + 1)) == 0)
-        return bits != 0 ? 32 - __builtin_clz(bits) : 0;  // all of the lowest ones, as in ASCII
+    if ((bits & (bits + 1)) == 0) return bits != 0 ? 32 - __builtin_clz(bits) : 0;
+    if ((bits & (bits - 1)) == 0) return 1;
     return __builtin_popcount(bits);
 }
 
