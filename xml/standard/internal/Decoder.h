@@ -37,8 +37,8 @@ struct DecodingFailure {
 // The encoding is the one that is given, whatever the source says. Without one it is that of the byte order mark;
 // UTF-16 or UTF-32 where the source begins with "<" in it; that which the declaration names; else UTF-8. A declaration
 // that names another encoding than the mark or the first bytes show is a failure: 4.3.3 of XML makes it a fatal error
-// to be in another encoding than the one that is named. That goes for ISO-8859-1 after a mark of UTF-8 too, where
-// parsers differ. UTF-16 and UTF-32 need no mark: with "<" as the first character the bytes leave no doubt.
+// to be in another encoding than the one that is named. That goes for ISO-8859-1 after a mark of UTF-8 too, which some
+// parsers let pass. UTF-16 and UTF-32 need no mark: with "<" as the first character the bytes leave no doubt.
 //
 //     Decoder decoder;
 //     while (auto piece = ...)
