@@ -17,7 +17,7 @@ struct EncodingUnderTest {
     const char* mark;  // its bytes
     std::size_t markSize;
     const char* own;  // characters that it has besides ASCII, in UTF-8
-    bool isFound;     // by the mark or by the first bytes, without any name
+    bool hasAll;      // a form for every character
 };
 
 // UTF-8, both orders of UTF-16 and UTF-32, Latin-1, US-ASCII; others that the platform knows, with one, two, up to four

@@ -139,9 +139,23 @@ bool Decoder::readConverted(std::string_view& bytes, std::string& to) {
     const std::size_t size = declaration.take(std::string_view(to).substr(before));
     if (!declaration.isDecided()) return isConverted;
     stage = Stage::Content;
-    if (declaration.name().empty() || confirm(std::string(declaration.name()))) return isConverted;
+    const std::string name(declaration.name());
+    if (name.empty() ? isKnown(textBefore + countOf(size)) : confirm(name)) return isConverted;
     to.resize(before + size);
     textGiven = textBefore + countOf(size);
+    return false;
+}
+
+// What neither a byte order mark nor a declaration names is UTF-8, whatever its first bytes look like.
+bool Decoder::isKnown(std::int64_t textOffset) {
+    if (markSize > 0) return true;
+    failed = DecodingFailure{
+        Kind::OtherEncoding,
+        textOffset * countOf(unitOf(encoding)),
+        textOffset,
+        {},
+        nameOf(encoding),
+        std::string("neither a byte order mark nor a declaration names the encoding, which is ") + nameOf(encoding)};
     return false;
 }
 

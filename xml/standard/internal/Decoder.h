@@ -38,7 +38,8 @@ struct DecodingFailure {
 // UTF-16 or UTF-32 where the source begins with "<" in it; that which the declaration names; else UTF-8. A declaration
 // that names another encoding than the mark or the first bytes show is a failure: 4.3.3 of XML makes it a fatal error
 // to be in another encoding than the one that is named. That goes for ISO-8859-1 after a mark of UTF-8 too, which some
-// parsers let pass. UTF-16 and UTF-32 need no mark: with "<" as the first character the bytes leave no doubt.
+// parsers let pass. UTF-16 and UTF-32 need no mark where a declaration names them: with "<" as the first character the
+// bytes leave no doubt. Named by neither they are a failure by the same section, which some parsers let pass as well.
 //
 //     Decoder decoder;
 //     while (auto piece = ...)
@@ -99,6 +100,7 @@ private:
     bool readConverted(std::string_view& bytes, std::string& to);
     bool switchTo(const std::string& name);
     bool confirm(const std::string& name);
+    bool isKnown(std::int64_t textOffset);
 
     bool convert(std::string_view bytes, std::string& to);
     bool accept(std::string& to, std::size_t before);
