@@ -3,6 +3,7 @@
 #include "support/Rounds.h"
 #include "xml/dom/internal/Slab.h"
 #include "xml/text/internal/LargePages.h"
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -23,6 +24,8 @@ bool isMapped(void* memory) {
     unsigned char states[Slab::kBytes / 4096];
     return mincore(memory, Slab::kBytes, states) == 0;
 }
+
+void give(void* memory) { SlabStock::Return().give(memory); }
 
 // Nothing is kept when a test begins.
 class SlabStockTest : public testing::Test {
@@ -47,7 +50,7 @@ TEST_F(SlabStockTest, GivesMemoryForSlabs) {
         const char first = *memory;
         for (std::size_t i = 0; i < Slab::kBytes; ++i) ASSERT_EQ(memory[i], first) << "two overlap";
     }
-    for (char* const memory : taken) SlabStock::give(memory);
+    for (char* const memory : taken) give(memory);
 }
 
 TEST_F(SlabStockTest, GivesTheRestOfAPageBackToTheSystem) {
@@ -60,26 +63,46 @@ TEST_F(SlabStockTest, GivesTheRestOfAPageBackToTheSystem) {
     }
     EXPECT_TRUE(isMapped(memory));
     for (std::size_t i = 1; i < kSlabsInAPage; ++i) EXPECT_FALSE(isMapped(memory + i * Slab::kBytes)) << i;
-    SlabStock::give(memory);
+    give(memory);
 }
 
 TEST_F(SlabStockTest, KeepsWhatIsGivenBackForTheNext) {
     SlabStock stock;
     void* const memory = stock.take();
-    SlabStock::give(memory);
+    give(memory);
     SlabStock other;
     EXPECT_EQ(other.take(), memory);
-    SlabStock::give(memory);
+    give(memory);
 }
 
 TEST_F(SlabStockTest, KeepsSoMuchAndNoMore) {
     SlabStock stock;
     std::vector<void*> taken;
     for (std::size_t i = 0; i < kMostKept + 40; ++i) taken.push_back(stock.take());
-    for (void* const memory : taken) SlabStock::give(memory);
+    for (void* const memory : taken) give(memory);
     std::size_t mapped = 0;
     for (void* const memory : taken) mapped += isMapped(memory) ? 1U : 0U;
     EXPECT_EQ(mapped, kMostKept);
+}
+
+// What lies side by side goes in one piece, in whatever order it comes.
+TEST_F(SlabStockTest, GivesBackAllThatItDoesNotKeep) {
+    for (const int order : {-1, 0, 1}) {
+        SCOPED_TRACE(order);
+        SlabStock stock;
+        std::vector<char*> taken;
+        for (std::size_t i = 0; i < kMostKept + 3 * kSlabsInAPage; ++i)
+            taken.push_back(static_cast<char*>(stock.take()));
+        std::sort(taken.begin(), taken.end());
+        if (order < 0) std::reverse(taken.begin(), taken.end());
+        if (order == 0) std::shuffle(taken.begin(), taken.end(), std::mt19937(20261122));
+        {
+            SlabStock::Return toStock;
+            for (char* const memory : taken) toStock.give(memory);
+        }
+        for (std::size_t i = 0; i < taken.size(); ++i) ASSERT_EQ(isMapped(taken[i]), i < kMostKept) << i;
+        for (std::size_t i = 0; i < kMostKept; ++i) LargePages::unmap(stock.take(), Slab::kBytes);
+    }
 }
 
 // Each thread writes its mark into what it has taken and finds it there before it gives it back.
@@ -97,11 +120,11 @@ TEST_F(SlabStockTest, ServesThreads) {
                 } else if (!taken.empty()) {
                     std::swap(taken[dice() % taken.size()], taken.back());
                     ASSERT_EQ(*taken.back(), mark);
-                    SlabStock::give(taken.back());
+                    give(taken.back());
                     taken.pop_back();
                 }
             }
-            for (int* const memory : taken) SlabStock::give(memory);
+            for (int* const memory : taken) give(memory);
         });
     }
     for (std::thread& thread : threads) thread.join();

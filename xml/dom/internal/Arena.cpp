@@ -41,10 +41,11 @@ Arena* Arena::wholeBelow(const Element& top) {
 
 void Arena::drop() {
     for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::forgetNodes(*one->element);
+    SlabStock::Return toStock;
     Slab* slab = newest;
-    while (slab->next != nullptr) Slab::free(std::exchange(slab, slab->next));
+    while (slab->next != nullptr) Slab::free(std::exchange(slab, slab->next), toStock);
     this->~Arena();
-    Slab::free(slab);
+    Slab::free(slab, toStock);
 }
 
 KeptText& Arena::keep(std::unique_ptr<KeptText> text) {
@@ -56,11 +57,12 @@ KeptText& Arena::keep(std::unique_ptr<KeptText> text) {
 
 void Arena::release(Slab& slab) {
     noteChange();
-    if (slab.next != nullptr) Slab::free(&slab);
+    SlabStock::Return toStock;
+    if (slab.next != nullptr) Slab::free(&slab, toStock);
     if (slabs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         Slab& first = Slab::of(this);
         this->~Arena();
-        Slab::free(&first);
+        Slab::free(&first, toStock);
     }
 }
 

@@ -1,7 +1,6 @@
 #include "xml/dom/internal/Slab.h"
 
 #include "xml/dom/internal/Arena.h"
-#include "xml/dom/internal/SlabStock.h"
 #include <cstdlib>
 #include <new>
 
@@ -80,9 +79,9 @@ Slab* Slab::makeIn(void* memory) {
     return made;
 }
 
-void Slab::free(Slab* slab) noexcept {
+void Slab::free(Slab* slab, SlabStock::Return& toStock) noexcept {
     allow(slab, kBytes - kSpared);
-    slab->isFromStock ? SlabStock::give(slab) : giveMemory(slab);
+    slab->isFromStock ? toStock.give(slab) : giveMemory(slab);
 }
 
 void Slab::noteChange() noexcept { owner->noteChange(); }

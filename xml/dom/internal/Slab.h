@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dom/internal/SlabStock.h"
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +20,6 @@
 namespace Xml {
 
 class Arena;
-class SlabStock;
-
 // 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to
 // nodes from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
 //
@@ -41,7 +40,7 @@ public:
     // but under the address sanitizer, which watches the heap alone.
     static Slab* make();
     static Slab* make(SlabStock& stock);
-    static void free(Slab* slab) noexcept;
+    static void free(Slab* slab, SlabStock::Return& toStock) noexcept;
 
     // Where the memory comes from: so many bytes, aligned to kBytes. For tests; nothing is kept for reuse then.
     struct Source {

@@ -65,8 +65,20 @@ void* SlabStock::take() {
     return std::exchange(next, next + Slab::kBytes);
 }
 
-void SlabStock::give(void* memory) noexcept {
-    if (!keptSlabs().keep(memory)) LargePages::unmap(memory, Slab::kBytes);
+// A tree gives its slabs back from the newest one on, so that each lies before the last.
+void SlabStock::Return::give(void* memory) noexcept {
+    if (keptSlabs().keep(memory)) return;
+    char* const slab = static_cast<char*>(memory);
+    if (slab + Slab::kBytes != first) {
+        unmap();
+        end = slab + Slab::kBytes;
+    }
+    first = slab;
+}
+
+void SlabStock::Return::unmap() noexcept {
+    if (first != end) LargePages::unmap(first, static_cast<std::size_t>(end - first));
+    first = end = nullptr;
 }
 
 }  // namespace Xml
