@@ -86,6 +86,51 @@ TEST_F(ArenaTest, HoldsAllNodesBelowTheTopElement) {
     EXPECT_EQ(slabsMade, 1U);
 }
 
+// An element with so many of each kind of leaf, short and long ones.
+std::unique_ptr<Element> ofLeaves(int leaves) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("root");
+    for (int i = 0; i < leaves; ++i) {
+        tree.begin("child");
+        for (const std::size_t size : {3U, 15U, 16U, 100U, 2000U}) {
+            const std::string text(size, 'x');
+            tree.addComment(text);
+            tree.addSection(text);
+            tree.addInstruction("go", text);
+        }
+        tree.end();
+    }
+    tree.addComment("last");
+    tree.end();
+    return root;
+}
+
+TEST_F(ArenaTest, HoldsCommentsInstructionsAndSections) {
+    std::unique_ptr<Element> root = ofLeaves(20);
+    std::unique_ptr<Object> copy(root->clone());
+    EXPECT_EQ(dump(copy.get()), dump(root.get()));
+    const std::size_t slabsOfBoth = slabsMade;
+    for (const Element* const top : {root.get(), copy->toElement()}) {
+        const Element& child = *top->getElement(0);
+        for (int i = 0; i < child.getChildCount(); ++i) {
+            EXPECT_TRUE(Slab::holds(child.getChild(i)));
+            EXPECT_EQ(child.getChild(i)->getParent(), &child);
+        }
+        EXPECT_EQ(top->getChild(20)->getParent(), top);
+    }
+    copy.reset();
+    EXPECT_GT(slabs.size(), 0U);
+    EXPECT_LT(slabs.size(), slabsOfBoth);
+    // One by one, once the tree was changed.
+    static_cast<Comment*>(root->getElement(3)->getChild(9))->setText(std::string(50, 'y'));
+    static_cast<Instruction*>(root->getElement(3)->getChild(11))->setContent("short");
+    static_cast<CharData*>(root->getElement(3)->getChild(10))->setData("<");
+    const std::unique_ptr<Object> taken(root->getElement(3)->extractChild(9));
+    root.reset();
+    EXPECT_EQ(textOf(*taken), "<!--" + std::string(50, 'y') + "-->");
+}
+
 TEST_F(ArenaTest, TakesNothingForAnElementAlone) {
     std::unique_ptr<Element> root;
     TreeBuilder tree(root);

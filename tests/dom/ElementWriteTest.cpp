@@ -2,9 +2,12 @@
 #include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/Entity.h"
+#include "xml/dom/Instruction.h"
 #include "xml/stream/FileOutStream.h"
 #include <functional>
 #include <gtest/gtest.h>
@@ -65,6 +68,30 @@ TEST(ElementWriteTest, LaysOutElementsALineEachAndMixedContentAsItIs) {
              with(&a, {text("t"), with(element("b"), {element("c")})});
          },
          "<a>t<b>\n\t\t<c/>\n\t</b></a>", "<a>t<b>\n\t\t<c></c>\n\t</b></a>"},
+        {"a comment alone", [](Element& a) { with(&a, {new Comment("c")}); }, "<a>\n\t<!--c-->\n</a>",
+         "<a>\n\t<!--c-->\n</a>"},
+        {"comments and instructions beside elements have lines of their own",
+         [](Element& a) {
+             with(&a,
+                  {new Comment("c & <d>"), element("b"), new Instruction("go", "there"), new Instruction("go", "")});
+         },
+         "<a>\n\t<!--c & <d>-->\n\t<b/>\n\t<?go there?>\n\t<?go?>\n</a>",
+         "<a>\n\t<!--c & <d>-->\n\t<b></b>\n\t<?go there?>\n\t<?go?>\n</a>"},
+        {"and stand as they are beside text",
+         [](Element& a) {
+             with(&a, {new Comment("c"), text("t"), new Instruction("go", "there")});
+         },
+         "<a><!--c-->t<?go there?></a>", "<a><!--c-->t<?go there?></a>"},
+        {"line feeds in them begin no lines",
+         [](Element& a) {
+             with(&a, {new Comment("one\ntwo\n"), new Instruction("go", "one\ntwo\n")});
+         },
+         "<a>\n\t<!--one\ntwo\n-->\n\t<?go one\ntwo\n?>\n</a>", "<a>\n\t<!--one\ntwo\n-->\n\t<?go one\ntwo\n?>\n</a>"},
+        {"a section is text",
+         [](Element& a) {
+             with(&a, {element("b"), new CDataSection("1 < 2")});
+         },
+         "<a><b/>1 &lt; 2</a>", "<a><b></b>1 &lt; 2</a>"},
         {"line feeds in text begin no lines", [](Element& a) { with(&a, {with(element("b"), {text("one\ntwo\n")})}); },
          "<a>\n\t<b>one\ntwo\n</b>\n</a>", "<a>\n\t<b>one\ntwo\n</b>\n</a>"},
         {"line feeds in attributes do",

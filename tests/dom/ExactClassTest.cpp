@@ -1,9 +1,12 @@
 // Which nodes loops treat themselves. What that means for nodes of callers' classes is in SubclassTest.
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dtd/Dtd.h"
 #include <gtest/gtest.h>
@@ -18,6 +21,18 @@ public:
     OwnElement(const OwnElement&) = default;
 };
 class OwnText : public CharData {};
+class OwnSection : public CDataSection {
+public:
+    OwnSection() : CDataSection("own") {}
+};
+class OwnComment : public Comment {
+public:
+    OwnComment() : Comment("own") {}
+};
+class OwnInstruction : public Instruction {
+public:
+    OwnInstruction() : Instruction("own", "") {}
+};
 class OwnAttribute : public Attribute {};
 class OwnDocument : public Document {
 public:
@@ -29,11 +44,17 @@ bool isKnown(const Object& node) { return NodeAccess::marks(node).exactClass.kno
 TEST(ExactClassTest, IsFoundOutForNodesThatAreMadeByCallers) {
     const Element element("e");
     const CharData text;
+    const CDataSection section("s");
+    const Comment comment("c");
+    const Instruction instruction("i", "");
     const Attribute attribute;
     const Document document(nullptr, nullptr);
     const Dtd dtd("d");
     const OwnElement ownElement;
     const OwnText ownText;
+    const OwnSection ownSection;
+    const OwnComment ownComment;
+    const OwnInstruction ownInstruction;
     const OwnAttribute ownAttribute;
     const OwnDocument ownDocument;
     const struct {
@@ -43,11 +64,17 @@ TEST(ExactClassTest, IsFoundOutForNodesThatAreMadeByCallers) {
     } kCases[] = {
         {"element", element, NodeClass::Element},
         {"text", text, NodeClass::CharData},
+        {"section", section, NodeClass::CDataSection},
+        {"comment", comment, NodeClass::Comment},
+        {"instruction", instruction, NodeClass::Instruction},
         {"attribute", attribute, NodeClass::Attribute},
         {"document", document, NodeClass::Other},
         {"Dtd", dtd, NodeClass::Other},
         {"element of a caller's class", ownElement, NodeClass::Other},
         {"text of a caller's class", ownText, NodeClass::Other},
+        {"section of a caller's class", ownSection, NodeClass::Other},
+        {"comment of a caller's class", ownComment, NodeClass::Other},
+        {"instruction of a caller's class", ownInstruction, NodeClass::Other},
         {"attribute of a caller's class", ownAttribute, NodeClass::Other},
         {"document of a caller's class", ownDocument, NodeClass::Other},
     };
@@ -67,7 +94,14 @@ TEST(ExactClassTest, IsKnownOfNodesThatTheLibraryMakes) {
     built.setAttribute("x", "1");
     built.addChild(new CharData("text"));
     built.addChild(new Element("b"));
+    built.addChild(new CDataSection("section"));
+    built.addChild(new Comment("comment"));
+    built.addChild(new Instruction("go", ""));
     const std::unique_ptr<Object> copy(built.clone());
+    const Element& copied = *copy->toElement();
+    EXPECT_EQ(NodeAccess::marks(*copied.getChild(2)).exactClass.known(), NodeClass::CDataSection);
+    EXPECT_EQ(NodeAccess::marks(*copied.getChild(3)).exactClass.known(), NodeClass::Comment);
+    EXPECT_EQ(NodeAccess::marks(*copied.getChild(4)).exactClass.known(), NodeClass::Instruction);
     for (const Element* const top : {read.get(), copy->toElement()}) {
         const struct {
             const Object* node;

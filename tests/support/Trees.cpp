@@ -4,6 +4,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/NodeKind.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/reader/DTDReader.h"
 #include "xml/reader/DocumentReader.h"
@@ -24,6 +25,12 @@ std::string dump(const Object* node) {
     if (node->isDocument()) {
         const Element* root = node->toDocument()->getRoot();
         return root != nullptr ? dump(root) : "none";
+    }
+    switch (kindOf(*node)) {
+    case NodeKind::Comment: return "<!--" + node->toString() + "-->";
+    case NodeKind::Instruction: return "<?" + node->toString() + "?>";
+    case NodeKind::CData: return "[" + node->toCharData()->data() + "]";
+    default: break;
     }
     if (node->isCharData()) return "'" + node->toCharData()->data() + "'";
     if (node->isAttribute()) return node->toAttribute()->getName() + "=" + node->toAttribute()->getValue();

@@ -13,8 +13,8 @@ class Dtd;
 
 namespace Xml::test {
 
-// The tree below a node in short: a[x=1]('text' b c(d)). Attributes with their values as they are held, text as it is
-// held; a document is the dump of its root, "none" without one; null is "null".
+// The tree below a node in short: a[x=1]('text' [section] <!--comment--> <?instruction?> b c(d)). Attributes with their
+// values as they are held, text as it is held; a document is the dump of its root, "none" without one; null is "null".
 std::string dump(const Object* node);
 
 // What a node writes, into a string stream that starts at position 0 (by toStream).

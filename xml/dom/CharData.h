@@ -47,10 +47,13 @@ public:
     void write(OutStream& out) const override;
 
 private:
+    friend class CDataSection;
     friend struct NodeAccess;
 
     CharData(const internal::GivenText& text, Object* itsParent)
-        : Object(internal::NodeClass::CharData, text.place, itsParent), held(text) {}
+        : CharData(internal::NodeClass::CharData, text, itsParent) {}
+    CharData(internal::NodeClass made, const internal::GivenText& text, Object* itsParent)
+        : Object(made, text.place, itsParent), held(text) {}
 
     internal::Text held;
     mutable std::unique_ptr<DataHolder> decoded;  // made when first asked for

@@ -10,7 +10,16 @@ class Object;
 namespace Xml::internal {
 
 // The library's own classes of nodes that its loops treat themselves, and any other.
-enum class NodeClass : std::uint8_t { Unknown, Other, Attribute, CharData, Element };
+enum class NodeClass : std::uint8_t {
+    Unknown,
+    Other,
+    Attribute,
+    Element,
+    Comment,  // from here on: leaves among children
+    Instruction,
+    CharData,  // from here on: character data
+    CDataSection,
+};
 
 // Which of these classes a node is exactly an object of. Loops over trees do the work of exactly these classes inline;
 // an object of any other class, also of one derived from them, may override what they would do and gets its operations

@@ -12,6 +12,10 @@ namespace Xml::internal {
 // Where the text of a node is (see Text).
 enum class TextPlace : std::uint8_t { Own, Lent };
 
+// What a leaf among the children is beside text, where it is more than that: an object of one of these classes, or of
+// one derived from it. Unlike the exact class the constructors know it.
+enum class LeafKind : std::uint8_t { Plain, CData, Comment, Instruction };
+
 // What the library keeps at every node beside what it holds: the link to the governing Dtd, whether the node has
 // changed since it was last written, where that was, and which class it is exactly of. Writing is no change of a node,
 // so it may be noted at a const one.
@@ -69,6 +73,14 @@ public:
     // heap may lie anywhere.
     bool isInSlab() const { return (fixed & kInSlab) != 0; }
 
+    LeafKind leafKind() const { return static_cast<LeafKind>(fixed >> kLeafKindShift); }
+    void setLeafKind(LeafKind kind) {
+        fixed = static_cast<Flags>(fixed | static_cast<unsigned>(kind) << kLeafKindShift);
+    }
+
+    // Whether it is a comment or an instruction: what looks at content passes over it.
+    bool isPassedOver() const { return (fixed & kPassedOver) != 0; }
+
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return (fixed & kEdited) != 0; }
     void setEdited() { put(fixed, kEdited, true); }
@@ -79,6 +91,10 @@ private:
     using Flags = std::uint8_t;
     static constexpr Flags kDirty = 1, kAsideText = 2;           // of `noted`
     static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4;  // of `fixed`; what is lent is the text
+    static constexpr unsigned kLeafKindShift = 6;                // its upper bits are the kind of a leaf
+    static constexpr Flags kPassedOver = static_cast<unsigned>(LeafKind::Comment) << kLeafKindShift;
+    static_assert((static_cast<unsigned>(LeafKind::Instruction) & static_cast<unsigned>(LeafKind::Comment)) != 0,
+                  "one bit of the kind says comment or instruction");
 
     static void put(Flags& flags, Flags flag, bool on) {
         flags = static_cast<Flags>(on ? flags | flag : flags & ~flag);

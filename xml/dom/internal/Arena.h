@@ -129,8 +129,7 @@ public:
     };
     template <class Node>
     Room takeNode(std::size_t byteCount = 0) {
-        constexpr std::size_t size = sizeof(Node);
-        static_assert(size % 16 == 0, "the next node has to be at 8 modulo 16 again");
+        constexpr std::size_t size = (sizeof(Node) + 15) / 16 * 16;  // the next node has to be at 8 modulo 16 again
         Part& part = partFor<Node>();
         if (part.left() < size + byteCount) addSlab(part);
         Room room{part.low, part.high - byteCount};

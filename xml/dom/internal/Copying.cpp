@@ -88,9 +88,13 @@ private:
             std::unique_ptr<CharData> made = copyOf(static_cast<const CharData&>(child));
             keepLink(child, *made);
             NodeAccess::appendChild(to, std::move(made));
+        } else if (isPlainLeaf(exactly)) {
+            std::unique_ptr<Object> made = memory ? copyOfRare(child, exactly) : clone(child);
+            keepLink(child, *made);
+            NodeAccess::appendChild(to, std::move(made));
         } else {
             unlinked = false;
-            NodeAccess::appendChild(to, std::unique_ptr<Object>(child.clone()));
+            NodeAccess::appendChild(to, clone(child));
             NodeAccess::noteEdit(to);
         }
     }
@@ -104,6 +108,22 @@ private:
     std::unique_ptr<CharData> copyOf(const CharData& from) {
         if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
         return NodeAccess::makeText(memory->nodes, NodeAccess::text(from), nullptr);
+    }
+    static std::unique_ptr<Object> clone(const Object& from) { return std::unique_ptr<Object>(from.clone()); }
+
+    // Of the library's other classes, into the memory.
+    std::unique_ptr<Object> copyOfRare(const Object& from, NodeClass exactly) {
+        if (exactly == NodeClass::Comment) {
+            const auto& comment = static_cast<const Comment&>(from);
+            return NodeAccess::makeLeaf<Comment>(memory->nodes, NodeAccess::text(comment), nullptr);
+        }
+        if (exactly == NodeClass::CDataSection) {
+            const auto& section = static_cast<const CDataSection&>(from);
+            return NodeAccess::makeLeaf<CDataSection>(memory->nodes, NodeAccess::text(section), nullptr);
+        }
+        const auto& instruction = static_cast<const Instruction&>(from);
+        return NodeAccess::makeInstruction(memory->nodes, sharedName(instruction.getTarget()),
+                                           NodeAccess::text(instruction), nullptr);
     }
     std::unique_ptr<Attribute> copyOf(const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
 #include "xml/dom/internal/Arena.h"
@@ -22,6 +25,7 @@ class Document;
 
 // What the parse of large documents costs is the memory that it fills.
 static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
+static_assert(sizeof(CDataSection) == 80 && sizeof(Comment) <= 80 && sizeof(Instruction) == 80, "nodes have grown");
 
 using internal::AttributeSpan;
 using internal::ExactClass;
@@ -50,11 +54,16 @@ struct NodeAccess {
 
     static std::string_view text(const CharData& node) { return node.held.view(node.marks); }
     static std::string_view text(const Attribute& node) { return node.value.view(node.marks); }
+    static std::string_view text(const Comment& node) { return node.text.view(node.marks); }
+    static std::string_view text(const Instruction& node) { return node.content.view(node.marks); }
     static void setText(CharData& node, DataHolder&& text) { node.held.assign(node, node.marks, std::move(text)); }
 
     // Of a node that is being made.
     static DataHolder& ownText(CharData& node) { return node.held.string(node, node.marks); }
     static DataHolder& ownText(Attribute& node) { return node.value.string(node, node.marks); }
+    static DataHolder& ownText(Comment& node) { return node.text.string(node, node.marks); }
+    static DataHolder& ownText(Instruction& node) { return node.content.string(node, node.marks); }
+    static void setLeafKind(Object& node, internal::LeafKind kind) { node.marks.setLeafKind(kind); }
 
     // --- Nodes in the memory of a tree, for what reads or copies one: nothing links to a Dtd yet, all is marked as
     // changed already. A shared name stays as long as the memory. A text is padded where kShortText bytes may be read
@@ -66,8 +75,19 @@ struct NodeAccess {
     }
     static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text, Object* parent,
                                               bool isPadded = false) {
-        const auto [place, given] = roomFor<CharData>(memory, text, isPadded);
-        return std::unique_ptr<CharData>(::new (place) CharData(given, parent));
+        return makeLeaf<CharData>(memory, text, parent, isPadded);
+    }
+    // A CharData, a CDataSection or a Comment. The text is as the node holds it.
+    template <class Node>
+    static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text, Object* parent,
+                                          bool isPadded = false) {
+        const auto [place, given] = roomFor<Node>(memory, text, isPadded);
+        return std::unique_ptr<Node>(::new (place) Node(given, parent));
+    }
+    static std::unique_ptr<Instruction> makeInstruction(NodeMemory& memory, const SharedName& target,
+                                                        std::string_view content, Object* parent) {
+        const auto [place, given] = roomFor<Instruction>(memory, content, false);
+        return std::unique_ptr<Instruction>(::new (place) Instruction(&target.text, given, parent));
     }
     static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const SharedName& name, std::string_view value,
                                                     Object* parent, bool isPadded = false) {
@@ -205,6 +225,12 @@ inline bool isExactly<CharData>(const Object& node) {
     return exactClassOf(node) == NodeClass::CharData;
 }
 
+// Whether it is one of the library's own classes of leaves among children.
+inline bool isPlainLeaf(NodeClass exactly) { return exactly >= NodeClass::Comment; }
+
+// Whether the node is a comment or an instruction, which content models and paths pass over.
+inline bool isPassedOver(const Object& node) { return NodeAccess::marks(node).isPassedOver(); }
+
 // The kind of a node, without a call for the library's own classes.
 inline bool isElement(const Object& node) {
     const NodeClass exactly = exactClassOf(node);
@@ -212,7 +238,7 @@ inline bool isElement(const Object& node) {
 }
 inline bool isCharData(const Object& node) {
     const NodeClass exactly = exactClassOf(node);
-    return exactly == NodeClass::CharData || (exactly == NodeClass::Other && node.isCharData());
+    return exactly >= NodeClass::CharData || (exactly == NodeClass::Other && node.isCharData());
 }
 inline bool isAttribute(const Object& node) {
     const NodeClass exactly = exactClassOf(node);

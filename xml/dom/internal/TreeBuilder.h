@@ -90,6 +90,13 @@ public:
         finish(NodeAccess::makeText(memory, text, here, isPadded));
     }
 
+    // Leaves that stand beside text: what is in a section, as CharData holds it; what is in a comment; an instruction.
+    void addSection(std::string_view text) { finish(NodeAccess::makeLeaf<CDataSection>(memory, text, here)); }
+    void addComment(std::string_view text) { finish(NodeAccess::makeLeaf<Comment>(memory, text, here)); }
+    void addInstruction(std::string_view target, std::string_view content) {
+        finish(NodeAccess::makeInstruction(memory, name(target), content, here));
+    }
+
     // Ends the innermost element.
     void end() {
         if (inner.empty()) {
