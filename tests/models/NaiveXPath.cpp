@@ -6,6 +6,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/NodeKind.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -492,6 +493,7 @@ public:
 
 private:
     void GetSelfOf(Object* node) {
+        if (kindOf(*node) == NodeKind::Comment || kindOf(*node) == NodeKind::Instruction) return;
         if (CompliesToKindTest(node)) AddNode(node, list);
     }
 

@@ -2,9 +2,12 @@
 // when nothing is found.
 #include "support/Messages.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/xpath/XPath.h"
 #include "xpath/Queries.h"
@@ -138,6 +141,30 @@ TEST(AxesTest, KnowOfADocumentTypeItselfAndTheDocument) {
         {"no axis leads to it", u"//.", "/ r a 't' b"},
     };
     expectAnswers(dtd, kCases);
+}
+
+TEST(AxesTest, PassOverCommentsAndInstructionsAndTakeSectionsForText) {
+    const Tree tree("<r i='r'><a i='a'><b i='b'/></a></r>");
+    Element* const a = tree["a"];
+    a->insertChild(a->getChild(0), new Comment("a"));
+    a->insertChild(a->getChild(0), new Instruction("a", "b"));
+    a->addChild(new CDataSection("1 < 2"));
+    a->addChild(new Comment("1"));
+    tree.root()->addChild(new Instruction("b", ""));
+    const PathCase kCases[] = {
+        {"children", u"/r/a/node()", "b '1 &lt; 2'"},
+        {"the last", u"/r/a/node()[last()]", "'1 &lt; 2'"},
+        {"texts", u"//text()", "'1 &lt; 2'"},
+        {"all nodes", u"//.", "/ r a b '1 &lt; 2'"},
+        {"all children", u"//*", "r a b '1 &lt; 2'"},
+        {"descendants", u"/descendant::node()", "r a b '1 &lt; 2'"},
+        {"siblings before", u"//text()/preceding-sibling::node()", "b"},
+        {"siblings after", u"//b/following-sibling::node()", "'1 &lt; 2'"},
+        {"none after the last", u"//a/following-sibling::node()", "| 2: following-sibling::node()"},
+        {"all before", u"//text()/preceding::node()", "b"},
+        {"by value", u"//*[. = '1 < 2']", "a '1 &lt; 2'"},
+    };
+    expectAnswers(tree.document(), kCases);
 }
 
 TEST(AxesTest, GiveTheNodesOfSeveralContextsOnceInTheOrderOfTheirFirstDiscovery) {

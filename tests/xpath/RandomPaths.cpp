@@ -3,10 +3,13 @@
 #include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/Entity.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dtd/Dtd.h"
 #include <algorithm>
 #include <initializer_list>
@@ -97,11 +100,30 @@ Element* randomList(Dice& dice) {
     return element;
 }
 
-Element* randomRoot(Dice& dice) {
+// Puts comments, instructions and sections among the children.
+void sprinkle(Dice& dice, Element& element) {
+    for (int i = element.getChildCount(); i >= 0; --i) {
+        Object* const child = element.getChild(i);
+        if (child != nullptr && child->isElement()) sprinkle(dice, *child->toElement());
+        if (!dice.chance(12)) continue;
+        Object* const made = dice.chance(40)   ? static_cast<Object*>(new Comment("1"))
+                             : dice.chance(50) ? static_cast<Object*>(new Instruction("a", "1"))
+                                               : new CDataSection(someText(dice));
+        element.insertChild(child, made);
+    }
+}
+
+Element* randomPlainRoot(Dice& dice) {
     if (dice.chance(20)) return randomChain(dice, 2 + dice.below(6));
     if (dice.chance(20)) return randomList(dice);
     int left = 8 + dice.below(24);
     return randomElement(dice, 0, left, nameOf(dice));
+}
+
+Element* randomRoot(Dice& dice) {
+    Element* const root = randomPlainRoot(dice);
+    if (dice.chance(30)) sprinkle(dice, *root);
+    return root;
 }
 
 void collectNodes(Object* node, std::vector<Object*>& nodes) {

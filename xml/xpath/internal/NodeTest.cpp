@@ -108,6 +108,7 @@ bool NodeTest::decide(const std::string& nodeName) const {
 }
 
 bool NodeTest::acceptsRare(const Object& node) const {
+    if (isPassedOver(node)) return false;
     switch (kind) {
     case KindTest::Text: return isCharData(node);
     case KindTest::Document: return node.isDocument();
