@@ -16,6 +16,16 @@ TEST(CharSpecTest, AcceptsCharacterDataOnly) {
     EXPECT_FALSE(accepts("CHARS", "@")) << "neither element nor character data";
 }
 
+TEST(CharSpecTest, PassesOverCommentsAndInstructions) {
+    EXPECT_TRUE(accepts("CHARS", "# 'text' ? \" #"));
+    EXPECT_FALSE(accepts("CHARS", "# a"));
+    Dtd dtd("test");
+    const NodeList nodes("# \" 'text' ?");
+    EXPECT_TRUE(CharSpec(&dtd).validate(nodes.list()));
+    const char* const kLinks[] = {"#", "'section'*", "'text'*", "?"};
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(linksOf(*nodes.list()[i], {&dtd}), kLinks[i]);
+}
+
 TEST(CharSpecTest, LinksCharacterDataUpToTheFirstThatDoesNotFit) {
     const auto dtd = dtdOf("p: CHARS");
     auto p = elementOf("p('one' 'two')");

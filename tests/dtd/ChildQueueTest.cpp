@@ -24,6 +24,22 @@ TEST(ChildQueueTest, IsEmptyOverNoNodes) {
     EXPECT_EQ(ChildQueue(none).size(), 0U);
 }
 
+TEST(ChildQueueTest, PassesOverCommentsAndInstructions) {
+    const NodeList nodes("# ? a # \" ? ? @ # #");
+    ChildQueue queue(nodes.list());
+    for (const std::size_t place : {2U, 4U, 7U}) {
+        ASSERT_FALSE(queue.empty());
+        EXPECT_EQ(queue.size(), place == 2 ? 3U : place == 4 ? 2U : 1U);
+        EXPECT_EQ(queue.front(), nodes.list()[place]);
+        queue.pop();
+    }
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(queue.size(), 0U);
+    const NodeList none("# ?");
+    EXPECT_TRUE(ChildQueue(none.list()).empty());
+    EXPECT_TRUE(ChildQueue(none.list()) == ChildQueue(none.list()));
+}
+
 TEST(ChildQueueTest, ACopyIsASnapshotThatCanBePutBack) {
     const NodeList nodes("a b c");
     ChildQueue queue(nodes.list());

@@ -146,7 +146,7 @@ public:
 
     NodeValue text() {
         NodeValue made;
-        made.kind = NodeValue::Text;
+        made.kind = random.chance(8) ? NodeValue::Section : NodeValue::Text;
         made.name = std::to_string(++texts);
         return made;
     }
@@ -181,6 +181,11 @@ public:
             }
         }
         if (random.chance(12)) damage(made, dtdValue, depth, room);
+        for (int i = random.chance(15) ? 1 + random.below(3) : 0; i-- > 0;) {
+            NodeValue leaf;
+            leaf.kind = random.chance(50) ? NodeValue::Comment : NodeValue::Instruction;
+            made.insert(made.begin() + random.below(static_cast<int>(made.size()) + 1), leaf);
+        }
         return made;
     }
 

@@ -15,6 +15,13 @@ TEST(EmptySpecTest, AcceptsNoChildrenAndNothingElse) {
     EXPECT_FALSE(accepts("EMPTY", "@"));
 }
 
+TEST(EmptySpecTest, PassesOverCommentsAndInstructions) {
+    EXPECT_TRUE(accepts("EMPTY", "#"));
+    EXPECT_TRUE(accepts("EMPTY", "? # #"));
+    EXPECT_FALSE(accepts("EMPTY", "# a"));
+    EXPECT_FALSE(accepts("EMPTY", "\"")) << "a section is character data";
+}
+
 TEST(EmptySpecTest, LinksNothing) {
     Dtd dtd("test");
     const NodeList nodes("a 'text'");

@@ -44,6 +44,16 @@ TEST(FastValidationTest, AcceptsWhatFitsAtTheFirstTryAndLinksItAsTheMatcherDoes)
         {"a: (b); b: (c); c: (#PCDATA); b@x IMPLIED", "a(b[x=1](c('t')))"},
         {"a: (#PCDATA | b | a)*; b: (c*); c: ANY", "a('t' b(c(u[x=1]('t')) c) a('u' b) 'v')"},
         {"a: (#PCDATA | a)*; a@x IMPLIED", "a('1' a[x=1]('2' a('3')))"},
+        // Comments, instructions and sections.
+        {"a: EMPTY", "a(# ?)"},
+        {"a: EMPTY; a@x IMPLIED", "a(# ?)"},
+        {"a: ANY; a@x IMPLIED", "a(# u(? \"))"},
+        {"a: (#PCDATA)", "a(# 't' \" ?)"},
+        {"a: (#PCDATA); a@x IMPLIED", "a(# 't' \" ?)"},
+        {"a: CHARS; a@x IMPLIED", "a(#)"},
+        {"a: (b, c?, b+); b: EMPTY; c: EMPTY", "a(# b ? c b # b #)"},
+        {"a: (b, c); b: EMPTY; c: EMPTY; a@x IMPLIED", "a(# b(#) ? c)"},
+        {"a: (#PCDATA | b | a)*; b: (c*); c: ANY; b@x IMPLIED", "a('t' # b(c(u[x=1]('t') #) ? c) a(? \" b) #)"},
         // Links of an element around one that has none, around one that has one, and so on.
         {"a: (b); b: (c, c); c: (d?, b?); d: EMPTY; a@x IMPLIED; c@x IMPLIED", "a(b(c(d b(c c)) c(d)))"},
         {"a: (b*); b: (c*); c: (d*); d: (b*); b@x IMPLIED; d@x IMPLIED", "a(b(c(d(b(c(d d)) b)) c) b)"},
@@ -91,6 +101,12 @@ TEST(FastValidationTest, GivesUpWhereSomethingDoesNotFit) {
         {"a: (b*); b: (c*); c: (#PCDATA | b)*; a@x IMPLIED; b@x IMPLIED", "a(b(c('t' b(c)) c('u' u)))"},
         {"a: (b*); b: (c*); c: EMPTY; a@x IMPLIED; b@x REQUIRED", "a(b[x=1](c c) b(c))"},
         {"a: CHARS", "a('t' b)"},
+        {"a: CHARS", "a(# b)"},
+        {"a: EMPTY", "a(# 't')"},
+        {"a: EMPTY", "a(# \")"},
+        {"a: (b, c); b: EMPTY; c: EMPTY", "a(# b ? c \")"},
+        {"a: (b, c); b: EMPTY; c: EMPTY", "a(# b ?)"},
+        {"a: (#PCDATA | b)*; b: (#PCDATA)", "a(# b('t' @) ?)"},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(std::string(c.dtd) + " over " + c.tree);

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Entity.h"
 #include "xml/dtd/AttStringType.h"
 #include <utility>
@@ -128,6 +129,15 @@ std::string EditingWorld::operate() {
         }
     }
     if (dice.chance(6)) return editDocument();
+    if (dice.chance(3)) {
+        if (ModelNode* comment = randomNode(Kind::Comment)) {
+            operation = "setText";
+            const std::string& value = dice.pick(kTexts);
+            static_cast<Comment*>(comment->real)->setText(value);
+            comment->setComment(value);
+            return "";
+        }
+    }
     if (dice.chance(10)) {
         if (ModelNode* text = randomNode(Kind::Text)) {
             CharData& data = *text->real->toCharData();
@@ -184,6 +194,12 @@ std::string EditingWorld::editElement(ModelNode& model, Element& element) {
     case 6: {
         operation = "addChild of text";
         const std::string& text = dice.pick(kTexts);
+        if (dice.chance(30)) {
+            operation = "addChild of a comment";
+            element.addChild(new Comment(text));
+            model.addChild(ModelNode::comment(text));
+            return "";
+        }
         element.addChild(new CharData(DataHolder(text)));
         model.addChild(ModelNode::text(text));
         return "";

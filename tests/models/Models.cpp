@@ -2,7 +2,10 @@
 
 #include "support/NodeTestAccess.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/AttStringType.h"
 #include "xml/dtd/CharSpec.h"
@@ -108,11 +111,18 @@ std::vector<NodeValue> scanNodes(Scanner& scanner) {
                 scanner.advance();
             }
             scanner.advance();
+        } else if (scanner.take('"')) {
+            node.kind = NodeValue::Section;
+            node.name = "section";
+        } else if (scanner.take('#')) {
+            node.kind = NodeValue::Comment;
+        } else if (scanner.take('?')) {
+            node.kind = NodeValue::Instruction;
         } else if (scanner.take('@')) {
             node.kind = NodeValue::Other;
         } else {
             if (!scanner.take('!')) {
-                node.name = scanner.until(" [(')@!");
+                node.name = scanner.until(" [(')@!#?\"");
                 if (node.name.empty()) scanner.fail();
             }
             if (scanner.next() == '[') {
@@ -169,7 +179,11 @@ void appendLinks(const Object& node, const std::vector<const Dtd*>& dtds, std::s
         }
         return markOf(3);
     };
-    if (node.isCharData()) {
+    if (dynamic_cast<const Comment*>(&node) != nullptr) {
+        text += std::string("#") + mark(node);
+    } else if (dynamic_cast<const Instruction*>(&node) != nullptr) {
+        text += std::string("?") + mark(node);
+    } else if (node.isCharData()) {
         text += "'" + node.toCharData()->data() + "'" + mark(node);
     } else if (const auto* element = dynamic_cast<const Element*>(&node)) {
         text += (element->getName().empty() ? "!" : element->getName()) + mark(node);
@@ -195,8 +209,10 @@ void appendLinks(const Object& node, const std::vector<const Dtd*>& dtds, std::s
 }
 
 void appendLinks(const NodeValue& node, std::string& text) {
-    if (node.kind == NodeValue::Text) {
+    if (node.isText()) {
         text += "'" + node.name + "'" + markOf(node.link);
+    } else if (node.isPassedOver()) {
+        text += (node.kind == NodeValue::Comment ? "#" : "?") + std::string(markOf(node.link));
     } else if (node.kind == NodeValue::Other) {
         text += std::string("@") + markOf(node.link);
     } else {
@@ -353,6 +369,12 @@ Object* makeNode(const NodeValue& node) {
     Object* made = nullptr;
     if (node.kind == NodeValue::Text) {
         made = new CharData(node.name);
+    } else if (node.kind == NodeValue::Section) {
+        made = new CDataSection(node.name);
+    } else if (node.kind == NodeValue::Comment) {
+        made = new Comment("comment");
+    } else if (node.kind == NodeValue::Instruction) {
+        made = new Instruction("go", "there");
     } else if (node.kind == NodeValue::Other) {
         made = new Attribute("attribute", "in the place of a child");
     } else {

@@ -63,7 +63,10 @@ struct DtdValue {
 constexpr int kNoLink = -1;
 
 struct NodeValue {
-    enum Kind { ElementNode, Text, Other };
+    enum Kind { ElementNode, Text, Section, Comment, Instruction, Other };
+
+    bool isText() const { return kind == Text || kind == Section; }
+    bool isPassedOver() const { return kind == Comment || kind == Instruction; }
 
     Kind kind = ElementNode;
     std::string name;                       // of elements; the text of character data
@@ -83,8 +86,8 @@ ModelValue modelOf(const std::string& text);
 // "a: (b, c?); b: EMPTY; a@x REQUIRED; a@y DEFAULT value".
 DtdValue dtdValueOf(const std::string& text);
 
-// "a[x=1 y=2](b 'text') c": elements with attributes and children, and text. "!" is an element with an empty name, "@"
-// an attribute in the place of a child.
+// "a[x=1 y=2](b 'text' c)": elements with attributes and children, and text; "\"" is a section, "#" a comment, "?" an
+// instruction, "!" an element with an empty name, "@" an attribute in the place of a child.
 std::vector<NodeValue> nodesOf(const std::string& text);
 
 using Dtds = std::vector<Dtd*>;

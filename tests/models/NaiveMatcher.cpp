@@ -33,7 +33,9 @@ void NaiveMatcher::step() {
 
 NaiveMatcher::Queue NaiveMatcher::queueOf(std::vector<NodeValue>& nodes) {
     Queue queue;
-    for (NodeValue& node : nodes) queue.push_back(&node);
+    for (NodeValue& node : nodes) {
+        if (!node.isPassedOver()) queue.push_back(&node);
+    }
     return queue;
 }
 
@@ -65,23 +67,23 @@ bool NaiveMatcher::validateElement(std::size_t dtd, NodeValue& element) {
 bool NaiveMatcher::validateModel(const ModelValue& model, std::vector<NodeValue>& children) {
     step();
     switch (model.kind) {
-    case ModelValue::Empty: return children.empty();
+    case ModelValue::Empty: return queueOf(children).empty();
     case ModelValue::Any: return true;
     case ModelValue::Chars:
-        for (NodeValue& child : children) {
-            if (child.kind != NodeValue::Text) return false;
-            setLink(child, static_cast<int>(model.dtd));
+        for (NodeValue* child : queueOf(children)) {
+            if (!child->isText()) return false;
+            setLink(*child, static_cast<int>(model.dtd));
         }
         return true;
     case ModelValue::Mixed:
-        for (NodeValue& child : children) {
-            if (child.kind != NodeValue::ElementNode) {
-                if (child.kind != NodeValue::Text) return false;
+        for (NodeValue* child : queueOf(children)) {
+            if (child->kind != NodeValue::ElementNode) {
+                if (!child->isText()) return false;
             } else {
-                if (std::count(model.names.begin(), model.names.end(), child.name) == 0) return false;
-                if (!validateElement(model.dtd, child)) return false;
+                if (std::count(model.names.begin(), model.names.end(), child->name) == 0) return false;
+                if (!validateElement(model.dtd, *child)) return false;
             }
-            setLink(child, static_cast<int>(model.dtd));
+            setLink(*child, static_cast<int>(model.dtd));
         }
         return true;
     case ModelValue::Children: {
@@ -90,7 +92,7 @@ bool NaiveMatcher::validateModel(const ModelValue& model, std::vector<NodeValue>
     }
     case ModelValue::Own:
         ownLog.entries.emplace_back(model.ownName, objectsOf(queueOf(children)));
-        return model.ownRule == 0 || (model.ownRule == 2 && children.size() % 2 == 0);
+        return model.ownRule == 0 || (model.ownRule == 2 && queueOf(children).size() % 2 == 0);
     }
     return false;
 }
@@ -135,7 +137,7 @@ bool NaiveMatcher::validateParticle(const ParticleValue& particle, Queue& queue)
         }
         if (!particle.charData) return false;
         if (queue.empty()) return true;
-        if (queue.front()->kind != NodeValue::Text) return false;
+        if (!queue.front()->isText()) return false;
         queue.pop_front();
         return true;
     case ParticleValue::Own:

@@ -77,6 +77,12 @@ std::unique_ptr<ModelNode> ModelNode::text(const std::string& text) {
     return node;
 }
 
+std::unique_ptr<ModelNode> ModelNode::comment(const std::string& text) {
+    auto node = std::make_unique<ModelNode>(Kind::Comment);
+    node->data = text;
+    return node;
+}
+
 void ModelNode::touch() {
     for (ModelNode* node = this; node != nullptr; node = node->parent) {
         node->dirty = true;
@@ -95,7 +101,7 @@ std::unique_ptr<ModelNode> ModelNode::clone() const {
     auto copy = std::make_unique<ModelNode>(kind);
     copy->name = name;
     copy->data = data;
-    if (isText()) copy->link = link;
+    if (isText() || isComment()) copy->link = link;
     for (const auto& [key, attribute] : attributes) {
         copy->attributes[key] = Attribute{attribute.value, attribute.link, !key.empty(), nullptr};
     }
@@ -188,6 +194,11 @@ void ModelNode::setData(const std::string& newText) {
     touch();
 }
 
+void ModelNode::setComment(const std::string& newText) {
+    data = newText;
+    touch();
+}
+
 const ModelNode* ModelNode::getElement(int n) const {
     return getElement([](const ModelNode&) { return true; }, n);
 }
@@ -276,6 +287,11 @@ void ModelNode::write(NaiveSink& out) {
         out.putRaw(data);
         return;
     }
+    if (isComment()) {
+        out.put("<!--");
+        out.putRaw(data + "-->");
+        return;
+    }
     if (kind == Kind::Document) {
         out.put("<?xml version = \"1.0\" ?>\n");
         if (dtd.real != nullptr) {
@@ -312,7 +328,10 @@ void ModelNode::write(NaiveSink& out) {
 }
 
 std::string ModelNode::difference(const Object& node) {
-    const std::string label = isText() ? "'" + data + "'" : isElement() ? "<" + startTag() + ">" : "document";
+    const std::string label = isText()      ? "'" + data + "'"
+                              : isComment() ? "<!--" + data + "-->"
+                              : isElement() ? "<" + startTag() + ">"
+                                            : "document";
     auto differs = [&label](const std::string& what, auto model, auto library) {
         std::ostringstream text;
         text << label << ": " << what << " should be " << model << ", is " << library;
@@ -331,6 +350,7 @@ std::string ModelNode::difference(const Object& node) {
     const Object* parentNode = parent != nullptr ? parent->real : nullptr;
     if (node.getParent() != parentNode) return differs("parent", parentNode, node.getParent());
 
+    if (isComment()) return dump(&node) == label ? "" : differs("comment", label, dump(&node));
     if (isText()) {
         const std::string& held = node.toCharData()->data();
         return held == data ? "" : differs("text", data, held);

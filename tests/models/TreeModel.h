@@ -26,7 +26,7 @@ using FactsByDtd = std::map<const Dtd*, DtdFacts>;
 // Operations carry the names of the library's. Diagnostics that the library should issue are appended to `messages`.
 class ModelNode {
 public:
-    enum class Kind { Text, Element, Document };
+    enum class Kind { Text, Comment, Element, Document };
 
     struct Attribute {
         std::string value;
@@ -51,9 +51,11 @@ public:
     static std::unique_ptr<ModelNode> element(const std::string& name);
     static std::unique_ptr<ModelNode> element(const std::string& name, const std::string& text);
     static std::unique_ptr<ModelNode> text(const std::string& text);
+    static std::unique_ptr<ModelNode> comment(const std::string& text);
 
     bool isElement() const { return kind == Kind::Element; }
     bool isText() const { return kind == Kind::Text; }
+    bool isComment() const { return kind == Kind::Comment; }
 
     void touch();
     void setDtd(const Dtd* dtd);
@@ -71,6 +73,7 @@ public:
     void touchAttribute(const std::string& attribute);
     void setCharData(const std::string& newText);
     void setData(const std::string& newText);
+    void setComment(const std::string& newText);
 
     const ModelNode* getElement(int n) const;
     const ModelNode* getElement(const Wanted& wanted, int n) const;
@@ -95,7 +98,7 @@ public:
     std::string name;
     std::map<std::string, Attribute> attributes;
     std::vector<std::unique_ptr<ModelNode>> children;  // a document's root is its only child
-    std::string data;                                  // of a text: as it is held
+    std::string data;                                  // of a text: as it is held; of a comment
     OwnedDtd dtd;                                      // of a document
     const Dtd* link = nullptr;
     bool dirty = true;

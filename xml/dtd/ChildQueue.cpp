@@ -1,8 +1,27 @@
 #include "xml/dtd/ChildQueue.h"
 
+#include "xml/dom/internal/NodeAccess.h"
+#include <algorithm>
+
 namespace Xml {
 
 ChildQueue::ChildQueue(const std::vector<Object*>& children)
-    : head(children.data()), end(children.data() + children.size()) {}
+    : ChildQueue(children.data(), children.data() + children.size()) {}
+
+ChildQueue::ChildQueue(Object* const* begin, Object* const* end)
+    : head(begin),
+      waiting(static_cast<std::size_t>(
+          std::count_if(begin, end, [](const Object* node) { return !isPassedOver(*node); }))) {
+    if (waiting > 0) skip();
+}
+
+void ChildQueue::pop() {
+    ++head;
+    if (--waiting > 0) skip();
+}
+
+void ChildQueue::skip() {
+    while (isPassedOver(**head)) ++head;
+}
 
 }  // namespace Xml

@@ -1,12 +1,15 @@
 #include "xml/dtd/EmptySpec.h"
 
+#include "xml/dtd/internal/PlainModels.h"
 #include "xml/stream/OutStream.h"
 
 namespace Xml {
 
 EmptySpec::EmptySpec(Dtd* itsDtd) : ContentSpec(itsDtd) {}
 
-bool EmptySpec::validate(const std::vector<Object*>& children) const { return children.empty(); }
+bool EmptySpec::validate(const std::vector<Object*>& children) const {
+    return isEmptyContent({children.data(), children.data() + children.size()});
+}
 
 void EmptySpec::toStream(OutStream& out) const { out << "EMPTY"; }
 

@@ -41,7 +41,8 @@ inline bool FastValidation::takeChild(Object& child) {
     Place& place = open.back();
     const NodeClass exactly = exactClassOf(child);
     if (exactly != NodeClass::Element) {
-        if (exactly != NodeClass::CharData || !place.isMixed) return false;
+        if (exactly < NodeClass::CharData) return passOver(child, place.link);
+        if (!place.isMixed) return false;
         NodeAccess::setOwnDtd(child, &dtd);
         return true;
     }
@@ -53,6 +54,13 @@ inline bool FastValidation::takeChild(Object& child) {
     place.state = found.next;
     if (place.isMixed) return begin(element, *found.type, Link::Itself);
     return begin(element, *found.type, place.link == Link::None ? Link::None : Link::Waits);
+}
+
+// A comment or an instruction has no link but that of the element around it. False for a node of a caller's class.
+bool FastValidation::passOver(Object& child, Link link) {
+    if (!isPlainLeaf(exactClassOf(child))) return false;
+    if (link != Link::None) waiting.push_back(&child);
+    return true;
 }
 
 // The attributes are looked at first, while they are near. The Matcher looks at them after the content, but where they
@@ -80,7 +88,7 @@ bool FastValidation::beginContent(Element& element, const ElementType& type, Lin
         if (link != Link::None && !letAllWait(element)) return false;
         break;
     case Content::Text:
-        if (!takeTexts(children)) return false;
+        if (!takeTexts(children, link)) return false;
         break;
     case Content::Elements:
     case Content::Mixed:
@@ -92,10 +100,13 @@ bool FastValidation::beginContent(Element& element, const ElementType& type, Lin
     return true;
 }
 
-bool FastValidation::takeTexts(NodeSpan children) {
+bool FastValidation::takeTexts(NodeSpan children, Link link) {
     for (Object* const child : children) {
-        if (exactClassOf(*child) != NodeClass::CharData) return false;
-        NodeAccess::setOwnDtd(*child, &dtd);
+        if (exactClassOf(*child) >= NodeClass::CharData) {
+            NodeAccess::setOwnDtd(*child, &dtd);
+        } else if (!passOver(*child, link)) {
+            return false;
+        }
     }
     return true;
 }
@@ -139,7 +150,7 @@ bool FastValidation::letAllWait(const Element& top) {
         const NodeClass exactly = exactClassOf(*node);
         if (exactly == NodeClass::Element) {
             walk.enter(static_cast<const Element&>(*node));
-        } else if (exactly != NodeClass::CharData) {
+        } else if (!isPlainLeaf(exactly)) {
             return false;
         }
         waiting.push_back(node);

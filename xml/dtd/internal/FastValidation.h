@@ -61,7 +61,8 @@ private:
     bool begin(Element& element, const ElementType& type, Link fromAround);
     bool beginContent(Element& element, const ElementType& type, Link link);
     bool attributesFit(AttributeSpan attributes, const DtdAccess::AttributeList& list);
-    bool takeTexts(NodeSpan children);
+    bool takeTexts(NodeSpan children, Link link);
+    bool passOver(Object& child, Link link);
     void end(Element& element, Link link, std::size_t firstWaiting);
     bool letAllWait(const Element& top);
     void link(Object& node);

@@ -123,11 +123,11 @@ bool Matcher::beginElement(const Dtd* dtd, Element& element) {
 
 // A model that has no steps of its own here: one of the library's plain ones, or a caller's.
 bool Matcher::matchPlain(const ContentSpec& model, NodeSpan children) {
-    if (isExactlySpec<EmptySpec>(model)) return children.empty();
+    if (isExactlySpec<EmptySpec>(model)) return isEmptyContent(children);
     if (isExactlySpec<AnySpec>(model)) return true;
     if (isExactlySpec<CharSpec>(model)) return matchCharData(children, SpecAccess::dtd(model));
     verdicts.noteCallersCode();
-    return model.validate(std::vector<Object*>(children.begin(), children.end()));
+    return model.validate(contentOf(children));
 }
 
 void Matcher::resumeElement() {
