@@ -22,6 +22,7 @@ Attribute::Attribute(const Attribute& other) : Attribute() {
     NodeAccess::setOwnDtd(*this, NodeAccess::dtd(other));
     name.set(other.getName());
     NodeAccess::ownText(*this) = NodeAccess::text(other);
+    NodeAccess::copyTagMarks(other, *this);
 }
 
 Attribute::~Attribute() { value.dispose(NodeAccess::marks(*this)); }
@@ -32,6 +33,7 @@ const DataHolder& Attribute::getValue() const { return value.string(*this, NodeA
 
 void Attribute::setValue(const DataHolder& newValue) {
     value.assign(*this, NodeAccess::marks(*this), DataHolder(newValue));
+    NodeAccess::setSupplied(*this, false);
 }
 
 bool Attribute::isOk() const { return !getName().empty(); }

@@ -32,11 +32,23 @@ void Attributes::set(std::unique_ptr<Attribute> attribute) {
     const std::size_t place = placeOf(attribute->getName());
     if (isAt(place, attribute->getName())) {
         const std::unique_ptr<Attribute> before(sorted[place]);
+        NodeAccess::setOrder(*attribute, NodeAccess::order(*before));
         sorted.set(place, attribute.release());
     } else {
         sorted.insert(place, attribute.get());
-        attribute.release();
+        putLastInTag(*attribute.release());
     }
+}
+
+// The next order is noted beside the attributes, where there is room for it. Elsewhere they are few and are looked at.
+void Attributes::putLastInTag(const Attribute& attribute) const {
+    std::uint64_t* const noted = sorted.note();
+    std::uint64_t next = noted != nullptr ? *noted : 0;
+    if (next == 0) {
+        for (const Attribute* const each : sorted.span()) next = std::max(next, NodeAccess::order(*each) + 1);
+    }
+    NodeAccess::setOrder(attribute, std::min(next, Marks::kMostNumber));
+    if (noted != nullptr) *noted = next + 1;
 }
 
 bool Attributes::remove(const std::string& name) {

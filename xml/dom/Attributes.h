@@ -37,8 +37,8 @@ public:
     // The attribute of that name; null without one. O(log n).
     Attribute* find(const std::string& name) const;
 
-    // Puts the attribute where its name belongs; one of that name is deleted. Where memory runs out nothing has
-    // changed, but that the attribute is deleted.
+    // Puts the attribute where its name belongs. In the tag it is the last, or takes the place of the one of that name,
+    // which is deleted. Where memory runs out nothing has changed, but that the attribute is deleted.
     void set(std::unique_ptr<Attribute> attribute);
 
     // Whether there was one of that name.
@@ -61,6 +61,7 @@ public:
 private:
     std::size_t placeOf(const std::string& name) const;
     bool isAt(std::size_t place, const std::string& name) const;
+    void putLastInTag(const Attribute& attribute) const;
 
     NodeArray<Attribute> sorted;
 };

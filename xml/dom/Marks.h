@@ -61,7 +61,7 @@ public:
     bool hasAsideText() const { return (noted & kAsideText) != 0; }
     void setAsideText(bool has) const { put(noted, kAsideText, has); }
 
-    // A number that is the affair of what works on the tree, of an element validation's; of 40 bits.
+    // A number of 40 bits: of an element the affair of validation, of an attribute the order in its tag.
     static constexpr std::uint64_t kMostNumber = (std::uint64_t{1} << 40) - 1;
     std::uint64_t number() const { return std::uint64_t{upperNumber} << 32 | lowerNumber; }
     void setNumber(std::uint64_t number) const {
@@ -81,6 +81,10 @@ public:
     // Whether it is a comment or an instruction: what looks at content passes over it.
     bool isPassedOver() const { return (fixed & kPassedOver) != 0; }
 
+    // Whether an attribute was supplied by the document type.
+    bool isSupplied() const { return (fixed & kSupplied) != 0; }
+    void setSupplied(bool is) { put(fixed, kSupplied, is); }
+
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return (fixed & kEdited) != 0; }
     void setEdited() { put(fixed, kEdited, true); }
@@ -89,9 +93,9 @@ public:
 
 private:
     using Flags = std::uint8_t;
-    static constexpr Flags kDirty = 1, kAsideText = 2;           // of `noted`
-    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4;  // of `fixed`; what is lent is the text
-    static constexpr unsigned kLeafKindShift = 6;                // its upper bits are the kind of a leaf
+    static constexpr Flags kDirty = 1, kAsideText = 2;                          // of `noted`
+    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4, kSupplied = 8;  // of `fixed`; the text is what is lent
+    static constexpr unsigned kLeafKindShift = 6;                               // its upper bits are the kind of a leaf
     static constexpr Flags kPassedOver = static_cast<unsigned>(LeafKind::Comment) << kLeafKindShift;
     static_assert((static_cast<unsigned>(LeafKind::Instruction) & static_cast<unsigned>(LeafKind::Comment)) != 0,
                   "one bit of the kind says comment or instruction");

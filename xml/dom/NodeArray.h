@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
 
 namespace Xml::internal {
 
@@ -59,6 +60,10 @@ public:
     // A place below size().
     Node* operator[](std::size_t place) const { return isBlock() ? block().nodes()[place] : word; }
     void set(std::size_t place, Node* node) { (isBlock() ? block().nodes() : &word)[place] = node; }
+
+    // A number beside the nodes, of the array of attributes where its block is in the heap: 0 at first, kept while
+    // nodes come and go. Null elsewhere.
+    std::uint64_t* note() const { return kHasNote && isBlock() && !block().isLent ? noteOf(block()) : nullptr; }
 
     // Room for so many, and for one more than there are: adding these cannot fail then.
     void reserve(std::size_t count) {
@@ -140,6 +145,12 @@ private:
     static_assert(sizeof(Block) % alignof(Node*) == 0, "the pointers follow the block");
 
     static constexpr std::uintptr_t kBlockBit = 1;
+    static constexpr bool kHasNote = std::is_same_v<Node, Attribute>;
+
+    // After the room for the nodes.
+    static std::uint64_t* noteOf(Block& block) {
+        return reinterpret_cast<std::uint64_t*>(block.nodes() + block.capacity);
+    }
 
     static Block* makeBlock(void* memory, std::size_t capacity, bool isLent) {
         constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
@@ -153,7 +164,9 @@ private:
 
     void grow(std::size_t count) {
         if (count > std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
-        Block* const made = makeBlock(::operator new(bytesFor(count)), count, false);
+        Block* const made =
+            makeBlock(::operator new(bytesFor(count) + (kHasNote ? sizeof(std::uint64_t) : 0)), count, false);
+        if (kHasNote) *noteOf(*made) = note() != nullptr ? *note() : 0;
         const SpanOf<Node> before = span();
         made->size = static_cast<std::uint32_t>(before.size());
         std::memcpy(made->nodes(), before.begin(), before.size() * sizeof(Node*));

@@ -20,4 +20,6 @@ NodeKind kindOf(const Object& node) {
     return node.isDtd() ? NodeKind::Dtd : NodeKind::Other;
 }
 
+bool isDefault(const Attribute& attribute) { return NodeAccess::isSupplied(attribute); }
+
 }  // namespace Xml

@@ -127,8 +127,10 @@ private:
     }
     std::unique_ptr<Attribute> copyOf(const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);
-        return NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)), NodeAccess::text(from),
-                                         nullptr);
+        std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)),
+                                                                    NodeAccess::text(from), nullptr);
+        NodeAccess::copyTagMarks(from, *made);
+        return made;
     }
     const SharedName& sharedName(const std::string& name) { return memory->names.find(name, memory->nodes); }
 

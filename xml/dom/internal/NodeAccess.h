@@ -22,6 +22,7 @@
 namespace Xml {
 
 class Document;
+struct Prolog;
 
 // What the parse of large documents costs is the memory that it fills.
 static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
@@ -49,6 +50,18 @@ struct NodeAccess {
     static bool sharesName(const Attribute& attribute) { return attribute.name.isShared(); }
     static NodeSpan children(const Element& element) { return element.children.span(); }
     static AttributeSpan attributes(const Element& element) { return element.attributes.span(); }
+
+    // --- What an attribute is in its tag: where it stands, the least order first, and by name where that is the same;
+    // whether the document type supplied it ---
+
+    static std::uint64_t order(const Attribute& attribute) { return attribute.marks.number(); }
+    static void setOrder(const Attribute& attribute, std::uint64_t order) { attribute.marks.setNumber(order); }
+    static bool isSupplied(const Attribute& attribute) { return attribute.marks.isSupplied(); }
+    static void setSupplied(Attribute& attribute, bool is) { attribute.marks.setSupplied(is); }
+    static void copyTagMarks(const Attribute& from, Attribute& to) {
+        setOrder(to, order(from));
+        setSupplied(to, isSupplied(from));
+    }
 
     // --- Texts: bytes, which are good until the text changes ---
 
@@ -137,6 +150,10 @@ struct NodeAccess {
 
     // A document around a tree that was read, without a Dtd: nothing in it links to one.
     static std::unique_ptr<Document> makeDocument(std::unique_ptr<Element> root);
+
+    // What stands around the root, null until it is first asked for.
+    static std::unique_ptr<Prolog>& prolog(Document& document);
+    static const Prolog* prolog(const Document& document);
 
     // --- For this folder ---
 
