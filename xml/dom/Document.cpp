@@ -1,6 +1,7 @@
 #include "xml/dom/Document.h"
 
 #include "xml/dom/Element.h"
+#include "xml/dom/Prolog.h"
 #include "xml/dom/internal/Copying.h"
 #include "xml/dom/internal/Linking.h"
 #include "xml/dom/internal/NodeAccess.h"
@@ -9,6 +10,17 @@
 #include <utility>
 
 namespace Xml {
+
+namespace {
+
+void writeLines(const std::vector<std::unique_ptr<Object>>& nodes, OutStream& out) {
+    for (const auto& node : nodes) {
+        node->toStream(out);
+        out << '\n';
+    }
+}
+
+}  // namespace
 
 const char* const _xmlHeader = "<?xml version = \"1.0\" ?>";
 
@@ -39,6 +51,9 @@ std::unique_ptr<Document> NodeAccess::makeDocument(std::unique_ptr<Element> root
     return document;
 }
 
+std::unique_ptr<Prolog>& NodeAccess::prolog(Document& document) { return document.prolog; }
+const Prolog* NodeAccess::prolog(const Document& document) { return document.prolog.get(); }
+
 // The copy's own link stays null: the one of the other leads to the other's Dtd, which may go first. Where there is no
 // Dtd, and nothing in the copy of the root has a link, the tree need not be walked to take links away.
 Document::Document(const Document& other) : Document(nullptr, nullptr) {
@@ -55,6 +70,7 @@ Document::Document(const Document& other) : Document(nullptr, nullptr) {
         dtd->setParent(this);
     }
     if (root != nullptr && !(isUnlinked && dtd == nullptr)) root->setDtd(dtd.get());
+    if (other.prolog != nullptr) prolog = std::make_unique<Prolog>(*other.prolog);
 }
 
 // Root first, and while all members are there: destructors of callers' nodes may ask the document.
@@ -146,9 +162,12 @@ bool Document::isDocument() const { return true; }
 
 void Document::write(OutStream& out) const {
     out << _xmlHeader << '\n';
+    if (prolog != nullptr) writeLines(prolog->beforeDoctype, out);
     if (dtd != nullptr) dtd->toStream(out);
+    if (prolog != nullptr) writeLines(prolog->beforeRoot, out);
     if (root != nullptr) root->toStream(out);
     out << '\n';
+    if (prolog != nullptr) writeLines(prolog->afterRoot, out);
 }
 
 }  // namespace Xml

@@ -10,6 +10,7 @@ namespace Xml {
 
 class Dtd;
 class Element;
+struct Prolog;
 
 // The XML declaration that every document is written with.
 ORVXML_API extern const char* const _xmlHeader;
@@ -27,7 +28,7 @@ public:
     Document(Element* root, Dtd* dtd);
 
     // Copies the root, then the Dtd; the tree of the copy links to the copy's Dtd. The document node's own link starts
-    // null.
+    // null. What stands around the root (see Prolog) is copied too.
     Document(const Document& other);
     ~Document() override;
 
@@ -67,6 +68,7 @@ private:
 
     std::unique_ptr<Dtd> dtd;
     std::unique_ptr<Element> root;
+    std::unique_ptr<Prolog> prolog;             // made when first asked for
     mutable std::unique_ptr<std::string> text;  // of toString, made when first asked for
 };
 
