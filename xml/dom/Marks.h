@@ -57,9 +57,13 @@ public:
 
     TextPlace textPlace() const { return (fixed & kLent) != 0 ? TextPlace::Lent : TextPlace::Own; }
 
-    // Whether a text of the node is kept aside (see AsideTexts).
-    bool hasAsideText() const { return (noted & kAsideText) != 0; }
-    void setAsideText(bool has) const { put(noted, kAsideText, has); }
+    // Whether something of the node is kept aside (see AsideTexts, AsidePlaces).
+    bool isAside() const { return (noted & kAside) != 0; }
+    void setAside() const { put(noted, kAside, true); }
+
+    // Whether it is known where the node was read.
+    bool isPlaced() const { return (fixed & kPlaced) != 0; }
+    void setPlaced() { put(fixed, kPlaced, true); }
 
     // A number of 40 bits: of an element the affair of validation, of an attribute the order in its tag.
     static constexpr std::uint64_t kMostNumber = (std::uint64_t{1} << 40) - 1;
@@ -93,9 +97,10 @@ public:
 
 private:
     using Flags = std::uint8_t;
-    static constexpr Flags kDirty = 1, kAsideText = 2;                          // of `noted`
-    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4, kSupplied = 8;  // of `fixed`; the text is what is lent
-    static constexpr unsigned kLeafKindShift = 6;                               // its upper bits are the kind of a leaf
+    static constexpr Flags kDirty = 1, kAside = 2;  // of `noted`
+    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4, kSupplied = 8,
+                           kPlaced = 16;           // of `fixed`; the text is what is lent
+    static constexpr unsigned kLeafKindShift = 6;  // its upper bits are the kind of a leaf
     static constexpr Flags kPassedOver = static_cast<unsigned>(LeafKind::Comment) << kLeafKindShift;
     static_assert((static_cast<unsigned>(LeafKind::Instruction) & static_cast<unsigned>(LeafKind::Comment)) != 0,
                   "one bit of the kind says comment or instruction");

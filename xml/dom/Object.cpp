@@ -4,6 +4,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/internal/AsidePlaces.h"
 #include "xml/dom/internal/AsideTexts.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/Rewriting.h"
@@ -32,20 +33,6 @@ bool writesBytesOnly(const Object& node) {
     return exactClassOf(node) != NodeClass::Other || typeid(node) == typeid(Document);
 }
 
-// The marks with what is to come: a kind of node, whether the document type supplied it. The number of an attribute
-// will be its place in its tag.
-struct MarksToCome {
-    ExactClass exactClass;
-    std::uint8_t dirty : 1, asideText : 1, : 0;
-    std::uint8_t edited : 1, lent : 1, inSlab : 1, supplied : 1, kind : 4;
-    std::uint8_t upperNumber;
-    std::uint32_t lowerNumber;
-    std::int32_t start;
-    std::int32_t end;
-    const Dtd* link;
-};
-static_assert(sizeof(Marks) == sizeof(MarksToCome), "a node has no room left for what is to come");
-
 }  // namespace
 
 bool Object::useRWOptimization = false;
@@ -55,7 +42,9 @@ Object::Object() = default;
 Object::Object(const Object& other) : marks(other.marks) {}
 
 Object::~Object() {
-    if (marks.hasAsideText()) AsideTexts::drop(*this);
+    if (!marks.isAside()) return;
+    AsideTexts::drop(*this);
+    AsidePlaces::drop(*this);
 }
 
 void* Object::operator new(std::size_t size) { return ::operator new(size); }

@@ -122,21 +122,22 @@ public:
     // The most bytes that belong to one thing in a slab, so that little is left over at its end.
     static constexpr std::size_t kMostBytes = 1024;
 
-    // Room for a node, and in the same slab for bytes of it, at most kMostBytes.
+    // Room for a node, and in the same slab for bytes of it, at most kMostBytes; and right before the node for as many
+    // more, a multiple of 16.
     struct Room {
         void* node;
         char* bytes;
     };
     template <class Node>
-    Room takeNode(std::size_t byteCount = 0) {
+    Room takeNode(std::size_t byteCount = 0, std::size_t before = 0) {
         constexpr std::size_t size = (sizeof(Node) + 15) / 16 * 16;  // the next node has to be at 8 modulo 16 again
         Part& part = partFor<Node>();
-        if (part.left() < size + byteCount) addSlab(part);
-        Room room{part.low, part.high - byteCount};
-        part.low += size;
+        if (part.left() < before + size + byteCount) addSlab(part);
+        Room room{part.low + before, part.high - byteCount};
+        part.low += before + size;
         part.high -= byteCount;
         ++part.count;
-        Slab::allow(room.node, size);
+        Slab::allow(part.low - size - before, before + size);
         Slab::allow(room.bytes, byteCount);
         return room;
     }

@@ -107,7 +107,7 @@ private:
     }
     std::unique_ptr<CharData> copyOf(const CharData& from) {
         if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
-        return NodeAccess::makeText(memory->nodes, NodeAccess::text(from), nullptr);
+        return NodeAccess::makeText(memory->nodes, NodeAccess::text(from), nullptr, false);
     }
     static std::unique_ptr<Object> clone(const Object& from) { return std::unique_ptr<Object>(from.clone()); }
 
@@ -115,11 +115,11 @@ private:
     std::unique_ptr<Object> copyOfRare(const Object& from, NodeClass exactly) {
         if (exactly == NodeClass::Comment) {
             const auto& comment = static_cast<const Comment&>(from);
-            return NodeAccess::makeLeaf<Comment>(memory->nodes, NodeAccess::text(comment), nullptr);
+            return NodeAccess::makeLeaf<Comment>(memory->nodes, NodeAccess::text(comment), nullptr, false);
         }
         if (exactly == NodeClass::CDataSection) {
             const auto& section = static_cast<const CDataSection&>(from);
-            return NodeAccess::makeLeaf<CDataSection>(memory->nodes, NodeAccess::text(section), nullptr);
+            return NodeAccess::makeLeaf<CDataSection>(memory->nodes, NodeAccess::text(section), nullptr, false);
         }
         const auto& instruction = static_cast<const Instruction&>(from);
         return NodeAccess::makeInstruction(memory->nodes, sharedName(instruction.getTarget()),
@@ -128,7 +128,7 @@ private:
     std::unique_ptr<Attribute> copyOf(const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);
         std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)),
-                                                                    NodeAccess::text(from), nullptr);
+                                                                    NodeAccess::text(from), nullptr, false);
         NodeAccess::copyTagMarks(from, *made);
         return made;
     }

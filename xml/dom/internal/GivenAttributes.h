@@ -1,7 +1,6 @@
 #pragma once
 
-#include "xml/dom/internal/Arena.h"
-#include <algorithm>
+#include "xml/dom/internal/SortByName.h"
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -47,13 +46,7 @@ public:
     // Puts them in the byte order of their names. Of several with one name the last stays.
     void sort() {
         if (isSorted) return;
-        const auto isBefore = [](const Given& a, const Given& b) { return a.name->isBefore(*b.name); };
-        constexpr std::size_t kInsertable = 32;
-        if (all.size() > kInsertable) {
-            std::stable_sort(all.begin(), all.end(), isBefore);
-        } else {
-            insertionSort(isBefore);
-        }
+        sortByName(all);
         auto kept = all.begin();
         for (auto next = kept + 1; next != all.end(); ++next) {
             if (next->name != kept->name) ++kept;
@@ -64,16 +57,6 @@ public:
     }
 
 private:
-    template <class IsBefore>
-    void insertionSort(const IsBefore& isBefore) {
-        for (Given* next = all.data() + 1; next < end(); ++next) {
-            const Given moved = *next;
-            Given* to = next;
-            for (; to != begin() && isBefore(moved, to[-1]); --to) *to = to[-1];
-            *to = moved;
-        }
-    }
-
     std::vector<Given> all;
     bool isSorted = true;
     bool padded = false;

@@ -8,8 +8,11 @@
 #include "xml/dom/Instruction.h"
 #include "xml/dom/NodeSpan.h"
 #include "xml/dom/Object.h"
+#include "xml/dom/Place.h"
 #include "xml/dom/internal/Arena.h"
+#include "xml/dom/internal/AsidePlaces.h"
 #include "xml/dom/internal/GivenAttributes.h"
+#include "xml/dom/internal/TagAttributes.h"
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -27,6 +30,7 @@ struct Prolog;
 // What the parse of large documents costs is the memory that it fills.
 static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
 static_assert(sizeof(CDataSection) == 80 && sizeof(Comment) <= 80 && sizeof(Instruction) == 80, "nodes have grown");
+static_assert(sizeof(Place) == 16, "a node after it is at 8 modulo 16");
 
 using internal::AttributeSpan;
 using internal::ExactClass;
@@ -82,30 +86,49 @@ struct NodeAccess {
     // changed already. A shared name stays as long as the memory. A text is padded where kShortText bytes may be read
     // from its beginning on. ---
 
-    static std::unique_ptr<Element> makeElement(NodeMemory& memory, const SharedName& name, Object* parent) {
-        void* const place = memory.takeNode<Element>().node;
-        return std::unique_ptr<Element>(::new (place) Element(&name.text, parent));
+    // The last argument is the place where the node was read, or null, or left out.
+
+    template <class... At>
+    static std::unique_ptr<Element> makeElement(NodeMemory& memory, const SharedName& name, Object* parent,
+                                                At... place) {
+        void* const room = memory.takeNode<Element>(0, bytesFor(place...)).node;
+        return placed(::new (room) Element(&name.text, parent), place...);
     }
-    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text, Object* parent,
-                                              bool isPadded = false) {
-        return makeLeaf<CharData>(memory, text, parent, isPadded);
+    template <class... At>
+    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text, Object* parent, bool isPadded,
+                                              At... place) {
+        return makeLeaf<CharData>(memory, text, parent, isPadded, place...);
     }
     // A CharData, a CDataSection or a Comment. The text is as the node holds it.
-    template <class Node>
-    static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text, Object* parent,
-                                          bool isPadded = false) {
-        const auto [place, given] = roomFor<Node>(memory, text, isPadded);
-        return std::unique_ptr<Node>(::new (place) Node(given, parent));
+    template <class Node, class... At>
+    static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text, Object* parent, bool isPadded,
+                                          At... place) {
+        const auto [room, given] = roomFor<Node>(memory, text, isPadded, place...);
+        return placed(::new (room) Node(given, parent), place...);
     }
+    template <class... At>
     static std::unique_ptr<Instruction> makeInstruction(NodeMemory& memory, const SharedName& target,
-                                                        std::string_view content, Object* parent) {
-        const auto [place, given] = roomFor<Instruction>(memory, content, false);
-        return std::unique_ptr<Instruction>(::new (place) Instruction(&target.text, given, parent));
+                                                        std::string_view content, Object* parent, At... place) {
+        const auto [room, given] = roomFor<Instruction>(memory, content, false, place...);
+        return placed(::new (room) Instruction(&target.text, given, parent), place...);
     }
+    template <class... At>
     static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const SharedName& name, std::string_view value,
-                                                    Object* parent, bool isPadded = false) {
-        const auto [place, given] = roomFor<Attribute>(memory, value, isPadded);
-        return std::unique_ptr<Attribute>(::new (place) Attribute(&name.text, given, parent));
+                                                    Object* parent, bool isPadded, At... place) {
+        const auto [room, given] = roomFor<Attribute>(memory, value, isPadded, place...);
+        return placed(::new (room) Attribute(&name.text, given, parent), place...);
+    }
+
+    // Where a node was read. In the memory of a tree that is said when it is made, and lies right before the node; for
+    // one in the heap it is kept aside, which may need memory.
+    static Place place(const Object& node) {
+        if (!node.marks.isPlaced()) return {};
+        return node.marks.isInSlab() ? reinterpret_cast<const Place*>(&node)[-1] : AsidePlaces::of(node);
+    }
+    static void keepPlace(Object& nodeInHeap, const Place& place) {
+        AsidePlaces::of(nodeInHeap) = place;
+        nodeInHeap.marks.setAside();
+        nodeInHeap.marks.setPlaced();
     }
 
     // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would
@@ -133,6 +156,19 @@ struct NodeAccess {
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const GivenAttributes::Given& given : all) {
             filling.put(makeAttribute(memory, *given.name, given.value, &element, all.arePadded()).release());
+        }
+    }
+
+    static void setAttributes(Element& element, NodeMemory& memory, TagAttributes& all) {
+        all.sort();
+        reserveAttributes(element, &memory, all.size());
+        internal::Attributes::Filling filling = element.attributes.fill();
+        for (const TagAttributes::Given& given : all) {
+            std::unique_ptr<Attribute> made =
+                makeAttribute(memory, *given.name, given.value, &element, all.arePadded(), all.placeOf(given));
+            setOrder(*made, given.order);
+            if (given.isSupplied) setSupplied(*made, true);
+            filling.put(made.release());
         }
     }
 
@@ -203,15 +239,33 @@ private:
         void* node;
         internal::GivenText text;
     };
+    static constexpr std::size_t bytesFor() { return 0; }
+    static std::size_t bytesFor(const Place* place) { return place != nullptr ? sizeof(Place) : 0; }
+
+    // A node with room before it for the place, where there is one.
     template <class Node>
-    static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded) {
+    static std::unique_ptr<Node> placed(Node* node) {
+        return std::unique_ptr<Node>(node);
+    }
+    template <class Node>
+    static std::unique_ptr<Node> placed(Node* node, const Place* place) {
+        if (place != nullptr) {
+            ::new (static_cast<void*>(reinterpret_cast<Place*>(node) - 1)) Place(*place);
+            node->marks.setPlaced();
+        }
+        return std::unique_ptr<Node>(node);
+    }
+
+    template <class Node, class... At>
+    static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded, At... place) {
         if (text.size() <= internal::kShortText)
-            return {memory.takeNode<Node>().node, {text, internal::TextPlace::Own, nullptr, isPadded}};
+            return {memory.takeNode<Node>(0, bytesFor(place...)).node,
+                    {text, internal::TextPlace::Own, nullptr, isPadded}};
         if (text.size() > NodeMemory::kMostBytes) {
             KeptText& kept = memory.takeText(text);
-            return {memory.takeNode<Node>().node, {{}, internal::TextPlace::Lent, &kept}};
+            return {memory.takeNode<Node>(0, bytesFor(place...)).node, {{}, internal::TextPlace::Lent, &kept}};
         }
-        const NodeMemory::Room room = memory.takeNode<Node>(text.size());
+        const NodeMemory::Room room = memory.takeNode<Node>(text.size(), bytesFor(place...));
         std::memcpy(room.bytes, text.data(), text.size());
         return {room.node, {{room.bytes, text.size()}, internal::TextPlace::Lent}};
     }

@@ -18,6 +18,9 @@ namespace Xml {
 // stops the building. Links and marks are those that setAttribute and addChild leave, but nothing is walked for them:
 // nothing links to a Dtd yet, and everything is marked as changed already.
 //
+// Where a place may be given it is that of the node in the source (see placeOf); of all nodes or of none. Attributes are
+// GivenAttributes or TagAttributes.
+//
 //     TreeBuilder tree(root);
 //     tree.begin("a");
 //     GivenAttributes attributes;
@@ -43,38 +46,54 @@ public:
     std::string_view innermostName() const { return NodeAccess::name(*here); }
 
     // Begins an element within the innermost one. The name has been checked.
-    void begin(std::string_view name) {
+    template <class... At>
+    void begin(std::string_view name, At... place) {
         if (!isOpen()) {
             root = NodeAccess::makeElement(name);
+            (keepPlaceOfRoot(place), ...);
             here = outermost = root.get();
         } else {
-            begin(names.find(name, memory));
+            begin(names.find(name, memory), place...);
         }
     }
 
     // The same for an element that is not the outermost one.
-    void begin(const SharedName& name) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
+    template <class... At>
+    void begin(const SharedName& name, At... place) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place...);
         Element* const begun = element.get();
         inner.push_back({std::move(element), finished.size()});
         here = begun;
     }
 
     // Gives the innermost element, which has none, these attributes.
-    void setAttributes(GivenAttributes& attributes) { give(*here, attributes); }
+    template <class Attributes>
+    void setAttributes(Attributes& attributes) {
+        give(*here, attributes);
+    }
 
     // An element without children, within the innermost one.
-    void addElement(const SharedName& name, GivenAttributes& attributes) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
+    template <class Attributes, class... At>
+    void addElement(const SharedName& name, Attributes& attributes, At... place) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place...);
         give(*element, attributes);
         finish(std::move(element));
     }
 
     // An element with this text alone as its child, within the innermost one.
-    void addLeaf(const SharedName& name, GivenAttributes& attributes, std::string_view text, bool isPadded) {
+    template <class Attributes>
+    void addLeaf(const SharedName& name, Attributes& attributes, std::string_view text, bool isPadded) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
         give(*element, attributes);
         NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
+        finish(std::move(element));
+    }
+    template <class Attributes>
+    void addLeaf(const SharedName& name, Attributes& attributes, std::string_view text, bool isPadded,
+                 const Place* place, const Place* textPlace) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place);
+        give(*element, attributes);
+        NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded, textPlace));
         finish(std::move(element));
     }
 
@@ -86,15 +105,20 @@ public:
     }
 
     // Padded: as GivenText has it.
-    void addText(std::string_view text, bool isPadded = false) {
-        finish(NodeAccess::makeText(memory, text, here, isPadded));
+    template <class... At>
+    void addText(std::string_view text, bool isPadded = false, At... place) {
+        finish(NodeAccess::makeText(memory, text, here, isPadded, place...));
     }
 
     // Leaves that stand beside text: what is in a section, as CharData holds it; what is in a comment; an instruction.
-    void addSection(std::string_view text) { finish(NodeAccess::makeLeaf<CDataSection>(memory, text, here)); }
-    void addComment(std::string_view text) { finish(NodeAccess::makeLeaf<Comment>(memory, text, here)); }
-    void addInstruction(std::string_view target, std::string_view content) {
-        finish(NodeAccess::makeInstruction(memory, name(target), content, here));
+    void addSection(std::string_view text, const Place* place = nullptr) {
+        finish(NodeAccess::makeLeaf<CDataSection>(memory, text, here, false, place));
+    }
+    void addComment(std::string_view text, const Place* place = nullptr) {
+        finish(NodeAccess::makeLeaf<Comment>(memory, text, here, false, place));
+    }
+    void addInstruction(std::string_view target, std::string_view content, const Place* place = nullptr) {
+        finish(NodeAccess::makeInstruction(memory, name(target), content, here, place));
     }
 
     // Ends the innermost element.
@@ -121,8 +145,13 @@ private:
         std::size_t firstChild;
     };
 
+    void keepPlaceOfRoot(const Place* place) {
+        if (place != nullptr) NodeAccess::keepPlace(*root, *place);
+    }
+
     // Many elements have no attributes.
-    void give(Element& element, GivenAttributes& attributes) {
+    template <class Attributes>
+    void give(Element& element, Attributes& attributes) {
         if (!attributes.empty()) NodeAccess::setAttributes(element, memory, attributes);
     }
 

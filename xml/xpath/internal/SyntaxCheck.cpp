@@ -9,7 +9,7 @@ namespace Xml {
 namespace {
 
 // An expression that is being read, and what of it is read next.
-struct Place {
+struct Reading {
     Expression::Items& items;
     std::size_t item = 0;
     std::size_t step = 0;
@@ -19,10 +19,10 @@ struct Place {
 }  // namespace
 
 bool checkSyntax(Expression& query, bool noNodes, Expressions& expressions, PathError& error) {
-    std::vector<Place> open;
+    std::vector<Reading> open;
     open.push_back({query.items(expressions.text)});
     while (!open.empty()) {
-        Place& place = open.back();
+        Reading& place = open.back();
         if (place.item == place.items.size()) {
             open.pop_back();
             continue;

@@ -1,0 +1,65 @@
+#include "xml/dom/internal/TagAttributes.h"
+
+#include "support/Trees.h"
+#include "xml/dom/NodeKind.h"
+#include "xml/dom/internal/TreeBuilder.h"
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace Xml::test {
+namespace {
+
+TEST(TagAttributesTest, AreNodesInTheOrderOfNamesThatKnowTheirPlaceInTheTag) {
+    for (const int more : {0, 100}) {
+        SCOPED_TRACE(more);
+        std::unique_ptr<Element> root;
+        TreeBuilder tree(root);
+        tree.begin("r");
+        tree.begin("a");
+        TagAttributes attributes;
+        attributes.add(tree.name("c"), "1", nullptr);
+        attributes.add(tree.name("a"), "2", nullptr);
+        for (int i = 0; i < more; ++i) attributes.add(tree.name("m" + std::to_string(i)), "m", nullptr);
+        attributes.addDefault(tree.name("b"), "3", nullptr);
+        attributes.sort();
+        EXPECT_EQ(attributes.findRepeated(), nullptr);
+        tree.setAttributes(attributes);
+        tree.end();
+        tree.end();
+        const Element& a = *root->getElement(0);
+        EXPECT_EQ(a.getAttributeCount(), more + 3);
+        EXPECT_EQ(a.getAttribute(0)->getName(), "a");
+        EXPECT_EQ(a.getAttributeValue("b"), "3");
+        EXPECT_EQ(NodeAccess::order(*a.getAttribute("c")), 0U);
+        EXPECT_EQ(NodeAccess::order(*a.getAttribute("a")), 1U);
+        EXPECT_EQ(NodeAccess::order(*a.getAttribute("b")), static_cast<unsigned>(more) + 2U);
+        EXPECT_TRUE(isDefault(*a.getAttribute("b")));
+        EXPECT_FALSE(isDefault(*a.getAttribute("a")));
+        root->getElement(0)->setAttribute("0", "last");
+        EXPECT_GT(NodeAccess::order(*a.getAttribute(0)), static_cast<unsigned>(more) + 2U);
+    }
+}
+
+TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("r");
+    TagAttributes attributes;
+    for (const char* const name : {"b", "a", "c", "b"}) attributes.add(tree.name(name), name, nullptr);
+    attributes.sort();
+    const TagAttributes::Given* const again = attributes.findRepeated();
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again->name->text, "b");
+    EXPECT_EQ(again->order, 3U);
+    attributes.clear();
+    EXPECT_TRUE(attributes.empty());
+    EXPECT_EQ(attributes.findRepeated(), nullptr);
+    attributes.add(tree.name("a"), "", nullptr);
+    attributes.add(tree.name("a"), "", nullptr);
+    attributes.sort();
+    EXPECT_NE(attributes.findRepeated(), nullptr) << "side by side";
+}
+
+}  // namespace
+}  // namespace Xml::test
