@@ -22,7 +22,7 @@ Attribute::Attribute(const Attribute& other) : Attribute() {
     NodeAccess::setOwnDtd(*this, NodeAccess::dtd(other));
     name.set(other.getName());
     NodeAccess::ownText(*this) = NodeAccess::text(other);
-    NodeAccess::copyTagMarks(other, *this);
+    NodeAccess::copyTag(other, *this);
 }
 
 Attribute::~Attribute() { value.dispose(NodeAccess::marks(*this)); }

@@ -89,6 +89,13 @@ public:
     bool isSupplied() const { return (fixed & kSupplied) != 0; }
     void setSupplied(bool is) { put(fixed, kSupplied, is); }
 
+    // What an attribute is in its tag, for a copy of it.
+    void copyTag(const Marks& other) {
+        upperNumber = other.upperNumber;
+        lowerNumber = other.lowerNumber;
+        fixed = static_cast<Flags>((fixed & ~kSupplied) | (other.fixed & kSupplied));
+    }
+
     // Whether the children or attributes of the element have been changed since it was read or copied.
     bool isEdited() const { return (fixed & kEdited) != 0; }
     void setEdited() { put(fixed, kEdited, true); }

@@ -88,8 +88,15 @@ private:
             std::unique_ptr<CharData> made = copyOf(static_cast<const CharData&>(child));
             keepLink(child, *made);
             NodeAccess::appendChild(to, std::move(made));
-        } else if (isPlainLeaf(exactly)) {
-            std::unique_ptr<Object> made = memory ? copyOfRare(child, exactly) : clone(child);
+        } else {
+            copyRare(child, exactly, to);
+        }
+    }
+
+    // A call of its own, so that the others need none.
+    [[gnu::noinline]] void copyRare(const Object& child, NodeClass exactly, Element& to) {
+        if (isPlainLeaf(exactly)) {
+            std::unique_ptr<Object> made = memory ? copyOfLeaf(child, exactly) : clone(child);
             keepLink(child, *made);
             NodeAccess::appendChild(to, std::move(made));
         } else {
@@ -111,8 +118,8 @@ private:
     }
     static std::unique_ptr<Object> clone(const Object& from) { return std::unique_ptr<Object>(from.clone()); }
 
-    // Of the library's other classes, into the memory.
-    std::unique_ptr<Object> copyOfRare(const Object& from, NodeClass exactly) {
+    // Of the library's other leaves, into the memory.
+    std::unique_ptr<Object> copyOfLeaf(const Object& from, NodeClass exactly) {
         if (exactly == NodeClass::Comment) {
             const auto& comment = static_cast<const Comment&>(from);
             return NodeAccess::makeLeaf<Comment>(memory->nodes, NodeAccess::text(comment), nullptr, false);
@@ -129,7 +136,7 @@ private:
         if (!memory) return std::make_unique<Attribute>(from);
         std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)),
                                                                     NodeAccess::text(from), nullptr, false);
-        NodeAccess::copyTagMarks(from, *made);
+        NodeAccess::copyTag(from, *made);
         return made;
     }
     const SharedName& sharedName(const std::string& name) { return memory->names.find(name, memory->nodes); }

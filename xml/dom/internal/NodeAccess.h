@@ -62,10 +62,7 @@ struct NodeAccess {
     static void setOrder(const Attribute& attribute, std::uint64_t order) { attribute.marks.setNumber(order); }
     static bool isSupplied(const Attribute& attribute) { return attribute.marks.isSupplied(); }
     static void setSupplied(Attribute& attribute, bool is) { attribute.marks.setSupplied(is); }
-    static void copyTagMarks(const Attribute& from, Attribute& to) {
-        setOrder(to, order(from));
-        setSupplied(to, isSupplied(from));
-    }
+    static void copyTag(const Attribute& from, Attribute& to) { to.marks.copyTag(from.marks); }
 
     // --- Texts: bytes, which are good until the text changes ---
 
