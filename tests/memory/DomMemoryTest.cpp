@@ -5,10 +5,15 @@
 #include "models/Snapshot.h"
 #include "support/Trees.h"
 #include "xml/dom/Attribute.h"
+#include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dom/Entity.h"
+#include "xml/dom/Instruction.h"
+#include "xml/dom/Prolog.h"
+#include "xml/dom/internal/TreeBuilder.h"
 #include "xml/dtd/Dtd.h"
 #include <algorithm>
 #include <functional>
@@ -312,6 +317,47 @@ TEST(DomMemoryTest, AnElementThatCouldNotBeWrittenIsIndentedAsBeforeTheNextTime)
         out << '\n';
         root.write(out);
         EXPECT_EQ(out.upToPosition(), "\n" + expected);
+    });
+}
+
+// With comments, instructions and sections, in content and around the root, and with places.
+TEST(DomMemoryTest, ATreeWithEveryKindOfLeafIsMadeChangedAndCopiedWholeOrNotAtAll) {
+    forEachFailingAllocation([](Attempt& attempt) {
+        std::unique_ptr<Document> document;
+        std::unique_ptr<Object> copy;
+        std::string text;
+        const bool made = attempt([&] {
+            std::unique_ptr<Element> root;
+            TreeBuilder tree(root);
+            Place place{1, 1, 2};
+            const Place* const at = &place;
+            tree.begin("garden-of-a-long-name", at);
+            for (int i = 0; i < 50; ++i) {
+                tree.addComment(kLong, at);
+                tree.addInstruction("a-target-of-a-long-name", kLong, at);
+                tree.addSection("short", at);
+                TagAttributes attributes;
+                attributes.add(tree.name("place-of-a-long-name"), kLong, at);
+                tree.addElement(tree.name("bed"), attributes, at);
+            }
+            tree.end();
+            document = NodeAccess::makeDocument(std::move(root));
+            Prolog& prolog = prologOf(*document);
+            prolog.systemId = kLong;
+            prolog.beforeRoot.push_back(std::make_unique<Comment>(kLong));
+            prolog.afterRoot.push_back(std::make_unique<Instruction>(kLong, kLong));
+            NodeAccess::keepPlace(*prolog.afterRoot[0], place);
+            static_cast<Comment*>(document->getRoot()->getChild(0))->setText(kLong + kLong);
+            static_cast<Instruction*>(document->getRoot()->getChild(1))->setContent(kLong + kLong);
+            text = document->getRoot()->getChild(1)->toString();
+            copy.reset(document->clone());
+        });
+        if (made) {
+            EXPECT_EQ(textOf(*copy), textOf(*document));
+            EXPECT_EQ(text, "a-target-of-a-long-name " + kLong + kLong);
+        } else if (document != nullptr) {
+            EXPECT_EQ(textOf(Document(*document)), textOf(*document));
+        }
     });
 }
 

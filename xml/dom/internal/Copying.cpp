@@ -84,25 +84,17 @@ private:
             Element& element = *made;
             NodeAccess::appendChild(to, std::move(made));
             begin(from, element);
-        } else if (exactly == NodeClass::CharData) {
-            std::unique_ptr<CharData> made = copyOf(static_cast<const CharData&>(child));
-            keepLink(child, *made);
-            NodeAccess::appendChild(to, std::move(made));
         } else {
-            copyRare(child, exactly, to);
-        }
-    }
-
-    // A call of its own, so that the others need none.
-    [[gnu::noinline]] void copyRare(const Object& child, NodeClass exactly, Element& to) {
-        if (isPlainLeaf(exactly)) {
-            std::unique_ptr<Object> made = memory ? copyOfLeaf(child, exactly) : clone(child);
-            keepLink(child, *made);
+            std::unique_ptr<Object> made = exactly == NodeClass::CharData
+                                               ? std::unique_ptr<Object>(copyOf(static_cast<const CharData&>(child)))
+                                               : copyOfRare(child, exactly);
+            if (exactly == NodeClass::Other || exactly == NodeClass::Attribute) {
+                unlinked = false;
+                NodeAccess::noteEdit(to);
+            } else {
+                keepLink(child, *made);
+            }
             NodeAccess::appendChild(to, std::move(made));
-        } else {
-            unlinked = false;
-            NodeAccess::appendChild(to, clone(child));
-            NodeAccess::noteEdit(to);
         }
     }
 
@@ -116,10 +108,10 @@ private:
         if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
         return NodeAccess::makeText(memory->nodes, NodeAccess::text(from), nullptr, false);
     }
-    static std::unique_ptr<Object> clone(const Object& from) { return std::unique_ptr<Object>(from.clone()); }
 
-    // Of the library's other leaves, into the memory.
-    std::unique_ptr<Object> copyOfLeaf(const Object& from, NodeClass exactly) {
+    // Of a node that is neither element nor text: what is in the memory, or a clone.
+    std::unique_ptr<Object> copyOfRare(const Object& from, NodeClass exactly) {
+        if (!memory || !isPlainLeaf(exactly)) return std::unique_ptr<Object>(from.clone());
         if (exactly == NodeClass::Comment) {
             const auto& comment = static_cast<const Comment&>(from);
             return NodeAccess::makeLeaf<Comment>(memory->nodes, NodeAccess::text(comment), nullptr, false);
@@ -132,6 +124,7 @@ private:
         return NodeAccess::makeInstruction(memory->nodes, sharedName(instruction.getTarget()),
                                            NodeAccess::text(instruction), nullptr);
     }
+
     std::unique_ptr<Attribute> copyOf(const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);
         std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)),

@@ -18,8 +18,8 @@ namespace Xml {
 // stops the building. Links and marks are those that setAttribute and addChild leave, but nothing is walked for them:
 // nothing links to a Dtd yet, and everything is marked as changed already.
 //
-// Where a place may be given it is that of the node in the source (see placeOf); of all nodes or of none. Attributes are
-// GivenAttributes or TagAttributes.
+// Where a place may be given it is that of the node in the source (see placeOf), or null; of all nodes or of none.
+// Attributes are GivenAttributes or TagAttributes.
 //
 //     TreeBuilder tree(root);
 //     tree.begin("a");
