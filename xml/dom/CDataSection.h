@@ -20,7 +20,7 @@ public:
 private:
     friend struct NodeAccess;
 
-    CDataSection(const internal::GivenText& text, Object* itsParent);
+    ORVXML_LOCAL CDataSection(const internal::GivenText& text, Object* itsParent);
 };
 
 }  // namespace Xml

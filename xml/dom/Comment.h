@@ -35,7 +35,7 @@ public:
 private:
     friend struct NodeAccess;
 
-    Comment(const internal::GivenText& given, Object* itsParent);
+    ORVXML_LOCAL Comment(const internal::GivenText& given, Object* itsParent);
 
     internal::Text text;
 };

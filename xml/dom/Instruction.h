@@ -38,7 +38,7 @@ public:
 private:
     friend struct NodeAccess;
 
-    Instruction(const std::string* sharedTarget, const internal::GivenText& given, Object* itsParent);
+    ORVXML_LOCAL Instruction(const std::string* sharedTarget, const internal::GivenText& given, Object* itsParent);
 
     internal::Name target;
     internal::Text content;
