@@ -22,7 +22,7 @@ Path::Path(Unit begin, Unit itsEnd, std::pmr::memory_resource* memory)
 Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& error) {
     if (number < steps.size()) return steps[number];
     const Read* const before = steps.empty() ? nullptr : steps.back();
-    Read& read = owned.emplace_back();
+    Read& read = owned.emplace_back(expressions.memory);
     if (!read.step.read(expressions.text, next, end, error)) {
         owned.pop_back();
         return nullptr;

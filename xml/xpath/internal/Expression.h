@@ -7,7 +7,6 @@
 #include "xml/xpath/internal/Value.h"
 #include "xml/xpath/internal/axes/Siblings.h"
 #include <cstddef>
-#include <deque>
 #include <list>
 #include <memory_resource>
 #include <optional>
@@ -29,9 +28,11 @@ struct Path {
     ~Path() = default;
 
     struct Read {
+        explicit Read(std::pmr::memory_resource* memory) : step(memory), predicates(memory) {}
+
         Step step;
         unsigned depth = 0;  // of the step in the path: 0 for the first one, one more for each slash
-        std::vector<Expression*> predicates;
+        std::pmr::vector<Expression*> predicates;
         std::optional<SiblingHint> hint;
     };
 
@@ -105,7 +106,7 @@ public:
     std::pmr::memory_resource* const memory;
 
 private:
-    std::pmr::deque<Expression> all;
+    std::pmr::list<Expression> all;
 };
 
 }  // namespace Xml

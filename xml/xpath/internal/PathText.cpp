@@ -8,7 +8,7 @@ namespace Xml {
 
 namespace {
 
-// Room for so many literals and brackets is made at once.
+// Room for so many literals and brackets, and pieces of white space, is made at once.
 constexpr std::size_t kSome = 4;
 
 }  // namespace
@@ -65,6 +65,7 @@ bool PathText::findEnclosed() {
 // Makes the text, and turns the places of what is enclosed into those in the text.
 void PathText::removeWhiteSpace() {
     shorter.resize(source.size());
+    dropped.reserve(kSome);
     const Unit sourceEnd = source.data() + source.size();
     std::size_t place = 0;  // in the text
     const auto copy = [&](Unit from, Unit to) {
@@ -76,7 +77,8 @@ void PathText::removeWhiteSpace() {
         const auto sourcePlace = static_cast<std::size_t>(at - source.data());
         Unit after = at + 1;
         if (isNCChar(*at)) {
-            shorter[place++] = *at;
+            while (after != sourceEnd && isNCChar(*after)) ++after;
+            copy(at, after);
         } else if (IsBeginLiteral(*at)) {
             const std::size_t begin = place;
             after = source.data() + next->end;

@@ -4,6 +4,7 @@
 #include "xml/xpath/internal/NodeTest.h"
 #include "xml/xpath/internal/PathError.h"
 #include <cstddef>
+#include <memory_resource>
 #include <vector>
 
 namespace Xml {
@@ -33,6 +34,8 @@ struct Span {
 
 // One step of a path: an axis, a node test, and the texts of its predicates.
 struct Step {
+    explicit Step(std::pmr::memory_resource* memory = std::pmr::get_default_resource()) : predicates(memory) {}
+
     // Reads the step that begins at `at`, with the slashes in front of it, and moves `at` after it and the slash that
     // ends it. False, and the error set, where there is none.
     bool read(const PathText& text, Unit& at, Unit end, PathError& error);
@@ -54,7 +57,7 @@ struct Step {
 
     Axis axis = Axis::Child;
     NodeTest test;
-    std::vector<Span> predicates;  // without their brackets
+    std::pmr::vector<Span> predicates;  // without their brackets
     bool isLast = false;
 
 private:
