@@ -2,6 +2,7 @@
 
 #include "xml/xpath/internal/Folding.h"
 #include "xml/xpath/internal/OneStep.h"
+#include "xml/xpath/internal/PositionTest.h"
 #include "xml/xpath/internal/Together.h"
 #include "xml/xpath/internal/Walk.h"
 #include <cstdint>
@@ -20,13 +21,12 @@ void callLast(std::size_t contexts, bool reverse, Values& result) {
     result.push_back(reverse ? Value::ofNumber(0, 1) : Value::ofNumber(size - 1, size));
 }
 
-// The values of position() among so many context nodes, those that `keeps` is true of.
-template <class Keeps>
-void callPosition(std::size_t contexts, bool reverse, Values& result, Keeps keeps) {
+// The values of position() among so many context nodes.
+void callPosition(std::size_t contexts, bool reverse, Values& result) {
+    result.reserve(contexts);
     const auto size = static_cast<std::int32_t>(contexts);
     for (std::int32_t i = 0; i < size; ++i) {
-        const std::int32_t position = reverse ? size - i : i + 1;
-        if (keeps(position)) result.push_back(Value::ofNumber(i, position));
+        result.push_back(Value::ofNumber(i, reverse ? size - i : i + 1));
     }
 }
 
@@ -109,18 +109,7 @@ bool Evaluation::beginOperand(Frame& frame) {
     if (function != nullptr && *function == Function::Last) {
         callLast(contexts, frame.reverse, result);
     } else if (function != nullptr) {
-        // Of positions that are only compared with a number, those are made for which that holds.
-        const bool isCompared = frame.items->size() == 2 && &item == &frame.items->front() && isComparison(item.op);
-        ExpressionItem* const bound = isCompared ? &frame.items->back() : nullptr;
-        if (bound != nullptr && !bound->read(state.expressions, state.error)) return false;
-        const double* const number = bound != nullptr ? std::get_if<double>(&bound->operand) : nullptr;
-        if (number != nullptr) {
-            callPosition(contexts, frame.reverse, result,
-                         [&](double position) { return CompareValue(position, *number, item.op); });
-        } else {
-            result.reserve(contexts);
-            callPosition(contexts, frame.reverse, result, [](std::int32_t) { return true; });
-        }
+        callPosition(contexts, frame.reverse, result);
     } else if (const Literal* const string = std::get_if<Literal>(&item.operand)) {
         result.push_back(Value::ofString(-1, string));
     } else if (const double* const number = std::get_if<double>(&item.operand)) {
@@ -153,7 +142,13 @@ bool Evaluation::goOn(Frame& frame) {
     switch (frame.walk->go()) {
     case Walk::Stop::Predicate: {
         const Walk::Predicate predicate = frame.walk->predicate();
-        push(predicate.expression, predicate.contexts, predicate.reverse, predicate.depth);
+        std::optional<PositionTest> position;
+        if (!PositionTest::read(predicate.expression, state.expressions, state.error, position)) return false;
+        if (position) {
+            frame.walk->filter(*position);
+        } else {
+            push(predicate.expression, predicate.contexts, predicate.reverse, predicate.depth);
+        }
         return true;
     }
     case Walk::Stop::Found: gather(frame); return true;

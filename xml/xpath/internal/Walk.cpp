@@ -128,7 +128,6 @@ Walk::Predicate Walk::predicate() const {
 }
 
 void Walk::filter(const Values& outcome) {
-    ++predicate_;
     std::vector<Object*>& list = room.list.nodes;
     std::size_t kept = 0;
     std::int32_t last = -1;
@@ -137,7 +136,28 @@ void Walk::filter(const Values& outcome) {
         last = value.tag;
         list[kept++] = list[static_cast<std::size_t>(last)];
     }
-    list.resize(kept);
+    endFilter(kept);
+}
+
+void Walk::filter(const PositionTest& test) {
+    const bool reverse = predicate().reverse;
+    std::vector<Object*>& list = room.list.nodes;
+    const std::size_t size = list.size();
+    std::size_t kept = 0;
+    if (!test.isLast()) {
+        for (std::size_t i = 0; i < size; ++i) {
+            if (test.holds(static_cast<double>(reverse ? size - i : i + 1))) list[kept++] = list[i];
+        }
+    } else if (size > 0) {
+        if (!reverse) list.front() = list.back();
+        kept = 1;
+    }
+    endFilter(kept);
+}
+
+inline void Walk::endFilter(std::size_t kept) {
+    room.list.nodes.resize(kept);
+    ++predicate_;
     record(Missed::Name::WithPredicates);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/xpath/internal/Expression.h"
+#include "xml/xpath/internal/PositionTest.h"
 #include "xml/xpath/internal/QueryState.h"
 #include "xml/xpath/internal/Value.h"
 #include "xml/xpath/internal/axes/Taker.h"
@@ -58,6 +59,9 @@ public:
     // Keeps the nodes for which the predicate has a value.
     void filter(const Values& outcome);
 
+    // The same for a predicate that asks for the position only.
+    void filter(const PositionTest& test);
+
     std::vector<Object*>& found() { return room.list.nodes; }
 
     // The number of the context node that it was found from; -1 for the document.
@@ -76,6 +80,7 @@ private:
     void use(const Outcome& outcome);
     bool isTail() const;
     void record(Missed::Name name);
+    void endFilter(std::size_t kept);
     const Path::Read& read() const { return *path.steps[step]; }
 
     QueryState& state;
