@@ -27,10 +27,10 @@ constexpr AxisName kAxisNames[] = {{"descendant-or-self", Axis::DescendantOrSelf
 
 // The first "::"; the end where there is none.
 Unit findColons(Unit begin, Unit end) {
-    for (Unit at = begin; at != end; ++at) {
-        if (*at == u':' && at + 1 != end && at[1] == u':') return at;
+    for (Unit at = begin;; ++at) {
+        at = std::find(at, end, u':');
+        if (at == end || (at + 1 != end && at[1] == u':')) return at;
     }
-    return end;
 }
 
 }  // namespace
