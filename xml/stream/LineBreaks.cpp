@@ -29,16 +29,13 @@ LineBreaks::LineBreaks() = default;
 
 LineBreaks::~LineBreaks() = default;
 
-void LineBreaks::record(int position) {
-    const bool leads = positions.empty() || greatest() < position;
+// The position is not the greatest one of a sorted list.
+void LineBreaks::recordBetween(int position) {
     if (outOfOrder == nullptr) {
-        if (leads) {
-            positions.push_back(position);
-            return;
-        }
         if (std::binary_search(positions.begin(), positions.end(), position)) return;
         leaveOrder();
     }
+    const bool leads = greatest() < position;
     // Room first: then all of it happens or nothing.
     makeRoom(positions);
     makeRoom(outOfOrder->leaders);

@@ -59,7 +59,13 @@ public:
     void setAfterReturn(bool after) { afterReturn = after; }
 
     // Keeps the position after a break, unless it is kept already.
-    void record(int position);
+    void record(int position) {
+        if (outOfOrder == nullptr && (positions.empty() || positions.back() < position)) {
+            positions.push_back(position);
+        } else {
+            recordBetween(position);
+        }
+    }
 
     bool empty() const { return positions.empty(); }
 
@@ -72,6 +78,7 @@ public:
 private:
     struct OutOfOrder;
 
+    void recordBetween(int position);
     int greatest() const;
     std::size_t firstNotBefore(int position) const;
     void leaveOrder();

@@ -3,21 +3,14 @@
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/reader/internal/EntityBudget.h"
 #include "xml/reader/internal/MarkupScan.h"
-#include "xml/stream/internal/ReturnsAhead.h"
+#include "xml/reader/internal/PieceBreaks.h"
 #include "xml/stream/internal/Scan.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/internal/ByteClasses.h"
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-// What the tokens of a piece leave follows from which bytes they consume, in which order. A piece is looked at first
-// and then read, and a word ends with a byte that is read, looked at and read again. Bytes that are read again make the
-// same line breaks again, but for one case: where the last byte before was a CR, and the first that is read again is a
-// CR or LF, that one ends a line too. Only two things can be read again after a CR: what follows a name in a tag, and a
-// text whose first token a CR ends. Everything else is noted once.
 
 namespace Xml {
 
@@ -37,8 +30,7 @@ public:
           budget(text),
           referenceEnd(endOfReferences),
           end(StreamAccess::window(stream).end),
-          begin(StreamAccess::window(stream).cursor),
-          returns(begin) {}
+          begin(StreamAccess::window(stream).cursor) {}
 
     Pieces(const Pieces&) = delete;
     Pieces& operator=(const Pieces&) = delete;
@@ -75,20 +67,14 @@ private:
     // The first byte of the piece that is not white space, after which one more stands; null without them. Tokens read
     // white space first, whatever follows: its line breaks are noted before it is clear whether the piece is ordinary.
     const char* takeWhite() {
-        const char* const first = whiteEnd(begin, end);
+        const bool isAtLineEnd = end - begin >= 2 && begin[0] == '\r' && begin[1] == '\n';
+        const char* const from = isAtLineEnd ? begin + 2 : begin;
+        bool hasReturn = false;
+        const char* const first = whiteEnd(from, end, hasReturn);
         if (end - first < 2) return nullptr;
-        if (returns.in(begin, first, end)) noteReturns(first);
+        if (isAtLineEnd) StreamAccess::noteLineEnd(in, from);
+        if (hasReturn) PieceBreaks::note(in, from, first);
         return first;
-    }
-
-    // Notes bytes that have a CR among them, up to `to`, where a byte that is none is read: a step from one CR to the
-    // next.
-    [[gnu::noinline]] void noteReturns(const char* to) {
-        const char* at = nullptr;
-        do {
-            at = StreamAccess::noteAfterReturn(in, returns.first() + 1, to);
-        } while (returns.in(at, to, end));
-        StreamAccess::noteOther(in);
     }
 
     const SharedName* readName(const char*& at) { return tree.readName<ByteClass::kNameChar>(at, end); }
@@ -99,23 +85,23 @@ private:
     // What is rare is out of line, so that the rest stays in registers.
     bool takeStartTag(const char* name);
     const char* collectAttributes(const char* from);
+    [[gnu::noinline]] const char* rareValueEnd(const char* met, char quote);
     bool takeLeaf(const SharedName& name);
     [[gnu::noinline]] bool decodeValues();
-    [[gnu::noinline]] void noteStartTag(const char* name, const char* to);
     bool takeEndTag(const char* name);
     [[gnu::noinline]] bool takeComment(const char* dashes);
     bool takeText(const char* first);
-    [[gnu::noinline]] void noteText(const char* tried, const char* to);
     const char* through(const char* from, char last) const;
     const char* referenceTriedFrom(const char* first) const;
-    static const char* plainTriedFrom(const char* first);
+
+    static bool containsReturn(const char* from, const char* to) { return Scan::find(from, to, '\r') != nullptr; }
 
     // The quote after an equal sign; null without one.
-    const char* afterEqual(const char* at) const {
+    const char* afterEqual(const char* at) {
         if (end - at >= 2 && *at == '=' && isQuote(at[1])) return at + 1;
-        at = whiteEnd(at, end);
+        at = whiteEnd(at, end, tagHasReturn);
         if (at == end || *at != '=') return nullptr;
-        at = whiteEnd(at + 1, end);
+        at = whiteEnd(at + 1, end, tagHasReturn);
         return at != end && isQuote(*at) ? at : nullptr;
     }
 
@@ -127,9 +113,9 @@ private:
 
     const char* const end;  // of the window
     const char* begin;      // of the piece at hand
-    ReturnsAhead returns;
 
     // Of the tag at hand.
+    bool tagHasReturn = false;           // whether there is a CR in it
     GivenAttributes attributes{8};       // most tags have fewer
     std::vector<std::size_t> referring;  // the places of those whose values have references ...
     std::vector<DataHolder> decoded;     // ... and these values decoded
@@ -158,7 +144,7 @@ bool Pieces::takeStartTag(const char* name) {
         attributes.setPadded();
     }
 
-    if (returns.in(name, to, end)) noteStartTag(name, to);
+    if (tagHasReturn) PieceBreaks::noteStartTag(in, name, to);
     goOnAt(to);
     if (isEmpty) {
         tree.addElement(*shared, attributes);
@@ -177,10 +163,10 @@ bool Pieces::takeStartTag(const char* name) {
 bool Pieces::takeLeaf(const SharedName& name) {
     const char* const text = begin;
     if (text == end || isWhite(*text) || *text == '<' || *text == '&' || isQuote(*text)) return false;
-    const char* const to = Scan::findNear<'<'>(text, end);
-    if (end - to < 2 || to[1] != '/' || !name.begins(to + 2, end)) return false;
+    const char* const to = Scan::findNear<'<', '\r'>(text, end);
+    if (end - to < 2 || *to != '<' || to[1] != '/' || !name.begins(to + 2, end)) return false;
     const char* const itsEnd = to + 2 + name.text.size();
-    if (itsEnd == end || *itsEnd != '>' || returns.in(text, itsEnd, end)) return false;
+    if (itsEnd == end || *itsEnd != '>') return false;
     goOnAt(itsEnd + 1);
     tree.addLeaf(name, attributes, viewOf(text, to), isPadded(to));
     return true;
@@ -190,12 +176,13 @@ bool Pieces::takeLeaf(const SharedName& name) {
 const char* Pieces::collectAttributes(const char* from) {
     attributes.clear();
     referring.clear();
+    tagHasReturn = false;
     for (;;) {
         const char* at = from != end && *from == ' ' ? from + 1 : from;
         if (at == end) return nullptr;
         if (*at == '>') return at + 1;
         if (!isNameStart(*at)) {
-            at = whiteEnd(at, end);
+            at = whiteEnd(at, end, tagHasReturn);
             if (at == end) return nullptr;
             if (*at == '>') return at + 1;
             if (*at == '/') return end - at >= 2 && at[1] == '>' ? at + 2 : nullptr;
@@ -209,14 +196,22 @@ const char* Pieces::collectAttributes(const char* from) {
         const char* const value = at + 1;
         const char* valueEnd = plainValueEnd(value, end, quote);
         if (valueEnd == end) return nullptr;
-        if (*valueEnd == '&') {
-            valueEnd = Scan::find(valueEnd, end, quote);
+        if (*valueEnd != quote) {
+            valueEnd = rareValueEnd(valueEnd, quote);
             if (valueEnd == nullptr) return nullptr;
-            referring.push_back(attributes.size());
         }
         attributes.add(*name, viewOf(value, valueEnd));
         from = valueEnd + 1;
     }
+}
+
+// The end of a value in which an '&' or a CR was met, null without one.
+const char* Pieces::rareValueEnd(const char* met, char quote) {
+    const char* const valueEnd = Scan::find(met, end, quote);
+    if (valueEnd == nullptr) return nullptr;
+    if (Scan::find(met, valueEnd, '&') != nullptr) referring.push_back(attributes.size());
+    tagHasReturn |= containsReturn(met, valueEnd);
+    return valueEnd;
 }
 
 // Before the element begins: where the bound is passed nothing of the tag has been taken.
@@ -236,20 +231,6 @@ bool Pieces::decodeValues() {
         value = decoded.back();
     }
     return true;
-}
-
-// What follows a name is read again.
-void Pieces::noteStartTag(const char* name, const char* to) {
-    const char* again = nameEnd(name + 1, to);
-    StreamAccess::note(in, name, again + 1);
-    for (const char* at = whiteEnd(again, to); isNameStart(*at); at = whiteEnd(at, to)) {
-        at = nameEnd(at + 1, to);
-        StreamAccess::note(in, again, at + 1);
-        again = at;
-        const char* const quote = whiteEnd(whiteEnd(at, to) + 1, to);  // after the '='
-        at = Scan::find(quote + 1, to, *quote) + 1;
-    }
-    StreamAccess::note(in, again, to);
 }
 
 bool Pieces::takeEndTag(const char* name) {
@@ -272,15 +253,20 @@ bool Pieces::takeComment(const char* dashes) {
         to = through(to, '>');
         if (to == nullptr) return false;
     } while (to[-2] != '-' || to[-3] != '-');
-    if (returns.in(dashes, to, end)) noteReturns(to);
+    if (containsReturn(dashes, to)) PieceBreaks::note(in, dashes, to);
     goOnAt(to);
     StreamAccess::setError(in, "\"[\" expected");  // a comment is found by trials, and this is of the one before
     return true;
 }
 
 bool Pieces::takeText(const char* first) {
-    const char* const to = Scan::findNear<'<'>(first, end);
+    const char* to = Scan::findNear<'<', '\r'>(first, end);
     if (to == end) return false;
+    bool textHasReturn = *to != '<';
+    if (textHasReturn) {
+        to = Scan::find(to, end, '<');
+        if (to == nullptr) return false;
+    }
     const char* tried = nullptr;  // the end of the first token, with the byte after a word
     if (isQuote(*first)) {
         tried = through(first + 1, *first);
@@ -290,18 +276,11 @@ bool Pieces::takeText(const char* first) {
         if (tried == nullptr) return false;
     }
 
-    if (returns.in(first, std::max(tried, to + 1), end)) noteText(tried != nullptr ? tried : plainTriedFrom(first), to);
+    if (textHasReturn || (tried > to && containsReturn(to, tried))) PieceBreaks::noteText(in, begin, first, tried, to);
     const std::string_view text = viewOf(begin, to);
     goOnAt(to);
     tree.addText(text, isPadded(to));
     return true;
-}
-
-// All of a text is read again after its first token.
-void Pieces::noteText(const char* tried, const char* to) {
-    if (tried <= to + 1 && tried[-1] != '\r') return noteReturns(to);
-    StreamAccess::note(in, begin, tried);
-    StreamAccess::note(in, begin, to + 1);
 }
 
 // The end of the next `last`, null where there is none in the window.
@@ -317,16 +296,6 @@ const char* Pieces::referenceTriedFrom(const char* first) const {
     const char* const tried = through(first, ';');
     if (tried != nullptr) referenceEnd = StreamAccess::positionOf(in, tried);
     return tried;
-}
-
-// A '<' follows.
-const char* Pieces::plainTriedFrom(const char* first) {
-    if (*first == '/') return first + 2;
-    if (ByteClass::is(*first, ByteClass::kPunctuation)) return first + 1;
-    do {
-        ++first;
-    } while (!ByteClass::is(*first, ByteClass::kWordEnd));
-    return first + 1;
 }
 
 }  // namespace

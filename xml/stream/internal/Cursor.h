@@ -87,9 +87,6 @@ public:
     static void noteRun(InStream& in, const char* from, const char* to) {
         in.lineBreaks.noteRun(from, to, [&in](const char* byte) { return positionOf(in, byte); });
     }
-    static const char* noteAfterReturn(InStream& in, const char* from, const char* to) {
-        return in.lineBreaks.noteAfterReturn(from, to, [&in](const char* byte) { return positionOf(in, byte); });
-    }
 
 private:
     void note(char c) {

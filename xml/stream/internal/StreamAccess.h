@@ -129,10 +129,8 @@ struct StreamAccess {
     // Notes in the line breaks that these bytes of the window were consumed.
     static void note(InStream& in, const char* from, const char* to) { Cursor::noteRun(in, from, to); }
 
-    // Notes that a CR was consumed and then bytes from there on, up to the first that is none. Returns their end.
-    static const char* noteAfterReturn(InStream& in, const char* from, const char* to) {
-        return Cursor::noteAfterReturn(in, from, to);
-    }
+    // Notes that CR LF before there was consumed, after a byte that is no CR.
+    static void noteLineEnd(InStream& in, const char* after) { in.lineBreaks.record(positionOf(in, after)); }
     static void noteOther(InStream& in) { in.lineBreaks.noteOthers(); }  // one byte that is neither CR nor LF
     static bool isAfterReturn(const InStream& in) { return in.lineBreaks.isAfterReturn(); }
 
