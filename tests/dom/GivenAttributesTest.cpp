@@ -22,7 +22,7 @@ public:
         for (const auto& [name, value] : given) attributes.add(names.find(name, memory), value);
         attributes.sort();
         Pairs result;
-        for (const GivenAttributes::Given& each : attributes) result.emplace_back(each.name->text, each.value);
+        for (const GivenAttributes::Given& each : attributes) result.emplace_back(each.name->text, each.value());
         return result;
     }
 

@@ -142,6 +142,23 @@ public:
         return room;
     }
 
+    // Room for several nodes side by side and for bytes of theirs, aligned for pointers; the bytes count as `arrays`
+    // nodes more. At most kMostBytes in all.
+    template <class Node>
+    Room takeNodes(std::size_t count, std::size_t arrays, std::size_t byteCount) {
+        const std::size_t size = count * sizeof(Node);
+        Part& part = partFor<Node>();
+        if (part.left() < size + byteCount + alignof(void*)) addSlab(part);
+        char* const bytes = part.high - byteCount;
+        const Room room{part.low, bytes - reinterpret_cast<std::uintptr_t>(bytes) % alignof(void*)};
+        part.low += size;
+        part.high = room.bytes;
+        part.count += static_cast<std::uint32_t>(count + arrays);
+        Slab::allow(room.node, size);
+        Slab::allow(room.bytes, byteCount);
+        return room;
+    }
+
     // Room for an array of such nodes in a slab, at most kMostBytes. It counts as a node does.
     template <class Node>
     void* takeArray(std::size_t size) {

@@ -12,10 +12,24 @@ namespace Xml {
 class GivenAttributes {
 public:
     struct Given {
-        Given(const SharedName& itsName, std::string_view itsValue) : name(&itsName), value(itsValue) {}
+        Given(const SharedName& itsName, std::string_view itsValue)
+            : name(&itsName), bytes(itsValue.data()), size(itsValue.size()) {}
+
+        // Field by field, as they were written: what is loaded in wider steps than it was stored waits for the stores.
+        Given(const Given& other) : name(other.name), bytes(other.bytes), size(other.size) {}
+        Given& operator=(const Given& other) {
+            name = other.name;
+            bytes = other.bytes;
+            size = other.size;
+            return *this;
+        }
+        ~Given() = default;
+
+        std::string_view value() const { return {bytes, size}; }
 
         const SharedName* name;
-        std::string_view value;
+        const char* bytes;  // of the value
+        std::size_t size;
     };
 
     GivenAttributes() = default;

@@ -149,10 +149,15 @@ struct NodeAccess {
     }
     static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
         all.sort();
+        std::size_t textBytes = 0;
+        for (const GivenAttributes::Given& given : all) textBytes += isShort(given.value()) ? 0 : given.size;
+        constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
+        if (element.marks.isInSlab() && textBytes + all.size() * kEach < NodeMemory::kMostBytes - sizeof(void*))
+            return setTogether(element, memory, all, textBytes);
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const GivenAttributes::Given& given : all) {
-            filling.put(makeAttribute(memory, *given.name, given.value, &element, all.arePadded()).release());
+            filling.put(makeAttribute(memory, *given.name, given.value(), &element, all.arePadded()).release());
         }
     }
 
@@ -231,6 +236,29 @@ private:
     // Drops what is below the element, if that is the memory of a tree as it was made.
     static void dropWhole(Element& top);
 
+    static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
+
+    // Attributes for which room is taken once, with the array of them and those texts that are not short.
+    static void setTogether(Element& element, NodeMemory& memory, const GivenAttributes& all, std::size_t textBytes) {
+        const std::size_t count = all.size();
+        const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesFor(count) : 0;
+        const NodeMemory::Room room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
+        if (count > 1) element.attributes.lend(room.bytes, count);
+        char* texts = room.bytes + arrayBytes;
+        char* place = static_cast<char*>(room.node);
+        internal::Attributes::Filling filling = element.attributes.fill();
+        for (const GivenAttributes::Given& given : all) {
+            internal::GivenText text{given.value(), internal::TextPlace::Own, nullptr, all.arePadded()};
+            if (!isShort(text.bytes)) {
+                std::memcpy(texts, given.bytes, given.size);
+                text = {{texts, given.size}, internal::TextPlace::Lent};
+                texts += given.size;
+            }
+            filling.put(::new (place) Attribute(&given.name->text, text, &element));
+            place += sizeof(Attribute);
+        }
+    }
+
     // Room for a node, and its text there or elsewhere in the memory.
     struct NodeRoom {
         void* node;
@@ -255,7 +283,7 @@ private:
 
     template <class Node, class... At>
     static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded, At... place) {
-        if (text.size() <= internal::kShortText)
+        if (isShort(text))
             return {memory.takeNode<Node>(0, bytesFor(place...)).node,
                     {text, internal::TextPlace::Own, nullptr, isPadded}};
         if (text.size() > NodeMemory::kMostBytes) {

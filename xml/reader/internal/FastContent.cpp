@@ -220,15 +220,15 @@ bool Pieces::decodeValues() {
     decoded.clear();
     decoded.reserve(referring.size());  // they stay where they are
     for (const std::size_t place : referring) {
-        std::string_view& value = attributes[place].value;
-        decoded.emplace_back(value);
-        StreamAccess::moveTo(in, value.data() + value.size() + 1);
+        GivenAttributes::Given& given = attributes[place];
+        decoded.emplace_back(given.value());
+        StreamAccess::moveTo(in, given.bytes + given.size + 1);
         if (!budget.expand(in, decoded.back(), dtd)) {
             budget = before;
             StreamAccess::moveTo(in, begin);
             return false;
         }
-        value = decoded.back();
+        given = {*given.name, decoded.back()};
     }
     return true;
 }
