@@ -2,9 +2,13 @@
 
 #include "models/Snapshot.h"
 #include "support/GiveAttributes.h"
+#include "support/Rounds.h"
 #include "support/Trees.h"
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <random>
 
 namespace Xml::test {
 
@@ -146,6 +150,35 @@ TEST(TreeBuilderTest, AddsWholeElementsAsTheirPartsOneByOne) {
             EXPECT_EQ(linksOf(whole.get(), nullptr), linksOf(parts.get(), nullptr));
         }
     }
+}
+
+TEST(TreeBuilderTest, GivesAttributesOfAnyNumberAndLength) {
+    constexpr std::size_t kLengths[] = {0, 1, 14, 15, 16, 17, 32, 40, 64, 65, 300, 1024, 1025};
+    std::mt19937 random(5);
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    std::string expected;
+    for (int i = 0; i < rounds(3000); ++i) {
+        std::map<std::string, std::string> values;
+        const std::size_t lengths = random() % 3 == 0 ? std::size(kLengths) : 1 + random() % std::size(kLengths);
+        for (std::size_t count = random() % (i % 50 == 0 ? 200 : 14); count > 0; --count)
+            values[std::to_string(random() % 1000)] =
+                std::string(kLengths[random() % lengths], static_cast<char>('a' + random() % 26));
+        GivenAttributes given;
+        for (const auto& [name, value] : values) given.add(tree.name(name), value);
+        if (i == 0) {
+            tree.begin("a");
+            tree.setAttributes(given);
+        } else {
+            tree.addElement(tree.name("b"), given);
+        }
+        std::string shown;
+        for (const auto& [name, value] : values) shown += (shown.empty() ? "" : " ") + name + '=' + value;
+        if (!shown.empty()) shown = '[' + shown + ']';
+        expected += i == 0 ? "a" + shown + '(' : (i == 1 ? "b" : " b") + shown;
+    }
+    tree.end();
+    EXPECT_EQ(dump(root.get()), expected + ')');
 }
 
 TEST(TreeBuilderTest, ReplacesTheOutermostElementThatIsThereWhenItsOwnBegins) {

@@ -56,6 +56,8 @@ public:
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
+    Attribute** lendFull(void* memory, std::size_t count) { return sorted.lendFull(memory, count); }
+    Attribute** extend(std::size_t count) { return sorted.extend(count); }
     void forget() { sorted.clear(); }
 
 private:

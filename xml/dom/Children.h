@@ -63,6 +63,7 @@ public:
     static std::size_t bytesFor(std::size_t count) { return NodeArray<Object>::bytesFor(count); }
     Object** extend(std::size_t count) { return nodes.extend(count); }
     void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
+    Object** lendFull(void* memory, std::size_t count) { return nodes.lendFull(memory, count); }
     void forget() { nodes.clear(); }
 
     // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether

@@ -141,6 +141,14 @@ public:
     static std::size_t bytesFor(std::size_t count) { return sizeof(Block) + count * sizeof(Node*); }
     void lend(void* memory, std::size_t count) { setBlock(makeBlock(memory, count, true)); }
 
+    // The same with so many nodes, whose pointers are to be put there. Nothing of the memory is read: fresh memory
+    // is not in the processor's cache.
+    Node** lendFull(void* memory, std::size_t count) {
+        Block* const made = makeBlock(memory, count, true, count);
+        setBlock(made);
+        return made->nodes();
+    }
+
 private:
     static_assert(sizeof(Block) % alignof(Node*) == 0, "the pointers follow the block");
 
@@ -152,9 +160,10 @@ private:
         return reinterpret_cast<std::uint64_t*>(block.nodes() + block.capacity);
     }
 
-    static Block* makeBlock(void* memory, std::size_t capacity, bool isLent) {
+    static Block* makeBlock(void* memory, std::size_t capacity, bool isLent, std::size_t size = 0) {
         constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
-        return ::new (memory) Block{0, static_cast<std::uint32_t>(capacity) & kMost, isLent};
+        return ::new (memory)
+            Block{static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(capacity) & kMost, isLent};
     }
 
     bool isBlock() const { return (reinterpret_cast<std::uintptr_t>(word) & kBlockBit) != 0; }

@@ -135,6 +135,11 @@ struct NodeAccess {
         element.children.append(std::move(child));
     }
 
+    // The same for one that has the element as its parent, where there is none yet.
+    static void setChild(Element& element, std::unique_ptr<Object> child) {
+        *element.children.extend(1) = child.release();
+    }
+
     // Appends an attribute, for which room was made, and which is the last one by its name.
     static void appendAttribute(Element& element, std::unique_ptr<Attribute> attribute) {
         element.attributes.fill().put(attribute.release());
@@ -144,8 +149,15 @@ struct NodeAccess {
     using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
         const auto count = static_cast<std::size_t>(last - first);
-        reserveChildren(element, &memory, count);
-        for (Object** at = element.children.extend(count); first != last; ++first) *at++ = first->release();
+        Object** at = nullptr;
+        const std::size_t size = internal::Children::bytesFor(count);
+        if (count > 1 && size <= NodeMemory::kMostBytes && element.marks.isInSlab()) {
+            at = element.children.lendFull(memory.takeArray<Object>(size), count);
+        } else {
+            reserveChildren(element, &memory, count);
+            at = element.children.extend(count);
+        }
+        for (; first != last; ++first) *at++ = first->release();
     }
     static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
         all.sort();
@@ -243,18 +255,17 @@ private:
         const std::size_t count = all.size();
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesFor(count) : 0;
         const NodeMemory::Room room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
-        if (count > 1) element.attributes.lend(room.bytes, count);
+        Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
         char* texts = room.bytes + arrayBytes;
         char* place = static_cast<char*>(room.node);
-        internal::Attributes::Filling filling = element.attributes.fill();
         for (const GivenAttributes::Given& given : all) {
             internal::GivenText text{given.value(), internal::TextPlace::Own, nullptr, all.arePadded()};
             if (!isShort(text.bytes)) {
-                std::memcpy(texts, given.bytes, given.size);
+                Words::copyLong(texts, given.bytes, given.size);
                 text = {{texts, given.size}, internal::TextPlace::Lent};
                 texts += given.size;
             }
-            filling.put(::new (place) Attribute(&given.name->text, text, &element));
+            *at++ = ::new (place) Attribute(&given.name->text, text, &element);
             place += sizeof(Attribute);
         }
     }
@@ -291,7 +302,7 @@ private:
             return {memory.takeNode<Node>(0, bytesFor(place...)).node, {{}, internal::TextPlace::Lent, &kept}};
         }
         const NodeMemory::Room room = memory.takeNode<Node>(text.size(), bytesFor(place...));
-        std::memcpy(room.bytes, text.data(), text.size());
+        Words::copyLong(room.bytes, text.data(), text.size());
         return {room.node, {{room.bytes, text.size()}, internal::TextPlace::Lent}};
     }
 

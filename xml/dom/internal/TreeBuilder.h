@@ -85,7 +85,7 @@ public:
     void addLeaf(const SharedName& name, Attributes& attributes, std::string_view text, bool isPadded) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
         give(*element, attributes);
-        NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
+        NodeAccess::setChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
         finish(std::move(element));
     }
     template <class Attributes>
@@ -157,7 +157,7 @@ private:
 
     // A child of the innermost element is complete. The outermost one gets it at once: what is seen of that is as far
     // as the text was read.
-    void finish(std::unique_ptr<Object> child) {
+    [[gnu::always_inline]] void finish(std::unique_ptr<Object> child) {
         if (inner.empty()) {
             NodeAccess::appendChild(*here, std::move(child));
         } else {

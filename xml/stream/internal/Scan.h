@@ -63,6 +63,11 @@ inline const char* endOfAny(const char* from, const char* to) {
 // As findAny. Mostly it is within a few bytes; what is further away is looked for with find().
 template <char... These>
 inline const char* findNear(const char* from, const char* to) {
+    if (to - from >= kBlockSize) {
+        const unsigned marks = marksOf<These...>(from);
+        if (marks != 0) return from + __builtin_ctz(marks);
+        from += kBlockSize;
+    }
     constexpr std::ptrdiff_t kNear = 64;
     const char* const nearEnd = to - from > kNear ? from + kNear : to;
     const char* const near = findAny<These...>(from, nearEnd);

@@ -35,6 +35,19 @@ inline Word wordOf(const char* bytes, std::size_t size) {
 // All bits of so many bytes, of a word's at most.
 inline Word maskOf(std::size_t size) { return size >= sizeof(Word) ? ~Word{0} : (Word{1} << 8 * size) - 1; }
 
+// Copies at least 16 bytes. Mostly they are not many more.
+inline void copyLong(char* to, const char* from, std::size_t size) {
+    constexpr std::size_t kStep = 16;
+    constexpr std::size_t kFew = 64;
+    if (size > kFew) {
+        std::memcpy(to, from, size);
+        return;
+    }
+    const std::size_t last = size - kStep;
+    for (std::size_t at = 0; at < last; at += kStep) std::memcpy(to + at, from + at, kStep);
+    std::memcpy(to + last, from + last, kStep);
+}
+
 // Which of the bytes of a block are one of these: a bit for each, the first in the lowest place.
 #ifdef __SSE2__
 constexpr std::ptrdiff_t kBlockSize = 16;
