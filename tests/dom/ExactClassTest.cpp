@@ -8,6 +8,7 @@
 #include "xml/dom/Element.h"
 #include "xml/dom/Instruction.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dtd/Dtd.h"
 #include <gtest/gtest.h>
 #include <memory>

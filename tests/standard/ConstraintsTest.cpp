@@ -21,6 +21,7 @@ namespace {
 const Oracle kOracles[] = {
     {"Expat", askExpat, true},
     {"libxml2", askLibXml2, true},
+    {"the reader", askReader, false},
 };
 
 const std::string kProductions = "Productions of XML 1.0";

@@ -17,6 +17,7 @@ using Xml::DecodingFailure;
 using Xml::SourceText;
 using Xml::test::charactersOf;
 using Xml::test::decodeBytes;
+using Xml::test::Decoded;
 using Xml::test::decodePieces;
 using Xml::test::decodeWhole;
 using Xml::test::encode;
@@ -24,7 +25,6 @@ using Xml::test::Encoded;
 using Xml::test::encodingsUnderTest;
 using Xml::test::EncodingUnderTest;
 using Xml::test::expectSame;
-using Xml::test::Outcome;
 using Kind = DecodingFailure::Kind;
 
 std::string declared(const std::string& encoding, const std::string& content) {
@@ -35,7 +35,7 @@ std::string contentIn(const EncodingUnderTest& encoding) {
     return "<a b='"s + encoding.own + "'>\r\n" + encoding.own + "x" + encoding.own + "\n</a>";
 }
 
-void expectText(const Outcome& outcome, const std::string& text, const Encoded& source) {
+void expectText(const Decoded& outcome, const std::string& text, const Encoded& source) {
     EXPECT_FALSE(outcome.hasFailed) << outcome.failure.text;
     EXPECT_EQ(outcome.text, text);
     EXPECT_EQ(outcome.offsets, source.starts);

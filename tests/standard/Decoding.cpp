@@ -7,7 +7,7 @@ namespace Xml::test {
 
 namespace {
 
-void noteEnd(const Decoder& decoder, Outcome& outcome) {
+void noteEnd(const Decoder& decoder, Decoded& outcome) {
     outcome.hasFailed = decoder.failure().has_value();
     if (outcome.hasFailed) outcome.failure = *decoder.failure();
     outcome.hasMark = decoder.hasMark();
@@ -25,7 +25,7 @@ public:
         return goesOn;
     }
 
-    Outcome end() {
+    Decoded end() {
         decoder.finish(held);
         askPlaces();
         // Once more for the end, which is no character.
@@ -66,14 +66,14 @@ private:
     std::string held;
     std::int64_t from = 0;
     std::int64_t asked = 0;
-    Outcome outcome;
+    Decoded outcome;
 };
 
 }  // namespace
 
-Outcome decodeWhole(const std::string& source, const std::string& encoding) {
+Decoded decodeWhole(const std::string& source, const std::string& encoding) {
     SourceText whole(source, encoding);
-    Outcome outcome;
+    Decoded outcome;
     outcome.text = whole.text();
     noteEnd(whole.decoder(), outcome);
     Places places;
@@ -85,7 +85,7 @@ Outcome decodeWhole(const std::string& source, const std::string& encoding) {
     return outcome;
 }
 
-Outcome decodePieces(const std::string& source, const std::vector<std::size_t>& ends, const std::string& encoding) {
+Decoded decodePieces(const std::string& source, const std::vector<std::size_t>& ends, const std::string& encoding) {
     Reader reader(encoding);
     std::size_t at = 0;
     for (const std::size_t end : ends) {
@@ -96,13 +96,13 @@ Outcome decodePieces(const std::string& source, const std::vector<std::size_t>& 
     return reader.end();
 }
 
-Outcome decodeBytes(const std::string& source, const std::string& encoding) {
+Decoded decodeBytes(const std::string& source, const std::string& encoding) {
     std::vector<std::size_t> ends;
     for (std::size_t end = 1; end <= source.size(); ++end) ends.push_back(end);
     return decodePieces(source, ends, encoding);
 }
 
-void expectSame(const Outcome& outcome, const Outcome& expected) {
+void expectSame(const Decoded& outcome, const Decoded& expected) {
     EXPECT_EQ(outcome.text, expected.text);
     EXPECT_EQ(outcome.offsets, expected.offsets);
     EXPECT_EQ(outcome.hasMark, expected.hasMark);

@@ -8,7 +8,7 @@
 namespace Xml::test {
 
 // What came of a source.
-struct Outcome {
+struct Decoded {
     std::string text;
     bool hasFailed = false;
     DecodingFailure failure{};
@@ -19,11 +19,11 @@ struct Outcome {
 
 // From memory as a whole; as a stream in pieces that end at the given places, with places asked as the text comes and
 // all before them forgotten now and then.
-Outcome decodeWhole(const std::string& source, const std::string& encoding = {});
-Outcome decodePieces(const std::string& source, const std::vector<std::size_t>& ends, const std::string& encoding = {});
-Outcome decodeBytes(const std::string& source, const std::string& encoding = {});
+Decoded decodeWhole(const std::string& source, const std::string& encoding = {});
+Decoded decodePieces(const std::string& source, const std::vector<std::size_t>& ends, const std::string& encoding = {});
+Decoded decodeBytes(const std::string& source, const std::string& encoding = {});
 
 // Expects the two to be the same in all but what a decoder may know of characters after a failure.
-void expectSame(const Outcome& outcome, const Outcome& expected);
+void expectSame(const Decoded& outcome, const Decoded& expected);
 
 }  // namespace Xml::test

@@ -1,5 +1,8 @@
 #include "standard/Oracles.h"
 
+#include "xml/dom/Document.h"
+#include "xml/standard/Read.h"
+
 #include <cstring>
 #include <expat.h>
 #include <libxml/parser.h>
@@ -97,6 +100,17 @@ Verdict askLibXml2(const Question& question) {
     verdict.isAccepted =
         document != nullptr && context->wellFormed != 0 && (!question.namespaces || context->nsWellFormed != 0);
     if (!verdict.isAccepted && context->lastError.message != nullptr) verdict.message = context->lastError.message;
+    return verdict;
+}
+
+Verdict askReader(const Question& question) {
+    ReadOptions options;
+    options.namespaces = question.namespaces;
+    const ReadResult result = readText(question.document, options);
+    Verdict verdict;
+    verdict.isAccepted = result.isWellFormed();
+    verdict.message = result.message();
+    if (!verdict.isAccepted) verdict.rule = result.problems().front().rule;
     return verdict;
 }
 

@@ -5,6 +5,7 @@
 #include "xml/dom/internal/Copying.h"
 #include "xml/dom/internal/Linking.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/stream/OutStream.h"
 #include <utility>

@@ -4,6 +4,7 @@
 #include "xml/dom/internal/Copying.h"
 #include "xml/dom/internal/Linking.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/dom/internal/Writer.h"
 #include "xml/dtd/Dtd.h"

@@ -1,6 +1,7 @@
 #include "xml/dom/Element.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/text/internal/EmptyData.h"
 #include <memory>

@@ -1,6 +1,7 @@
 #include "xml/dom/NodeKind.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 
 namespace Xml {
 

@@ -7,6 +7,7 @@
 #include "xml/dom/internal/AsidePlaces.h"
 #include "xml/dom/internal/AsideTexts.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Rewriting.h"
 #include "xml/dom/internal/Slab.h"
 #include "xml/dtd/Dtd.h"

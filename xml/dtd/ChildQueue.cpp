@@ -1,6 +1,7 @@
 #include "xml/dtd/ChildQueue.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include <algorithm>
 
 namespace Xml {

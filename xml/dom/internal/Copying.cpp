@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 #include <memory>
 #include <optional>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 
 namespace Xml {

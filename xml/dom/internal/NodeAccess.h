@@ -140,6 +140,16 @@ struct NodeAccess {
         *element.children.extend(1) = child.release();
     }
 
+    // Takes all children out, of an element that is being made.
+    static std::vector<std::unique_ptr<Object>> takeChildren(Element& element) {
+        const NodeSpan span = element.children.span();
+        std::vector<std::unique_ptr<Object>> taken;
+        taken.reserve(span.size());
+        for (Object* child : span) taken.emplace_back(child);
+        element.children.forget();
+        return taken;
+    }
+
     // Appends an attribute, for which room was made, and which is the last one by its name.
     static void appendAttribute(Element& element, std::unique_ptr<Attribute> attribute) {
         element.attributes.fill().put(attribute.release());
@@ -317,39 +327,5 @@ private:
         nodes.reserve(count);
     }
 };
-
-// The class that the node is exactly an object of, if it is one that loops treat themselves.
-inline NodeClass exactClassOf(const Object& node) { return NodeAccess::marks(node).exactClass.of(node); }
-
-template <class Node>
-bool isExactly(const Object& node);
-template <>
-inline bool isExactly<Element>(const Object& node) {
-    return exactClassOf(node) == NodeClass::Element;
-}
-template <>
-inline bool isExactly<CharData>(const Object& node) {
-    return exactClassOf(node) == NodeClass::CharData;
-}
-
-// Whether it is one of the library's own classes of leaves among children.
-inline bool isPlainLeaf(NodeClass exactly) { return exactly >= NodeClass::Comment; }
-
-// Whether the node is a comment or an instruction, which content models and paths pass over.
-inline bool isPassedOver(const Object& node) { return NodeAccess::marks(node).isPassedOver(); }
-
-// The kind of a node, without a call for the library's own classes.
-inline bool isElement(const Object& node) {
-    const NodeClass exactly = exactClassOf(node);
-    return exactly == NodeClass::Element || (exactly == NodeClass::Other && node.isElement());
-}
-inline bool isCharData(const Object& node) {
-    const NodeClass exactly = exactClassOf(node);
-    return exactly >= NodeClass::CharData || (exactly == NodeClass::Other && node.isCharData());
-}
-inline bool isAttribute(const Object& node) {
-    const NodeClass exactly = exactClassOf(node);
-    return exactly == NodeClass::Attribute || (exactly == NodeClass::Other && node.isAttribute());
-}
 
 }  // namespace Xml

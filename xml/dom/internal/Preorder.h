@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include <cstddef>
 #include <utility>
 #include <vector>

@@ -2,9 +2,12 @@
 
 #include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -121,6 +124,36 @@ public:
         finish(NodeAccess::makeInstruction(memory, name(target), content, here, place));
     }
 
+    // How many children the innermost element has.
+    std::size_t childCount() const {
+        return inner.empty() ? NodeAccess::children(*here).size() : finished.size() - inner.back().firstChild;
+    }
+
+    // Texts among the children that the innermost element has, each before the child of that number; the numbers rise.
+    struct TextBefore {
+        std::size_t child;
+        std::string_view text;
+    };
+    void insertTexts(const std::vector<TextBefore>& texts) {
+        std::vector<std::unique_ptr<Object>> children = takeChildren();
+        auto next = texts.begin();
+        for (std::size_t i = 0; i <= children.size(); ++i) {
+            for (; next != texts.end() && next->child == i; ++next) addText(next->text);
+            if (i < children.size()) finish(std::move(children[i]));
+        }
+    }
+
+    // The innermost element, or one that is about to begin in it: /a[1]/b[2], where b is its second child of that name.
+    std::string path(std::string_view beginning = {}) const {
+        std::string result;
+        if (isOpen()) result = "/" + NodeAccess::name(*outermost) + "[1]";
+        for (std::size_t i = 0; i < inner.size(); ++i) appendStep(result, i, NodeAccess::name(*inner[i].element));
+        if (beginning.empty()) return result;
+        if (!isOpen()) return "/" + std::string(beginning) + "[1]";
+        appendStep(result, inner.size(), beginning);
+        return result;
+    }
+
     // Ends the innermost element.
     void end() {
         if (inner.empty()) {
@@ -147,6 +180,31 @@ private:
 
     void keepPlaceOfRoot(const Place* place) {
         if (place != nullptr) NodeAccess::keepPlace(*root, *place);
+    }
+
+    // An element of that name within the outermost one and so many others: after those children that have ended.
+    void appendStep(std::string& path, std::size_t depth, std::string_view name) const {
+        std::size_t number = 1;
+        const auto count = [&](const Object& child) {
+            if (isExactly<Element>(child) && NodeAccess::name(static_cast<const Element&>(child)) == name) ++number;
+        };
+        if (depth == 0) {
+            for (const Object* child : NodeAccess::children(*outermost)) count(*child);
+        } else {
+            const std::size_t last = depth < inner.size() ? inner[depth].firstChild : finished.size();
+            for (std::size_t i = inner[depth - 1].firstChild; i < last; ++i) count(*finished[i]);
+        }
+        path.append("/").append(name).append("[").append(std::to_string(number)).append("]");
+    }
+
+    // Those of the innermost element.
+    std::vector<std::unique_ptr<Object>> takeChildren() {
+        if (inner.empty()) return NodeAccess::takeChildren(*here);
+        const auto first = finished.begin() + static_cast<std::ptrdiff_t>(inner.back().firstChild);
+        std::vector<std::unique_ptr<Object>> children(std::make_move_iterator(first),
+                                                      std::make_move_iterator(finished.end()));
+        finished.erase(first, finished.end());
+        return children;
     }
 
     // Many elements have no attributes.

@@ -1,6 +1,7 @@
 #include "xml/dom/internal/Writer.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 #include "xml/dom/internal/Rewriting.h"
 #include "xml/stream/internal/OutRun.h"

@@ -1,6 +1,7 @@
 #include "xml/dtd/internal/FastValidation.h"
 
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "xml/dtd/internal/Matcher.h"
 
 #include "xml/dom/Element.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/dtd/AnySpec.h"
 #include "xml/dtd/CharSpec.h"
 #include "xml/dtd/EmptySpec.h"

@@ -1,6 +1,7 @@
 #include "xml/dtd/internal/Verdicts.h"
 
 #include "xml/dom/internal/Linking.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include <algorithm>
 #include <atomic>
 

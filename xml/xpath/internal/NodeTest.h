@@ -2,6 +2,7 @@
 
 #include "orvsys/Uni16.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/xpath/internal/Characters.h"
 #include "xml/xpath/internal/PathError.h"
 #include <string>

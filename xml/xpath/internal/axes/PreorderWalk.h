@@ -2,6 +2,7 @@
 
 #include "xml/dom/Document.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include <cstddef>
 #include <vector>
 

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Document.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/dom/internal/NodeClasses.h"
 #include "xml/xpath/internal/NodeTest.h"
 #include "xml/xpath/internal/VisitBudget.h"
 #include "xml/xpath/internal/axes/PreorderWalk.h"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "support/Dice.h"
+#include <string>
+
+namespace Xml::test {
+
+// A document of XML 1.0, mostly well formed, with every construct.
+std::string randomDocument(Dice& dice);
+
+// The document after some changes; valid UTF-8 as before.
+std::string mutated(Dice& dice, std::string text);
+
+}  // namespace Xml::test

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Xml::test {
+
+// What another processor made of a document.
+struct PeerVerdict {
+    bool isAccepted = false;
+    bool hasSkipped = false;  // a reference that it did not read
+    std::string events;       // as EventLines has them, with attributes in the order of the tag
+    std::string error;
+};
+
+// Expat, with namespaces (the verdict alone) or without; parameter entities of the internal subset are read.
+PeerVerdict askExpat(std::string_view text, bool hasNamespaces);
+
+// libxml2, entities replaced; the verdict is of both recommendations where there are namespaces.
+PeerVerdict askLibxml2(std::string_view text, bool hasNamespaces);
+
+}  // namespace Xml::test

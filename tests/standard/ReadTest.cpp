@@ -1,0 +1,194 @@
+// Texts into trees: which nodes come of what is written.
+#include "xml/standard/Read.h"
+
+#include "support/Trees.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Xml::test {
+namespace {
+
+std::string treeOf(const std::string& text, Space space = Space::Content) {
+    ReadOptions options;
+    options.space = space;
+    const ReadResult result = readText(text, options);
+    return result ? dump(result.get()) : result.message();
+}
+
+struct TreeCase {
+    const char* name;
+    const char* text;
+    const char* tree;
+};
+
+TEST(ReadTest, MakesATreeOfElementsAttributesAndTexts) {
+    const TreeCase kCases[] = {
+        {"empty root", "<a/>", "a"},
+        {"nested", "<a><b/><c><d/></c></a>", "a(b c(d))"},
+        {"attributes", "<a y='1' x=\"2\"/>", "a[x=2 y=1]"},
+        {"value with references", "<a x='&lt;&#65;&amp;\"&gt;'/>", "a[x=<A&\">]"},
+        {"white space in a value", "<a x='1\t2\r\n3\n4'/>", "a[x=1 2 3 4]"},
+        {"text", "<a>text</a>", "a('text')"},
+        {"markup characters in a text", "<a>1 &lt; 2 &amp;&amp; 3 > 2</a>", "a('1 &lt; 2 &amp;&amp; 3 &gt; 2')"},
+        {"references", "<a>&#x20AC;&quot;&apos;</a>", "a('\xE2\x82\xAC\"'')"},
+        {"section joins the text", "<a>x<![CDATA[<y>]]>z</a>", "a('x&lt;y&gt;z')"},
+        {"comment and instruction join", "<a>x<!--c-->y<?p i?>z</a>", "a('xyz')"},
+        {"line ends", "<a>1\r\n2\r3\n4</a>", "a('1\n2\n3\n4')"},
+        {"entity with markup", "<!DOCTYPE a [<!ENTITY e 'x<b>y</b>'>]><a>&e;z</a>", "a('x' b('y') 'z')"},
+        {"default", "<!DOCTYPE a [<!ATTLIST a x CDATA 'd' y NMTOKENS ' p  q '>]><a/>", "a[x=d y=p q]"},
+        {"collapsed value", "<!DOCTYPE a [<!ATTLIST a y NMTOKENS #IMPLIED>]><a y='  p \n q '/>", "a[y=p q]"},
+        {"mark", "\xEF\xBB\xBF<a/>", "a"},
+        {"name",
+         "<gr\xC3\xB6\xC3\x9F"
+         "e/>",
+         "gr\xC3\xB6\xC3\x9F"
+         "e"},
+    };
+    for (const TreeCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(treeOf(c.text), c.tree);
+    }
+}
+
+struct SpaceCase {
+    const char* name;
+    const char* text;
+    const char* all;
+    const char* content;
+    const char* dropped;
+};
+
+TEST(ReadTest, KeepsWhiteSpaceAsAsked) {
+    const SpaceCase kCases[] = {
+        {"between elements", "<a>\n <b/>\n</a>", "a('\n ' b '\n')", "a(b)", "a(b)"},
+        {"without a line end", "<a> <b/> </a>", "a(' ' b ' ')", "a(' ' b ' ')", "a(b)"},
+        {"alone", "<a>\n</a>", "a('\n')", "a('\n')", "a"},
+        {"text comes later", "<a>\n<b/>\n<c/>x</a>", "a('\n' b '\n' c 'x')", "a('\n' b '\n' c 'x')", "a(b c 'x')"},
+        {"text comes later, nested", "<r><a>\n<b/>\n<c/>x\n</a></r>", "r(a('\n' b '\n' c 'x\n'))",
+         "r(a('\n' b '\n' c 'x\n'))", "r(a(b c 'x\n'))"},
+        {"text came before", "<a>x<b/>\n</a>", "a('x' b '\n')", "a('x' b '\n')", "a('x' b)"},
+        {"of an element within a text", "<a>x<b>\n<c/></b></a>", "a('x' b('\n' c))", "a('x' b(c))", "a('x' b(c))"},
+        {"preserve", "<a xml:space='preserve'>\n<b>\n<c/></b></a>", "a[xml:space=preserve]('\n' b('\n' c))",
+         "a[xml:space=preserve]('\n' b('\n' c))", "a[xml:space=preserve](b(c))"},
+        {"default within preserve", "<a xml:space='preserve'>\n<b xml:space='default'>\n<c/></b></a>",
+         "a[xml:space=preserve]('\n' b[xml:space=default]('\n' c))",
+         "a[xml:space=preserve]('\n' b[xml:space=default](c))", "a[xml:space=preserve](b[xml:space=default](c))"},
+        {"by reference", "<a>&#10;<b/>\n</a>", "a('\n' b '\n')", "a('\n' b '\n')", "a('\n' b)"},
+        {"around a comment", "<a>\n<!--c-->\n<b/></a>", "a('\n\n' b)", "a(b)", "a(b)"},
+        {"section", "<a><![CDATA[\n]]><b/></a>", "a('\n' b)", "a('\n' b)", "a('\n' b)"},
+        {"empty section", "<a>\n<![CDATA[]]><b/></a>", "a('\n' b)", "a(b)", "a(b)"},
+    };
+    for (const SpaceCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(treeOf(c.text, Space::All), c.all);
+        EXPECT_EQ(treeOf(c.text, Space::Content), c.content);
+        EXPECT_EQ(treeOf(c.text, Space::Dropped), c.dropped);
+    }
+}
+
+// --- Problems ---
+
+Problem problemOf(const std::string& text, const ReadOptions& options = {}) {
+    const ReadResult result = readText(text, options);
+    EXPECT_FALSE(result);
+    EXPECT_EQ(result.get(), nullptr);
+    EXPECT_EQ(result.problems().size(), 1u);
+    return result.problems().empty() ? Problem() : result.problems()[0];
+}
+
+TEST(ReadTest, SaysWhatIsWrongAndWhere) {
+    ReadOptions options;
+    options.source = "app.xml";
+    const Problem problem =
+        problemOf("<app>\n  <server/>\n  <server>\n   <port>80</prot>\n  </server>\n</app>\n", options);
+    EXPECT_EQ(problem.toString(), "app.xml:4:12: error: </port> expected, found </prot> (<port> began at 4:4)");
+    EXPECT_EQ(problem.kind, Problem::Kind::Malformed);
+    EXPECT_EQ(problem.rule, "Element Type Match");
+    EXPECT_EQ(problem.path, "/app[1]/server[2]/port[1]");
+    EXPECT_EQ(problem.excerpt, "   <port>80</prot>\n           ^");
+    EXPECT_EQ(problem.place.offset, 40);
+}
+
+TEST(ReadTest, CountsColumnsInCharactersAndBytesFromTheMark) {
+    const Problem problem = problemOf("\xEF\xBB\xBF<a>\r\n\xC3\xB6\xE2\x82\xAC\t<b></c></a>");
+    EXPECT_EQ(problem.place.line, 2);
+    EXPECT_EQ(problem.place.column, 7);
+    EXPECT_EQ(problem.place.offset, 17);
+    EXPECT_EQ(problem.excerpt, "\xC3\xB6\xE2\x82\xAC\t<b></c></a>\n  \t   ^");
+}
+
+TEST(ReadTest, NamesTheElementWhoseStartTagIsWrong) {
+    EXPECT_EQ(problemOf("<a><b/><b x='1' x='2'/></a>").path, "/a[1]/b[2]");
+    EXPECT_EQ(problemOf("<a x='1' x='2'/>").path, "/a[1]");
+    EXPECT_EQ(problemOf("x").path, "");
+}
+
+TEST(ReadTest, NamesTheEntityThatAProblemIsIn) {
+    const Problem problem =
+        problemOf("<!DOCTYPE a [\n <!ENTITY in '<b>&#38;out;'>\n <!ENTITY out '</c>'>]>\n<a>&in;</a>");
+    EXPECT_EQ(problem.text, "</c> has no start tag in the entity (in the entity \"out\", declared at 3:2)");
+    EXPECT_EQ(problem.place.line, 4);
+    EXPECT_EQ(problem.place.column, 4);
+    EXPECT_EQ(problem.excerpt, "<a>&in;</a>\n   ^");
+}
+
+TEST(ReadTest, ShowsAsMuchOfALongLineAsCanBeRead) {
+    const Problem problem = problemOf("<a>" + std::string(1000, 'x') + "\x01" + std::string(1000, 'y') + "</a>");
+    const std::string line = problem.excerpt.substr(0, problem.excerpt.find('\n'));
+    EXPECT_EQ(line, std::string(80, 'x') + "\xEF\xBF\xBD" + std::string(79, 'y'));
+    EXPECT_EQ(problem.excerpt.substr(line.size() + 1), std::string(80, ' ') + "^");
+}
+
+TEST(ReadTest, FindsBytesThatAreNoUtf8) {
+    const char* const kTexts[] = {
+        "\x80",     "\xC0\x80", "\xC3",        "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF0\x80\x80\x80",
+        "\xE2\x82", "\xFF",     "\xF0\x9F\x98"};
+    for (const char* text : kTexts) {
+        const Problem problem = problemOf(std::string("<a>\n ") + text + "</a>");
+        EXPECT_EQ(problem.place.offset, 5);
+        EXPECT_EQ(problem.place.line, 2);
+        EXPECT_EQ(problem.place.column, 2);
+        EXPECT_FALSE(problem.text.empty());
+    }
+}
+
+std::string inUtf16(const std::string& ascii) {
+    std::string result;
+    for (const char c : ascii) result.append(1, c).append(1, '\0');
+    return result;
+}
+
+TEST(ReadTest, ReadsOtherEncodings) {
+    EXPECT_EQ(treeOf("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xF6</a>"), "a('\xC3\xB6')");
+    EXPECT_EQ(treeOf("\xFF\xFE" + inUtf16("<a>x</a>")), "a('x')");
+    ReadOptions options;
+    options.encoding = "ISO-8859-1";
+    const ReadResult result = readText("<a>\xF6</a>", options);
+    EXPECT_EQ(dump(result.get()), "a('\xC3\xB6')");
+}
+
+TEST(ReadTest, GivesOffsetsInTheSource) {
+    const Problem wide = problemOf("\xFF\xFE" + inUtf16("<a>\n<b></c></a>"));
+    EXPECT_EQ(wide.place.offset, 16);
+    EXPECT_EQ(wide.place.line, 2);
+    EXPECT_EQ(wide.place.column, 4);
+    const Problem latin = problemOf("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xF6</b>");
+    EXPECT_EQ(latin.place.offset, 47);
+    EXPECT_EQ(latin.place.column, 48);
+}
+
+TEST(ReadTest, NamesAnEncodingThatItDoesNotKnow) {
+    const Problem problem = problemOf("<?xml version='1.0' encoding='No-Such'?><a/>");
+    EXPECT_EQ(problem.kind, Problem::Kind::Unsupported);
+    EXPECT_NE(problem.text.find("No-Such"), std::string::npos);
+}
+
+TEST(ReadTest, SaysFirstWhatIsWrongFirst) {
+    EXPECT_EQ(problemOf("<a></b><c></c></a></d>\xFF").rule, "Element Type Match");
+    EXPECT_EQ(problemOf("<a>\xFF</b>").rule, "Character Encoding in Entities");
+}
+
+}  // namespace
+}  // namespace Xml::test

@@ -1,0 +1,113 @@
+#include "xml/standard/internal/EntityStack.h"
+
+#include "xml/standard/internal/Names.h"
+#include "xml/standard/internal/Rules.h"
+#include <cstdio>
+#include <utility>
+
+namespace Xml {
+
+std::size_t EntityStack::release() {
+    const auto read = static_cast<std::size_t>(at - positions.text().data());
+    positions.release(read);
+    return read;
+}
+
+void EntityStack::setWindow(std::string_view text, bool isLast) {
+    positions.setWindow(text);
+    isWindowLast = isLast;
+    at = text.data();
+    end = at + text.size();
+}
+
+bool EntityStack::enter(std::string_view name, DeclaredEntity& entity, const char* reference, std::size_t open) {
+    const std::string sign = entity.isParameter ? "%" : "&";
+    if (entity.isOpen) {
+        return fail(reference, StandardRules::kNoRecursion, sign + std::string(name) + "; refers to itself");
+    }
+    if (!grow(entity.text.size(), reference)) return false;
+    frames.push_back({at, end, name, &entity, offsetOf(reference), open});
+    entity.isOpen = true;
+    at = entity.text.data();
+    end = at + entity.text.size();
+    return true;
+}
+
+void EntityStack::leave() {
+    const Frame& frame = frames.back();
+    frame.entity->isOpen = false;
+    at = frame.at;
+    end = frame.end;
+    frames.pop_back();
+}
+
+bool EntityStack::grow(std::size_t byteCount, const char* where) {
+    constexpr std::int64_t kTimes = 100;
+    grown += static_cast<std::int64_t>(byteCount);
+    if (limit == 0 || grown <= limit || grown / kTimes <= offsetOf(where)) return true;
+    return failFinally(where, "entityGrowth",
+                       "entities and defaults make more than " + std::to_string(limit) + " bytes",
+                       Problem::Kind::Limit);
+}
+
+std::int64_t EntityStack::offsetOf(const char* where) const {
+    if (!frames.empty()) return frames.front().offset;
+    return positions.begin() + (where - positions.text().data());
+}
+
+std::string EntityStack::describe(const char* where) const {
+    if (where == end) return isInEntity() ? "the end of the entity" : "the end of the document";
+    const Utf8::Character c = Utf8::at(where);
+    if (c.value >= 0x20 && c.value != 0x7F && StandardNames::isChar(c.value)) {
+        const char* const quote = *where == '"' ? "'" : "\"";
+        return quote + std::string(where, where + c.size) + quote;
+    }
+    if (c.value == '\n' || c.value == '\r') return "the end of the line";
+    char code[16];
+    std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(c.value));
+    return code;
+}
+
+bool EntityStack::fail(const char* where, const char* rule, std::string text, Problem::Kind kind) {
+    if (isGrowing() && end - where < kLongest) {
+        now = State::Cut;
+        return false;
+    }
+    return failFinally(where, rule, std::move(text), kind);
+}
+
+bool EntityStack::endsEarly(const char* where, const char* rule, std::string text) {
+    if (isGrowing()) {
+        now = State::Cut;
+        return false;
+    }
+    // What a parameter entity contains is declarations, whole.
+    const bool isInDeclarations =
+        !frames.empty() && frames.back().entity->isParameter && std::string_view(rule) != StandardRules::kPEReference;
+    return failFinally(where, isInDeclarations ? StandardRules::kPEBetweenDeclarations : rule, std::move(text),
+                       Problem::Kind::Malformed);
+}
+
+bool EntityStack::expected(const char* where, const char* rule, const std::string& what) {
+    const std::string text = what + " expected, found " + describe(where);
+    if (where == end) return endsEarly(where, rule, text);
+    const bool isCharacter = StandardNames::isChar(Utf8::at(where).value);
+    return fail(where, isCharacter ? rule : StandardRules::kChar, text);
+}
+
+bool EntityStack::failFinally(const char* where, const char* rule, std::string text, Problem::Kind kind) {
+    now = State::Failed;
+    if (!frames.empty()) {
+        const Frame& inner = frames.back();
+        const Place& place = inner.entity->declaredAt;
+        text += " (in the entity \"" + std::string(inner.name) + "\"";
+        if (place.line > 0) {
+            text += ", declared at " + std::to_string(place.line) + ":" + std::to_string(place.column);
+        }
+        text += ")";
+    }
+    found = {kind, rule, offsetOf(where), std::move(text), {}};
+    return false;
+}
+
+}  // namespace Xml

@@ -1,0 +1,272 @@
+#include "xml/standard/internal/Lexer.h"
+
+#include "xml/standard/internal/DtdParser.h"
+#include "xml/standard/internal/Names.h"
+#include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/Syntax.h"
+
+namespace Xml {
+
+using Syntax::startsWith;
+using Syntax::viewOf;
+
+std::size_t Lexer::release() {
+    std::size_t known = open.size();
+    while (known > 0 && open[known - 1].place.line == 0) --known;
+    for (; known < open.size(); ++known) open[known].place = in.placeOf(open[known].offset);
+    return in.release();
+}
+
+// What was read of a construct that is cut off is read again, but for texts: what is in the buffer stays there.
+Lexer::Event Lexer::next() {
+    if (part == Part::Finished) return Event::Finished;
+    if (part == Part::Failed) return Event::Failed;
+    forgetEnded();
+    in.goOn();
+    const std::int64_t growth = in.growth();
+    Event event = Event::Failed;
+    if (read(event)) return event;
+    if (in.state() == EntityStack::State::Cut) {
+        if (!isInText) in.setGrowth(growth);
+        return Event::More;
+    }
+    part = Part::Failed;
+    return Event::Failed;
+}
+
+bool Lexer::read(Event& event) {
+    if (part == Part::Content) return readContent(event);
+    if (part == Part::Beginning) {
+        const char* const from = in.at;
+        if (!readXmlDeclaration(in, itsDeclaration)) {
+            if (in.state() == EntityStack::State::Cut) in.at = from;
+            return false;
+        }
+        declared.isStandalone = itsDeclaration.standalone.value_or(false);
+        part = Part::BeforeDoctype;
+    }
+    return readMisc(event);
+}
+
+// What stands before and after the root.
+bool Lexer::readMisc(Event& event) {
+    Syntax::skipWhite(in);
+    itsOffset = in.offsetOf(in.at);
+    const bool isAfter = part == Part::AfterRoot;
+    if (in.at == in.end) {
+        if (isAfter && !in.isGrowing()) {
+            part = Part::Finished;
+            event = Event::Finished;
+            return true;
+        }
+        return in.endsEarly(in.at, StandardRules::kDocument, "an element expected, found the end of the document");
+    }
+    if (startsWith(in, "<!--")) return readComment(event);
+    if (startsWith(in, "<?")) return readInstruction(event);
+    if (isAfter) {
+        return in.fail(in.at, StandardRules::kDocument,
+                       "nothing may follow the root but comments and instructions, found " + in.describe(in.at));
+    }
+    if (startsWith(in, "<!DOCTYPE")) {
+        if (part == Part::BeforeDoctype) return readDoctype(event);
+        return in.fail(in.at, StandardRules::kProlog, "a document has one document type");
+    }
+    if (*in.at != '<' || startsWith(in, "<!")) return in.expected(in.at, StandardRules::kProlog, "an element");
+    return readStart(event);
+}
+
+bool Lexer::readContent(Event& event) {
+    if (isEnding) return endElement(event);
+    if (isInText || in.at == in.end || *in.at != '<') {
+        if (!readText()) return false;
+        if (!itsText.empty()) {
+            event = Event::Text;
+            return true;
+        }
+        if (in.at == in.end) return failAtEnd(in.at);
+    }
+    itsOffset = in.offsetOf(in.at);
+    if (in.end - in.at < 2) return in.endsEarly(in.at, StandardRules::kName, "\"<\" begins nothing");
+    switch (in.at[1]) {
+    case '/': return readEnd(event);
+    case '?': return readInstruction(event);
+    case '!':
+        if (startsWith(in, "<!--")) return readComment(event);
+        if (startsWith(in, "<![CDATA[")) return readSection(event);
+        return in.fail(in.at, startsWith(in, "<![") ? StandardRules::kCDStart : StandardRules::kContent,
+                       "\"<!\" begins neither a comment nor a section");
+    default: return readStart(event);
+    }
+}
+
+// --- Comments, instructions, sections ---
+
+// In an entity a CR is no line end: it came there by a reference.
+void Lexer::takeText(std::string_view text, bool hasReturn) {
+    itsText = text;
+    if (!hasReturn || in.isInEntity()) return;
+    buffer.clear();
+    Syntax::appendLines(buffer, text);
+    itsText = buffer;
+}
+
+bool Lexer::readComment(Event& event) {
+    bool hasReturn = false;
+    if (!Syntax::readComment(in, itsText, hasReturn)) return false;
+    takeText(itsText, hasReturn);
+    event = Event::Comment;
+    return true;
+}
+
+bool Lexer::readInstruction(Event& event) {
+    bool hasReturn = false;
+    if (!Syntax::readInstruction(in, itsName, itsText, hasReturn, options.namespaces)) return false;
+    takeText(itsText, hasReturn);
+    event = Event::Instruction;
+    return true;
+}
+
+bool Lexer::readSection(Event& event) {
+    bool hasReturn = false;
+    if (!Syntax::readSection(in, itsText, hasReturn)) return false;
+    takeText(itsText, hasReturn);
+    event = Event::CData;
+    return true;
+}
+
+// --- Tags ---
+
+std::string_view Lexer::openName(std::size_t place) const {
+    const std::size_t from = open[place].nameBegin;
+    const std::size_t to = place + 1 < open.size() ? open[place + 1].nameBegin : openNames.size();
+    return std::string_view(openNames).substr(from, to - from);
+}
+
+Place Lexer::placeOf(const Open& element) const {
+    return element.place.line != 0 ? element.place : in.placeOf(element.offset);
+}
+
+std::string Lexer::beganAt(const Open& element) const {
+    const Place place = placeOf(element);
+    const std::string name(openName(static_cast<std::size_t>(&element - open.data())));
+    return "(<" + name + "> began at " + std::to_string(place.line) + ":" + std::to_string(place.column) + ")";
+}
+
+bool Lexer::readStart(Event& event) {
+    const char* const from = in.at;
+    const std::size_t scopes = tags.scopes().mark();
+    if (!tags.read()) {
+        if (in.state() == EntityStack::State::Cut) {
+            in.at = from;
+            tags.scopes().goBack(scopes);
+        }
+        return false;
+    }
+    itsName = tags.name();
+    if (options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth)) {
+        return in.fail(from, "maxDepth", "more than " + std::to_string(options.maxDepth) + " elements are open",
+                       Problem::Kind::Limit);
+    }
+    open.push_back({openNames.size(), scopes, itsOffset, {}});
+    openNames += itsName;
+    isEnding = tags.isEmpty();
+    part = Part::Content;
+    event = Event::Start;
+    return true;
+}
+
+bool Lexer::readEnd(Event& event) {
+    const char* const from = in.at;
+    const char* const nameBegin = from + 2;
+    const std::string_view expected = openName(open.size() - 1);
+    const bool isInside = open.size() > in.openBefore();
+    const char* to = nameBegin;
+    if (viewOf(nameBegin, in.end).substr(0, expected.size()) == expected) to += expected.size();
+    // What ends the name is mostly what ends the tag.
+    if (to == in.end || (*to != '>' && !Syntax::isWhite(*to))) to = StandardNames::nameEnd(nameBegin, in.end);
+    const char* const tagEnd = Syntax::whiteEnd(to, in.end);
+    if (tagEnd == in.end) return in.endsEarly(from, StandardRules::kETag, "the tag that begins here does not end");
+    if (to == nameBegin) return in.expected(to, StandardRules::kName, "the name of an element");
+    const std::string_view name = viewOf(nameBegin, to);
+    if (!isInside) {
+        return in.fail(from, StandardRules::kWellFormedParsedEntities,
+                       "</" + std::string(name) + "> has no start tag in the entity");
+    }
+    if (name != expected) {
+        return in.fail(
+            from, StandardRules::kElementTypeMatch,
+            "</" + std::string(expected) + "> expected, found </" + std::string(name) + "> " + beganAt(open.back()));
+    }
+    if (*tagEnd != '>') return in.expected(tagEnd, StandardRules::kETag, "\">\"");
+    in.at = tagEnd + 1;
+    return endElement(event);
+}
+
+// Its name and its prefixes stay as long as the event is at hand.
+bool Lexer::endElement(Event& event) {
+    itsName = openName(open.size() - 1);
+    isEnding = false;
+    hasEnded = true;
+    event = Event::End;
+    return true;
+}
+
+void Lexer::forgetEnded() {
+    if (!hasEnded) return;
+    hasEnded = false;
+    tags.scopes().goBack(open.back().scopes);
+    openNames.resize(open.back().nameBegin);
+    open.pop_back();
+    if (open.empty()) part = Part::AfterRoot;
+}
+
+bool Lexer::failAtEnd(const char* where) {
+    const char* const rule = in.isInEntity() ? StandardRules::kWellFormedParsedEntities : StandardRules::kElement;
+    return in.endsEarly(where, rule,
+                        "</" + std::string(openName(open.size() - 1)) + "> expected, found " + in.describe(where) +
+                            " " + beganAt(open.back()));
+}
+
+// --- The document type ---
+
+// Where it is cut off all of it is read again.
+bool Lexer::readDoctype(Event& event) {
+    const char* const from = in.at;
+    if (!readDoctypeParts()) {
+        if (in.state() == EntityStack::State::Cut) {
+            in.at = from;
+            const bool isStandalone = declared.isStandalone;
+            declared = Declarations();
+            declared.isStandalone = isStandalone;
+        }
+        return false;
+    }
+    declared.isPresent = true;
+    part = Part::BeforeRoot;
+    event = Event::Doctype;
+    return true;
+}
+
+bool Lexer::readDoctypeParts() {
+    in.at += std::string_view("<!DOCTYPE").size();
+    if (!Syntax::readWhite(in, StandardRules::kDoctypedecl)) return false;
+    if (!Syntax::readQName(in, itsName, "the name of the document type", options.namespaces)) return false;
+    const bool hasWhite = Syntax::skipWhite(in);
+    Syntax::ExternalId id;
+    if (!Syntax::readExternalId(in, id, false)) return false;
+    if (id.isPresent && !hasWhite)
+        return in.expected(itsName.data() + itsName.size(), StandardRules::kDoctypedecl, "white space");
+    declared.hasExternalSubset = id.isPresent;
+    Syntax::skipWhite(in);
+    itsDoctype = {id.publicId, id.systemId, {}};
+    if (in.at != in.end && *in.at == '[') {
+        const char* const from = ++in.at;
+        if (!DtdParser(in, declared, options.namespaces).readSubset()) return false;
+        itsDoctype.subset = viewOf(from, in.at - 1);
+        Syntax::skipWhite(in);
+    }
+    return Syntax::readByte(in, '>', StandardRules::kDoctypedecl,
+                            itsDoctype.subset.data() != nullptr ? "\">\"" : "\"[\" or \">\"");
+}
+
+}  // namespace Xml

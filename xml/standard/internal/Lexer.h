@@ -1,0 +1,155 @@
+#pragma once
+
+#include "xml/standard/internal/Declarations.h"
+#include "xml/standard/internal/EntityStack.h"
+#include "xml/standard/internal/Tags.h"
+#include "xml/standard/internal/XmlDeclaration.h"
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Xml {
+
+// Reads a document of XML 1.0, an event at a time, and checks that it is well formed. Entities are read where they are
+// referred to; nothing recurses.
+//
+// The document is valid UTF-8 and comes in windows. An event is complete or it is not there: More asks for a window
+// that begins with what was not read and goes on further.
+//
+//     Lexer lexer(options);
+//     lexer.setWindow(text, true);
+//     while (lexer.next() != Lexer::Event::Finished) ...
+class Lexer {
+public:
+    enum class Event : std::uint8_t {
+        Start,
+        End,  // also after the Start of an empty tag
+        Text,
+        CData,
+        Comment,
+        Instruction,
+        Doctype,
+        Finished,
+        Failed,  // this and Finished stay
+        More,
+    };
+
+    struct Options {
+        bool namespaces = true;
+        int maxDepth = 0;               // 0: no limit
+        std::int64_t entityGrowth = 0;  // 0: no limit
+    };
+
+    explicit Lexer(const Options& itsOptions)
+        : options(itsOptions), in(options.entityGrowth), tags(in, declared, options.namespaces) {}
+    Lexer(const Lexer&) = delete;
+    Lexer& operator=(const Lexer&) = delete;
+
+    // The window: at first, and after More what release() left and more after it. It ends between characters. release()
+    // says how many bytes of the window were read, and lets go of them.
+    void setWindow(std::string_view text, bool isLast) { in.setWindow(text, isLast); }
+    std::size_t release();
+
+    Event next();
+
+    // --- The event at hand; all views are good until the next one ---
+
+    // Of an element, the target of an instruction, the document type.
+    std::string_view name() const { return itsName; }
+
+    // Of a text, a section, a comment, an instruction: line ends are LF, references are resolved.
+    std::string_view text() const { return itsText; }
+
+    // Whether some of the text came by a reference.
+    bool hasReference() const { return textHasReference; }
+
+    // Whether a tag follows, and not what a reader may drop.
+    bool isBeforeTag() const { return in.end - in.at > 1 && *in.at == '<' && in.at[1] != '!' && in.at[1] != '?'; }
+
+    // Of a Start: in the order of the tag, and then those that the document type supplies.
+    const std::vector<TagAttribute>& attributes() const { return tags.attributes(); }
+    bool isEmptyTag() const { return tags.isEmpty(); }
+
+    // Where the event began in the document; in an entity that is its outermost reference.
+    std::int64_t offset() const { return itsOffset; }
+    Place placeOf(std::int64_t offset) const { return in.placeOf(offset); }
+
+    // Open elements, the one whose Start or End is at hand included.
+    std::size_t depth() const { return open.size(); }
+
+    const Namespaces& namespaces() const { return tags.scopes(); }
+
+    // Of a Doctype, as written.
+    struct Doctype {
+        std::string_view publicId, systemId, subset;
+    };
+    const Doctype& doctype() const { return itsDoctype; }
+
+    // --- Of the document ---
+
+    const XmlDeclaration& declaration() const { return itsDeclaration; }
+    const Declarations& declarations() const { return declared; }
+
+    // Of Failed.
+    const Fault& fault() const { return in.fault(); }
+    std::string_view window() const { return in.window(); }
+    std::int64_t windowBegin() const { return in.windowBegin(); }
+
+private:
+    enum class Part : std::uint8_t { Beginning, BeforeDoctype, BeforeRoot, Content, AfterRoot, Finished, Failed };
+
+    // An element that has begun. Its place is found out when the window moves on, or for a message.
+    struct Open {
+        std::size_t nameBegin;
+        std::size_t scopes;
+        std::int64_t offset;
+        Place place;
+    };
+
+    bool read(Event& event);
+    bool readMisc(Event& event);
+    bool readContent(Event& event);
+    bool readComment(Event& event);
+    bool readInstruction(Event& event);
+    bool readSection(Event& event);
+    bool readStart(Event& event);
+    bool readEnd(Event& event);
+    bool endElement(Event& event);
+    bool failAtEnd(const char* where);
+    bool readDoctype(Event& event);
+    bool readDoctypeParts();
+    bool readText();
+    bool readMoreText();
+    bool readReference();
+    bool leaveEntity();
+    void takeText(std::string_view text, bool hasReturn);
+    void forgetEnded();
+
+    std::string_view openName(std::size_t place) const;
+    Place placeOf(const Open& element) const;
+    std::string beganAt(const Open& element) const;
+
+    Options options;
+    EntityStack in;
+    Declarations declared;
+    Tags tags;
+    XmlDeclaration itsDeclaration;
+    Part part = Part::Beginning;
+
+    std::vector<Open> open;
+    std::string openNames;  // those of the open elements, one after the other
+    bool hasEnded = false;  // the innermost one, with the event at hand
+    bool isEnding = false;  // the innermost one, which was an empty tag
+
+    bool isInText = false;  // some of a text is in the buffer
+    bool textHasReference = false;
+    std::string buffer;
+
+    std::string_view itsName, itsText;
+    std::int64_t itsOffset = 0;
+    Doctype itsDoctype;
+};
+
+}  // namespace Xml

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "xml/text/internal/Words.h"
+#include <array>
+#include <cstdint>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+// Where a run of characters ends in valid UTF-8 [from, to): at one of the bytes that are looked for, or at a character
+// that XML does not allow. One pass checks the characters and finds the end.
+namespace Xml::Runs {
+
+inline bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n'; }
+
+// The first byte of U+FFFE and U+FFFF; most characters that begin so are others.
+inline constexpr char kRare = '\xEF';
+
+inline bool isNoncharacter(const char* at) {
+    return *at == kRare && at[1] == '\xBF' && static_cast<unsigned char>(at[2]) >= 0xBE;
+}
+
+// The first byte that is one of these, a control character or kRare; `to` without one. A CR counts as a control.
+template <char... Stops>
+inline const char* find(const char* from, const char* to) {
+#ifdef __SSE2__
+    for (; to - from >= Words::kBlockSize; from += Words::kBlockSize) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+        const __m128i low = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+        __m128i found = _mm_andnot_si128(_mm_or_si128(are('\t'), are('\n')), low);
+        found = _mm_or_si128(found, are(kRare));
+        ((found = _mm_or_si128(found, are(Stops))), ...);
+        const auto marks = static_cast<unsigned>(_mm_movemask_epi8(found));
+        if (marks != 0) return from + __builtin_ctz(marks);
+    }
+#endif
+    while (from != to && !isControl(*from) && *from != kRare && ((*from != Stops) && ...)) ++from;
+    return from;
+}
+
+struct Run {
+    const char* end;
+    bool hasReturn;  // a CR that is not looked for
+};
+
+// `end` is at one of Stops, at a character that is not allowed, or at `to`.
+template <char... Stops>
+inline Run of(const char* from, const char* to) {
+    bool hasReturn = false;
+    for (;;) {
+        from = find<Stops...>(from, to);
+        if (from == to || ((*from == Stops) || ...)) return {from, hasReturn};
+        if (*from == '\r') {
+            hasReturn = true;
+            ++from;
+        } else if (*from == kRare && !isNoncharacter(from)) {
+            from += 3;
+        } else {
+            return {from, hasReturn};
+        }
+    }
+}
+
+}  // namespace Xml::Runs

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "xml/dom/internal/TreeBuilder.h"
+#include "xml/standard/Read.h"
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Xml {
+
+// Which texts of white space alone become nodes. What an element holds decides that, and is known at its end: until
+// then such texts wait.
+class WhiteSpace {
+public:
+    WhiteSpace(TreeBuilder& builder, Space which) : tree(builder), space(which) {}
+
+    // An element has begun, with this value of xml:space, empty without one; it ends.
+    void begin(std::string_view spaceAttribute);
+    void end();
+
+    // A text within it; other is all that is not white space, or came by a reference.
+    void addWhite(std::string_view text);
+    void addOther(std::string_view text, bool isPadded);
+
+    static bool isWhite(std::string_view text);
+
+private:
+    struct Level {
+        std::size_t firstHeld;
+        std::size_t heldBytes;
+        bool isPreserved;
+        bool hasElements;
+        bool hasText;
+    };
+    struct Held {
+        std::size_t child, from, size;
+    };
+
+    void keepHeld();
+
+    TreeBuilder& tree;
+    Space space;
+    std::vector<Level> levels;
+    std::vector<Held> held;
+    std::string bytes;  // of those, in the same order
+};
+
+}  // namespace Xml
