@@ -326,6 +326,35 @@ TEST_F(ArenaTest, DropsWideElementsToo) {
     }
 }
 
+// The array of children may be the only thing in its slab, and goes with the tree then as the others do.
+TEST_F(ArenaTest, DropsTheArraysOfWideElementsOnce) {
+    constexpr int kMostBefore = 1100;  // a slab's worth
+    std::size_t most = 0;
+    for (int before = 0; before < kMostBefore; ++before) {
+        std::unique_ptr<Element> root;
+        TreeBuilder tree(root);
+        tree.begin("root");
+        const auto addLeaves = [&tree](int count) {
+            for (int i = 0; i < count; ++i) {
+                tree.begin("leaf");
+                tree.end();
+            }
+        };
+        addLeaves(before);
+        tree.begin("wide");
+        std::vector<std::pair<std::string, std::string>> attributes;
+        for (int i = 0; i < 128; ++i) attributes.emplace_back("a" + std::to_string(i), "");
+        giveAttributes(tree, attributes);
+        addLeaves(127);
+        tree.end();
+        tree.end();
+        most = std::max(most, slabs.size());
+        root.reset();
+        ASSERT_TRUE(slabs.empty()) << before;
+    }
+    EXPECT_GT(most, 1U);
+}
+
 TEST_F(ArenaTest, MakesTheStringOfALongTextOnce) {
     const std::unique_ptr<Element> root = wide(1);
     const Attribute& attribute = *root->getElement(0)->getAttribute("long");

@@ -58,7 +58,7 @@ public:
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
     Attribute** lendFull(void* memory, std::size_t count) { return sorted.lendFull(memory, count); }
     Attribute** extend(std::size_t count) { return sorted.extend(count); }
-    void forget() { sorted.clear(); }
+    void dropWithTree() { sorted.dropWithTree(); }
 
 private:
     std::size_t placeOf(const std::string& name) const;

@@ -64,6 +64,9 @@ public:
     Object** extend(std::size_t count) { return nodes.extend(count); }
     void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
     Object** lendFull(void* memory, std::size_t count) { return nodes.lendFull(memory, count); }
+    void dropWithTree() { nodes.dropWithTree(); }
+
+    // Forgets the nodes, which are another's now.
     void forget() { nodes.clear(); }
 
     // Deletes the character data, except the node after each one that goes: of two in a row the second stays. Whether

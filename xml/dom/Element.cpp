@@ -51,7 +51,7 @@ Element::~Element() { NodeAccess::deleteChildren(*this); }
 void NodeAccess::dropWhole(Element& top) {
     Arena* const arena = Arena::wholeBelow(top);
     if (arena == nullptr) return;
-    forgetNodes(top);
+    dropNodes(top);
     arena->drop();
 }
 

@@ -47,6 +47,12 @@ public:
         word = nullptr;
     }
 
+    // The same where the memory of the tree goes as a whole: a block in that goes with it.
+    void dropWithTree() {
+        if (isBlock() && !block().isLent) ::operator delete(&block());
+        word = nullptr;
+    }
+
     // Good until the next change.
     SpanOf<Node> span() const {
         if (!isBlock()) return {&word, &word + (word != nullptr ? 1 : 0)};

@@ -40,7 +40,7 @@ Arena* Arena::wholeBelow(const Element& top) {
 }
 
 void Arena::drop() {
-    for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::forgetNodes(*one->element);
+    for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::dropNodes(*one->element);
     SlabStock::Return toStock;
     Slab* slab = newest;
     while (slab->next != nullptr) Slab::free(std::exchange(slab, slab->next), toStock);

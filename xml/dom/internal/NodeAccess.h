@@ -249,9 +249,9 @@ struct NodeAccess {
     }
 
     // Forgets children and attributes, which are dropped with the memory of their tree.
-    static void forgetNodes(Element& element) {
-        element.children.forget();
-        element.attributes.forget();
+    static void dropNodes(Element& element) {
+        element.children.dropWithTree();
+        element.attributes.dropWithTree();
     }
 
 private:
