@@ -64,8 +64,10 @@ public:
     // Of those that have the name of one before them in the tag the first in the order of names; null where each has a
     // name of its own. They are sorted.
     const Given* findRepeated() const {
-        for (const Given* next = begin() + 1; next < end(); ++next) {
-            if (next->name == next[-1].name) return next;
+        const Given* before = nullptr;
+        for (const Given& given : all) {
+            if (before != nullptr && given.name == before->name) return &given;
+            before = &given;
         }
         return nullptr;
     }

@@ -276,7 +276,8 @@ bool Pieces::takeText(const char* first) {
         if (tried == nullptr) return false;
     }
 
-    if (textHasReturn || (tried > to && containsReturn(to, tried))) PieceBreaks::noteText(in, begin, first, tried, to);
+    if (textHasReturn || (tried != nullptr && tried > to && containsReturn(to, tried)))
+        PieceBreaks::noteText(in, begin, first, tried, to);
     const std::string_view text = viewOf(begin, to);
     goOnAt(to);
     tree.addText(text, isPadded(to));

@@ -14,8 +14,6 @@ inline const char* whiteEnd(const char* from, const char* to) {
     return from == to || !isWhite(*from) ? from : Scan::endOfAny<' ', '\t', '\n', '\r'>(from + 1, to);
 }
 
-inline const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
-
 // The same; sets `hasReturn` where there is a CR among the white space.
 inline const char* whiteEnd(const char* from, const char* to, bool& hasReturn) {
     if (from == to || !isWhite(*from)) return from;
@@ -29,6 +27,8 @@ inline const char* whiteEnd(const char* from, const char* to, bool& hasReturn) {
     for (; from != to && isWhite(*from); ++from) hasReturn |= *from == '\r';
     return from;
 }
+
+inline const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }
 
 // The end of a value, or the first '&' or CR in it.
 inline const char* plainValueEnd(const char* from, const char* to, char quote) {
