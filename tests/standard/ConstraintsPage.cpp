@@ -2,6 +2,7 @@
 
 #include "support/Places.h"
 #include "support/Sources.h"
+#include "support/Tables.h"
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -12,26 +13,6 @@ namespace Xml::test {
 namespace {
 
 using Cells = std::vector<std::string>;
-
-std::string trimmed(const std::string& text) {
-    const std::size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
-}
-
-Cells cellsOf(const std::string& line) {
-    Cells cells;
-    std::string cell;
-    for (std::size_t at = 1; at < line.size(); ++at) {
-        if (line[at] == '|') {
-            cells.push_back(trimmed(cell));
-            cell.clear();
-        } else {
-            if (line.compare(at, 2, "\\|") == 0) ++at;
-            cell += line[at];
-        }
-    }
-    return cells;
-}
 
 // --- Documents ---
 
