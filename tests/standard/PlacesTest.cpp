@@ -10,12 +10,12 @@
 namespace {
 
 using Xml::Places;
-using Xml::TextPlace;
+using Xml::TextPosition;
 
 // The places of all characters of a text and of its end, one after the other.
-std::vector<TextPlace> naivePlaces(const std::string& text) {
-    std::vector<TextPlace> places;
-    TextPlace place;
+std::vector<TextPosition> naivePlaces(const std::string& text) {
+    std::vector<TextPosition> places;
+    TextPosition place;
     for (std::size_t at = 0;;) {
         place.offset = static_cast<std::int64_t>(at);
         places.push_back(place);
@@ -33,7 +33,7 @@ std::vector<TextPlace> naivePlaces(const std::string& text) {
     }
 }
 
-void expectSame(const TextPlace& place, const TextPlace& expected) {
+void expectSame(const TextPosition& place, const TextPosition& expected) {
     EXPECT_EQ(place.offset, expected.offset);
     EXPECT_EQ(place.line, expected.line);
     EXPECT_EQ(place.column, expected.column);

@@ -59,7 +59,7 @@ ReadResult readText(std::string_view text, const ReadOptions& options) {
     const bool isDecodingFailure = problem.text.empty();
     if (isDecodingFailure) report(*failure, source.text(), problem);
     Places places;
-    const TextPlace& place = places.at(problem.place.offset, source.text());
+    const TextPosition& place = places.at(problem.place.offset, source.text());
     problem.source = options.source;
     problem.place = {isDecodingFailure ? failure->offset : source.decoder().sourceOffset(place),
                      static_cast<int>(place.line), static_cast<int>(place.column)};

@@ -218,7 +218,7 @@ bool Decoder::accept(std::string& to, std::size_t before) {
     textGiven += countOf(size);
     if (checked.ending == Utf8::Ending::Whole) return true;
     to.resize(before + size);
-    TextPlace place;
+    TextPosition place;
     place.offset = textGiven;
     sourceTaken = map.sourceOffset(place);
     return failAt({});

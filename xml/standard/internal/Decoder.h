@@ -79,7 +79,7 @@ public:
     void keepSource(std::string_view source) { map.useWhole(source); }
 
     // Where a place of the text that is not forgotten is in the source; a byte order mark counts.
-    std::int64_t sourceOffset(const TextPlace& place) { return map.sourceOffset(place); }
+    std::int64_t sourceOffset(const TextPosition& place) { return map.sourceOffset(place); }
 
     // No place before that offset of the text is asked again. Costs as much as what is not forgotten, so it is for when
     // that is moved anyway.

@@ -64,13 +64,13 @@ std::int64_t countOf(unsigned bits) {
     return __builtin_popcount(bits);
 }
 
-void endLine(TextPlace& place) {
+void endLine(TextPosition& place) {
     ++place.line;
     place.column = 1;
 }
 
 // Counts the bytes, and returns whether the last is a CR that has to wait for what follows.
-bool pass(TextPlace& place, const char* bytes, std::ptrdiff_t count, const Marks& marks) {
+bool pass(TextPosition& place, const char* bytes, std::ptrdiff_t count, const Marks& marks) {
     const unsigned starts = startsOf(bytes, count, marks.beyondAscii, place.wide);
     const unsigned lastReturn = marks.returns & 1U << (count - 1);
     // A CR ends a line unless an LF follows.
@@ -89,7 +89,7 @@ bool pass(TextPlace& place, const char* bytes, std::ptrdiff_t count, const Marks
 
 }  // namespace
 
-const TextPlace& Places::at(std::int64_t offset, std::string_view held, std::int64_t from) {
+const TextPosition& Places::at(std::int64_t offset, std::string_view held, std::int64_t from) {
     if (offset < last.place.offset) last = beginning;
     if (offset != last.place.offset) goTo(offset, held, from);
     if (!last.afterReturn) return last.place;
@@ -106,7 +106,7 @@ void Places::forget(std::int64_t offset, std::string_view held, std::int64_t fro
 }
 
 void Places::goTo(std::int64_t offset, std::string_view held, std::int64_t from) {
-    TextPlace& place = last.place;
+    TextPosition& place = last.place;
     bool afterReturn = last.afterReturn;
     const char* at = held.data() + (place.offset - from);
     const char* const to = held.data() + (offset - from);

@@ -6,7 +6,7 @@
 namespace Xml {
 
 // A place in a text of UTF-8, and what stands before it.
-struct TextPlace {
+struct TextPosition {
     std::int64_t offset = 0;      // in bytes of the text
     std::int64_t line = 1;        // LF, CR LF and CR end one
     std::int64_t column = 1;      // counts characters
@@ -29,14 +29,14 @@ class Places {
 public:
     // The place of an offset within what is held, or of its end. It is where a character begins.
     // Good until the next one is asked.
-    const TextPlace& at(std::int64_t offset, std::string_view held, std::int64_t from = 0);
+    const TextPosition& at(std::int64_t offset, std::string_view held, std::int64_t from = 0);
 
     // Makes a place the beginning of all that is asked from then on.
     void forget(std::int64_t offset, std::string_view held, std::int64_t from);
 
 private:
     struct Count {
-        TextPlace place;
+        TextPosition place;
         bool afterReturn = false;  // a CR stands before it, and has not ended a line yet: an LF may follow
     };
 
@@ -44,7 +44,7 @@ private:
 
     Count beginning;
     Count last;
-    TextPlace answer;  // where it is not the last count: a CR turned out to end a line
+    TextPosition answer;  // where it is not the last count: a CR turned out to end a line
 };
 
 }  // namespace Xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/Place.h"
+#include "xml/standard/internal/Places.h"
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -8,7 +9,7 @@
 
 namespace Xml {
 
-// Lines and columns of offsets in a text of which only a part is there, the window. It moves on with the reading.
+// The places of a text of which only a part is there, the window. It moves on with the reading.
 class Positions {
 public:
     // The text from the first byte on that was not let go.
@@ -17,23 +18,16 @@ public:
     // Lets go of bytes at the beginning of the window.
     void release(std::size_t byteCount);
 
-    // Of an offset in the window or at its end. Rising offsets cost what lies between them.
+    // Of an offset in the window or at its end, as one of the text. Rising offsets cost what lies between them.
     Place of(std::int64_t offset) const;
 
-    std::int64_t begin() const { return first.offset; }
+    std::int64_t begin() const { return first; }
     std::string_view text() const { return window; }
 
 private:
-    struct Mark {
-        std::int64_t offset;
-        int line, column;
-        bool isAfterReturn;
-    };
-    void advance(Mark& mark, std::int64_t to) const;
-
     std::string_view window;
-    Mark first{0, 1, 1, false};
-    mutable Mark last{0, 1, 1, false};  // the last one that was asked for
+    std::int64_t first = 0;  // the offset of its first byte
+    mutable Places places;
 };
 
 // The line of the text that the byte at `at` stands in, and below it a caret under that byte. At most 160 characters of

@@ -18,7 +18,7 @@ void SourceMap::took(std::string_view bytes) {
     if (foreign && !whole) kept += bytes;
 }
 
-std::int64_t SourceMap::sourceOffset(const TextPlace& place) {
+std::int64_t SourceMap::sourceOffset(const TextPosition& place) {
     if (foreign && place.offset > foreignText) return foreign->sourceOffset(place.offset, bytesAtHand());
     switch (form) {
     case Encoding::Latin1: return mark + place.characters;

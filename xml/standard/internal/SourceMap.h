@@ -27,7 +27,7 @@ public:
     // The source stays in memory as a whole: no bytes are kept.
     void useWhole(std::string_view source) { whole = source; }
 
-    std::int64_t sourceOffset(const TextPlace& place);
+    std::int64_t sourceOffset(const TextPosition& place);
 
     // No place before that one is asked again.
     void forget(std::int64_t textOffset);
