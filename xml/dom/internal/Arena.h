@@ -162,13 +162,7 @@ public:
     // Room for an array of such nodes in a slab, at most kMostBytes. It counts as a node does.
     template <class Node>
     void* takeArray(std::size_t size) {
-        Part& part = partFor<Node>();
-        if (part.left() < size + alignof(void*)) addSlab(part);
-        part.high -= size;
-        part.high -= reinterpret_cast<std::uintptr_t>(part.high) % alignof(void*);
-        ++part.count;
-        Slab::allow(part.high, size);
-        return part.high;
+        return takeNodes<Node>(0, 1, size).bytes;
     }
 
     // The array of the element does not fit into a slab.

@@ -160,11 +160,10 @@ struct NodeAccess {
     static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
         const auto count = static_cast<std::size_t>(last - first);
         Object** at = nullptr;
-        const std::size_t size = internal::Children::bytesFor(count);
-        if (count > 1 && size <= NodeMemory::kMostBytes && element.marks.isInSlab()) {
-            at = element.children.lendFull(memory.takeArray<Object>(size), count);
+        if (void* const array = takeArray<Object>(element, &memory, count)) {
+            at = element.children.lendFull(array, count);
         } else {
-            reserveChildren(element, &memory, count);
+            element.children.reserve(count);
             at = element.children.extend(count);
         }
         for (; first != last; ++first) *at++ = first->release();
@@ -316,15 +315,23 @@ private:
         return {room.node, {{room.bytes, text.size()}, internal::TextPlace::Lent}};
     }
 
+    // Memory of the tree for an array of the element; null where the array needs none, or is one of the heap.
+    template <class Node>
+    static void* takeArray(Element& element, NodeMemory* memory, std::size_t count) {
+        if (count < 2 || !element.marks.isInSlab()) return nullptr;
+        const std::size_t size = internal::NodeArray<Node>::bytesFor(count);
+        if (size <= NodeMemory::kMostBytes) return memory->takeArray<Node>(size);
+        memory->noteWide(element);
+        return nullptr;
+    }
+
     template <class Nodes>
     static void reserveIn(Nodes& nodes, Element& element, NodeMemory* memory, std::size_t count) {
-        if (count < 2) return;
-        if (element.marks.isInSlab()) {
-            const std::size_t size = nodes.bytesFor(count);
-            if (size <= NodeMemory::kMostBytes) return nodes.lend(memory->takeArray<typename Nodes::Node>(size), count);
-            memory->noteWide(element);
+        if (void* const array = takeArray<typename Nodes::Node>(element, memory, count)) {
+            nodes.lend(array, count);
+        } else {
+            nodes.reserve(count);
         }
-        nodes.reserve(count);
     }
 };
 

@@ -20,6 +20,7 @@
 namespace Xml {
 
 class Arena;
+
 // 64 KB of memory, at an address that is a multiple of that: a header, nodes from there on up, and what belongs to
 // nodes from the end on down. It counts the nodes in it, and goes when the last of them is deleted.
 //
