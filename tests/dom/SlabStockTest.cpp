@@ -27,12 +27,13 @@ bool isMapped(void* memory) {
 
 void give(void* memory) { SlabStock::Return().give(memory); }
 
-// Nothing is kept when a test begins.
+// Nothing is kept when a test begins: more than all that can be is taken away.
 class SlabStockTest : public testing::Test {
 public:
     SlabStockTest() {
         SlabStock stock;
-        for (std::size_t i = 0; i < kMostKept; ++i) LargePages::unmap(stock.take(), Slab::kBytes);
+        constexpr std::size_t kMostOffered = (std::size_t{1} << 30) / Slab::kBytes;
+        for (std::size_t i = 0; i < kMostKept + kMostOffered; ++i) LargePages::unmap(stock.take(), Slab::kBytes);
     }
 };
 
@@ -75,7 +76,8 @@ TEST_F(SlabStockTest, KeepsWhatIsGivenBackForTheNext) {
     give(memory);
 }
 
-TEST_F(SlabStockTest, KeepsSoMuchAndNoMore) {
+// Taken in order, so that the pieces of pages cannot be put together.
+TEST_F(SlabStockTest, KeepsSoManySlabsAndNoMore) {
     SlabStock stock;
     std::vector<void*> taken;
     for (std::size_t i = 0; i < kMostKept + 40; ++i) taken.push_back(stock.take());
@@ -85,7 +87,44 @@ TEST_F(SlabStockTest, KeepsSoMuchAndNoMore) {
     EXPECT_EQ(mapped, kMostKept);
 }
 
-// What lies side by side goes in one piece, in whatever order it comes.
+// A tree gives its slabs back from the newest one on. What is no whole page goes to the system.
+TEST_F(SlabStockTest, OffersWholePagesAndGivesThemAgain) {
+    constexpr std::size_t kPages = 3;
+    std::vector<char*> taken;
+    std::set<char*> pages;
+    {
+        SlabStock stock;
+        for (std::size_t i = 0; i < kPages * kSlabsInAPage; ++i) {
+            taken.push_back(static_cast<char*>(stock.take()));
+            if (i % kSlabsInAPage == 0) pages.insert(taken.back());
+        }
+        for (std::size_t i = 0; i < kMostKept + 5; ++i) taken.push_back(static_cast<char*>(stock.take()));
+    }
+    {
+        SlabStock::Return toStock;
+        for (std::size_t i = taken.size(); i-- > 0;) toStock.give(taken[i]);
+    }
+    const std::size_t whole = kPages * kSlabsInAPage;
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_FALSE(isMapped(taken[whole + i])) << i;
+
+    SlabStock stock;
+    std::vector<void*> again;
+    for (std::size_t i = 0; i < kMostKept; ++i) again.push_back(stock.take());
+    for (std::size_t page = 0; page < kPages; ++page) {
+        for (std::size_t i = 0; i < kSlabsInAPage; ++i) {
+            char* const memory = static_cast<char*>(stock.take());
+            if (i == 0) {
+                EXPECT_EQ(pages.erase(memory), 1U) << "not one of those given back";
+            }
+            std::memset(memory, 1, Slab::kBytes);
+            again.push_back(memory);
+        }
+    }
+    EXPECT_TRUE(pages.empty());
+    for (void* const memory : again) give(memory);
+}
+
+// In whatever order the slabs come, none of those beyond what is kept stays, but as part of a whole page.
 TEST_F(SlabStockTest, GivesBackAllThatItDoesNotKeep) {
     for (const int order : {-1, 0, 1}) {
         SCOPED_TRACE(order);
@@ -100,8 +139,10 @@ TEST_F(SlabStockTest, GivesBackAllThatItDoesNotKeep) {
             SlabStock::Return toStock;
             for (char* const memory : taken) toStock.give(memory);
         }
-        for (std::size_t i = 0; i < taken.size(); ++i) ASSERT_EQ(isMapped(taken[i]), i < kMostKept) << i;
-        for (std::size_t i = 0; i < kMostKept; ++i) LargePages::unmap(stock.take(), Slab::kBytes);
+        const bool inPages = order < 0;
+        for (std::size_t i = 0; i < taken.size(); ++i) ASSERT_EQ(isMapped(taken[i]), i < kMostKept || inPages) << i;
+        for (std::size_t i = 0; i < (inPages ? taken.size() : kMostKept); ++i)
+            LargePages::unmap(stock.take(), Slab::kBytes);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "xml/text/internal/LargePages.h"
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -34,6 +36,25 @@ TEST(LargePagesTest, MapsPagesAndGivesAnyPartOfThemBack) {
     for (std::size_t i = 1; i < 5; ++i) EXPECT_EQ(page[i * kSmallPage], static_cast<char>(i));
     LargePages::unmap(page + kSmallPage, 4 * kSmallPage);
     EXPECT_EQ(errno, 17) << "memory is given back by delete, which leaves errno alone";
+}
+
+TEST(LargePagesTest, OffersPagesThatCanBeFilledAgain) {
+    errno = 17;
+    char* const page = static_cast<char*>(LargePages::map());
+    ASSERT_NE(page, nullptr);
+    for (int round = 1; round <= 3; ++round) {
+        std::memset(page, round, LargePages::kBytes);
+        ASSERT_TRUE(LargePages::offer(page));
+        const std::string bytes(page, LargePages::kBytes);
+        const std::size_t kept = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), round));
+        const std::size_t emptied = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), 0));
+        EXPECT_EQ(kept + emptied, LargePages::kBytes) << "the bytes are as they were, or the system has taken them";
+    }
+    std::memset(page, 'x', LargePages::kBytes);
+    EXPECT_EQ(std::count(page, page + LargePages::kBytes, 'x'), static_cast<std::ptrdiff_t>(LargePages::kBytes));
+    LargePages::unmap(page, LargePages::kBytes);
+    EXPECT_FALSE(LargePages::offer(page)) << "it is not mapped";
+    EXPECT_EQ(errno, 17);
 }
 
 TEST(LargePagesTest, MakesRoom) {

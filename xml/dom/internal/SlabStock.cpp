@@ -49,6 +49,35 @@ KeptSlabs& keptSlabs() {
     return kept.get();
 }
 
+// Whole pages beyond that, which the system may empty when it runs short. So their list lies elsewhere.
+class OfferedPages {
+public:
+    void* take() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return count > 0 ? pages[--count] : nullptr;
+    }
+
+    // False where it has enough.
+    bool keep(void* page) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (count == kMost) return false;
+        pages[count++] = page;
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kMost = (std::size_t{1} << 30) / LargePages::kBytes;
+
+    std::mutex mutex;
+    void* pages[kMost] = {};
+    std::size_t count = 0;
+};
+
+OfferedPages& offeredPages() {
+    static NeverDestroyed<OfferedPages> offered;
+    return offered.get();
+}
+
 }  // namespace
 
 SlabStock::~SlabStock() {
@@ -58,7 +87,9 @@ SlabStock::~SlabStock() {
 void* SlabStock::take() {
     if (next == end) {
         if (void* const memory = keptSlabs().take()) return memory;
-        next = end = static_cast<char*>(LargePages::map());
+        next = static_cast<char*>(offeredPages().take());
+        if (next == nullptr) next = static_cast<char*>(LargePages::map());
+        end = next;
         if (next == nullptr) return nullptr;
         end += LargePages::kBytes;
     }
@@ -70,14 +101,18 @@ void SlabStock::Return::give(void* memory) noexcept {
     if (keptSlabs().keep(memory)) return;
     char* const slab = static_cast<char*>(memory);
     if (slab + Slab::kBytes != first) {
-        unmap();
+        letGo();
         end = slab + Slab::kBytes;
     }
     first = slab;
+    if (reinterpret_cast<std::uintptr_t>(first) % LargePages::kBytes == 0) letGo();
 }
 
-void SlabStock::Return::unmap() noexcept {
-    if (first != end) LargePages::unmap(first, static_cast<std::size_t>(end - first));
+// A page is offered before another tree can take it, which fills it.
+void SlabStock::Return::letGo() noexcept {
+    const auto size = static_cast<std::size_t>(end - first);
+    const bool isKept = size == LargePages::kBytes && LargePages::offer(first) && offeredPages().keep(first);
+    if (size > 0 && !isKept) LargePages::unmap(first, size);
     first = end = nullptr;
 }
 

@@ -47,6 +47,15 @@ void* LargePages::map() {
     return page;
 }
 
+bool LargePages::offer([[maybe_unused]] void* page) noexcept {
+#ifdef MADV_FREE
+    const KeptErrno kept;
+    return madvise(page, kBytes, MADV_FREE) == 0;
+#else
+    return false;
+#endif
+}
+
 // A process has so many mappings at most, and a hole makes two of one. Without another the addresses stay, and the
 // memory goes.
 void LargePages::unmap(void* memory, std::size_t size) noexcept {
@@ -58,6 +67,7 @@ void LargePages::unmap(void* memory, std::size_t size) noexcept {
 
 void LargePages::ask(void*, std::size_t) {}
 void* LargePages::map() { return nullptr; }
+bool LargePages::offer(void*) noexcept { return false; }
 void LargePages::unmap(void*, std::size_t) noexcept {}
 
 #endif

@@ -22,6 +22,10 @@ inline void reserve(std::string& text, std::size_t size) {
 // One large page of the caller's own; null where the system has none to give.
 void* map();
 
+// Offers a page that map() gave to the system, which takes its memory only when it runs short. Until then, and after that
+// too, the page may be filled again; what was in it is lost. False where the system knows no such offer.
+bool offer(void* page) noexcept;
+
 // Gives back so much of what map() gave: any part of it that is whole small pages.
 void unmap(void* memory, std::size_t size) noexcept;
 
