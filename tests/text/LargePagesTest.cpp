@@ -4,6 +4,8 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/mman.h>
+#include <vector>
 
 namespace {
 
@@ -20,6 +22,22 @@ TEST(LargePagesTest, LeavesMemoryAsItIs) {
         }
     }
 }
+
+#ifdef MADV_POPULATE_WRITE
+TEST(LargePagesTest, HasFreshMemoryGivenAtOnce) {
+    constexpr std::size_t kSmallPage = 4096;
+    constexpr std::size_t kPages = 100;
+    void* const memory = mmap(nullptr, kPages * kSmallPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    if (madvise(memory, kSmallPage, MADV_POPULATE_WRITE) != 0) GTEST_SKIP() << "the system gives pages one by one";
+    LargePages::ask(static_cast<char*>(memory) + 16, kPages * kSmallPage - 16 - 100);
+    std::vector<unsigned char> isThere(kPages);
+    ASSERT_EQ(mincore(memory, kPages * kSmallPage, isThere.data()), 0);
+    EXPECT_EQ(std::count(isThere.begin(), isThere.end(), 1), static_cast<std::ptrdiff_t>(kPages - 1))
+        << "all whole pages, the last is none";
+    munmap(memory, kPages * kSmallPage);
+}
+#endif
 
 TEST(LargePagesTest, MapsPagesAndGivesAnyPartOfThemBack) {
     constexpr std::size_t kSmallPage = 4096;

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Element.h"
 #include "xml/dom/internal/NodeAccess.h"
+#include "xml/text/internal/LargePages.h"
 #include <memory>
 #include <new>
 #include <utility>
@@ -121,6 +122,7 @@ SharedName& NodeMemory::takeName(std::string_view name) {
 KeptText& NodeMemory::takeText(std::string_view text) {
     if (arena == nullptr) addSlab(nodes);
     auto made = std::make_unique<KeptText>();
+    LargePages::reserve(made->text, text.size());
     made->text = text;
     return arena->keep(std::move(made));
 }

@@ -3,6 +3,7 @@
 #include <cerrno>
 #ifdef __linux__
 #include <sys/mman.h>
+#include <unistd.h>
 #endif
 
 namespace Xml {
@@ -23,14 +24,40 @@ private:
     const int before = errno;
 };
 
+// What lies in memory of whole pages of such a size.
+struct WholePages {
+    WholePages(const void* memory, std::size_t size, std::uintptr_t page) {
+        const auto from = reinterpret_cast<std::uintptr_t>(memory);
+        begin = (from + page - 1) & ~(page - 1);
+        const std::uintptr_t end = (from + size) & ~(page - 1);
+        bytes = end > begin ? end - begin : 0;
+    }
+
+    void advise(int advice) const {
+        if (bytes > 0) madvise(reinterpret_cast<void*>(begin), bytes, advice);
+    }
+
+    std::uintptr_t begin = 0;
+    std::size_t bytes = 0;
+};
+
+// Looking at one page costs little; having the system look at all, when they are there, costs as much as filling them.
+[[maybe_unused]] bool isFresh(const WholePages& pages, std::uintptr_t page) {
+    unsigned char isThere = 0;
+    return pages.bytes > 0 && mincore(reinterpret_cast<void*>(pages.begin + pages.bytes - page), page, &isThere) == 0 &&
+           (isThere & 1) == 0;
+}
+
 }  // namespace
 
 void LargePages::ask(void* memory, std::size_t size) {
     const KeptErrno kept;
-    const auto from = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t begin = (from + kBytes - 1) & ~(kBytes - 1);
-    const std::uintptr_t end = (from + size) & ~(kBytes - 1);
-    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    WholePages(memory, size, kBytes).advise(MADV_HUGEPAGE);
+#ifdef MADV_POPULATE_WRITE
+    static const auto kSmallPage = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const WholePages small(memory, size, kSmallPage);
+    if (isFresh(small, kSmallPage)) small.advise(MADV_POPULATE_WRITE);
+#endif
 }
 
 // The system gives no alignment: of twice as much one page lies where it should, and the rest goes back.
