@@ -11,7 +11,7 @@ using internal::LeafKind;
 
 Instruction::Instruction(std::string_view itsTarget, std::string_view itsContent) {
     NodeAccess::setLeafKind(*this, LeafKind::Instruction);
-    target.set(std::string(itsTarget));
+    target.set(itsTarget);
     NodeAccess::ownText(*this) = itsContent;
 }
 

@@ -3,6 +3,7 @@
 #include "xml/Export.h"
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Xml::internal {
 
@@ -26,7 +27,7 @@ public:
     bool isShared() const { return (word & kOwned) == 0; }
 
     // A copy of its own. Where memory runs out nothing has changed.
-    void set(const std::string& text) {
+    void set(std::string_view text) {
         const std::string* const copy = text.empty() ? nullptr : new std::string(text);
         drop();
         word = copy != nullptr ? reinterpret_cast<std::uintptr_t>(copy) | kOwned : 0;

@@ -40,8 +40,8 @@ bool DocumentReader::parseProlog(InStream& in) {
     const StreamAccess::Session session(in);
     dtd.reset();
     if (!FastProlog::takeDeclaration(in) && !parseDeclaration(in)) return false;
-    if (!parseMisc(in)) return false;
-    if (FastProlog::isBeforeElement(in)) return true;
+    const Following following = readMisc(in);
+    if (following != Following::Other) return following == Following::Element;
 
     std::string token;
     const int position = StreamAccess::tell(in);
@@ -96,22 +96,24 @@ bool DocumentReader::parseElement(InStream& in) {
     return document->validate() || fail(in, "Doc could not be validated");
 }
 
-bool DocumentReader::parseMisc(InStream& in) {
+bool DocumentReader::parseMisc(InStream& in) { return readMisc(in) != Following::Failure; }
+
+DocumentReader::Following DocumentReader::readMisc(InStream& in) {
     const StreamAccess::Session session(in);
     in.eatWhite();
-    if (StreamAccess::atEnd(in)) return true;
+    if (StreamAccess::atEnd(in)) return Following::Other;
     for (;;) {
-        if (FastProlog::isBeforeElement(in)) return true;
+        if (FastProlog::isBeforeElement(in)) return Following::Element;
         std::string token;
         // Running out of data is no failure here, although it leaves its message.
-        if (!peekToken(in, token)) return in.eof();
+        if (!peekToken(in, token)) return in.eof() ? Following::Other : Following::Failure;
         const auto run = [this, &in](auto&& reader) { return reader.parse(in) || failAs(reader); };
         if (token == kBeginComment) {
-            if (!run(CommentReader())) return false;
+            if (!run(CommentReader())) return Following::Failure;
         } else if (token == kBeginPI) {
-            if (!run(PIReader())) return false;
+            if (!run(PIReader())) return Following::Failure;
         } else {
-            return true;
+            return Following::Other;
         }
     }
 }

@@ -43,6 +43,10 @@ public:
     Document* extractDocument();
 
 private:
+    // What comments and processing instructions are followed by.
+    enum class Following { Failure, Element, Other };
+
+    ORVXML_LOCAL Following readMisc(InStream& in);
     ORVXML_LOCAL bool peekToken(InStream& in, std::string& token);
     ORVXML_LOCAL bool parseDeclaration(InStream& in);
 

@@ -2,6 +2,7 @@
 
 #include "xml/dom/internal/Arena.h"
 #include "xml/stream/internal/Scan.h"
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +16,8 @@ namespace Xml {
 // for the others, whatever names a document chooses.
 class NameTable {
 public:
+    NameTable() { std::fill_n(followers.begin(), kFewContexts, nullptr); }
+
     const SharedName& find(std::string_view name, NodeMemory& memory) {
         SharedName*& next = followers[context];
         if (next == nullptr || !isSame(*next, name)) next = &findElsewhere(name, memory);
@@ -40,9 +43,12 @@ public:
 private:
     static constexpr std::size_t kRecents = 128;
     static constexpr std::size_t kFew = 16;  // are looked through one by one
+    static constexpr std::uint32_t kFewContexts = 64;
+    static constexpr std::uint32_t kContexts = 256;
 
     static bool isSame(const SharedName& kept, std::string_view name) {
-        return kept.text.size() == name.size() && kept.begins(name.data(), name.data() + name.size());
+        return kept.text.size() == name.size() && kept.head == Words::wordOf(name.data(), name.size()) &&
+               (name.size() <= sizeof kept.head || kept.text == name);
     }
 
     static std::size_t placeOf(std::string_view name) {
@@ -52,7 +58,7 @@ private:
     }
 
     const SharedName& take(const SharedName& name) {
-        context = static_cast<std::uint8_t>(context << 2 ^ name.number);
+        context = (context << 2 ^ name.number) & lastContext;
         return name;
     }
 
@@ -74,16 +80,26 @@ private:
 
     SharedName& add(std::string_view name, NodeMemory& memory) {
         newest = &memory.takeName(name);
-        if (newest->number == kFew) recents.fill(nullptr);
+        if (newest->number == kFew) prepareForMany();
         if (areMany()) {
             for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;
         }
         return *newest;
     }
 
-    std::uint8_t context = 0;                  // made of the last few names
-    std::array<SharedName*, 256> followers{};  // what came last in each context
-    SharedName* newest = nullptr;              // from there on all of them
+    void prepareForMany() {
+        std::fill(followers.begin() + kFewContexts, followers.end(), nullptr);
+        lastContext = kContexts - 1;
+        recents.fill(nullptr);
+    }
+
+    std::uint32_t context = 0;  // made of the last few names
+    std::uint32_t lastContext = kFewContexts - 1;
+    SharedName* newest = nullptr;  // from there on all of them
+
+    // What came last in each context. A small document should not wait until all of it is empty: only as much is used
+    // as there are contexts.
+    std::array<SharedName*, kContexts> followers;
 
     // Once they are more than a few.
     std::array<SharedName*, kRecents> recents;

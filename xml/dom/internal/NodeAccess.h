@@ -173,7 +173,7 @@ struct NodeAccess {
         std::size_t textBytes = 0;
         for (const GivenAttributes::Given& given : all) textBytes += isShort(given.value()) ? 0 : given.size;
         constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
-        if (element.marks.isInSlab() && textBytes + all.size() * kEach < NodeMemory::kMostBytes - sizeof(void*))
+        if (textBytes + all.size() * kEach < NodeMemory::kMostBytes - sizeof(void*))
             return setTogether(element, memory, all, textBytes);
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
@@ -229,7 +229,7 @@ struct NodeAccess {
     // An element in the heap.
     static std::unique_ptr<Element> makeElement(std::string_view name) {
         std::unique_ptr<Element> element(new Element(NodeClass::Element));
-        element->name.set(std::string(name));
+        element->name.set(name);
         return element;
     }
 

@@ -241,7 +241,7 @@ bool Pieces::takeEndTag(const char* name) {
     goOnAt(itsEnd + 1);
     tree.end();
     if (tree.isOpen()) return true;
-    StreamAccess::setToken(in, ">");  // which shows: nothing more is read
+    StreamAccess::setToken(in, '>');  // which shows: nothing more is read
     return false;
 }
 

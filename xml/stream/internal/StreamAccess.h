@@ -79,7 +79,10 @@ struct StreamAccess {
         return Tokenizer(in).readToken();
     }
     static void clear(InStream& in) { in.parseBuffer.clear(); }
-    static void setToken(InStream& in, const char* token) { in.parseBuffer = token; }
+    static void setToken(InStream& in, char token) {
+        in.parseBuffer.clear();
+        in.parseBuffer += token;
+    }
     static const std::string& token(const InStream& in) { return in.parseBuffer; }
 
     // The token with which a piece of content begins, as getToken. A reference takes in everything up to the next ';',

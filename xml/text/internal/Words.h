@@ -14,22 +14,32 @@ namespace Xml::Words {
 using Word = std::uint64_t;
 constexpr std::ptrdiff_t kWordSize = sizeof(Word);
 
-inline Word wordAt(const char* bytes) {
-    Word word = 0;
-    std::memcpy(&word, bytes, sizeof word);
+// So many bytes as a number, the first of them in the lowest place.
+template <class Number>
+Number numberAt(const char* bytes) {
+    Number number = 0;
+    std::memcpy(&number, bytes, sizeof number);
 #if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    word = __builtin_bswap64(word);
+    Number reversed = 0;
+    for (std::size_t i = 0; i < sizeof number; ++i) reversed = reversed << 8 | (number >> 8 * i & 0xFF);
+    number = reversed;
 #endif
-    return word;
+    return number;
 }
+
+inline Word wordAt(const char* bytes) { return numberAt<Word>(bytes); }
 
 // As many bytes as a word has, or fewer, and zeros after them. Put together in registers: a word that is loaded from
 // where its bytes were just stored one by one waits for them.
 inline Word wordOf(const char* bytes, std::size_t size) {
     if (size >= sizeof(Word)) return wordAt(bytes);
-    Word word = 0;
-    for (std::size_t i = size; i > 0; --i) word = word << 8 | static_cast<unsigned char>(bytes[i - 1]);
-    return word;
+    if (size >= 4) {
+        const auto half = [bytes](std::size_t at) { return Word{numberAt<std::uint32_t>(bytes + at)}; };
+        return half(0) | half(size - 4) << 8 * (size - 4);
+    }
+    if (size == 0) return 0;
+    const auto byte = [bytes](std::size_t at) { return Word{static_cast<unsigned char>(bytes[at])} << 8 * at; };
+    return byte(0) | byte(size / 2) | byte(size - 1);
 }
 
 // All bits of so many bytes, of a word's at most.
