@@ -34,10 +34,16 @@ inline bool isNCChar(OrvSys::uni16char unit) {
 
 using Unit = const OrvSys::uni16char*;
 
+// The place after the characters of names that stand there; some of them may not begin a name.
+inline Unit afterNCChars(Unit at, Unit end) {
+    while (at != end && isNCChar(*at)) ++at;
+    return at;
+}
+
 // Moves `at` after the name that begins there; false, and `at` unmoved, where none does.
 inline bool skipNCName(Unit& at, Unit end) {
     if (at == end || !isFirstNCChar(*at)) return false;
-    while (at != end && isNCChar(*at)) ++at;
+    at = afterNCChars(at, end);
     return true;
 }
 

@@ -8,6 +8,9 @@ namespace Xml {
 
 namespace {
 
+// Room for so many steps is made at once.
+constexpr std::size_t kSome = 8;
+
 bool isDigit(OrvSys::uni16char unit) { return unit >= u'0' && unit <= u'9'; }
 
 }  // namespace
@@ -30,6 +33,7 @@ Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& 
     read.depth = read.step.slashes + (before != nullptr ? before->depth + 1 : 0);
     for (const Span& predicate : read.step.predicates) read.predicates.push_back(expressions.add(predicate));
     if (tail == 0 && before != nullptr && before->step.isParent() && !read.step.isParent()) tail = number;
+    if (steps.empty()) steps.reserve(kSome);
     steps.push_back(&read);
     return &read;
 }
@@ -42,7 +46,7 @@ Expression::Items& Expression::items(const PathText& whole) {
         return items_;
     }
     for (Unit at = begin; at != text.end;) {
-        if (isNCChar(*at)) {
+        if (isPlain(*at)) {
             ++at;
             continue;
         }

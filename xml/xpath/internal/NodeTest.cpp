@@ -3,6 +3,7 @@
 #include "xml/xpath/internal/PathText.h"
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace Xml {
 
@@ -22,12 +23,14 @@ constexpr Keyword kKeywords[] = {{"node", KindTest::Node},
 
 }  // namespace
 
-bool NodeTest::read(const PathText& text, Unit begin, Unit end, PathError& error) {
+bool NodeTest::read(const PathText& text, Written test, PathError& error) {
+    const Unit begin = test.begin;
+    const Unit end = test.end;
     const auto isThat = [&](const Keyword& row) {
         return begin != end && *begin == static_cast<unsigned char>(row.text[0]) && startsWith(begin, end, row.text);
     };
     const auto* const keyword = std::find_if(std::begin(kKeywords), std::end(kKeywords), isThat);
-    if (keyword == std::end(kKeywords)) return readName(text, begin, end, error);
+    if (keyword == std::end(kKeywords)) return readName(text, test, error);
 
     kind = keyword->kind;
     elements = kind == KindTest::Node || kind == KindTest::Element;
@@ -40,61 +43,73 @@ bool NodeTest::read(const PathText& text, Unit begin, Unit end, PathError& error
     if (close == end) {
         return error.set(XPath::MISSING_CLOSING_PARENTHESE_AFTER_KIND_TEST, text.written(begin, end));
     }
-    if (close > open + 1 && !readName(text, open + 1, close, error)) return false;
+    const Unit inner = open + 1;
+    if (inner != close && !readName(text, {inner, afterNCChars(inner, close), close}, error)) return false;
     return close + 1 == end || error.set(XPath::ILLEGAL_CHAR_AFTER_KINDTEST, text.written(begin, end));
 }
 
-bool NodeTest::readName(const PathText& text, Unit begin, Unit end, PathError& error) {
+bool NodeTest::readName(const PathText& text, Written test, PathError& error) {
+    const Unit begin = test.begin;
+    const Unit end = test.end;
     const auto refuse = [&] { return error.set(XPath::NO_VALID_NAME_OR_TEST, text.written(begin, end)); };
-    Unit at = begin;
-    if (at != end && *at == u'*') {
-        if (++at == end) return true;
+    if (begin == end) return false;  // without a code
+    if (*begin == u'*') {
+        Unit at = begin + 1;
+        if (at == end) return true;
         if (*at != u':') return refuse();
         const Unit local = ++at;
         if (!skipNCName(at, end) || at != end) return refuse();
-        setName(Names::Local, local, end);
+        setName(text, Names::Local, local, end);
         return true;
     }
-    if (!skipNCName(at, end)) return false;  // without a code
+    if (!isFirstNCChar(*begin)) return false;  // without a code
+    Unit at = test.nameEnd;
     if (at == end) {
-        setName(Names::Whole, begin, end);
+        setName(text, Names::Whole, begin, end);
         return true;
     }
     if (*at != u':') return refuse();
     const Unit local = ++at;
     if (equals(local, end, "*")) {
-        setName(Names::Prefixed, begin, local);
+        setName(text, Names::Prefixed, begin, local);
         return true;
     }
     if (!skipNCName(at, end) || at != end) return refuse();
-    setName(Names::Whole, begin, end);
+    setName(text, Names::Whole, begin, end);
     return true;
 }
 
 // Half of a surrogate pair is in no name of a node, but narrowing would make something of it.
-void NodeTest::setName(Names which, Unit begin, Unit end) {
-    name.resize(static_cast<std::size_t>(end - begin));
-    char* narrow = name.data();
-    unsigned bits = 0;
-    for (Unit at = begin; at != end; ++at) {
-        bits |= *at;
-        *narrow++ = lowByte(*at);
-    }
+void NodeTest::setName(const PathText& text, Names which, Unit begin, Unit end) {
     names = which;
-    if (bits <= 0x7F) return;  // ASCII, as most names are
+    name = begin;
+    nameSize = static_cast<std::size_t>(end - begin);
+    if (text.isAscii()) return;
     const OrvSys::Uni16String wide(begin, end);
-    name = OrvSys::Uni16CharToPlatformCString(wide);
-    names = OrvSys::UTF8ToUni16Char(name) == wide ? which : Names::Impossible;
+    bytes = OrvSys::Uni16CharToPlatformCString(wide);
+    nameSize = bytes.size();
+    if (OrvSys::UTF8ToUni16Char(bytes) != wide) names = Names::Impossible;
+}
+
+bool NodeTest::isName(std::string_view part) const {
+    if (!bytes.empty()) return part == bytes;
+    const auto isUnit = [](char byte, OrvSys::uni16char unit) { return static_cast<unsigned char>(byte) == unit; };
+    return std::equal(part.begin(), part.end(), name, name + nameSize, isUnit);
+}
+
+const std::string& NodeTest::nameBytes() const {
+    if (bytes.empty()) std::transform(name, name + nameSize, std::back_inserter(bytes), lowByte);
+    return bytes;
 }
 
 bool NodeTest::fits(const std::string& nodeName) const {
     switch (names) {
     case Names::All: return true;
-    case Names::Whole: return nodeName == name;
-    case Names::Prefixed: return nodeName.compare(0, name.size(), name) == 0;
+    case Names::Whole: return isName(nodeName);
+    case Names::Prefixed: return isName(std::string_view(nodeName).substr(0, nameSize));
     case Names::Local: {
         const std::size_t colon = nodeName.find(':');
-        return colon != std::string::npos && nodeName.compare(colon + 1, std::string::npos, name) == 0;
+        return colon != std::string::npos && isName(std::string_view(nodeName).substr(colon + 1));
     }
     case Names::Impossible: break;
     }

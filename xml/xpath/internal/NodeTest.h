@@ -5,7 +5,9 @@
 #include "xml/dom/internal/NodeClasses.h"
 #include "xml/xpath/internal/Characters.h"
 #include "xml/xpath/internal/PathError.h"
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace Xml {
 
@@ -19,9 +21,20 @@ enum class KindTest { None, Node, Element, Attribute, Document, Text };
 // never narrowed to what a malformed name would be widened to.
 class NodeTest {
 public:
+    // The text of a test.
+    struct Written {
+        Unit begin;
+        Unit nameEnd;  // after the characters of names that it begins with
+        Unit end;
+    };
+
+    NodeTest() = default;
+    NodeTest(const NodeTest&) = delete;
+    NodeTest& operator=(const NodeTest&) = delete;
+
     // Reads "text()", "element(name)", "*", "name", "*:name", "prefix:*". False, and the error set, where it is none of
-    // these; without a code where a name does not begin as names do.
-    bool read(const PathText& text, Unit begin, Unit end, PathError& error);
+    // these; without a code where a name does not begin as names do. The text must stay.
+    bool read(const PathText& text, Written test, PathError& error);
 
     // Whether the node is of the kind and has the name.
     bool accepts(const Object& node) const {
@@ -49,7 +62,7 @@ public:
     }
     Attribute* attributeOf(Element& element) const {
         const AttributeSpan all = NodeAccess::attributes(element);
-        if (all.size() > kFew) return element.getAttribute(name);
+        if (all.size() > kFew) return element.getAttribute(nameBytes());
         for (Attribute* const attribute : all) {
             if (acceptsName(NodeAccess::name(*attribute))) return attribute;
         }
@@ -65,11 +78,13 @@ private:
     bool acceptsName(const std::string& itsName) const {
         if (&itsName == refused) return false;
         if (&itsName == accepted) return true;
-        return (names != Names::Whole || itsName.size() == name.size()) && decide(itsName);
+        return (names != Names::Whole || itsName.size() == nameSize) && decide(itsName);
     }
 
-    bool readName(const PathText& text, Unit begin, Unit end, PathError& error);
-    void setName(Names which, Unit begin, Unit end);
+    bool readName(const PathText& text, Written test, PathError& error);
+    void setName(const PathText& text, Names which, Unit begin, Unit end);
+    bool isName(std::string_view part) const;
+    const std::string& nameBytes() const;
     bool fits(const std::string& nodeName) const;
     bool decide(const std::string& nodeName) const;
     bool acceptsRare(const Object& node) const;
@@ -77,7 +92,11 @@ private:
     KindTest kind = KindTest::None;
     bool elements = true;  // whether the kind allows for elements
     Names names = Names::All;
-    std::string name;  // whole, after the first colon, or up to it
+    // The name, whole, after the first colon, or up to it: in the text of the path where that is ASCII; in 8 bits where
+    // it is not, or once that was needed.
+    Unit name = nullptr;
+    std::size_t nameSize = 0;  // in 8 bits
+    mutable std::string bytes;
 
     // Names that were decided last. The nodes of a tree share them, and they stay while a query is under way.
     mutable const std::string* accepted = nullptr;

@@ -29,4 +29,18 @@ inline bool mayBeginOperator(OrvSys::uni16char unit) {
     return unit == u' ' || unit == u'!' || unit == u'<' || unit == u'=' || unit == u'>';
 }
 
+// Whether the unit is none that may be white space, begin an operator, or begin or end what is enclosed: a character of
+// a name, a slash or the like, as most are. It is looked up by the low byte; of what is not plain the unit decides.
+inline bool isPlain(OrvSys::uni16char unit) {
+    struct Units {
+        constexpr Units() {
+            for (const char c : {'\t', '\n', '\r', ' ', '!', '"', '\'', '<', '=', '>', '[', ']'})
+                other[static_cast<unsigned char>(c)] = true;
+        }
+        bool other[0x100] = {};
+    };
+    static constexpr Units kUnits;
+    return !kUnits.other[unit & 0xFF];
+}
+
 }  // namespace Xml

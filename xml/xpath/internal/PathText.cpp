@@ -24,11 +24,13 @@ PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* m
 // Notes what is enclosed by its places in the source. Whether there is white space outside of literals.
 bool PathText::findEnclosed() {
     bool hasWhiteSpace = false;
+    unsigned bits = 0;                                             // that any unit outside of literals has
     constexpr std::size_t kOpen = 0;                               // the end of a bracket that is not closed yet
     std::pmr::vector<std::size_t> open(enclosed.get_allocator());  // numbers of brackets
     for (Unit at = source.data(), end = at + source.size(); at != end; ++at) {
+        bits |= *at;
+        if (isPlain(*at)) continue;
         const OrvSys::uni16char unit = *at;
-        if (isNCChar(unit) || unit == u'/') continue;
         const auto place = static_cast<std::size_t>(at - source.data());
         if (IsBeginLiteral(unit)) {
             std::size_t close = source.find(unit, place + 1);
@@ -53,6 +55,7 @@ bool PathText::findEnclosed() {
             mayHaveOperators_ = mayHaveOperators_ || mayBeginOperator(unit);
         }
     }
+    isAscii_ = bits <= 0x7F;
     unclosed = source.size();
     if (!open.empty()) {
         unclosed = enclosed[open.front()].begin;
@@ -74,12 +77,13 @@ void PathText::removeWhiteSpace() {
     auto next = enclosed.begin();
     std::pmr::vector<Enclosed*> open(enclosed.get_allocator());
     for (Unit at = source.data(); at != sourceEnd;) {
+        if (isPlain(*at)) {
+            shorter[place++] = *at++;
+            continue;
+        }
         const auto sourcePlace = static_cast<std::size_t>(at - source.data());
         Unit after = at + 1;
-        if (isNCChar(*at)) {
-            while (after != sourceEnd && isNCChar(*after)) ++after;
-            copy(at, after);
-        } else if (IsBeginLiteral(*at)) {
+        if (IsBeginLiteral(*at)) {
             const std::size_t begin = place;
             after = source.data() + next->end;
             copy(at, after);

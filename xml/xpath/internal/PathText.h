@@ -41,6 +41,9 @@ public:
     // bracket or a literal.
     OrvSys::Uni16String written(Unit from, Unit to) const;
 
+    // Whether all of it outside of literals is ASCII.
+    bool isAscii() const { return isAscii_; }
+
     // Whether an operator may begin anywhere in it.
     bool mayHaveOperators() const { return mayHaveOperators_; }
 
@@ -73,6 +76,7 @@ private:
     std::size_t unclosed;  // the place of the first bracket in the source that is not closed, else its length
     std::size_t nesting_ = 0;
     bool mayHaveOperators_ = false;
+    bool isAscii_ = false;
 
     View text;
     Units shorter;                        // the text, where the source has white space

@@ -39,70 +39,92 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
     for (; at != end && *at == u'/'; ++slashes) {
         if (++at == end) return error.set(XPath::DOUBLE_SLASH_AT_THE_END_NOT_ALLOWED, u"//");
     }
-    return split(text, at, end, error) && extractPredicates(text, error) && extractAxis(text, error);
+    whole.begin = at;
+    const bool isWord = readWord(end);
+    if (!isWord) findEnd(text, end);
+    isLast = whole.end == end;
+    at = isLast ? end : whole.end + 1;
+    if (!isLast && at == end) {
+        return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
+    }
+    return isWord ? readTest(text, error) : extractPredicates(text, error) && extractAxis(text, error);
+}
+
+// Most steps are a name, with a prefix or without one. One pass finds out and says where it ends.
+inline bool Step::readWord(Unit end) {
+    nameEnd = afterNCChars(whole.begin, end);
+    const bool hasPrefix = nameEnd != end && *nameEnd == u':';
+    headEnd = hasPrefix ? afterNCChars(nameEnd + 1, end) : nameEnd;
+    whole.end = headEnd;
+    return headEnd == end || *headEnd == u'/';
 }
 
 // A slash ends the step where as many brackets were closed as opened. A bracket that is closed without being opened
 // counts too: no slash ends the step then until one more is opened.
-bool Step::split(const PathText& text, Unit& next, Unit end, PathError& error) {
-    Unit at = next;
-    whole.begin = at;
+void Step::findEnd(const PathText& text, Unit end) {
     headEnd = nullptr;
     long open = 0;
-    for (;;) {
-        while (at != end && isNCChar(*at)) ++at;
-        if (at == end || (*at == u'/' && open == 0)) break;
+    Unit at = nameEnd;
+    for (; at != end && (*at != u'/' || open != 0); at = afterNCChars(at, end)) {
+        const Unit after = text.after(at);
         if (*at == u'[' && headEnd == nullptr) headEnd = at;
-        if (*at == u'[' && (open < 0 || !text.isClosedBracket(at))) {
+        if (*at == u'[' && (open < 0 || after == at + 1)) {
             ++open;
             ++at;
         } else {
             if (*at == u']') --open;
-            at = text.after(at);
+            at = after;
         }
     }
     whole.end = at;
     if (headEnd == nullptr) headEnd = at;
-    isLast = at == end;
-    next = isLast ? at : at + 1;
-    if (isLast || next != end) return true;
-    return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
 }
 
 bool Step::extractPredicates(const PathText& text, PathError& error) {
     Unit last = headEnd;
-    for (Unit at = headEnd; at != whole.end; at = text.after(at)) {
+    for (Unit at = headEnd; at != whole.end;) {
         if (*at != u'[') {
             return error.set(XPath::ILLEGAL_CHAR_AFTER_PREDICATE, text.written(last, at));
         }
-        if (!text.isClosedBracket(at) || text.after(at) > whole.end) {
+        const Unit after = text.after(at);
+        if (after == at + 1 || after > whole.end) {
             return error.set(XPath::MISSING_CLOSING_BRACKET_AFTER_PREDICATE, text.written(at, whole.end));
         }
         last = at;
-        predicates.push_back({at + 1, text.after(at) - 1});
+        predicates.push_back({at + 1, after - 1});
+        at = after;
     }
     return true;
 }
 
 bool Step::extractAxis(const PathText& text, PathError& error) {
+    Unit begin = whole.begin;
+    const Unit separator = findColons(nameEnd, headEnd);
+    if (separator != headEnd) {
+        const auto row = std::find_if(std::begin(kAxisNames), std::end(kAxisNames),
+                                      [&](const AxisName& name) { return equals(whole.begin, separator, name.text); });
+        if (row == std::end(kAxisNames)) return error.set(XPath::NO_VALID_AXIS, text.written(whole.begin, headEnd));
+        axis = row->axis;
+        begin = separator + 2;
+    } else if (startsWith(whole.begin, headEnd, "@")) {
+        axis = Axis::Attribute;
+        begin = whole.begin + 1;
+    } else {
+        return readTest(text, error);
+    }
+    testBegin = begin;
+    return test.read(text, {begin, afterNCChars(begin, headEnd), headEnd}, error);
+}
+
+// Reads a step without an axis before its test.
+bool Step::readTest(const PathText& text, PathError& error) {
     const bool parent = equals(whole.begin, headEnd, "..");
     if (parent || equals(whole.begin, headEnd, ".")) {
         axis = parent ? Axis::Parent : Axis::Self;
         return true;  // tests for any node, as a test does that was not read
     }
     testBegin = whole.begin;
-    const Unit separator = findColons(whole.begin, headEnd);
-    if (separator != headEnd) {
-        const auto row = std::find_if(std::begin(kAxisNames), std::end(kAxisNames),
-                                      [&](const AxisName& name) { return equals(whole.begin, separator, name.text); });
-        if (row == std::end(kAxisNames)) return error.set(XPath::NO_VALID_AXIS, text.written(whole.begin, headEnd));
-        axis = row->axis;
-        testBegin = separator + 2;
-    } else if (startsWith(whole.begin, headEnd, "@")) {
-        axis = Axis::Attribute;
-        testBegin = whole.begin + 1;
-    }
-    return test.read(text, testBegin, headEnd, error);
+    return test.read(text, {whole.begin, nameEnd, headEnd}, error);
 }
 
 bool Step::isReverse() const {

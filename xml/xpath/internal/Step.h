@@ -61,11 +61,14 @@ struct Step {
     bool isLast = false;
 
 private:
-    bool split(const PathText& text, Unit& next, Unit end, PathError& error);
+    bool readWord(Unit end);
+    void findEnd(const PathText& text, Unit end);
     bool extractPredicates(const PathText& text, PathError& error);
     bool extractAxis(const PathText& text, PathError& error);
+    bool readTest(const PathText& text, PathError& error);
 
     Span whole;
+    Unit nameEnd = nullptr;    // after the characters of names that it begins with
     Unit headEnd = nullptr;    // where the predicates begin
     Unit testBegin = nullptr;  // null where "." or ".." stands for the whole step
 };

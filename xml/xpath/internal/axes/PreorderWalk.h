@@ -15,7 +15,7 @@ inline NodeSpan elementChildren(const Object& node) {
 
 // The same, and of a document its root, which is put into `root`; the span is good as long as that is then.
 inline NodeSpan childrenOf(Object& node, Object*& root) {
-    if (!node.isDocument()) return elementChildren(node);
+    if (isElement(node) || !node.isDocument()) return elementChildren(node);
     root = static_cast<Document&>(node).getRoot();
     return {&root, &root + (root != nullptr ? 1 : 0)};
 }
