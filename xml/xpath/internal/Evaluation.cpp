@@ -2,7 +2,6 @@
 
 #include "xml/xpath/internal/Folding.h"
 #include "xml/xpath/internal/OneStep.h"
-#include "xml/xpath/internal/PositionTest.h"
 #include "xml/xpath/internal/Together.h"
 #include "xml/xpath/internal/Walk.h"
 #include <cstdint>
@@ -142,13 +141,7 @@ bool Evaluation::goOn(Frame& frame) {
     switch (frame.walk->go()) {
     case Walk::Stop::Predicate: {
         const Walk::Predicate predicate = frame.walk->predicate();
-        std::optional<PositionTest> position;
-        if (!PositionTest::read(predicate.expression, state.expressions, state.error, position)) return false;
-        if (position) {
-            frame.walk->filter(*position);
-        } else {
-            push(predicate.expression, predicate.contexts, predicate.reverse, predicate.depth);
-        }
+        push(predicate.expression, predicate.contexts, predicate.reverse, predicate.depth);
         return true;
     }
     case Walk::Stop::Found: gather(frame); return true;

@@ -31,11 +31,17 @@ Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& 
         return nullptr;
     }
     read.depth = read.step.slashes + (before != nullptr ? before->depth + 1 : 0);
-    for (const Span& predicate : read.step.predicates) read.predicates.push_back(expressions.add(predicate));
+    for (const Span& predicate : read.step.predicates) read.predicates.emplace_back(expressions.add(predicate));
     if (tail == 0 && before != nullptr && before->step.isParent() && !read.step.isParent()) tail = number;
     if (steps.empty()) steps.reserve(kSome);
     steps.push_back(&read);
     return &read;
+}
+
+const PositionTest* Path::Predicate::positionTest(const Expressions& expressions) {
+    if (!isRead) position = PositionTest::read(*expression, expressions);
+    isRead = true;
+    return position ? &*position : nullptr;
 }
 
 Expression::Items& Expression::items(const PathText& whole) {

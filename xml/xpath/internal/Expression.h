@@ -3,6 +3,7 @@
 #include "xml/xpath/internal/Operators.h"
 #include "xml/xpath/internal/Outcomes.h"
 #include "xml/xpath/internal/PathError.h"
+#include "xml/xpath/internal/PositionTest.h"
 #include "xml/xpath/internal/Step.h"
 #include "xml/xpath/internal/Value.h"
 #include "xml/xpath/internal/axes/Siblings.h"
@@ -27,12 +28,25 @@ struct Path {
     Path(Path&&) = default;
     ~Path() = default;
 
+    struct Predicate {
+        explicit Predicate(Expression* itsExpression) : expression(itsExpression) {}
+
+        // Null where it asks for more than a position. Found out at the first call.
+        const PositionTest* positionTest(const Expressions& expressions);
+
+        Expression* expression;
+
+    private:
+        bool isRead = false;
+        std::optional<PositionTest> position;
+    };
+
     struct Read {
         explicit Read(std::pmr::memory_resource* memory) : step(memory), predicates(memory) {}
 
         Step step;
         unsigned depth = 0;  // of the step in the path: 0 for the first one, one more for each slash
-        std::pmr::vector<Expression*> predicates;
+        std::pmr::vector<Predicate> predicates;
         std::optional<SiblingHint> hint;
     };
 

@@ -39,7 +39,7 @@ bool checkSyntax(Expression& query, bool noNodes, Expressions& expressions, Path
         const Path::Read* const read = path->step(place.step, expressions, error);
         if (read == nullptr) return false;
         if (place.predicate < read->predicates.size()) {
-            Expression& predicate = *read->predicates[place.predicate++];
+            Expression& predicate = *read->predicates[place.predicate++].expression;
             open.push_back({predicate.items(expressions.text)});
             continue;
         }

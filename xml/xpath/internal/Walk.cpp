@@ -18,9 +18,13 @@ Walk::Stop Walk::go() {
         case At::Predicates:
             if (predicate_ < read().predicates.size()) {
                 state.axes.budget().spend(room.list.nodes.size());
-                return state.isAffordable() ? Stop::Predicate : Stop::Failed;
+                if (!state.isAffordable()) return Stop::Failed;
+                const PositionTest* const test = read().predicates[predicate_].positionTest(state.expressions);
+                if (test == nullptr) return Stop::Predicate;
+                filter(*test);
+            } else {
+                endStep();
             }
-            endStep();
             break;
         case At::End:
             endContext();
@@ -63,6 +67,14 @@ inline bool Walk::isTail() const {
     return path.isAbsolute ? step == 0 && start.mayComeAgain : step > 0 && step == path.tail;
 }
 
+// How many nodes the step has to find.
+inline std::size_t Walk::enoughFor(Path::Read& next) const {
+    if (next.predicates.empty()) return next.step.isLast ? start.wanted : Taker::kAll;
+    if (next.step.isReverse()) return Taker::kAll;
+    const PositionTest* const test = next.predicates.front().positionTest(state.expressions);
+    return test != nullptr ? test->enough() : Taker::kAll;
+}
+
 // Puts what the next step finds into the list; or what the rest of the walk finds, where it is known. False on an
 // error.
 inline bool Walk::takeStep() {
@@ -79,8 +91,7 @@ inline bool Walk::takeStep() {
             keptTail = node;
         }
     }
-    const bool mayStopEarly = next->step.isLast && next->predicates.empty();
-    state.axes.collect(next->step, room.list, mayStopEarly ? start.wanted : Taker::kAll, next->hint, room.found);
+    state.axes.collect(next->step, room.list, enoughFor(*next), next->hint, room.found);
     if (!state.isAffordable()) return false;
     std::swap(room.list, room.found);
     record(Missed::Name::WithAxis);
@@ -123,8 +134,7 @@ inline void Walk::record(Missed::Name name) {
 }
 
 Walk::Predicate Walk::predicate() const {
-    return {*read().predicates[predicate_], room.list.nodes, predicate_ == 0 && read().step.isReverse(),
-            start.depth + read().depth};
+    return {*read().predicates[predicate_].expression, room.list.nodes, isReverse(), start.depth + read().depth};
 }
 
 void Walk::filter(const Values& outcome) {
@@ -139,8 +149,9 @@ void Walk::filter(const Values& outcome) {
     endFilter(kept);
 }
 
+// The same for a predicate that asks for the position only.
 void Walk::filter(const PositionTest& test) {
-    const bool reverse = predicate().reverse;
+    const bool reverse = isReverse();
     std::vector<Object*>& list = room.list.nodes;
     const std::size_t size = list.size();
     std::size_t kept = 0;

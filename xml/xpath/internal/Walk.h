@@ -33,7 +33,7 @@ public:
         bool mayComeAgain;   // whether another walk of this path may go out from the same nodes
     };
 
-    // What to evaluate next.
+    // What to evaluate next: a predicate that asks for more than a position.
     struct Predicate {
         Expression& expression;
         const std::vector<Object*>& contexts;
@@ -59,9 +59,6 @@ public:
     // Keeps the nodes for which the predicate has a value.
     void filter(const Values& outcome);
 
-    // The same for a predicate that asks for the position only.
-    void filter(const PositionTest& test);
-
     std::vector<Object*>& found() { return room.list.nodes; }
 
     // The number of the context node that it was found from; -1 for the document.
@@ -79,9 +76,14 @@ private:
     void endContext();
     void use(const Outcome& outcome);
     bool isTail() const;
+    std::size_t enoughFor(Path::Read& next) const;
     void record(Missed::Name name);
+    void filter(const PositionTest& test);
     void endFilter(std::size_t kept);
-    const Path::Read& read() const { return *path.steps[step]; }
+    Path::Read& read() const { return *path.steps[step]; }
+
+    // Whether positions count from the end for the predicate that comes next.
+    bool isReverse() const { return predicate_ == 0 && read().step.isReverse(); }
 
     QueryState& state;
     Path& path;

@@ -129,9 +129,9 @@ void takeAttributesFromBelow(const NodeList& from, Taker& taker) {
 void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
     WalkedFrom walked(from);
     const bool takesAll = taker.wantsAll();
-    // The only child of most elements is a text. Where texts are not taken it is looked at with its element, unless the
-    // walk may end between the two.
-    const bool passesTexts = takesAll && !taker.takesTexts();
+    // The only child of most elements is a text. Where texts are not taken it is looked at with its element; it counts
+    // where the walk does not end between the two.
+    const bool passesTexts = !taker.takesTexts();
     std::vector<const Element*> open;  // the next one is the last
     open.reserve(kMany);
     for (std::size_t i = 0; i < from.nodes.size(); ++i) {
@@ -159,7 +159,7 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
                 }
             }
             if (open.size() > first + 1) std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
-            taker.visit(static_cast<std::size_t>(next - row.begin()) + passed);
+            taker.visit(static_cast<std::size_t>(next - row.begin()) + (takesAll ? passed : 0));
             if (taker.isDone()) return;
 
             while (!open.empty() && !walked.enter(*open.back())) open.pop_back();
