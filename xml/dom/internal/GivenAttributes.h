@@ -1,8 +1,10 @@
 #pragma once
 
 #include "xml/dom/internal/SortByName.h"
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Xml {
@@ -60,17 +62,28 @@ public:
     // Puts them in the byte order of their names. Of several with one name the last stays.
     void sort() {
         if (isSorted) return;
-        sortByName(all);
-        auto kept = all.begin();
+        if (all.size() == 2 && all[0].name != all[1].name) {
+            std::swap(all[0], all[1]);
+        } else {
+            sortByName(all);
+            removeRepeated();
+        }
+        isSorted = true;
+    }
+
+private:
+    // Of those with one name, which stand together, all but the last.
+    void removeRepeated() {
+        const auto isRepeated = [](const Given& a, const Given& b) { return a.name == b.name; };
+        auto kept = std::adjacent_find(all.begin(), all.end(), isRepeated);
+        if (kept == all.end()) return;
         for (auto next = kept + 1; next != all.end(); ++next) {
             if (next->name != kept->name) ++kept;
             *kept = *next;
         }
         all.erase(kept + 1, all.end());
-        isSorted = true;
     }
 
-private:
     std::vector<Given> all;
     bool isSorted = true;
     bool padded = false;

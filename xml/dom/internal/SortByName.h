@@ -18,9 +18,13 @@ void sortByName(std::vector<Given>& all) {
     }
     Given* const begin = all.data();
     for (Given* next = begin + 1; next < begin + all.size(); ++next) {
+        if (!isBefore(*next, next[-1])) continue;
         const Given moved = *next;
         Given* to = next;
-        for (; to != begin && isBefore(moved, to[-1]); --to) *to = to[-1];
+        do {
+            *to = to[-1];
+            --to;
+        } while (to != begin && isBefore(moved, to[-1]));
         *to = moved;
     }
 }
