@@ -14,6 +14,7 @@ namespace Xml {
 class GivenAttributes {
 public:
     struct Given {
+        Given() {}  // to be assigned
         Given(const SharedName& itsName, std::string_view itsValue)
             : name(&itsName), bytes(itsValue.data()), size(itsValue.size()) {}
 
@@ -35,37 +36,37 @@ public:
     };
 
     GivenAttributes() = default;
-
-    // With room for so many.
-    explicit GivenAttributes(std::size_t count) { all.reserve(count); }
+    GivenAttributes(const GivenAttributes&) = delete;
+    GivenAttributes& operator=(const GivenAttributes&) = delete;
 
     void clear() {
-        all.clear();
+        count = 0;
         isSorted = true;
         padded = false;
     }
     void add(const SharedName& name, std::string_view value) {
-        if (!all.empty()) isSorted &= all.back().name->isBefore(name);
-        all.emplace_back(name, value);
+        if (count > 0) isSorted &= first[count - 1].name->isBefore(name);
+        if (count == room) makeRoom();
+        first[count++] = Given(name, value);
     }
 
     // Whether each value is padded (see GivenText); not at first.
     bool arePadded() const { return padded; }
     void setPadded() { padded = true; }
 
-    bool empty() const { return all.empty(); }
-    std::size_t size() const { return all.size(); }
-    Given& operator[](std::size_t place) { return all[place]; }
-    const Given* begin() const { return all.data(); }
-    const Given* end() const { return all.data() + all.size(); }
+    bool empty() const { return count == 0; }
+    std::size_t size() const { return count; }
+    Given& operator[](std::size_t place) { return first[place]; }
+    const Given* begin() const { return first; }
+    const Given* end() const { return first + count; }
 
     // Puts them in the byte order of their names. Of several with one name the last stays.
     void sort() {
         if (isSorted) return;
-        if (all.size() == 2 && all[0].name != all[1].name) {
-            std::swap(all[0], all[1]);
+        if (count == 2 && first[0].name != first[1].name) {
+            std::swap(first[0], first[1]);
         } else {
-            sortByName(all);
+            sortByName(first, first + count);
             removeRepeated();
         }
         isSorted = true;
@@ -74,17 +75,32 @@ public:
 private:
     // Of those with one name, which stand together, all but the last.
     void removeRepeated() {
+        Given* const last = first + count;
         const auto isRepeated = [](const Given& a, const Given& b) { return a.name == b.name; };
-        auto kept = std::adjacent_find(all.begin(), all.end(), isRepeated);
-        if (kept == all.end()) return;
-        for (auto next = kept + 1; next != all.end(); ++next) {
+        Given* kept = std::adjacent_find(first, last, isRepeated);
+        if (kept == last) return;
+        for (const Given* next = kept + 1; next != last; ++next) {
             if (next->name != kept->name) ++kept;
             *kept = *next;
         }
-        all.erase(kept + 1, all.end());
+        count = static_cast<std::size_t>(kept + 1 - first);
     }
 
-    std::vector<Given> all;
+    [[gnu::noinline]] void makeRoom() {
+        std::vector<Given> larger(2 * room);
+        std::copy(first, first + count, larger.begin());
+        many = std::move(larger);
+        first = many.data();
+        room = many.size();
+    }
+
+    static constexpr std::size_t kFew = 8;  // most tags have no more, and need no other memory
+
+    Given few[kFew];
+    std::vector<Given> many;
+    Given* first = few;
+    std::size_t count = 0;
+    std::size_t room = kFew;
     bool isSorted = true;
     bool padded = false;
 };

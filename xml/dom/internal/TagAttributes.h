@@ -57,7 +57,7 @@ public:
     // Puts them in the byte order of their names.
     void sort() {
         if (isSorted) return;
-        sortByName(all);
+        sortByName(all.data(), all.data() + all.size());
         isSorted = true;
     }
 

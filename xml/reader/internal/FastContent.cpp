@@ -115,8 +115,8 @@ private:
     const char* begin;      // of the piece at hand
 
     // Of the tag at hand.
-    bool tagHasReturn = false;           // whether there is a CR in it
-    GivenAttributes attributes{8};       // most tags have fewer
+    bool tagHasReturn = false;  // whether there is a CR in it
+    GivenAttributes attributes;
     std::vector<std::size_t> referring;  // the places of those whose values have references ...
     std::vector<DataHolder> decoded;     // ... and these values decoded
 };
