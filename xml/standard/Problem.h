@@ -27,10 +27,10 @@ struct Problem {
     std::string text;     // one line: </port> expected, found </prot> (<port> began at 4:5)
     std::string rule;     // the production or constraint by its name in the recommendation: Element Type Match
     std::string path;     // the element in question, counted among its namesakes: /order[1]/item[2]
-    std::string excerpt;  // the source's line, and below it a caret
+    std::string excerpt;  // the source's line, and below it a caret; control characters are U+FFFD
 
     // app.xml:4:15: error: </port> expected, found </prot> (<port> began at 4:5)
-    // What is not known is left out, with its colon.
+    // What is not known is left out, with its colon. A line: control characters in the source's name are U+FFFD.
     ORVXML_API std::string toString() const;
 };
 

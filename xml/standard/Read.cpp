@@ -1,6 +1,7 @@
 #include "xml/standard/Read.h"
 
 #include "xml/dom/Document.h"
+#include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/Places.h"
 #include "xml/standard/internal/Positions.h"
 #include "xml/standard/internal/Rules.h"

@@ -1,11 +1,31 @@
 #include "xml/standard/internal/EntityStack.h"
 
+#include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace Xml {
+
+namespace {
+
+// What is looked for as a whole. A parameter entity is one by its '%' and one character of its name.
+constexpr std::string_view kKeywords[] = {"<!--",       "<![CDATA[", "<!DOCTYPE",  "<!ELEMENT", "<!ATTLIST", "<!ENTITY",
+                                          "<!NOTATION", "<?xml ",    "]]>",        "?>",        "/>",        "PUBLIC",
+                                          "SYSTEM",     "NDATA",     "EMPTY",      "ANY",       "#PCDATA",   "version",
+                                          "%p",         "encoding",  "standalone", "1.0",       "yes",       "no"};
+
+// Whether the text is the beginning of a keyword, and more of it may follow.
+bool mayBeKeyword(std::string_view text) {
+    return std::any_of(std::begin(kKeywords), std::end(kKeywords), [text](std::string_view keyword) {
+        return text.size() < keyword.size() && keyword.substr(0, text.size()) == text;
+    });
+}
+
+}  // namespace
 
 std::size_t EntityStack::release() {
     const auto read = static_cast<std::size_t>(at - positions.text().data());
@@ -58,7 +78,7 @@ std::int64_t EntityStack::offsetOf(const char* where) const {
 std::string EntityStack::describe(const char* where) const {
     if (where == end) return isInEntity() ? "the end of the entity" : "the end of the document";
     const Utf8::Character c = Utf8::at(where);
-    if (c.value >= 0x20 && c.value != 0x7F && StandardNames::isChar(c.value)) {
+    if (!isControl(c.value) && StandardNames::isChar(c.value)) {
         const char* const quote = *where == '"' ? "'" : "\"";
         return quote + std::string(where, where + c.size) + quote;
     }
@@ -69,7 +89,7 @@ std::string EntityStack::describe(const char* where) const {
 }
 
 bool EntityStack::fail(const char* where, const char* rule, std::string text, Problem::Kind kind) {
-    if (isGrowing() && end - where < kLongest) {
+    if (isGrowing() && mayBeKeyword(std::string_view(where, static_cast<std::size_t>(end - where)))) {
         now = State::Cut;
         return false;
     }
@@ -106,7 +126,7 @@ bool EntityStack::failFinally(const char* where, const char* rule, std::string t
         }
         text += ")";
     }
-    found = {kind, rule, offsetOf(where), std::move(text), {}};
+    found = {kind, rule, offsetOf(where), messageLine(text), {}};
     return false;
 }
 

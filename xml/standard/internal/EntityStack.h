@@ -65,6 +65,7 @@ public:
     const Fault& fault() const { return found; }
     void goOn() { now = State::Reading; }
 
+    // Cut, where what is left there may be the beginning of a keyword.
     bool fail(const char* where, const char* rule, std::string text, Problem::Kind kind = Problem::Kind::Malformed);
     bool endsEarly(const char* where, const char* rule, std::string text);
 
@@ -94,9 +95,6 @@ private:
         std::int64_t offset;  // of the outermost reference
         std::size_t open;
     };
-
-    // No keyword is longer: what is wrong so close to the end may be the beginning of one.
-    static constexpr std::ptrdiff_t kLongest = 16;
 
     bool failFinally(const char* where, const char* rule, std::string text, Problem::Kind kind);
 

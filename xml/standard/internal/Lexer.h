@@ -74,6 +74,11 @@ public:
 
     // Where the event began in the document; in an entity that is its outermost reference.
     std::int64_t offset() const { return itsOffset; }
+
+    // The same of an attribute; of one that the document type supplies it is that of the tag.
+    std::int64_t offsetOf(const TagAttribute& attribute) const {
+        return attribute.isDefault ? itsOffset : in.offsetOf(attribute.name.data());
+    }
     Place placeOf(std::int64_t offset) const { return in.placeOf(offset); }
 
     // Open elements, the one whose Start or End is at hand included.

@@ -12,6 +12,9 @@ using Syntax::viewOf;
 // Up to the next markup, which may be in an entity, or the end of the document. Mostly a text stands there as it is.
 bool Lexer::readText() {
     if (!isInText) {
+        while (in.at == in.end && in.isInEntity()) {
+            if (!leaveEntity()) return false;
+        }
         itsOffset = in.offsetOf(in.at);
         const Runs::Run run = Runs::of<'<', '&', ']'>(in.at, in.end);
         if (run.end != in.end && *run.end == '<' && (!run.hasReturn || in.isInEntity())) {

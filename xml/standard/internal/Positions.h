@@ -4,7 +4,6 @@
 #include "xml/standard/internal/Places.h"
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace Xml {
@@ -29,9 +28,5 @@ private:
     std::int64_t first = 0;  // the offset of its first byte
     mutable Places places;
 };
-
-// The line of the text that the byte at `at` stands in, and below it a caret under that byte. At most 160 characters of
-// the line; tabs are repeated, control characters are U+FFFD.
-std::string excerptOf(std::string_view text, std::size_t at);
 
 }  // namespace Xml

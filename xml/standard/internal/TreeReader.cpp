@@ -3,6 +3,7 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/internal/GivenAttributes.h"
 #include "xml/dom/internal/TreeBuilder.h"
+#include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/Lexer.h"
 #include "xml/standard/internal/WhiteSpace.h"
 #include "xml/stream/internal/Scan.h"
