@@ -10,9 +10,11 @@
 namespace Xml::test {
 namespace {
 
+// Without what parts texts.
 std::string treeOf(const std::string& text, Space space = Space::Content) {
     ReadOptions options;
     options.space = space;
+    options.keepComments = options.keepInstructions = false;
     const ReadResult result = readText(text, options);
     return result ? dump(result.get()) : result.message();
 }

@@ -1,70 +1,102 @@
 #include "xml/standard/Read.h"
 
 #include "xml/dom/Document.h"
-#include "xml/standard/internal/Excerpt.h"
-#include "xml/standard/internal/Places.h"
-#include "xml/standard/internal/Positions.h"
-#include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/FileBytes.h"
 #include "xml/standard/internal/SourceText.h"
+#include "xml/standard/internal/StreamBytes.h"
 #include "xml/standard/internal/TreeReader.h"
-#include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace Xml {
 
-ReadResult::ReadResult(std::unique_ptr<Document> read) : document(std::move(read)) {}
-
-ReadResult::ReadResult(Problem problem) { all.push_back(std::move(problem)); }
-
-ReadResult::ReadResult(ReadResult&& other) noexcept = default;
-
-ReadResult& ReadResult::operator=(ReadResult&& other) noexcept = default;
-
-ReadResult::~ReadResult() = default;
-
-std::unique_ptr<Document> ReadResult::take() { return std::move(document); }
-
-std::string ReadResult::message() const {
-    std::string result;
-    for (const Problem& problem : all) {
-        if (!result.empty()) result += '\n';
-        result += problem.toString();
-    }
-    if (result.empty() && document == nullptr) result = "the document was taken";
-    return result;
-}
-
 namespace {
 
-// The bytes are no text from some place on. The place is in the text.
-void report(const DecodingFailure& failure, std::string_view text, Problem& problem) {
-    const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
-    problem.kind = isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed;
-    problem.text = failure.text;
-    problem.rule = StandardRules::kCharacterEncodingInEntities;
-    const auto offset = std::min(static_cast<std::size_t>(failure.textOffset), text.size());
-    problem.place.offset = static_cast<std::int64_t>(offset);
-    problem.excerpt = excerptOf(text, offset);
+// What is wrong with a source as a whole: nothing of it is read, and there is no place.
+Problem problemOf(const std::string& source, Problem::Kind kind, const std::string& text, const char* rule = "") {
+    Problem problem;
+    problem.kind = kind;
+    problem.source = source;
+    problem.text = text;
+    problem.rule = rule;
+    return problem;
+}
+
+ReadResult failed(Problem problem) {
+    std::vector<Problem> problems;
+    problems.push_back(std::move(problem));
+    return ReadResult(std::move(problems));
+}
+
+// Options that are there to be asked for, and nothing does yet what they ask.
+std::optional<ReadResult> refuse(const ReadOptions& options, const std::string& source) {
+    std::vector<Problem> problems;
+    const auto refuseIf = [&](bool isAsked, const char* option) {
+        if (!isAsked || (!problems.empty() && problems.size() >= options.maxProblems)) return;
+        problems.push_back(problemOf(source, Problem::Kind::Unsupported,
+                                     "the option " + std::string(option) + " is not supported", option));
+    };
+    refuseIf(options.validate, "validate");
+    refuseIf(options.dtd != nullptr, "dtd");
+    refuseIf(static_cast<bool>(options.resolver), "resolver");
+    if (problems.empty()) return std::nullopt;
+    return ReadResult(std::move(problems));
+}
+
+ReadResult tooLong(const ReadOptions& options, const std::string& source) {
+    return failed(problemOf(source, Problem::Kind::Limit,
+                            "the source has more than " + std::to_string(options.maxBytes) + " bytes", "maxBytes"));
+}
+
+ReadResult readBytes(std::string_view bytes, const ReadOptions& options, const std::string& source) {
+    SourceText text(bytes, options.encoding);
+    Problem problem;
+    if (std::unique_ptr<Document> document = readTree(text, options, problem)) return ReadResult(std::move(document));
+    problem.source = source;
+    return failed(std::move(problem));
 }
 
 }  // namespace
 
-// What is wrong before the bytes stop being text comes first.
-ReadResult readText(std::string_view text, const ReadOptions& options) {
-    SourceText source(text, options.encoding);
-    const auto& failure = source.decoder().failure();
-    Problem problem;
-    std::unique_ptr<Document> document = readTree(source.text(), !failure, options, problem);
-    if (document != nullptr) return ReadResult(std::move(document));
+ReadResult readFile(const std::filesystem::path& path, const ReadOptions& options) {
+    const std::string source = path.string();
+    if (auto refused = refuse(options, source)) return std::move(*refused);
+    FileBytes file;
+    const auto problem = [&](Problem::Kind kind) {
+        return failed(problemOf(source, kind, "the file cannot be read: " + file.reason()));
+    };
+    switch (file.read(source, options.maxBytes)) {
+    case FileBytes::Ending::NotFound: return problem(Problem::Kind::NotFound);
+    case FileBytes::Ending::Unreadable: return problem(Problem::Kind::Unreadable);
+    case FileBytes::Ending::TooLong: return tooLong(options, source);
+    case FileBytes::Ending::Whole: break;
+    }
+    return readBytes(file.bytes(), options, source);
+}
 
-    const bool isDecodingFailure = problem.text.empty();
-    if (isDecodingFailure) report(*failure, source.text(), problem);
-    Places places;
-    const TextPosition& place = places.at(problem.place.offset, source.text());
-    problem.source = options.source;
-    problem.place = {isDecodingFailure ? failure->offset : source.decoder().sourceOffset(place),
-                     static_cast<int>(place.line), static_cast<int>(place.column)};
-    return ReadResult(std::move(problem));
+ReadResult readText(std::string_view text, const ReadOptions& options) {
+    if (auto refused = refuse(options, options.source)) return std::move(*refused);
+    if (options.maxBytes > 0 && text.size() > static_cast<std::uint64_t>(options.maxBytes))
+        return tooLong(options, options.source);
+    return readBytes(text, options, options.source);
+}
+
+ReadResult readStream(std::istream& in, const ReadOptions& options) {
+    if (auto refused = refuse(options, options.source)) return std::move(*refused);
+    StreamBytes stream(in);
+    std::string bytes;
+    std::string piece;
+    for (;;) {
+        const StreamBytes::Ending ending = stream.read(piece);
+        if (ending == StreamBytes::Ending::Unreadable) {
+            return failed(problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
+        }
+        if (ending == StreamBytes::Ending::End) break;
+        bytes += piece;
+        if (options.maxBytes > 0 && bytes.size() > static_cast<std::uint64_t>(options.maxBytes))
+            return tooLong(options, options.source);
+    }
+    return readBytes(bytes, options, options.source);
 }
 
 }  // namespace Xml

@@ -133,12 +133,19 @@ public:
     struct TextBefore {
         std::size_t child;
         std::string_view text;
+        const Place* place = nullptr;
     };
     void insertTexts(const std::vector<TextBefore>& texts) {
         std::vector<std::unique_ptr<Object>> children = takeChildren();
         auto next = texts.begin();
         for (std::size_t i = 0; i <= children.size(); ++i) {
-            for (; next != texts.end() && next->child == i; ++next) addText(next->text);
+            for (; next != texts.end() && next->child == i; ++next) {
+                if (next->place != nullptr) {
+                    addText(next->text, false, next->place);
+                } else {
+                    addText(next->text);
+                }
+            }
             if (i < children.size()) finish(std::move(children[i]));
         }
     }

@@ -20,21 +20,33 @@ void WhiteSpace::end() {
     levels.pop_back();
 }
 
-void WhiteSpace::addWhite(std::string_view text) {
+void WhiteSpace::addWhite(std::string_view text, const Place* place) {
     const Level& level = levels.back();
     if (space == Space::Dropped) return;
     const bool isKept = space == Space::All || level.isPreserved || level.hasText ||
                         text.find_first_of("\n\r") == std::string_view::npos;
-    if (isKept) return tree.addText(text);
-    held.push_back({tree.childCount(), bytes.size(), text.size()});
+    if (isKept) return addText(text, place);
+    held.push_back({tree.childCount(), bytes.size(), text.size(), place != nullptr ? *place : Place()});
     bytes += text;
 }
 
-void WhiteSpace::addOther(std::string_view text, bool isPadded) {
+void WhiteSpace::addOther(std::string_view text, const Place* place) {
+    noteOther();
+    addText(text, place);
+}
+
+void WhiteSpace::noteOther() {
     Level& level = levels.back();
     level.hasText = true;
     if (held.size() > level.firstHeld) keepHeld();
-    tree.addText(text, isPadded);
+}
+
+void WhiteSpace::addText(std::string_view text, const Place* place) {
+    if (place != nullptr) {
+        tree.addText(text, false, place);
+    } else {
+        tree.addText(text);
+    }
 }
 
 void WhiteSpace::keepHeld() {
@@ -43,7 +55,9 @@ void WhiteSpace::keepHeld() {
     std::vector<TreeBuilder::TextBefore> texts;
     texts.reserve(held.size() - level.firstHeld);
     for (std::size_t i = level.firstHeld; i < held.size(); ++i) {
-        texts.push_back({held[i].child, std::string_view(bytes).substr(held[i].from, held[i].size)});
+        const Place& place = held[i].place;
+        texts.push_back({held[i].child, std::string_view(bytes).substr(held[i].from, held[i].size),
+                         place.line > 0 ? &place : nullptr});
     }
     tree.insertTexts(texts);
     held.resize(level.firstHeld);

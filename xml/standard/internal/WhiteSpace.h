@@ -1,7 +1,8 @@
 #pragma once
 
+#include "xml/dom/Place.h"
 #include "xml/dom/internal/TreeBuilder.h"
-#include "xml/standard/Read.h"
+#include "xml/standard/ReadOptions.h"
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -19,9 +20,12 @@ public:
     void begin(std::string_view spaceAttribute);
     void end();
 
-    // A text within it; other is all that is not white space, or came by a reference.
-    void addWhite(std::string_view text);
-    void addOther(std::string_view text, bool isPadded);
+    // A text within it, with its place or null; other is all that is not white space, or came by a reference.
+    void addWhite(std::string_view text, const Place* place);
+    void addOther(std::string_view text, const Place* place);
+
+    // Other text within it that is a node of another kind.
+    void noteOther();
 
     static bool isWhite(std::string_view text);
 
@@ -35,8 +39,10 @@ private:
     };
     struct Held {
         std::size_t child, from, size;
+        Place place;
     };
 
+    void addText(std::string_view text, const Place* place);
     void keepHeld();
 
     TreeBuilder& tree;
