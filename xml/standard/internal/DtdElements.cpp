@@ -23,11 +23,15 @@ bool DtdParser::readElement() {
 
 bool DtdParser::readModel() {
     if (in.at == in.end) return in.expected(in.at, StandardRules::kContentspec, "a content model");
+    if (Syntax::mayBecome(in, "EMPTY") || Syntax::mayBecome(in, "ANY")) {
+        return in.endsEarly(in.at, StandardRules::kContentspec, {});
+    }
     if (startsWith(in, "EMPTY")) return in.at += 5, true;
     if (startsWith(in, "ANY")) return in.at += 3, true;
     if (*in.at != '(') return expected(StandardRules::kContentspec, "EMPTY, ANY or \"(\"");
     const char* const opening = in.at++;
     Syntax::skipWhite(in);
+    if (in.at != in.end && Syntax::mayBecome(in, "#PCDATA")) return in.endsEarly(in.at, StandardRules::kMixed, {});
     if (startsWith(in, "#PCDATA")) return in.at += 7, readMixed();
     return readChildren(opening);
 }

@@ -58,10 +58,11 @@ bool DtdParser::readMarkup() {
     if (reads("<!ENTITY")) return readEntityDeclaration();
     if (reads("<!NOTATION")) return readNotation();
     if (startsWith(in, "<![")) {
-        return in.fail(in.at, StandardRules::kConditionalSections,
-                       "a conditional section, which stands in external entities only");
+        return in.failUnlessKeyword(in.at, StandardRules::kConditionalSections,
+                                    "a conditional section, which stands in external entities only");
     }
-    if (startsWith(in, "<!")) return in.fail(in.at, StandardRules::kMarkupdecl, "no declaration begins so");
+    if (startsWith(in, "<!"))
+        return in.failUnlessKeyword(in.at, StandardRules::kMarkupdecl, "no declaration begins so");
     return failBetween();
 }
 
@@ -161,6 +162,7 @@ bool DtdParser::readEntityDeclaration() {
 bool DtdParser::readUnparsed(DeclaredEntity& entity) {
     const char* const before = in.at;
     const bool hasWhite = Syntax::skipWhite(in);
+    if (Syntax::mayBecome(in, "NDATA")) return in.endsEarly(in.at, StandardRules::kNDataDecl, {});
     if (!startsWith(in, "NDATA")) {
         in.at = before;
         return true;

@@ -12,11 +12,9 @@ namespace Xml {
 
 namespace {
 
-// What is looked for as a whole. A parameter entity is one by its '%' and one character of its name.
-constexpr std::string_view kKeywords[] = {"<!--",       "<![CDATA[", "<!DOCTYPE",  "<!ELEMENT", "<!ATTLIST", "<!ENTITY",
-                                          "<!NOTATION", "<?xml ",    "]]>",        "?>",        "/>",        "PUBLIC",
-                                          "SYSTEM",     "NDATA",     "EMPTY",      "ANY",       "#PCDATA",   "version",
-                                          "%p",         "encoding",  "standalone", "1.0",       "yes",       "no"};
+// What is looked for as a whole, wherever that is. A parameter entity is one by its '%' and one character of its name.
+constexpr std::string_view kKeywords[] = {"<!--",     "<![CDATA[",  "<!DOCTYPE", "<!ELEMENT", "<!ATTLIST",
+                                          "<!ENTITY", "<!NOTATION", "?>",        "/>",        "%p"};
 
 // Whether the text is the beginning of a keyword, and more of it may follow.
 bool mayBeKeyword(std::string_view text) {
@@ -65,9 +63,8 @@ bool EntityStack::grow(std::size_t byteCount, const char* where) {
     constexpr std::int64_t kTimes = 100;
     grown += static_cast<std::int64_t>(byteCount);
     if (limit == 0 || grown <= limit || grown / kTimes <= offsetOf(where)) return true;
-    return failFinally(where, "entityGrowth",
-                       "entities and defaults make more than " + std::to_string(limit) + " bytes",
-                       Problem::Kind::Limit);
+    return fail(where, "entityGrowth", "entities and defaults make more than " + std::to_string(limit) + " bytes",
+                Problem::Kind::Limit);
 }
 
 std::int64_t EntityStack::offsetOf(const char* where) const {
@@ -88,12 +85,12 @@ std::string EntityStack::describe(const char* where) const {
     return code;
 }
 
-bool EntityStack::fail(const char* where, const char* rule, std::string text, Problem::Kind kind) {
+bool EntityStack::failUnlessKeyword(const char* where, const char* rule, std::string text) {
     if (isGrowing() && mayBeKeyword(std::string_view(where, static_cast<std::size_t>(end - where)))) {
         now = State::Cut;
         return false;
     }
-    return failFinally(where, rule, std::move(text), kind);
+    return fail(where, rule, std::move(text));
 }
 
 bool EntityStack::endsEarly(const char* where, const char* rule, std::string text) {
@@ -104,18 +101,18 @@ bool EntityStack::endsEarly(const char* where, const char* rule, std::string tex
     // What a parameter entity contains is declarations, whole.
     const bool isInDeclarations =
         !frames.empty() && frames.back().entity->isParameter && std::string_view(rule) != StandardRules::kPEReference;
-    return failFinally(where, isInDeclarations ? StandardRules::kPEBetweenDeclarations : rule, std::move(text),
-                       Problem::Kind::Malformed);
+    return fail(where, isInDeclarations ? StandardRules::kPEBetweenDeclarations : rule, std::move(text),
+                Problem::Kind::Malformed);
 }
 
 bool EntityStack::expected(const char* where, const char* rule, const std::string& what) {
     const std::string text = what + " expected, found " + describe(where);
     if (where == end) return endsEarly(where, rule, text);
     const bool isCharacter = StandardNames::isChar(Utf8::at(where).value);
-    return fail(where, isCharacter ? rule : StandardRules::kChar, text);
+    return failUnlessKeyword(where, isCharacter ? rule : StandardRules::kChar, text);
 }
 
-bool EntityStack::failFinally(const char* where, const char* rule, std::string text, Problem::Kind kind) {
+bool EntityStack::fail(const char* where, const char* rule, std::string text, Problem::Kind kind) {
     now = State::Failed;
     if (!frames.empty()) {
         const Frame& inner = frames.back();

@@ -16,7 +16,8 @@ namespace Xml {
 //
 // A construct is read from `at` on and may turn out to be cut off by the end of the window. Then the state is Cut, and
 // the construct is read again from its first byte when there is more. So everything that finds an end asks endsEarly(),
-// and everything that finds something else than it expects asks fail(); both return false.
+// and everything that finds something else than it expects asks expected(), failUnlessKeyword(), or fail() where
+// nothing that may follow would change that. All return false.
 class EntityStack {
 public:
     enum class State : std::uint8_t { Reading, Cut, Failed };
@@ -65,8 +66,10 @@ public:
     const Fault& fault() const { return found; }
     void goOn() { now = State::Reading; }
 
-    // Cut, where what is left there may be the beginning of a keyword.
     bool fail(const char* where, const char* rule, std::string text, Problem::Kind kind = Problem::Kind::Malformed);
+
+    // The same, where something is looked for as a whole: what is left there may be the beginning of it.
+    bool failUnlessKeyword(const char* where, const char* rule, std::string text);
     bool endsEarly(const char* where, const char* rule, std::string text);
 
     // The element in whose start tag the fault is.
@@ -95,8 +98,6 @@ private:
         std::int64_t offset;  // of the outermost reference
         std::size_t open;
     };
-
-    bool failFinally(const char* where, const char* rule, std::string text, Problem::Kind kind);
 
     Positions positions;
     std::vector<Frame> frames;

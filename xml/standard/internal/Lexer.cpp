@@ -64,8 +64,9 @@ bool Lexer::readMisc(Event& event) {
     if (startsWith(in, "<!--")) return readComment(event);
     if (startsWith(in, "<?")) return readInstruction(event);
     if (isAfter) {
-        return in.fail(in.at, StandardRules::kDocument,
-                       "nothing may follow the root but comments and instructions, found " + in.describe(in.at));
+        return in.failUnlessKeyword(
+            in.at, StandardRules::kDocument,
+            "nothing may follow the root but comments and instructions, found " + in.describe(in.at));
     }
     if (startsWith(in, "<!DOCTYPE")) {
         if (part == Part::BeforeDoctype) return readDoctype(event);
@@ -93,8 +94,8 @@ bool Lexer::readContent(Event& event) {
     case '!':
         if (startsWith(in, "<!--")) return readComment(event);
         if (startsWith(in, "<![CDATA[")) return readSection(event);
-        return in.fail(in.at, startsWith(in, "<![") ? StandardRules::kCDStart : StandardRules::kContent,
-                       "\"<!\" begins neither a comment nor a section");
+        return in.failUnlessKeyword(in.at, startsWith(in, "<![") ? StandardRules::kCDStart : StandardRules::kContent,
+                                    "\"<!\" begins neither a comment nor a section");
     default: return readStart(event);
     }
 }

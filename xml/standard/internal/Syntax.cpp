@@ -110,7 +110,7 @@ bool readPubidLiteral(EntityStack& in, std::string_view& text) {
 bool readExternalId(EntityStack& in, ExternalId& id, bool isNotation) {
     const bool isPublic = startsWith(in, "PUBLIC");
     if (!isPublic && !startsWith(in, "SYSTEM"))
-        return !in.isGrowing() || in.end - in.at >= 6 || in.endsEarly(in.at, "", {});
+        return (!mayBecome(in, "PUBLIC") && !mayBecome(in, "SYSTEM")) || in.endsEarly(in.at, "", {});
     id.isPresent = true;
     in.at += 6;
     if (!readWhite(in, isNotation && isPublic ? StandardRules::kNotationDecl : StandardRules::kExternalID))

@@ -29,6 +29,12 @@ inline bool startsWith(const EntityStack& in, std::string_view text) {
     return viewOf(in.at, in.end).substr(0, text.size()) == text;
 }
 
+// Whether what is left may become that text when there is more.
+inline bool mayBecome(const EntityStack& in, std::string_view text) {
+    const std::string_view left = viewOf(in.at, in.end);
+    return in.isGrowing() && left.size() < text.size() && text.substr(0, left.size()) == left;
+}
+
 // White space that has to be there.
 bool readWhite(EntityStack& in, const char* rule);
 

@@ -52,6 +52,10 @@ bool readValue(EntityStack& in, const Part& part, std::string& value) {
     const char* const to = part.endOf(from, in.end);
     if (to == in.end) return in.endsEarly(opening, part.rule, "the value that begins here does not end");
     if (to == from) {
+        in.at = from;
+        for (const char* const example : {"1.0", "yes", "no"}) {
+            if (Syntax::mayBecome(in, example)) return in.endsEarly(opening, part.rule, {});
+        }
         return in.fail(from, part.valueRule, std::string("this cannot be the ") + part.name + " of a document");
     }
     if (*to != *opening) return in.expected(to, part.rule, "the closing quote");
@@ -64,6 +68,7 @@ bool readValue(EntityStack& in, const Part& part, std::string& value) {
 bool readPart(EntityStack& in, const Part& part, bool& isPresent, std::string& value) {
     const char* const before = in.at;
     const bool hasWhite = Syntax::skipWhite(in);
+    if (Syntax::mayBecome(in, part.name)) return in.endsEarly(in.at, part.rule, {});
     isPresent = startsWith(in, part.name);
     if (!isPresent) {
         in.at = before;
@@ -78,8 +83,8 @@ bool readPart(EntityStack& in, const Part& part, bool& isPresent, std::string& v
 
 bool readXmlDeclaration(EntityStack& in, XmlDeclaration& declaration) {
     constexpr std::string_view kOpening = "<?xml";
+    if (Syntax::mayBecome(in, "<?xml ")) return in.endsEarly(in.at, StandardRules::kXMLDecl, {});
     const auto left = static_cast<std::size_t>(in.end - in.at);
-    if (in.isGrowing() && left <= kOpening.size()) return in.endsEarly(in.at, StandardRules::kXMLDecl, {});
     if (!startsWith(in, kOpening) || left == kOpening.size()) return true;
     const char next = in.at[kOpening.size()];
     if (!Syntax::isWhite(next) && next != '?') return true;  // an instruction
