@@ -190,6 +190,60 @@ TEST(ReadTest, NamesAnEncodingThatItDoesNotKnow) {
 TEST(ReadTest, SaysFirstWhatIsWrongFirst) {
     EXPECT_EQ(problemOf("<a></b><c></c></a></d>\xFF").rule, "Element Type Match");
     EXPECT_EQ(problemOf("<a>\xFF</b>").rule, "Character Encoding in Entities");
+    // Right before the bytes that are no text.
+    const char* const kTexts[] = {"<a></b>", "<a>&;", "<a><!x",     "<a>\x01",        "<a x='<", "<a>]]>",
+                                  "<a/><b",  "<a/>y", "<a x=2",     "<!DOCTYPE a [x", "<?xml x", "<a><?xml?>",
+                                  "<a>&#0;", "x",     "<a x=''x='", "<a>&x;",         "<!X"};
+    for (const char* text : kTexts) {
+        const Problem problem = problemOf(std::string(text) + "\xFF");
+        EXPECT_NE(problem.rule, "Character Encoding in Entities") << text;
+        EXPECT_LT(problem.place.offset, static_cast<std::int64_t>(std::string(text).size())) << text;
+    }
+    // What may go on.
+    const char* const kBeginnings[] = {"",
+                                       "<",
+                                       "<a",
+                                       "<a ",
+                                       "<a x",
+                                       "<a x=",
+                                       "<a x='",
+                                       "<a x=''",
+                                       "<a/",
+                                       "<a></",
+                                       "<a><!",
+                                       "<a><!-",
+                                       "<a><![CDA",
+                                       "<a>&",
+                                       "<a>&l",
+                                       "<a>&#",
+                                       "<a>]]",
+                                       "<!DOCT",
+                                       "<?xml",
+                                       "<?xml versio",
+                                       "<!DOCTYPE a PUB",
+                                       "<!DOCTYPE a [<!ENT",
+                                       "<!DOCTYPE a [%",
+                                       "<!DOCTYPE a [<!ELEMENT a (#PCD",
+                                       "<a></a"};
+    for (const char* text : kBeginnings) {
+        const Problem problem = problemOf(std::string(text) + "\xFF");
+        EXPECT_EQ(problem.rule, "Character Encoding in Entities") << text;
+        EXPECT_EQ(problem.place.offset, static_cast<std::int64_t>(std::string(text).size())) << text;
+    }
+    // A declaration that names an encoding comes before what is wrong after it.
+    EXPECT_EQ(problemOf("<?xml version='1.0' encoding='No-Such' x?><a/>").rule, "Character Encoding in Entities");
+    EXPECT_EQ(problemOf("<?xml version='2.0' encoding='No-Such'?><a/>").rule, "VersionNum");
+}
+
+TEST(ReadTest, NamesTheElementInWhichBytesAreNoText) {
+    EXPECT_EQ(problemOf("\xFF").path, "");
+    EXPECT_EQ(problemOf("<a>\xFF").path, "/a[1]");
+    EXPECT_EQ(problemOf("<a><b/><b>x<!--\xFF").path, "/a[1]/b[2]");
+    EXPECT_EQ(problemOf("<a><b/>\xFF").path, "/a[1]");
+    EXPECT_EQ(problemOf("<a><b/><b x='\xFF'/>").path, "/a[1]/b[2]");
+    EXPECT_EQ(problemOf("<a x='\xFF'/>").path, "/a[1]");
+    EXPECT_EQ(problemOf("<a></a\xFF>").path, "/a[1]");
+    EXPECT_EQ(problemOf("<a/><!--\xFF").path, "");
 }
 
 }  // namespace
