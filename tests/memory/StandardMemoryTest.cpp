@@ -1,10 +1,18 @@
 // Reading XML 1.0 while memory runs out.
 #include "memory/Failing.h"
+#include "support/Places.h"
 #include "support/Trees.h"
+#include "xml/dom/Attribute.h"
 #include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/dom/Place.h"
+#include "xml/dom/Prolog.h"
 #include "xml/standard/Read.h"
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sstream>
 #include <string>
 
 namespace Xml::test {
@@ -29,26 +37,120 @@ const std::string kRoots[] = {
     "<garden><a-long-prefix:pea/></garden>",
     "<garden>&where; &an-entity-without-declaration;</garden>",
     "<garden>&soil;<em></garden>",
+    "<!-- around, and longer than a short text is --><garden>\r\n <bed/>\r\n <?sow a lot of peas, and early?>x\r\n "
+    "<![CDATA[indoors & out, wherever there is room]]></garden><?after all that is left of it?>",
+    "<garden><bed x='\xFF'/></garden>",
 };
+
+// Without nodes beside text, and with all of them and the place of each.
+ReadOptions optionsOf(bool isEverything) {
+    ReadOptions options;
+    if (!isEverything) {
+        options.keepComments = options.keepInstructions = false;
+        return options;
+    }
+    options = everything();
+    options.keepPlaces = true;
+    return options;
+}
+
+void appendPlace(std::string& to, const Object& node) {
+    const Place place = placeOf(node);
+    to += " " + std::to_string(place.offset) + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+void appendPlaces(std::string& to, const Element& element) {
+    appendPlace(to, element);
+    for (int i = 0; i < element.getAttributeCount(); ++i) appendPlace(to, *element.getAttribute(i));
+}
+
+// What stands around the root, and the places of that and of what the root holds.
+std::string shown(const ReadResult& result) {
+    std::string text = dump(result.get()) + result.message();
+    if (!result) return text;
+    const Prolog& prolog = prologOf(*result);
+    text += prolog.doctype + prolog.publicId + prolog.internalSubset + prolog.newline;
+    for (const auto* nodes : {&prolog.beforeDoctype, &prolog.beforeRoot, &prolog.afterRoot}) {
+        for (const auto& node : *nodes) {
+            text += dump(node.get());
+            appendPlace(text, *node);
+        }
+    }
+    const Element& root = *result->getRoot();
+    appendPlaces(text, root);
+    for (int i = 0; i < root.getChildCount(); ++i) {
+        const Object& child = *root.getChild(i);
+        if (child.isElement()) {
+            appendPlaces(text, *child.toElement());
+        } else {
+            appendPlace(text, child);
+        }
+    }
+    return text;
+}
+
+// Whichever allocation fails, it is std::bad_alloc, and reading once more gives what there is to be read.
+template <class Read>
+void expectBadAlloc(Read read) {
+    std::string expected;
+    {
+        std::optional<ReadResult> result;
+        read(result);
+        expected = shown(*result);
+    }
+    forEachFailingAllocation([&](Attempt& attempt) {
+        std::optional<ReadResult> result;
+        if (!attempt([&] { read(result); })) read(result);
+        EXPECT_EQ(shown(*result), expected);
+    });
+}
 
 TEST(StandardMemoryTest, ReadingGivesBadAllocAndLeaksNothing) {
     for (const std::string& root : kRoots) {
         SCOPED_TRACE(root);
         const std::string text = kDeclarations + root;
-        const auto read = [&](std::optional<ReadResult>& result) { result.emplace(readText(text)); };
-        const auto shown = [](const ReadResult& result) { return dump(result.get()) + result.message(); };
-        std::string expected;
-        {
-            std::optional<ReadResult> result;
-            read(result);
-            expected = shown(*result);
+        for (const bool isEverything : {false, true}) {
+            const ReadOptions options = optionsOf(isEverything);
+            expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(readText(text, options)); });
         }
-        forEachFailingAllocation([&](Attempt& attempt) {
-            std::optional<ReadResult> result;
-            if (!attempt([&] { read(result); })) read(result);
-            EXPECT_EQ(shown(*result), expected);
-        });
     }
+}
+
+TEST(StandardMemoryTest, ReadingAnotherEncodingGivesBadAllocAndLeaksNothing) {
+    std::string text = "\xFF\xFE";
+    for (const char c : std::string("<!--a comment that is long enough to need memory-->\n<a b='c'>d<e/></a>"))
+        text.append(1, c).append(1, '\0');
+    const ReadOptions options = optionsOf(true);
+    expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(readText(text, options)); });
+}
+
+TEST(StandardMemoryTest, ReadingFilesAndStreamsGivesBadAllocAndLeaksNothing) {
+    const std::string path = scratchFolder() + "/StandardMemoryTest-a-name-that-is-not-short.xml";
+    const std::string text = kDeclarations + kRoots[0];
+    std::ofstream(path, std::ios::binary) << text;
+    const std::filesystem::path file(path);
+    const std::filesystem::path missing(path + "-missing");
+    const ReadOptions options = optionsOf(true);
+    expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(Xml::readFile(file, options)); });
+    expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(Xml::readFile(missing, options)); });
+    std::istringstream in(text);
+    expectBadAlloc([&](std::optional<ReadResult>& result) {
+        in.clear();
+        in.seekg(0);
+        result.emplace(readStream(in, options));
+    });
+    ReadOptions unsupported;
+    unsupported.validate = true;
+    expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(readText(text, unsupported)); });
+}
+
+// Attributes beyond those that fit into the memory of a tree as one block, and texts beyond those of a slab.
+TEST(StandardMemoryTest, PlacesOfLargeNodesSurvive) {
+    std::string text = "<a><b";
+    for (int i = 0; i < 200; ++i) text += " attribute-" + std::to_string(i) + "='" + std::string(30, 'v') + "'";
+    text += "/>" + std::string(3000, 't') + "<!--" + std::string(3000, 'c') + "--></a>";
+    const ReadOptions options = optionsOf(true);
+    expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(readText(text, options)); });
 }
 
 }  // namespace

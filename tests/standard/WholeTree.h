@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-// Whole trees as lines: what stands around the root, and everything below it. A text is a line, whatever nodes it is in.
+// Whole trees as lines: what stands around the root, and everything below it. A text is a line, in however many nodes.
 namespace Xml::test {
 
 enum class AttributeOrder { OfTag, ByName };
