@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Xml::test {
 namespace {
@@ -41,6 +42,10 @@ const TextCase kRead[] = {
     {"brackets", [](int n) { return in(repeated("]", n)); }},
     {"a comment of dashes", [](int n) { return in("<!--" + repeated("- ", n) + "-->"); }},
     {"sections", [](int n) { return in(repeated("<![CDATA[x]]>", n)); }},
+    {"comments and instructions", [](int n) { return in(repeated("\n<!--c--><?t?>", n) + "<a/>"); }},
+    {"comments and instructions after the root", [](int n) { return in("") + repeated("\n<!--c--><?t?>", n); }},
+    {"white space beside comments, before a text", [](int n) { return in(repeated("\n<!--c-->\n<a/>", n) + "x"); }},
+    {"sections side by side", [](int n) { return in("\n<a/>" + repeated("<![CDATA[]]>\n<![CDATA[x]]>", n)); }},
     {"texts around comments", [](int n) { return in(repeated("x<!-- c -->", n)); }},
     {"entities",
      [](int n) { return declaring(entities(n), pieces(n, [](int i) { return numbered("&e", i) + ";"; })); }},
@@ -54,6 +59,12 @@ const TextCase kRead[] = {
      [](int n) {
          return declaring(pieces(n, [](int i) { return numbered("<!ATTLIST a x", i) + " CDATA 'v'>"; }), "<a/>");
      }},
+    {"defaults",
+     [](int n) {
+         return declaring("<!ATTLIST a x CDATA 'v' y CDATA 'v' z CDATA 'v'>", repeated("<a b='w' c='w'/>", n));
+     }},
+    {"nodes in an entity",
+     [](int n) { return declaring("<!ENTITY e '" + repeated("<a x=\"\"/>t", n) + "'>", "&e;<a/>&e;"); }},
     {"references to a parameter entity",
      [](int n) { return declaring("<!ENTITY % p '<!--x-->'>" + repeated("%p;", n)); }},
     {"groups in each other",
@@ -69,11 +80,28 @@ const TextCase kRefused[] = {
      [](int n) { return repeated("\n", n) + declaring("<!ENTITY e '</s>'>", repeated("\n<a/>", n) + "&e;"); }},
 };
 
+// As little as can be kept, and all that can be.
+std::vector<ReadOptions> allOptions() {
+    ReadOptions least;
+    least.keepComments = least.keepInstructions = false;
+    ReadOptions most = everything();
+    most.keepPlaces = true;
+    ReadOptions content = most;
+    content.space = Space::Content;
+    return {least, most, content};
+}
+
 void expectReadingLinear(const TextCase& c, bool isRead) {
-    expectAtMostLinear(
-        c.name,
-        [&](int n) { return [text = c.text(n), isRead] { EXPECT_EQ(static_cast<bool>(readText(text)), isRead); }; },
-        AllocatedBytes, 1'000);
+    for (const ReadOptions& options : allOptions()) {
+        expectAtMostLinear(
+            c.name,
+            [&](int n) {
+                return [text = c.text(n), isRead, &options] {
+                    EXPECT_EQ(static_cast<bool>(readText(text, options)), isRead);
+                };
+            },
+            AllocatedBytes, 1'000);
+    }
 }
 
 TEST(StandardGrowthTest, ReadingIsLinearInWhateverADocumentHasManyOf) {
@@ -84,14 +112,29 @@ TEST(StandardGrowthTest, ReadingIsLinearInWhateverADocumentHasManyOf) {
 // Work that is no allocation shows by size: where it is quadratic this takes minutes to days.
 TEST(StandardGrowthTest, ReadsManyOfEach) {
     constexpr int kMany = 300'000 / kScale;
-    for (const TextCase& c : kRead) {
-        SCOPED_TRACE(c.name);
-        const ReadResult result = readText(c.text(kMany));
-        EXPECT_TRUE(result) << result.message();
+    for (const ReadOptions& options : allOptions()) {
+        for (const TextCase& c : kRead) {
+            SCOPED_TRACE(c.name);
+            const ReadResult result = readText(c.text(kMany), options);
+            EXPECT_TRUE(result) << result.message();
+        }
+        for (const TextCase& c : kRefused) {
+            SCOPED_TRACE(c.name);
+            EXPECT_FALSE(readText(c.text(kMany), options));
+        }
     }
-    for (const TextCase& c : kRefused) {
-        SCOPED_TRACE(c.name);
-        EXPECT_FALSE(readText(c.text(kMany)));
+}
+
+// Places are looked up from the source's beginning on in other encodings too.
+TEST(StandardGrowthTest, KnowsManyPlacesInOtherEncodings) {
+    constexpr int kMany = 300'000 / kScale;
+    const std::string content = repeated("\n<a b='w'>t</a><!--c-->", kMany);
+    ReadOptions options = everything();
+    options.keepPlaces = true;
+    for (const char* const encoding : {"ISO-8859-1", "windows-1252", "GB18030"}) {
+        const std::string declaration = "<?xml version='1.0' encoding='" + std::string(encoding) + "'?>";
+        const ReadResult result = readText(declaration + in(content), options);
+        EXPECT_TRUE(result) << result.message();
     }
 }
 
