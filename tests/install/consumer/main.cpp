@@ -1,6 +1,7 @@
-// A program outside the project: uses what is installed, through the one header for everything.
+// A program outside the project: uses what is installed, through the headers that bring in others.
 #include <iostream>
 #include <memory>
+#include <xml/standard.h>
 #include <xml/xml.h>
 
 int main() {
@@ -12,6 +13,13 @@ int main() {
     }
     const std::unique_ptr<Xml::Document> document(reader.extractDocument());
     std::cout << document->getRoot()->getName() << '\n';
+
+    const Xml::ReadResult result = Xml::readText("<!DOCTYPE greeting><greeting><![CDATA[Hello]]></greeting>");
+    if (!result) {
+        std::cerr << result.message() << '\n';
+        return 1;
+    }
+    if (Xml::prologOf(*result).doctype != "greeting") return 1;
 
     OrvSys::Localization::SetString("greeting", "consumer", u"hello");
     return OrvSys::Localization::GetString("greeting", "consumer", u"") == u"hello" ? 0 : 1;
