@@ -170,11 +170,7 @@ struct NodeAccess {
     }
     static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
         all.sort();
-        std::size_t textBytes = 0;
-        for (const GivenAttributes::Given& given : all) textBytes += isShort(given.value()) ? 0 : given.size;
-        constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
-        if (textBytes + all.size() * kEach < NodeMemory::kMostBytes - sizeof(void*))
-            return setTogether(element, memory, all, textBytes);
+        if (setTogether(element, memory, all)) return;
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const GivenAttributes::Given& given : all) {
@@ -184,13 +180,13 @@ struct NodeAccess {
 
     static void setAttributes(Element& element, NodeMemory& memory, TagAttributes& all) {
         all.sort();
+        if (!all.havePlaces() && setTogether(element, memory, all)) return;
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const TagAttributes::Given& given : all) {
             std::unique_ptr<Attribute> made =
-                makeAttribute(memory, *given.name, given.value, &element, all.arePadded(), all.placeOf(given));
-            setOrder(*made, given.order);
-            if (given.isSupplied) setSupplied(*made, true);
+                makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.placeOf(given));
+            noteTag(*made, given);
             filling.put(made.release());
         }
     }
@@ -259,24 +255,39 @@ private:
 
     static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
 
-    // Attributes for which room is taken once, with the array of them and those texts that are not short.
-    static void setTogether(Element& element, NodeMemory& memory, const GivenAttributes& all, std::size_t textBytes) {
+    static void noteTag(Attribute&, const GivenAttributes::Given&) {}
+    static void noteTag(Attribute& attribute, const TagAttributes::Given& given) {
+        setOrder(attribute, given.order);
+        if (given.isSupplied) setSupplied(attribute, true);
+    }
+
+    // Attributes for which room is taken once, with the array of them and those texts that are not short; false where
+    // they are too many for that.
+    template <class Given>
+    static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
+        std::size_t textBytes = 0;
+        for (const auto& given : all) textBytes += isShort(given.value()) ? 0 : given.value().size();
+        constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
         const std::size_t count = all.size();
+        if (textBytes + count * kEach >= NodeMemory::kMostBytes - sizeof(void*)) return false;
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesFor(count) : 0;
         const NodeMemory::Room room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
         Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
         char* texts = room.bytes + arrayBytes;
         char* place = static_cast<char*>(room.node);
-        for (const GivenAttributes::Given& given : all) {
-            internal::GivenText text{given.value(), internal::TextPlace::Own, nullptr, all.arePadded()};
-            if (!isShort(text.bytes)) {
-                Words::copyLong(texts, given.bytes, given.size);
-                text = {{texts, given.size}, internal::TextPlace::Lent};
-                texts += given.size;
+        for (const auto& given : all) {
+            const std::string_view value = given.value();
+            internal::GivenText text{value, internal::TextPlace::Own, nullptr, all.arePadded()};
+            if (!isShort(value)) {
+                Words::copyLong(texts, value.data(), value.size());
+                text = {{texts, value.size()}, internal::TextPlace::Lent};
+                texts += value.size();
             }
-            *at++ = ::new (place) Attribute(&given.name->text, text, &element);
+            *at = ::new (place) Attribute(&given.name->text, text, &element);
+            noteTag(**at++, given);
             place += sizeof(Attribute);
         }
+        return true;
     }
 
     // Room for a node, and its text there or elsewhere in the memory.

@@ -21,8 +21,10 @@ namespace Xml {
 class TagAttributes {
 public:
     struct Given {
+        std::string_view value() const { return bytes; }
+
         const SharedName* name;  // of the NameTable of the tree
-        std::string_view value;
+        std::string_view bytes;  // of the value
         std::uint32_t order;
         bool isSupplied;
     };
@@ -50,6 +52,8 @@ public:
     std::size_t size() const { return all.size(); }
     const Given* begin() const { return all.data(); }
     const Given* end() const { return all.data() + all.size(); }
+
+    bool havePlaces() const { return !places.empty(); }
 
     // Its place in the source; null where none was given.
     const Place* placeOf(const Given& given) const { return places.empty() ? nullptr : &places[given.order]; }

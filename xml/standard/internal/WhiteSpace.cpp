@@ -1,8 +1,13 @@
 #include "xml/standard/internal/WhiteSpace.h"
 
+#include "xml/stream/internal/Scan.h"
+
 namespace Xml {
 
-bool WhiteSpace::isWhite(std::string_view text) { return text.find_first_not_of(" \t\n\r") == std::string_view::npos; }
+bool WhiteSpace::isWhite(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    return Scan::endOfAny<' ', '\t', '\n', '\r'>(text.data(), end) == end;
+}
 
 void WhiteSpace::begin(std::string_view spaceAttribute) {
     bool isPreserved = !levels.empty() && levels.back().isPreserved;
@@ -23,8 +28,9 @@ void WhiteSpace::end() {
 void WhiteSpace::addWhite(std::string_view text, const Place* place) {
     const Level& level = levels.back();
     if (space == Space::Dropped) return;
-    const bool isKept = space == Space::All || level.isPreserved || level.hasText ||
-                        text.find_first_of("\n\r") == std::string_view::npos;
+    const char* const end = text.data() + text.size();
+    const bool isKept =
+        space == Space::All || level.isPreserved || level.hasText || Scan::findAny<'\n', '\r'>(text.data(), end) == end;
     if (isKept) return addText(text, place);
     held.push_back({tree.childCount(), bytes.size(), text.size(), place != nullptr ? *place : Place()});
     bytes += text;
