@@ -108,6 +108,7 @@ std::string nameIn(const std::string& cell) {
     return parts[1];
 }
 
+const Cells kRefusalHeader = {"refused under", "when"};
 const Cells kMarkHeader = {"oracle", "document", "clause"};
 
 Cells rowHeader(Setting setting) {
@@ -179,6 +180,8 @@ private:
         if (const auto setting = settingOf(header)) {
             page.rows.push_back(rowOf(cells, heading, *setting));
             page.rows.back().line = number;
+        } else if (header == kRefusalHeader) {
+            page.refusals.push_back({nameIn(cells[0]), cells[1]});
         } else if (header == kMarkHeader) {
             page.marks.push_back(markOf(cells));
             page.marks.back().line = number;

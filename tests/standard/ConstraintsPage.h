@@ -35,9 +35,15 @@ struct OracleMark {
     std::string clause;
 };
 
+// A row of the table of what is refused and may be well formed.
+struct RefusalRow {
+    std::string name, when;
+};
+
 struct ConstraintsPage {
     std::vector<ConstraintRow> rows;
     std::vector<OracleMark> marks;
+    std::vector<RefusalRow> refusals;
 };
 
 // The page of the checkout. Throws std::runtime_error, which names the line, where the text is not of the form.

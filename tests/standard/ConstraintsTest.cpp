@@ -211,6 +211,15 @@ TEST(ConstraintsTest, RefusesDocumentsUnderTheRulesOfTheCode) {
     EXPECT_EQ(ofPage, ofCode);
 }
 
+TEST(ConstraintsTest, NamesWhatMayBeWellFormedAndIsRefused) {
+    std::set<std::string> ofPage;
+    for (const RefusalRow& row : constraintsPage().refusals) {
+        EXPECT_TRUE(ofPage.insert(row.name).second) << row.name;
+        EXPECT_FALSE(row.when.empty()) << row.name;
+    }
+    EXPECT_EQ(ofPage, std::set<std::string>(std::begin(StandardRules::kRefusals), std::end(StandardRules::kRefusals)));
+}
+
 // --- The notation of the page ---
 
 ConstraintsPage pageWith(const std::string& cells) {

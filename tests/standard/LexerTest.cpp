@@ -2,8 +2,11 @@
 #include "xml/standard/internal/Lexer.h"
 
 #include "standard/Events.h"
+#include "support/Texts.h"
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace Xml::test {
 namespace {
@@ -164,7 +167,7 @@ TEST(LexerTest, RefusesReferencesToWhatIsNotRead) {
         {"<!DOCTYPE a SYSTEM 's'><a>&e;</a>", "Entity Declared"},
         {"<!DOCTYPE a [<!ENTITY % p SYSTEM 's'>%p;]><a x='&e;'/>", "Entity Declared"},
         {"<!DOCTYPE a [<!ENTITY % p SYSTEM 's'>%p;<!ENTITY e 'x'>]><a>&e;</a>", "Entity Declared"},
-        {"<!DOCTYPE a [<!ENTITY e SYSTEM 's'>]><a>&e;</a>", "Entity Declared"},
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM 's'>]><a>&e;</a>", "Included If Validating"},
     };
     for (const RuleCase& c : kCases) {
         check(c);
@@ -299,11 +302,58 @@ TEST(LexerTest, GivesWhatADocumentSays) {
     EXPECT_EQ(lexer.doctype().subset, "<!ATTLIST a d CDATA 'v'>");
 }
 
+// A text begins with its first character, or with the reference that makes that.
+TEST(LexerTest, SaysWhereATextBegins) {
+    const struct {
+        const char* content;
+        std::vector<std::int64_t> places;  // from the content on
+    } kCases[] = {
+        {"x", {0}},         {"&amp;x", {0}}, {"&t;x", {0}},     {"&none;x", {6}},   {"&none;&none;&t;x", {12}},
+        {"&nested;x", {8}}, {"&b;x", {3}},   {"&tb;x", {0, 4}}, {"y&tb;x", {0, 5}}, {"&none;&amp;", {6}},
+    };
+    const std::string kBefore =
+        "<!DOCTYPE a [<!ENTITY t 't'><!ENTITY none ''><!ENTITY nested '&none;&none;'>"
+        "<!ENTITY b '<b/>'><!ENTITY tb 't<b/>'>]><a>";
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.content);
+        const std::string text = kBefore + c.content + "</a>";
+        Lexer lexer({});
+        lexer.setWindow(text, true);
+        std::vector<std::int64_t> places;
+        for (auto event = lexer.next(); event != Lexer::Event::Finished; event = lexer.next()) {
+            ASSERT_NE(event, Lexer::Event::Failed);
+            if (event == Lexer::Event::Text)
+                places.push_back(lexer.offset() - static_cast<std::int64_t>(kBefore.size()));
+        }
+        EXPECT_EQ(places, c.places);
+    }
+}
+
+TEST(LexerTest, CountsWhatEntitiesMakeBeforeATagThatIsCutOff) {
+    Lexer::Options options;
+    options.entityGrowth = 150'000;
+    const std::string text = "<!DOCTYPE a [<!ENTITY none ''><!ENTITY e '" + repeated("&none;", 100) + "'><!ENTITY f '" +
+                             repeated("&e;", 100) + "'>]><a>" + repeated("&f;<b x='a long value'/>", 5) + "</a>";
+    const Lexed whole = lex(text, options);
+    EXPECT_STREQ(whole.fault.rule, "entityGrowth");
+    for (std::size_t chunk = 1; chunk < 30; ++chunk) {
+        const Lexed parts = lex(text, options, chunk);
+        EXPECT_EQ(parts.isAccepted, whole.isAccepted);
+        EXPECT_EQ(parts.fault.offset, whole.fault.offset);
+    }
+}
+
 TEST(LexerTest, HoldsLimits) {
     Lexer::Options options;
     options.maxDepth = 2;
     EXPECT_EQ(ruleOf("<a><b/></a>", options), "");
     EXPECT_EQ(ruleOf("<a><b><c/></b></a>", options), "maxDepth");
+    for (std::size_t chunk = 1; chunk < 20; ++chunk) {
+        const Lexed lexed = lex("<a><b><c/><c/></b></a>", options, chunk);
+        EXPECT_STREQ(lexed.fault.rule, "maxDepth");
+        EXPECT_EQ(lexed.fault.offset, 6);
+        EXPECT_EQ(lexed.events, "<a\n<b\n");
+    }
 
     options.maxDepth = 0;
     options.entityGrowth = 1000;
@@ -329,6 +379,15 @@ TEST(LexerTest, HoldsLimits) {
         EXPECT_STREQ(lexed.fault.rule, "entityGrowth");
         EXPECT_EQ(lexed.fault.kind, Problem::Kind::Limit);
     }
+    // What entities make takes memory also where it is little text.
+    options.entityGrowth = 20000;
+    for (const char* piece : {"<b/>", "<b x=\"\"/>", "<!---->", "<?p?>", "<![CDATA[]]>"}) {
+        SCOPED_TRACE(piece);
+        const std::string before = "<!DOCTYPE a [<!ENTITY e '" + repeated(piece, 20) + "'>]><a>";
+        EXPECT_EQ(ruleOf(before + "&e;&e;</a>", options), "");
+        EXPECT_EQ(ruleOf(before + repeated("&e;", 200) + "</a>", options), "entityGrowth");
+    }
+    options.entityGrowth = 1000;
     // Not more than a hundred times what was read.
     EXPECT_EQ(ruleOf("<!DOCTYPE a [<!ENTITY e '" + std::string(1000, 'x') + "'>]><a>&e;&e;&e;</a>", options), "");
 }

@@ -63,8 +63,8 @@ bool EntityStack::grow(std::size_t byteCount, const char* where) {
     constexpr std::int64_t kTimes = 100;
     grown += static_cast<std::int64_t>(byteCount);
     if (limit == 0 || grown <= limit || grown / kTimes <= offsetOf(where)) return true;
-    return fail(where, "entityGrowth", "entities and defaults make more than " + std::to_string(limit) + " bytes",
-                Problem::Kind::Limit);
+    return fail(where, StandardRules::kEntityGrowth,
+                "entities and defaults make more than " + std::to_string(limit) + " bytes", Problem::Kind::Limit);
 }
 
 std::int64_t EntityStack::offsetOf(const char* where) const {

@@ -55,8 +55,11 @@ public:
     // Whether the innermost entities belong to the document type.
     bool isInParameterEntity() const { return !frames.empty() && frames.front().entity->isParameter; }
 
-    // The document type makes so much text.
+    // The document type makes so much text, or a node that takes memory also where it has few bytes. What is refused is
+    // what entities make of few bytes: 400 bytes make 16 million elements of four bytes each.
     bool grow(std::size_t byteCount, const char* where);
+    static constexpr std::size_t kElementCost = 96;  // about what they take in a tree
+    static constexpr std::size_t kNodeCost = 32;
     std::int64_t growth() const { return grown; }
     void setGrowth(std::int64_t byteCount) { grown = byteCount; }
 

@@ -17,19 +17,15 @@ std::size_t Lexer::release() {
     return in.release();
 }
 
-// What was read of a construct that is cut off is read again, but for texts: what is in the buffer stays there.
+// A construct that is cut off is read again, but for texts: what is in the buffer stays there.
 Lexer::Event Lexer::next() {
     if (part == Part::Finished) return Event::Finished;
     if (part == Part::Failed) return Event::Failed;
     forgetEnded();
     in.goOn();
-    const std::int64_t growth = in.growth();
     Event event = Event::Failed;
     if (read(event)) return event;
-    if (in.state() == EntityStack::State::Cut) {
-        if (!isInText) in.setGrowth(growth);
-        return Event::More;
-    }
+    if (in.state() == EntityStack::State::Cut) return Event::More;
     part = Part::Failed;
     return Event::Failed;
 }
@@ -102,6 +98,9 @@ bool Lexer::readContent(Event& event) {
 
 // --- Comments, instructions, sections ---
 
+// What entities make is bounded, also where it is little text and many nodes.
+bool Lexer::growByNode(const char* where) { return !in.isInEntity() || in.grow(EntityStack::kNodeCost, where); }
+
 // In an entity a CR is no line end: it came there by a reference.
 void Lexer::takeText(std::string_view text, bool hasReturn) {
     itsText = text;
@@ -112,24 +111,28 @@ void Lexer::takeText(std::string_view text, bool hasReturn) {
 }
 
 bool Lexer::readComment(Event& event) {
+    const char* const from = in.at;
     bool hasReturn = false;
-    if (!Syntax::readComment(in, itsText, hasReturn)) return false;
+    if (!Syntax::readComment(in, itsText, hasReturn) || !growByNode(from)) return false;
     takeText(itsText, hasReturn);
     event = Event::Comment;
     return true;
 }
 
 bool Lexer::readInstruction(Event& event) {
+    const char* const from = in.at;
     bool hasReturn = false;
-    if (!Syntax::readInstruction(in, itsName, itsText, hasReturn, options.namespaces)) return false;
+    if (!Syntax::readInstruction(in, itsName, itsText, hasReturn, options.namespaces) || !growByNode(from))
+        return false;
     takeText(itsText, hasReturn);
     event = Event::Instruction;
     return true;
 }
 
 bool Lexer::readSection(Event& event) {
+    const char* const from = in.at;
     bool hasReturn = false;
-    if (!Syntax::readSection(in, itsText, hasReturn)) return false;
+    if (!Syntax::readSection(in, itsText, hasReturn) || !growByNode(from)) return false;
     takeText(itsText, hasReturn);
     event = Event::CData;
     return true;
@@ -156,18 +159,23 @@ std::string Lexer::beganAt(const Open& element) const {
 bool Lexer::readStart(Event& event) {
     const char* const from = in.at;
     const std::size_t scopes = tags.scopes().mark();
+    const std::int64_t growth = in.growth();
     if (!tags.read()) {
         if (in.state() == EntityStack::State::Cut) {
             in.at = from;
+            in.setGrowth(growth);
             tags.scopes().goBack(scopes);
         }
         return false;
     }
     itsName = tags.name();
     if (options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth)) {
-        return in.fail(from, "maxDepth", "more than " + std::to_string(options.maxDepth) + " elements are open",
-                       Problem::Kind::Limit);
+        return in.fail(from, StandardRules::kMaxDepth,
+                       "more than " + std::to_string(options.maxDepth) + " elements are open", Problem::Kind::Limit);
     }
+    if (in.isInEntity() &&
+        !in.grow(EntityStack::kElementCost + tags.attributes().size() * EntityStack::kNodeCost, from))
+        return false;
     open.push_back({openNames.size(), scopes, itsOffset, {}});
     openNames += itsName;
     isEnding = tags.isEmpty();
@@ -233,9 +241,11 @@ bool Lexer::failAtEnd(const char* where) {
 // Where it is cut off all of it is read again.
 bool Lexer::readDoctype(Event& event) {
     const char* const from = in.at;
+    const std::int64_t growth = in.growth();
     if (!readDoctypeParts()) {
         if (in.state() == EntityStack::State::Cut) {
             in.at = from;
+            in.setGrowth(growth);
             const bool isStandalone = declared.isStandalone;
             declared = Declarations();
             declared.isStandalone = isStandalone;

@@ -33,9 +33,11 @@ bool Lexer::readText() {
     return true;
 }
 
-// What was appended to the buffer has been read, so that nothing is read again when there is more.
+// What was appended to the buffer has been read, so that nothing is read again when there is more. The text begins with
+// the first of that: what stands before it may be references to entities without a text.
 bool Lexer::readMoreText() {
     for (;;) {
+        if (buffer.empty()) itsOffset = in.offsetOf(in.at);
         const Runs::Run run = Runs::of<'<', '&', ']'>(in.at, in.end);
         const char* to = run.end;
         if (to == in.end && to != in.at && in.isGrowing() && to[-1] == '\r') --to;  // a LF may follow
@@ -87,7 +89,7 @@ bool Lexer::readReference() {
     if (entity != nullptr && entity->kind == DeclaredEntity::Kind::Internal)
         return in.enter(name, *entity, from, open.size());
     if (entity != nullptr) {
-        in.fail(from, StandardRules::kEntityDeclared, "&" + std::string(name) + "; is external, and is not read",
+        in.fail(from, StandardRules::kIncludedIfValidating, "&" + std::string(name) + "; is external, and is not read",
                 Problem::Kind::Refused);
     }
     if (in.state() == EntityStack::State::Cut) in.at = from;

@@ -11,7 +11,7 @@
 namespace Xml {
 
 // The prefixes in scope, and what they stand for. Each name is kept once, so that namespaces are compared by number.
-// O(log n) for a prefix, whatever prefixes a document chooses.
+// O(log n) for a prefix, whatever prefixes a document chooses. What is out of scope takes no memory.
 class Namespaces {
 public:
     using Number = std::uint32_t;
@@ -24,7 +24,9 @@ public:
 
     // What the prefix stands for; the empty one is the default.
     Number find(std::string_view prefix) const;
-    std::string_view nameOf(Number number) const { return *names[number]; }
+
+    // Good as long as something in scope stands for it.
+    std::string_view nameOf(Number number) const { return names[number]->first; }
 
     // Until the mark is gone back to.
     void declare(std::string_view prefix, std::string_view name);
@@ -32,14 +34,26 @@ public:
     void goBack(std::size_t mark);
 
 private:
+    struct Use {
+        Number number;
+        std::size_t count;  // of changes that are to this name
+    };
+    using Prefixes = std::map<std::string, Number, std::less<>>;
+    using Numbers = std::map<std::string, Use, std::less<>>;
+
     struct Change {
-        Number* prefix;
+        Prefixes::iterator prefix;
         Number before;
+        bool isFirst;  // the prefix was not in scope
     };
 
-    std::map<std::string, Number, std::less<>> prefixes;
-    std::map<std::string, Number, std::less<>> numbers;
-    std::vector<const std::string*> names;
+    Numbers::iterator use(std::string_view name);
+    void release(Number number);
+
+    Prefixes prefixes;
+    Numbers numbers;
+    std::vector<Numbers::iterator> names;  // by number; as many as have been in scope at a time
+    std::vector<Number> unused;
     std::vector<Change> changes;
 };
 

@@ -81,16 +81,26 @@
     RULE(kNoPrefixUndeclaring, "No Prefix Undeclaring")                               \
     RULE(kAttributesUnique, "Attributes Unique")
 
+// Why a document is not read that may be well formed: the options that set limits, and what is not read.
+#define ORVXML_STANDARD_REFUSALS(RULE)  \
+    RULE(kMaxBytes, "maxBytes")         \
+    RULE(kMaxDepth, "maxDepth")         \
+    RULE(kEntityGrowth, "entityGrowth") \
+    RULE(kIncludedIfValidating, "Included If Validating")
+
 namespace Xml::StandardRules {
 
 #define ORVXML_RULE_CONSTANT(name, text) inline constexpr const char* name = text;
 ORVXML_STANDARD_RULES(ORVXML_RULE_CONSTANT)
+ORVXML_STANDARD_REFUSALS(ORVXML_RULE_CONSTANT)
 #undef ORVXML_RULE_CONSTANT
 
 #define ORVXML_RULE_ELEMENT(name, text) name,
 inline constexpr const char* kAll[] = {ORVXML_STANDARD_RULES(ORVXML_RULE_ELEMENT)};
+inline constexpr const char* kRefusals[] = {ORVXML_STANDARD_REFUSALS(ORVXML_RULE_ELEMENT) kEntityDeclared};
 #undef ORVXML_RULE_ELEMENT
 
 }  // namespace Xml::StandardRules
 
 #undef ORVXML_STANDARD_RULES
+#undef ORVXML_STANDARD_REFUSALS

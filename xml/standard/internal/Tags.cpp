@@ -115,8 +115,7 @@ bool Tags::applyRules() {
     }
     for (const auto& [name, rule] : rules.defaults) {
         if (rule->tag == number) continue;
-        constexpr std::size_t kNode = 32;  // an attribute takes memory also where it has few bytes
-        if (!in.grow(name.size() + rule->value.size() + kNode, start)) return false;
+        if (!in.grow(name.size() + rule->value.size() + EntityStack::kNodeCost, start)) return false;
         const std::size_t colon = namespaces ? name.find(':') : std::string_view::npos;
         if (colon != std::string_view::npos) {
             prefixed.emplace_back(static_cast<std::uint32_t>(all.size()), static_cast<std::uint32_t>(colon));
