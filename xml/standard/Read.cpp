@@ -2,6 +2,7 @@
 
 #include "xml/dom/Document.h"
 #include "xml/standard/internal/FileBytes.h"
+#include "xml/standard/internal/OptionProblems.h"
 #include "xml/standard/internal/SourceText.h"
 #include "xml/standard/internal/StreamBytes.h"
 #include "xml/standard/internal/TreeReader.h"
@@ -12,40 +13,16 @@ namespace Xml {
 
 namespace {
 
-// What is wrong with a source as a whole: nothing of it is read, and there is no place.
-Problem problemOf(const std::string& source, Problem::Kind kind, const std::string& text, const char* rule = "") {
-    Problem problem;
-    problem.kind = kind;
-    problem.source = source;
-    problem.text = text;
-    problem.rule = rule;
-    return problem;
-}
-
 ReadResult failed(Problem problem) {
     std::vector<Problem> problems;
     problems.push_back(std::move(problem));
     return ReadResult(std::move(problems));
 }
 
-// Options that are there to be asked for, and nothing does yet what they ask.
 std::optional<ReadResult> refuse(const ReadOptions& options, const std::string& source) {
-    std::vector<Problem> problems;
-    const auto refuseIf = [&](bool isAsked, const char* option) {
-        if (!isAsked || (!problems.empty() && problems.size() >= options.maxProblems)) return;
-        problems.push_back(problemOf(source, Problem::Kind::Unsupported,
-                                     "the option " + std::string(option) + " is not supported", option));
-    };
-    refuseIf(options.validate, "validate");
-    refuseIf(options.dtd != nullptr, "dtd");
-    refuseIf(static_cast<bool>(options.resolver), "resolver");
+    std::vector<Problem> problems = unsupported(options, source);
     if (problems.empty()) return std::nullopt;
     return ReadResult(std::move(problems));
-}
-
-ReadResult tooLong(const ReadOptions& options, const std::string& source) {
-    return failed(problemOf(source, Problem::Kind::Limit,
-                            "the source has more than " + std::to_string(options.maxBytes) + " bytes", "maxBytes"));
 }
 
 ReadResult readBytes(std::string_view bytes, const ReadOptions& options, const std::string& source) {
@@ -68,7 +45,7 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
     switch (file.read(source, options.maxBytes)) {
     case FileBytes::Ending::NotFound: return problem(Problem::Kind::NotFound);
     case FileBytes::Ending::Unreadable: return problem(Problem::Kind::Unreadable);
-    case FileBytes::Ending::TooLong: return tooLong(options, source);
+    case FileBytes::Ending::TooLong: return failed(tooLong(options, source));
     case FileBytes::Ending::Whole: break;
     }
     return readBytes(file.bytes(), options, source);
@@ -77,7 +54,7 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
 ReadResult readText(std::string_view text, const ReadOptions& options) {
     if (auto refused = refuse(options, options.source)) return std::move(*refused);
     if (options.maxBytes > 0 && text.size() > static_cast<std::uint64_t>(options.maxBytes))
-        return tooLong(options, options.source);
+        return failed(tooLong(options, options.source));
     return readBytes(text, options, options.source);
 }
 
@@ -94,7 +71,7 @@ ReadResult readStream(std::istream& in, const ReadOptions& options) {
         if (ending == StreamBytes::Ending::End) break;
         bytes += piece;
         if (options.maxBytes > 0 && bytes.size() > static_cast<std::uint64_t>(options.maxBytes))
-            return tooLong(options, options.source);
+            return failed(tooLong(options, options.source));
     }
     return readBytes(bytes, options, options.source);
 }

@@ -86,6 +86,7 @@ public:
     // Of a pointer into the innermost entity: where that is in the document.
     std::int64_t offsetOf(const char* where) const;
     Place placeOf(std::int64_t offset) const { return positions.of(offset); }
+    const TextPosition& positionOf(std::int64_t offset) const { return positions.before(offset); }
     std::string_view window() const { return positions.text(); }
     std::int64_t windowBegin() const { return positions.begin(); }
 

@@ -146,6 +146,13 @@ std::string_view Lexer::openName(std::size_t place) const {
     return std::string_view(openNames).substr(from, to - from);
 }
 
+std::string Lexer::path(std::string_view last) const {
+    std::string result;
+    for (std::size_t i = 0; i < open.size(); ++i) result.append("/").append(openName(i));
+    if (!last.empty()) result.append("/").append(last);
+    return result;
+}
+
 Place Lexer::placeOf(const Open& element) const {
     return element.place.line != 0 ? element.place : in.placeOf(element.offset);
 }

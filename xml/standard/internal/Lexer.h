@@ -71,6 +71,9 @@ public:
     // Whether a tag follows, and not what a reader may drop.
     bool isBeforeTag() const { return in.end - in.at > 1 && *in.at == '<' && in.at[1] != '!' && in.at[1] != '?'; }
 
+    // What follows, as far as the window goes; in an entity what is left of that.
+    std::string_view ahead() const { return {in.at, static_cast<std::size_t>(in.end - in.at)}; }
+
     // Of a Start: in the order of the tag, and then those that the document type supplies.
     const std::vector<TagAttribute>& attributes() const { return tags.attributes(); }
     bool isEmptyTag() const { return tags.isEmpty(); }
@@ -84,8 +87,15 @@ public:
     }
     Place placeOf(std::int64_t offset) const { return in.placeOf(offset); }
 
+    // What stands before an offset within the window; good until the next one.
+    const TextPosition& positionOf(std::int64_t offset) const { return in.positionOf(offset); }
+
     // Open elements, the one whose Start or End is at hand included.
     std::size_t depth() const { return open.size(); }
+
+    // The names of the open elements, and then that of one whose start tag is being read: /a/b. What is between them is
+    // not counted.
+    std::string path(std::string_view last) const;
 
     const Namespaces& namespaces() const { return tags.scopes(); }
 

@@ -17,8 +17,10 @@ public:
     // Lets go of bytes at the beginning of the window.
     void release(std::size_t byteCount);
 
-    // Of an offset in the window or at its end, as one of the text. Rising offsets cost what lies between them.
+    // Of an offset in the window or at its end, as one of the text. Rising offsets cost what lies between them. What is
+    // before the place is good until the next one is asked.
     Place of(std::int64_t offset) const;
+    const TextPosition& before(std::int64_t offset) const { return places.at(offset, window, first); }
 
     std::int64_t begin() const { return first; }
     std::string_view text() const { return window; }

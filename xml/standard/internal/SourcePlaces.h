@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/dom/Place.h"
+#include "xml/standard/internal/PlaceSource.h"
 #include "xml/standard/internal/Places.h"
 #include "xml/standard/internal/SourceText.h"
 #include <cstdint>
@@ -8,14 +8,12 @@
 namespace Xml {
 
 // Places of a text as they are in its source, which counts bytes of its own encoding.
-class SourcePlaces {
+class SourcePlaces final : public PlaceSource {
 public:
     // The source must stay.
     explicit SourcePlaces(SourceText& itsSource) : source(itsSource) {}
 
-    // The place of an offset in the text, where a character begins or the text ends. Rising offsets cost what lies
-    // between them.
-    Place of(std::int64_t offset);
+    Place of(std::int64_t offset) override;
 
 private:
     SourceText& source;

@@ -10,7 +10,7 @@ bool WhiteSpace::isWhite(std::string_view text) {
 }
 
 void WhiteSpace::begin(std::string_view spaceAttribute) {
-    bool isPreserved = !levels.empty() && levels.back().isPreserved;
+    bool isPreserved = levels.empty() ? isPreservedAround : levels.back().isPreserved;
     if (spaceAttribute == "preserve") isPreserved = true;
     if (spaceAttribute == "default") isPreserved = false;
     if (!levels.empty()) levels.back().hasElements = true;

@@ -14,7 +14,9 @@ namespace Xml {
 // then such texts wait.
 class WhiteSpace {
 public:
-    WhiteSpace(TreeBuilder& builder, Space which) : tree(builder), space(which) {}
+    // Around the outermost element white space may be preserved.
+    WhiteSpace(TreeBuilder& builder, Space which, bool isPreserved = false)
+        : tree(builder), space(which), isPreservedAround(isPreserved) {}
 
     // An element has begun, with this value of xml:space, empty without one; it ends.
     void begin(std::string_view spaceAttribute);
@@ -47,6 +49,7 @@ private:
 
     TreeBuilder& tree;
     Space space;
+    bool isPreservedAround;
     std::vector<Level> levels;
     std::vector<Held> held;
     std::string bytes;  // of those, in the same order

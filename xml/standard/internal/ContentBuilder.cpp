@@ -1,0 +1,131 @@
+#include "xml/standard/internal/ContentBuilder.h"
+
+#include "xml/stream/internal/Scan.h"
+#include "xml/text/internal/Escape.h"
+
+namespace Xml {
+
+Lexer::Options lexerOptions(const ReadOptions& options) {
+    Lexer::Options result;
+    result.namespaces = options.namespaces;
+    result.maxDepth = options.maxDepth;
+    result.entityGrowth = options.entityGrowth;
+    return result;
+}
+
+ContentBuilder::ContentBuilder(const Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces,
+                               bool isPreserved)
+    : lexer(itsLexer),
+      options(itsOptions),
+      places(itsPlaces),
+      keepsEach(options.keepComments && options.keepInstructions && options.keepCData),
+      tree(root),
+      white(tree, itsOptions.space, isPreserved) {}
+
+void ContentBuilder::begin() {
+    flush();
+    const Place* const place = placeAt(lexer.offset());
+    if (place != nullptr) {
+        tree.begin(lexer.name(), place);
+    } else {
+        tree.begin(lexer.name());
+    }
+    attributes.clear();
+    const Place ofTag = here;
+    std::string_view space;
+    for (const TagAttribute& attribute : lexer.attributes()) {
+        const SharedName& name = tree.name(attribute.name);
+        if (attribute.isDefault) {
+            attributes.addDefault(name, attribute.value, place != nullptr ? &ofTag : nullptr);
+        } else {
+            attributes.add(name, attribute.value, placeAt(lexer.offsetOf(attribute)));
+        }
+        if (attribute.name == "xml:space") space = attribute.value;
+    }
+    tree.setAttributes(attributes);
+    white.begin(space);
+}
+
+void ContentBuilder::end() {
+    flush();
+    white.end();
+    tree.end();
+}
+
+// --- Leaves ---
+
+void ContentBuilder::addComment() {
+    if (!options.keepComments) return;
+    flush();
+    tree.addComment(lexer.text(), place());
+}
+
+void ContentBuilder::addInstruction() {
+    if (!options.keepInstructions) return;
+    flush();
+    tree.addInstruction(lexer.name(), lexer.text(), place());
+}
+
+void ContentBuilder::addSection() {
+    if (!options.keepCData) return addPart(lexer.text(), true);
+    flush();
+    if (!lexer.text().empty()) white.noteOther();
+    tree.addSection(escaped(lexer.text()), placeAt(lexer.offset()));
+}
+
+// --- Texts ---
+
+// Mostly a text goes on until a tag: then there is nothing to wait for.
+void ContentBuilder::addText() {
+    const std::string_view text = lexer.text();
+    const bool isOtherText = lexer.hasReference() || !WhiteSpace::isWhite(text);
+    if (!pending.empty() || !(keepsEach || lexer.isBeforeTag())) return addPart(text, isOtherText);
+    if (isOtherText) {
+        white.addOther(escaped(text), placeAt(lexer.offset()));
+    } else {
+        white.addWhite(text, placeAt(lexer.offset()));
+    }
+}
+
+void ContentBuilder::addPart(std::string_view text, bool isOtherText) {
+    if (text.empty()) return;
+    if (const Place* const place = pending.empty() ? placeAt(lexer.offset()) : nullptr) pendingPlace = *place;
+    pending += escaped(text);
+    isOther |= isOtherText;
+}
+
+void ContentBuilder::flush() {
+    if (pending.empty()) return;
+    const Place* const place = places != nullptr ? &pendingPlace : nullptr;
+    if (isOther) {
+        white.addOther(pending, place);
+    } else {
+        white.addWhite(pending, place);
+    }
+    pending.clear();
+    isOther = false;
+}
+
+// '&', '<' and '>' are references in a tree; nothing else is.
+std::string_view ContentBuilder::escaped(std::string_view text) {
+    const char* from = text.data();
+    const char* const end = from + text.size();
+    const char* at = Scan::findNear<'&', '<', '>'>(from, end);
+    if (at == end) return text;
+    buffer.clear();
+    for (; at != end; at = Scan::findNear<'&', '<', '>'>(from, end)) {
+        buffer.append(from, at);
+        buffer += referenceFor(*at);
+        from = at + 1;
+    }
+    buffer.append(from, end);
+    return buffer;
+}
+
+const Place* ContentBuilder::placeAt(std::int64_t offset) {
+    if (places == nullptr) return nullptr;
+    here = places->of(offset);
+    return &here;
+}
+
+}  // namespace Xml

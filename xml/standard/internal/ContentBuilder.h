@@ -1,0 +1,74 @@
+#pragma once
+
+#include "xml/dom/internal/TagAttributes.h"
+#include "xml/dom/internal/TreeBuilder.h"
+#include "xml/standard/ReadOptions.h"
+#include "xml/standard/internal/Lexer.h"
+#include "xml/standard/internal/PlaceSource.h"
+#include "xml/standard/internal/WhiteSpace.h"
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Xml {
+
+// What the options of a reading say to its lexer.
+Lexer::Options lexerOptions(const ReadOptions& options);
+
+// Makes a tree of the events of a lexer: an element with all that is in it. Each operation takes the event at hand.
+//
+// A text is one node, however it was written: with references, and with what is not kept between its parts, which are
+// comments, instructions, and the ends of sections. What is kept parts it.
+class ContentBuilder {
+public:
+    // What they are made of must stay. Without places nodes have none. Around the element white space may be preserved.
+    ContentBuilder(const Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces,
+                   bool isPreserved = false);
+
+    // The first one is the outermost element; all others are in that.
+    void begin();
+    void end();
+    void addText();
+    void addSection();
+    void addComment();
+    void addInstruction();
+
+    bool isOpen() const { return tree.isOpen(); }
+
+    // Whether comments, instructions and sections all become nodes.
+    bool keepsAll() const { return keepsEach; }
+
+    // The outermost element.
+    std::unique_ptr<Element> take() { return std::move(root); }
+
+    // As TreeBuilder has it.
+    std::string path(std::string_view beginning) const { return tree.path(beginning); }
+
+    // Of the event at hand; null where places are not kept. Good until the next one; asked in rising order.
+    const Place* place() { return placeAt(lexer.offset()); }
+
+private:
+    void addPart(std::string_view text, bool isOther);
+    void flush();
+    std::string_view escaped(std::string_view text);
+    const Place* placeAt(std::int64_t offset);
+
+    const Lexer& lexer;
+    const ReadOptions& options;
+    PlaceSource* const places;
+    const bool keepsEach;
+
+    std::unique_ptr<Element> root;
+    TreeBuilder tree;
+    WhiteSpace white;
+    TagAttributes attributes;
+    Place here;
+
+    std::string pending;   // parts of a text that may go on, escaped
+    Place pendingPlace;    // of the first of them
+    bool isOther = false;  // some of it is not white space, or came by a reference
+    std::string buffer;
+};
+
+}  // namespace Xml

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "xml/standard/Problem.h"
+#include "xml/standard/ReadOptions.h"
+#include <string>
+#include <vector>
+
+// What is wrong with a source as a whole, and with what is asked. There is no place.
+namespace Xml {
+
+Problem problemOf(const std::string& source, Problem::Kind kind, const std::string& text, const char* rule = "");
+
+// Options that are there to be asked for, and nothing does yet what they ask: none or all that are asked.
+std::vector<Problem> unsupported(const ReadOptions& options, const std::string& source);
+
+// The source has more bytes than the options allow.
+Problem tooLong(const ReadOptions& options, const std::string& source);
+
+}  // namespace Xml

@@ -1,0 +1,254 @@
+#include "xml/standard/internal/StreamEvents.h"
+
+#include "xml/dom/Element.h"
+#include "xml/standard/internal/ContentBuilder.h"
+#include "xml/standard/internal/OptionProblems.h"
+#include <algorithm>
+
+namespace Xml {
+
+namespace {
+
+const std::vector<TagAttribute> kNoAttributes;
+
+template <StreamReader::Event Ours, Lexer::Event Theirs>
+constexpr bool kSame = static_cast<int>(Ours) == static_cast<int>(Theirs);
+static_assert(kSame<StreamReader::Event::Start, Lexer::Event::Start>);
+static_assert(kSame<StreamReader::Event::Doctype, Lexer::Event::Doctype>);
+static_assert(kSame<StreamReader::Event::Failed, Lexer::Event::Failed>);
+
+}  // namespace
+
+StreamEvents::StreamEvents(std::istream& in, const ReadOptions& itsOptions)
+    : options(itsOptions),
+      windows(std::make_unique<StreamText>(in, options.encoding, options.maxBytes)),
+      lexer(lexerOptions(options)),
+      itsAttributes(&kNoAttributes) {}
+
+StreamEvents::StreamEvents(std::string_view text, const ReadOptions& itsOptions)
+    : options(itsOptions),
+      windows(std::make_unique<WholeText>(text, options.encoding, options.maxBytes)),
+      lexer(lexerOptions(options)),
+      itsAttributes(&kNoAttributes) {}
+
+// --- Events ---
+
+// Where memory runs out, Failed stays.
+StreamEvents::Event StreamEvents::next() {
+    if (now == Event::Finished || now == Event::Failed) return *now;
+    const bool isFirst = !now;
+    now = Event::Failed;
+    if (isFirst) {
+        found = unsupported(options, options.source);
+        if (!found.empty()) return Event::Failed;
+        lexer.setWindow({}, false);
+    }
+    now = read();
+    return *now;
+}
+
+StreamEvents::Event StreamEvents::read() {
+    clear();
+    Lexer::Event event = waiting ? *waiting : pull();
+    waiting.reset();
+    for (;; event = pull()) {
+        if (isPart(event)) {
+            if (addPart(event) && !isDropped()) return Event::Text;
+        } else if (!isPassedOver(event)) {
+            if (itsText.empty() || isDropped()) return show(event);
+            waiting = event;
+            return Event::Text;
+        }
+    }
+}
+
+// More: there is no more.
+Lexer::Event StreamEvents::pull() {
+    for (;;) {
+        const Lexer::Event event = lexer.next();
+        if (event != Lexer::Event::More) return event;
+        keepPlace();
+        if (!windows->advance(lexer)) return event;
+    }
+}
+
+void StreamEvents::clear() {
+    itsName = itsText = {};
+    itsAttributes = &kNoAttributes;
+    run.clear();
+    isOther = false;
+}
+
+StreamEvents::Event StreamEvents::show(Lexer::Event event) {
+    clear();
+    itsDepth = lexer.depth();
+    itsOffset = lexer.offset();
+    switch (event) {
+    case Lexer::Event::Start: noteStart(); break;
+    case Lexer::Event::End: noteEnd(); break;
+    case Lexer::Event::Doctype: noteDoctype(); break;
+    case Lexer::Event::Instruction: itsName = lexer.name(); [[fallthrough]];
+    case Lexer::Event::Text:
+    case Lexer::Event::CData:
+    case Lexer::Event::Comment: itsText = lexer.text(); break;
+    case Lexer::Event::Finished: break;
+    case Lexer::Event::Failed:
+    case Lexer::Event::More: fail(event); return Event::Failed;
+    }
+    return static_cast<Event>(event);
+}
+
+void StreamEvents::noteStart() {
+    itsName = lexer.name();
+    itsAttributes = &lexer.attributes();
+    sorted.clear();
+    if (options.space != Space::Content) return;
+    for (const TagAttribute& attribute : *itsAttributes) {
+        if (attribute.name != "xml:space") continue;
+        if (attribute.value == "preserve" || attribute.value == "default")
+            preservations.push_back({itsDepth, attribute.value == "preserve"});
+    }
+}
+
+void StreamEvents::noteEnd() {
+    itsName = lexer.name();
+    if (!preservations.empty() && preservations.back().depth == itsDepth) preservations.pop_back();
+}
+
+void StreamEvents::noteDoctype() {
+    itsName = lexer.name();
+    const Lexer::Doctype& doctype = lexer.doctype();
+    itsProlog.doctype = itsName;
+    itsProlog.publicId = doctype.publicId;
+    itsProlog.systemId = doctype.systemId;
+    itsProlog.internalSubset = doctype.subset;
+}
+
+// --- Texts ---
+
+bool StreamEvents::isPart(Lexer::Event event) const {
+    return event == Lexer::Event::Text || (event == Lexer::Event::CData && !options.keepCData);
+}
+
+bool StreamEvents::isPassedOver(Lexer::Event event) const {
+    return (event == Lexer::Event::Comment && !options.keepComments) ||
+           (event == Lexer::Event::Instruction && !options.keepInstructions);
+}
+
+// Whether what follows ends a text, as far as a look at it shows.
+bool StreamEvents::isBeforeKept() const {
+    const std::string_view next = lexer.ahead();
+    if (next.size() < 3 || next[0] != '<') return false;
+    if (next[1] == '?') return options.keepInstructions;
+    if (next[1] == '!') return next[2] == '[' ? options.keepCData : options.keepComments;
+    return true;
+}
+
+// Whether the text is known to end with it.
+bool StreamEvents::addPart(Lexer::Event event) {
+    const std::string_view part = lexer.text();
+    if (part.empty()) return !itsText.empty() && isBeforeKept();
+    if (options.space == Space::Dropped) {
+        isOther |= event == Lexer::Event::CData || lexer.hasReference() || !WhiteSpace::isWhite(part);
+    }
+    if (itsText.empty()) {
+        itsOffset = lexer.offset();
+        itsDepth = lexer.depth();
+    }
+    const bool isEnd = isBeforeKept();
+    if (isEnd && run.empty()) {
+        itsText = part;
+    } else {
+        run += part;
+        itsText = run;
+    }
+    return isEnd;
+}
+
+// --- Names and attributes ---
+
+// Of the name at hand, with its colon.
+std::size_t StreamEvents::prefixSize() const {
+    if (!options.namespaces || (now != Event::Start && now != Event::End)) return 0;
+    const std::size_t colon = itsName.find(':');
+    return colon == std::string_view::npos ? 0 : colon + 1;
+}
+
+std::string_view StreamEvents::localName() const {
+    if (now != Event::Start && now != Event::End) return {};
+    return itsName.substr(prefixSize());
+}
+
+std::string_view StreamEvents::namespaceUri() const {
+    if (!options.namespaces || (now != Event::Start && now != Event::End)) return {};
+    const std::size_t size = prefixSize();
+    const Namespaces& scopes = lexer.namespaces();
+    return scopes.nameOf(scopes.find(itsName.substr(0, size > 0 ? size - 1 : 0)));
+}
+
+std::optional<std::string_view> StreamEvents::attribute(std::string_view name) {
+    constexpr std::size_t kFew = 16;
+    if (itsAttributes->size() > kFew) {
+        const TagAttribute* const one = findSorted(name);
+        return one != nullptr ? std::optional(one->value) : std::nullopt;
+    }
+    for (const TagAttribute& one : *itsAttributes) {
+        if (one.name == name) return one.value;
+    }
+    return std::nullopt;
+}
+
+const TagAttribute* StreamEvents::findSorted(std::string_view name) {
+    const auto& all = *itsAttributes;
+    if (sorted.empty()) {
+        for (std::size_t i = 0; i < all.size(); ++i) sorted.push_back(static_cast<std::uint32_t>(i));
+        std::sort(sorted.begin(), sorted.end(),
+                  [&](std::uint32_t a, std::uint32_t b) { return all[a].name < all[b].name; });
+    }
+    const auto place = std::lower_bound(sorted.begin(), sorted.end(), name,
+                                        [&](std::uint32_t a, std::string_view b) { return all[a].name < b; });
+    return place != sorted.end() && all[*place].name == name ? &all[*place] : nullptr;
+}
+
+// --- More than an event ---
+
+std::unique_ptr<Element> StreamEvents::readElement() {
+    if (now != Event::Start) return nullptr;
+    now = Event::Failed;
+    const bool isPreserved = !preservations.empty() && preservations.back().isPreserved;
+    ContentBuilder content(lexer, options, options.keepPlaces ? this : nullptr, isPreserved);
+    content.begin();
+    clear();
+    for (;;) {
+        const Lexer::Event event = pull();
+        switch (event) {
+        case Lexer::Event::Start: content.begin(); break;
+        case Lexer::Event::End:
+            content.end();
+            if (content.isOpen()) break;
+            now = show(event);
+            return content.take();
+        case Lexer::Event::Text: content.addText(); break;
+        case Lexer::Event::CData: content.addSection(); break;
+        case Lexer::Event::Comment: content.addComment(); break;
+        case Lexer::Event::Instruction: content.addInstruction(); break;
+        default: now = show(event); return nullptr;
+        }
+    }
+}
+
+void StreamEvents::skipElement() {
+    if (now != Event::Start) return;
+    now = Event::Failed;
+    const std::size_t outer = itsDepth;
+    clear();
+    for (;;) {
+        const Lexer::Event event = pull();
+        const bool isEnd = event == Lexer::Event::End && lexer.depth() == outer;
+        if (!isEnd && event != Lexer::Event::Failed && event != Lexer::Event::More) continue;
+        now = show(event);
+        return;
+    }
+}
+
+}  // namespace Xml

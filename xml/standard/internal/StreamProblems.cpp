@@ -1,0 +1,104 @@
+// Where an event of a stream is, what is known of the document, and what is wrong with it.
+#include "xml/standard/internal/Excerpt.h"
+#include "xml/standard/internal/Names.h"
+#include "xml/standard/internal/OptionProblems.h"
+#include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/StreamEvents.h"
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace Xml {
+
+// --- Places ---
+
+Place StreamEvents::of(std::int64_t offset) {
+    constexpr std::int64_t kMost = std::numeric_limits<int>::max();
+    if (offset == keptOffset) return kept;
+    const TextPosition& before = lexer.positionOf(offset);
+    return {windows->decoder().sourceOffset(before), static_cast<int>(std::min(before.line, kMost)),
+            static_cast<int>(std::min(before.column, kMost))};
+}
+
+// The window moves on: that of a text that has begun is found while its bytes are there.
+void StreamEvents::keepPlace() {
+    const std::int64_t offset = itsText.empty() ? lexer.offset() : itsOffset;
+    if (offset == keptOffset || offset < lexer.windowBegin() || lexer.window().empty()) return;
+    kept = of(offset);
+    keptOffset = offset;
+}
+
+Place StreamEvents::place() {
+    if (now == Event::Failed) return found.empty() ? Place() : found.front().place;
+    return itsOffset >= 0 ? of(itsOffset) : Place();
+}
+
+// --- The document ---
+
+const Prolog& StreamEvents::prolog() {
+    if (lexer.window().data() == nullptr) return itsProlog;  // nothing was read
+    const XmlDeclaration& declaration = lexer.declaration();
+    itsProlog.hasDeclaration = declaration.isPresent;
+    itsProlog.encoding = declaration.encoding;
+    itsProlog.standalone = declaration.standalone;
+    itsProlog.hasMark = windows->decoder().hasMark();
+    itsProlog.newline = windows->newline();
+    return itsProlog;
+}
+
+// --- What is wrong ---
+
+// The lexer has failed, or wants more where there is no more. What is wrong with the encoding may come before what the
+// lexer has found: what the declaration names.
+void StreamEvents::fail(Lexer::Event event) {
+    using Ending = TextWindows::Ending;
+    if (windows->ending() == Ending::Undecodable) {
+        const DecodingFailure& failure = *windows->decoder().failure();
+        if (event == Lexer::Event::More || failure.textOffset < lexer.fault().offset) return fail(failure);
+    }
+    if (event == Lexer::Event::Failed) return failByFault();
+    if (windows->ending() == Ending::TooLong) {
+        found.push_back(tooLong(options, options.source));
+    } else {
+        found.push_back(problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
+    }
+}
+
+void StreamEvents::failByFault() {
+    const Fault& fault = lexer.fault();
+    Problem problem = problemOf(options.source, fault.kind, fault.text, fault.rule);
+    problem.path = lexer.path(fault.element);
+    locate(problem, fault.offset);
+    found.push_back(std::move(problem));
+}
+
+void StreamEvents::fail(const DecodingFailure& failure) {
+    const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
+    Problem problem = problemOf(options.source, isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed,
+                                messageLine(failure.text), StandardRules::kCharacterEncodingInEntities);
+    problem.path = lexer.path(cutTag());
+    const std::int64_t end = lexer.windowBegin() + static_cast<std::int64_t>(lexer.window().size());
+    locate(problem, std::clamp(failure.textOffset, lexer.windowBegin(), end));
+    problem.place.offset = failure.offset;
+    found.push_back(std::move(problem));
+}
+
+// The window is the end of what is held.
+void StreamEvents::locate(Problem& problem, std::int64_t offset) {
+    const std::string_view held = windows->held();
+    const std::size_t begin = held.size() - lexer.window().size();
+    problem.place = of(offset);
+    problem.excerpt = excerptOf(held, begin + static_cast<std::size_t>(offset - lexer.windowBegin()));
+}
+
+// The name in the start tag that the text ends within; empty where it ends elsewhere.
+std::string_view StreamEvents::cutTag() const {
+    const std::string_view rest = lexer.ahead();
+    if (rest.empty() || rest.front() != '<') return {};
+    const char* const from = rest.data() + 1;
+    const char* const end = rest.data() + rest.size();
+    const char* const to = StandardNames::nameEnd(from, end);
+    return to != end ? std::string_view(from, static_cast<std::size_t>(to - from)) : std::string_view();
+}
+
+}  // namespace Xml
