@@ -1,12 +1,16 @@
 // Reading XML 1.0 takes work that grows as the text does.
 #include "growth/Texts.h"
 #include "growth/Work.h"
+#include "stream/TextBuffer.h"
 #include "support/Texts.h"
 #include "xml/dom/Document.h"
 #include "xml/standard/Read.h"
+#include "xml/standard/StreamReader.h"
+#include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -80,6 +84,23 @@ const TextCase kRefused[] = {
      [](int n) { return repeated("\n", n) + declaring("<!ENTITY e '</s>'>", repeated("\n<a/>", n) + "&e;"); }},
 };
 
+// All events of a text, and all that they say; the text comes so many bytes at a time, 0: at once.
+bool readEvents(const std::string& text, std::size_t chunk) {
+    BufferHabits habits;
+    habits.chunk = chunk;
+    TextStream stream(text, habits);
+    StreamReader reader = chunk == 0 ? StreamReader(std::string_view(text)) : StreamReader(stream);
+    for (;;) {
+        const StreamReader::Event event = reader.next();
+        reader.place();
+        for (int i = 0; i < reader.attributeCount(); ++i) {
+            if (reader.attribute(reader.attributeName(i)) != reader.attributeValue(i)) return false;
+        }
+        if (event == StreamReader::Event::Finished) return true;
+        if (event == StreamReader::Event::Failed) return false;
+    }
+}
+
 // As little as can be kept, and all that can be.
 std::vector<ReadOptions> allOptions() {
     ReadOptions least;
@@ -100,6 +121,12 @@ void expectReadingLinear(const TextCase& c, bool isRead) {
                     EXPECT_EQ(static_cast<bool>(readText(text, options)), isRead);
                 };
             },
+            AllocatedBytes, 1'000);
+    }
+    for (const std::size_t chunk : {0, 100}) {
+        expectAtMostLinear(
+            std::string(c.name) + (chunk == 0 ? ", events" : ", events of a stream"),
+            [&](int n) { return [text = c.text(n), isRead, chunk] { EXPECT_EQ(readEvents(text, chunk), isRead); }; },
             AllocatedBytes, 1'000);
     }
 }
@@ -135,6 +162,20 @@ TEST(StandardGrowthTest, KnowsManyPlacesInOtherEncodings) {
         const std::string declaration = "<?xml version='1.0' encoding='" + std::string(encoding) + "'?>";
         const ReadResult result = readText(declaration + in(content), options);
         EXPECT_TRUE(result) << result.message();
+    }
+}
+
+TEST(StandardGrowthTest, GivesTheEventsOfManyOfEach) {
+    constexpr int kMany = 300'000 / kScale;
+    for (const std::size_t chunk : {0, 1000, 1}) {
+        for (const TextCase& c : kRead) {
+            SCOPED_TRACE(c.name);
+            EXPECT_TRUE(readEvents(c.text(chunk == 1 ? kMany / 10 : kMany), chunk));
+        }
+        for (const TextCase& c : kRefused) {
+            SCOPED_TRACE(c.name);
+            EXPECT_FALSE(readEvents(c.text(chunk == 1 ? kMany / 10 : kMany), chunk));
+        }
     }
 }
 

@@ -22,8 +22,6 @@ class StreamEvents;
 // Beside the document type that is the largest tag, text, comment, instruction or section, and the depth.
 //
 //     StreamReader reader(in);
-//     while (reader.next() == StreamReader::Event::Start || ...)
-//
 //     for (;;) {
 //         switch (reader.next()) {
 //         case StreamReader::Event::Start:
@@ -39,8 +37,8 @@ class StreamEvents;
 // the options drop. Options are copied. Space::Content is as Space::All but in readElement(), since what is dropped so
 // is known at the end of an element only. keepPlaces is for the nodes of readElement().
 //
-// It reads ahead of the event at hand, of a pipe as far as bytes are there. Nothing throws but std::bad_alloc; after
-// that every event is Failed.
+// It reads ahead of the event at hand, of a pipe as far as bytes are there. Nothing throws but std::bad_alloc; where
+// that comes from what goes on in the document, Failed is at hand, without a problem.
 class ORVXML_API StreamReader {
 public:
     enum class Event : std::uint8_t {
@@ -115,7 +113,7 @@ public:
     // its Doctype. Comments and instructions are not in it: they are events.
     const Prolog& prolog() const;
 
-    // One after Failed, more where several options are not supported; before that none.
+    // None before Failed; then one, more where several options are not supported.
     const std::vector<Problem>& problems() const;
 
 private:

@@ -201,6 +201,7 @@ std::optional<std::string_view> StreamEvents::attribute(std::string_view name) {
 const TagAttribute* StreamEvents::findSorted(std::string_view name) {
     const auto& all = *itsAttributes;
     if (sorted.empty()) {
+        sorted.reserve(all.size());  // all or none of them
         for (std::size_t i = 0; i < all.size(); ++i) sorted.push_back(static_cast<std::uint32_t>(i));
         std::sort(sorted.begin(), sorted.end(),
                   [&](std::uint32_t a, std::uint32_t b) { return all[a].name < all[b].name; });
