@@ -17,3 +17,4 @@
 #include "xml/standard/Read.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/ReadResult.h"
+#include "xml/standard/StreamReader.h"
