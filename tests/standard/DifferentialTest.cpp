@@ -23,9 +23,22 @@ struct Seen {
     const PeerVerdict& peer;
     bool hasNamespaces;
 
-    bool hasRule(const char* rule) const { return !ours.isAccepted && std::string_view(ours.fault.rule) == rule; }
-    bool saysPeer(const char* words) const { return !peer.isAccepted && peer.error.find(words) != std::string::npos; }
-    bool has(const char* words) const { return text.find(words) != std::string::npos; }
+    // The peer accepts what breaks that rule; in what stands before the root.
+    bool onlyWeRefuse(const char* rule) const {
+        return peer.isAccepted && !ours.isAccepted && std::string_view(ours.fault.rule) == rule;
+    }
+    bool onlyWeRefuseBeforeRoot(const char* rule) const { return onlyWeRefuse(rule) && !ours.isInContent; }
+
+    // The peer alone refuses it, in these words.
+    bool onlyPeerRefuses(const char* words) const {
+        return ours.isAccepted && !peer.isAccepted && peer.error.find(words) != std::string::npos;
+    }
+    bool weSay(const char* words) const { return ours.fault.text.find(words) != std::string::npos; }
+
+    // What stands at the fault.
+    bool isAtFault(std::string_view there) const {
+        return std::string_view(text).substr(static_cast<std::size_t>(ours.fault.offset), there.size()) == there;
+    }
 };
 
 struct Allowance {
@@ -33,87 +46,100 @@ struct Allowance {
     bool (*holds)(const Seen&);
 };
 
+// Whether Expat takes the document once each character beyond ASCII is a letter.
+bool isAcceptedInAscii(const Seen& s) {
+    std::string ascii;
+    for (const char c : s.text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) ascii += c;
+        if (byte >= 0xC0) ascii += 'x';
+    }
+    return ascii != s.text && askExpat(ascii, s.hasNamespaces).isAccepted;
+}
+
 // Where Expat and the lexer may differ.
 const Allowance kExpat[] = {
     {"[26] VersionNum ::= '1.' [0-9]+; Expat takes any version",
      [](const Seen& s) {
-         return s.peer.isAccepted && (s.hasRule(StandardRules::kVersionNum) || s.hasRule(StandardRules::kVersionInfo));
+         return s.onlyWeRefuseBeforeRoot(StandardRules::kVersionNum) ||
+                s.onlyWeRefuseBeforeRoot(StandardRules::kVersionInfo);
      }},
-    {"[9] EntityValue, [10] AttValue, [66] CharRef, [68] EntityRef, Legal Character: declarations have to match their "
-     "productions also where they are not processed; Expat does not look into such values",
+    {"5.1: after a reference to a parameter entity that is not read, declarations must not be processed; they have to "
+     "match [9] EntityValue and [10] AttValue all the same, with what is in these: [66] CharRef, [67] Reference, [68] "
+     "EntityRef, [69] PEReference, and their constraints. Expat does not look into such values",
      [](const Seen& s) {
-         return s.peer.isAccepted && s.has("%") &&
-                (s.hasRule(StandardRules::kPEReference) || s.hasRule(StandardRules::kParsedEntity) ||
-                 s.hasRule(StandardRules::kNoRecursion) || s.hasRule(StandardRules::kNoExternalEntityReferences) ||
-                 s.hasRule(StandardRules::kCharRef) || s.hasRule(StandardRules::kReference) ||
-                 s.hasRule(StandardRules::kName) || s.hasRule(StandardRules::kAttValue) ||
-                 s.hasRule(StandardRules::kEntityRef) || s.hasRule(StandardRules::kLegalCharacter) ||
-                 s.hasRule(StandardRules::kNoLessThanInAttributeValues) ||
-                 s.hasRule(StandardRules::kPEsInInternalSubset) || s.hasRule(StandardRules::kNCName));
+         if (!s.ours.hasUnread) return false;
+         for (const char* rule :
+              {StandardRules::kNoLessThanInAttributeValues, StandardRules::kNoExternalEntityReferences,
+               StandardRules::kNoRecursion, StandardRules::kParsedEntity, StandardRules::kAttValue,
+               StandardRules::kCharRef, StandardRules::kReference, StandardRules::kEntityRef, StandardRules::kName,
+               StandardRules::kPEReference, StandardRules::kLegalCharacter, StandardRules::kPEsInInternalSubset}) {
+             if (s.onlyWeRefuseBeforeRoot(rule)) return true;
+         }
+         return false;
      }},
     {"4.3.2: an internal general parsed entity is well-formed if its replacement text matches the production labeled "
      "content, which has no \"]]>\"; Expat does not look for it in values of attributes",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kCharData) && s.has("]]"); }},
+     [](const Seen& s) { return s.onlyWeRefuse(StandardRules::kCharData) && s.weSay("\"]]>\" in the text of &"); }},
     {"Namespaces, 7: no entity names, processing instruction targets, or notation names contain any colons",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kNCName); }},
+     [](const Seen& s) { return s.hasNamespaces && s.onlyWeRefuse(StandardRules::kNCName); }},
     {"[4] NameStartChar, [4a] NameChar of the Fifth Edition; Expat has those of the Fourth",
-     [](const Seen& s) {
-         return s.ours.isAccepted && s.saysPeer("invalid token") &&
-                std::any_of(s.text.begin(), s.text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-     }},
-    {"Namespaces, 4, [16] doctypedecl ::= '<!DOCTYPE' S QName; Expat does not look at what follows the colon",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kQName) && s.has("<!"); }},
+     [](const Seen& s) { return s.onlyPeerRefuses("invalid token") && isAcceptedInAscii(s); }},
+    {"Namespaces, 4, [16] doctypedecl ::= '<!DOCTYPE' S QName, and so [17] to [21] for the names in declarations; "
+     "Expat "
+     "does not look at what follows the colon",
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kQName); }},
 };
 
 // Where libxml2 and the lexer may differ.
 const Allowance kLibxml2[] = {
     {"4.1, [69] PEReference has the validity constraint Entity Declared, and not the well-formedness constraint",
-     [](const Seen& s) { return s.saysPeer("PEReference"); }},
+     [](const Seen& s) { return s.ours.hasUnread && s.onlyPeerRefuses("PEReference: %"); }},
     {"Namespaces, 7: processors are not required to check that namespace names are URI references",
-     [](const Seen& s) { return s.ours.isAccepted && s.saysPeer("URI"); }},
+     [](const Seen& s) { return s.hasNamespaces && s.onlyPeerRefuses("is not a valid URI"); }},
     {"[26] VersionNum ::= '1.' [0-9]+",
-     [](const Seen& s) {
-         return s.peer.isAccepted && (s.hasRule(StandardRules::kVersionNum) || s.hasRule(StandardRules::kVersionInfo));
-     }},
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kVersionNum); }},
     {"Namespaces, 4, [16] doctypedecl ::= '<!DOCTYPE' S QName, and so [17] to [21] for the names in declarations; "
-     "libxml2 "
-     "looks at names in content",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kQName) && s.has("<!"); }},
+     "libxml2 looks at names in content",
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kQName); }},
     {"4.3.2: replacement text has to match content, which has no \"]]>\"; libxml2 does not look for it in values",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kCharData) && s.has("]]"); }},
-    {"[32] SDDecl ::= S 'standalone' Eq",
+     [](const Seen& s) { return s.onlyWeRefuse(StandardRules::kCharData) && s.weSay("\"]]>\" in the text of &"); }},
+    {"Namespaces, 5: Prefix Declared has no exception for what comes from an entity",
      [](const Seen& s) {
-         return s.peer.isAccepted && (s.hasRule(StandardRules::kSDDecl) || s.hasRule(StandardRules::kXMLDecl)) &&
-                s.has("standalone");
+         return s.hasNamespaces && s.onlyWeRefuse(StandardRules::kPrefixDeclared) && s.weSay("(in the entity");
      }},
+    {"[32] SDDecl ::= S 'standalone' Eq; libxml2 does without the white space",
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kXMLDecl) && s.isAtFault("standalone"); }},
     {"Namespaces, 7: no entity names contain any colons; libxml2 does not look at references",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kNCName); }},
+     [](const Seen& s) { return s.hasNamespaces && s.onlyWeRefuse(StandardRules::kNCName); }},
     {"[4] NameStartChar and [4a] NameChar have the colon; libxml2 looks at prefixes also where nothing asks for it",
-     [](const Seen& s) { return s.ours.isAccepted && !s.hasNamespaces && s.saysPeer("amespace"); }},
+     [](const Seen& s) { return !s.hasNamespaces && s.onlyPeerRefuses("is not XML Namespace compliant"); }},
     {"Unique Att Spec is about names as they are written",
-     [](const Seen& s) { return s.ours.isAccepted && !s.hasNamespaces && s.saysPeer("redefined"); }},
+     [](const Seen& s) { return !s.hasNamespaces && s.onlyPeerRefuses("redefined"); }},
     {"5.1: declarations after a parameter entity that is not read are not processed, and Entity Declared holds without "
      "such a reference",
      [](const Seen& s) {
-         return s.ours.isAccepted &&
-                (s.saysPeer("not defined") || s.saysPeer("not allowed in attr") || s.saysPeer("loop") ||
-                 s.saysPeer("redefined") || s.saysPeer("unparsed")) &&
-                s.has("%");
+         return s.ours.hasUnread && (s.onlyPeerRefuses("not defined") || s.onlyPeerRefuses("not allowed in attr") ||
+                                     s.onlyPeerRefuses("references external entity") || s.onlyPeerRefuses("loop") ||
+                                     s.onlyPeerRefuses("redefined") || s.onlyPeerRefuses("unparsed"));
      }},
     {"Unique Att Spec; libxml2 passes over a second declaration of a prefix that is wrong by itself",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kUniqueAttSpec) && s.has("xmlns:"); }},
+     [](const Seen& s) { return s.onlyWeRefuse(StandardRules::kUniqueAttSpec) && s.weSay("the attribute xmlns"); }},
     {"No Prefix Undeclaring; libxml2 does not look at defaults",
      [](const Seen& s) {
-         return s.peer.isAccepted && s.hasRule(StandardRules::kNoPrefixUndeclaring) && s.has("<!ATTLIST");
+         // A default stands where the tag does, or the reference to the entity that the tag is in.
+         const bool isDefault = s.isAtFault("<") || (s.isAtFault("&") && s.weSay("(in the entity"));
+         return s.hasNamespaces && s.onlyWeRefuse(StandardRules::kNoPrefixUndeclaring) && isDefault &&
+                s.text.find("<!ATTLIST") != std::string::npos;
      }},
     {"[22] prolog ::= XMLDecl? Misc* (doctypedecl Misc*)?; libxml2 takes a subset after the end of the declaration",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kProlog) && s.has("["); }},
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kProlog) && s.isAtFault("["); }},
     {"4.2.2: it is an error for a fragment identifier to be part of a system identifier, and no fatal one",
-     [](const Seen& s) { return s.ours.isAccepted && s.saysPeer("Fragment"); }},
+     [](const Seen& s) { return s.onlyPeerRefuses("Fragment not allowed"); }},
     {"2.8: a parameter entity may be referred to wherever declarations may stand; libxml2 fails where it is twice",
-     [](const Seen& s) { return s.ours.isAccepted && s.saysPeer("internal error") && s.has("%"); }},
-    {"[28] doctypedecl ::= '<!DOCTYPE' S Name",
-     [](const Seen& s) { return s.peer.isAccepted && s.hasRule(StandardRules::kDoctypedecl) && !s.has("<!DOCTYPE "); }},
+     [](const Seen& s) { return s.onlyPeerRefuses("internal error: xmlParseInternalSubset"); }},
+    {"[28] doctypedecl ::= '<!DOCTYPE' S Name; libxml2 does without the white space",
+     [](const Seen& s) { return s.onlyWeRefuseBeforeRoot(StandardRules::kDoctypedecl) && s.weSay("white space"); }},
 };
 
 const char* whyDifferent(const Seen& seen, bool isExpat) {
@@ -145,8 +171,8 @@ protected:
         options.namespaces = hasNamespaces;
         const Lexed ours = lex(text, options);
         if (!isUtf8(ours.declaredEncoding)) return;
-        // A reference that something not read may declare: no document here, one without the text elsewhere.
-        if (!ours.isAccepted && ours.fault.kind == Problem::Kind::Refused) return void(++refused);
+        if (!ours.isAccepted && ours.fault.kind == Problem::Kind::Refused)
+            return compareRefused(text, ours, hasNamespaces);
         ++(ours.isAccepted ? accepted : malformed);
         if (!ours.isAccepted) ++byRule[ours.fault.rule];
         const PeerVerdict expat = askExpat(text, hasNamespaces);
@@ -155,6 +181,27 @@ protected:
         if (ours.isAccepted && expat.isAccepted && !hasNamespaces) {
             EXPECT_EQ(ours.events, expat.events) << text;
         }
+    }
+
+    // A reference that something not read may declare is refused here, and elsewhere stands for nothing: without it the
+    // document is compared as any. Where it is well formed then, Expat reads the one with the reference too.
+    void compareRefused(const std::string& text, const Lexed& ours, bool hasNamespaces) {
+        ++refused;
+        const auto from = static_cast<std::size_t>(ours.fault.offset);
+        ASSERT_TRUE(text[from] == '&' || text[from] == '%') << text;
+        std::string without = text;
+        without.erase(from, text.find(';', from) + 1 - from);
+        compare(without, hasNamespaces);
+        Lexer::Options options;
+        options.namespaces = hasNamespaces;
+        // Of an entity that contains such a reference Expat reads the rest.
+        const bool isInEntity = ours.fault.text.find("(in the entity") != std::string::npos;
+        if (isInEntity || !lex(without, options).isAccepted) return;
+        const PeerVerdict expat = askExpat(text, hasNamespaces);
+        Lexed reading = ours;
+        reading.isAccepted = true;
+        check({text, reading, expat, hasNamespaces}, true);
+        ++skipped;
     }
 
     void check(const Seen& seen, bool isExpat) {
@@ -168,7 +215,7 @@ protected:
                       << seen.text;
     }
 
-    int accepted = 0, malformed = 0, refused = 0, failures = 0;
+    int accepted = 0, malformed = 0, refused = 0, skipped = 0, failures = 0;
     std::map<std::string, int> byRule, reasons;
 };
 
@@ -184,9 +231,11 @@ TEST_F(DifferentialTest, AcceptsWhatExpatAndLibxml2Accept) {
     }
     EXPECT_GT(accepted, count / 3);
     EXPECT_GT(malformed, count / 3);
+    EXPECT_GT(skipped, count / 100);
     for (const auto& [name, times] : reasons) RecordProperty(name.substr(0, 20), times);
     if (std::getenv("ORVXML_DOCUMENTS") != nullptr) {
-        std::printf("accepted %d malformed %d refused %d\n", accepted, malformed, refused);
+        std::printf("accepted %d malformed %d refused %d, of them read without the reference %d\n", accepted, malformed,
+                    refused, skipped);
         for (const auto& [name, times] : byRule) std::printf("%7d %s\n", times, name.c_str());
         for (const auto& [name, times] : reasons) std::printf("%7d %s\n", times, name.c_str());
     }

@@ -82,6 +82,7 @@ Lexed lex(std::string_view text, const Lexer::Options& options, std::size_t chun
     for (;;) {
         switch (lexer.next()) {
         case Lexer::Event::Start:
+            result.isInContent = true;
             lines.start(lexer.name());
             for (const TagAttribute& a : lexer.attributes()) lines.attribute(a.name, a.value, a.isDefault);
             break;
@@ -103,6 +104,7 @@ Lexed lex(std::string_view text, const Lexer::Options& options, std::size_t chun
             result.events = lines.take();
             if (!result.isAccepted) result.fault = lexer.fault();
             result.declaredEncoding = lexer.declaration().encoding;
+            result.hasUnread = lexer.declarations().hasUnread;
             return result;
         }
     }

@@ -12,6 +12,8 @@ struct Lexed {
     bool isAccepted = false;
     Fault fault;
     std::string declaredEncoding;
+    bool hasUnread = false;    // the document type has a reference to what was not read
+    bool isInContent = false;  // the root has begun
 };
 
 // The first window has `chunk` characters, and each More is given as many again; 0: the whole text at once.
