@@ -77,8 +77,8 @@ public:
     // Of a Text, a CData, a Comment, an Instruction. Line ends are LF.
     std::string_view text() const;
 
-    // Of a Start and an End: what stands after the prefix, and the namespace. Without the option `namespaces` that is the
-    // name, and none. O(log n) in the prefixes in scope.
+    // Of a Start and an End: what stands after the prefix, and the namespace. Without the option `namespaces` that is
+    // the name, and none. O(log n) in the prefixes in scope.
     std::string_view localName() const;
     std::string_view namespaceUri() const;
 
@@ -94,8 +94,8 @@ public:
     // How many elements are open, the one whose Start or End is at hand included.
     int depth() const;
 
-    // Where it begins; what comes from an entity has the place of the outermost reference. Asked at each event, it costs
-    // a look at all bytes in all.
+    // Where it begins; what comes from an entity has the place of the outermost reference. Asked at each event, it
+    // costs a look at all bytes in all.
     Place place() const;
 
     // --- More than an event ---

@@ -67,11 +67,6 @@ bool EntityStack::grow(std::size_t byteCount, const char* where) {
                 "entities and defaults make more than " + std::to_string(limit) + " bytes", Problem::Kind::Limit);
 }
 
-std::int64_t EntityStack::offsetOf(const char* where) const {
-    if (!frames.empty()) return frames.front().offset;
-    return positions.begin() + (where - positions.text().data());
-}
-
 std::string EntityStack::describe(const char* where) const {
     if (where == end) return isInEntity() ? "the end of the entity" : "the end of the document";
     const Utf8::Character c = Utf8::at(where);

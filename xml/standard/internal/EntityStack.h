@@ -84,7 +84,9 @@ public:
     // --- Places ---
 
     // Of a pointer into the innermost entity: where that is in the document.
-    std::int64_t offsetOf(const char* where) const;
+    std::int64_t offsetOf(const char* where) const {
+        return frames.empty() ? positions.begin() + (where - positions.text().data()) : frames.front().offset;
+    }
     Place placeOf(std::int64_t offset) const { return positions.of(offset); }
     const TextPosition& positionOf(std::int64_t offset) const { return positions.before(offset); }
     std::string_view window() const { return positions.text(); }

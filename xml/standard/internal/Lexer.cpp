@@ -30,7 +30,7 @@ Lexer::Event Lexer::next() {
     return Event::Failed;
 }
 
-bool Lexer::read(Event& event) {
+[[gnu::always_inline]] inline bool Lexer::read(Event& event) {
     if (part == Part::Content) return readContent(event);
     if (part == Part::Beginning) {
         const char* const from = in.at;
@@ -72,7 +72,7 @@ bool Lexer::readMisc(Event& event) {
     return readStart(event);
 }
 
-bool Lexer::readContent(Event& event) {
+[[gnu::always_inline]] inline bool Lexer::readContent(Event& event) {
     if (isEnding) return endElement(event);
     if (isInText || in.at == in.end || *in.at != '<') {
         if (!readText()) return false;
@@ -140,7 +140,7 @@ bool Lexer::readSection(Event& event) {
 
 // --- Tags ---
 
-std::string_view Lexer::openName(std::size_t place) const {
+[[gnu::always_inline]] inline std::string_view Lexer::openName(std::size_t place) const {
     const std::size_t from = open[place].nameBegin;
     const std::size_t to = place + 1 < open.size() ? open[place + 1].nameBegin : openNames.size();
     return std::string_view(openNames).substr(from, to - from);
@@ -219,7 +219,7 @@ bool Lexer::readEnd(Event& event) {
 }
 
 // Its name and its prefixes stay as long as the event is at hand.
-bool Lexer::endElement(Event& event) {
+[[gnu::always_inline]] inline bool Lexer::endElement(Event& event) {
     itsName = openName(open.size() - 1);
     isEnding = false;
     hasEnded = true;
@@ -227,7 +227,7 @@ bool Lexer::endElement(Event& event) {
     return true;
 }
 
-void Lexer::forgetEnded() {
+[[gnu::always_inline]] inline void Lexer::forgetEnded() {
     if (!hasEnded) return;
     hasEnded = false;
     tags.scopes().goBack(open.back().scopes);

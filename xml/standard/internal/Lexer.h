@@ -50,8 +50,8 @@ public:
     // The window: at first, and after More what release() left and more after it. It ends between characters. release()
     // says how many bytes of the window were read, and lets go of them.
     //
-    // What is cut off is read again from its first byte on, a document type too. So that the work stays linear, a window
-    // has to be twice as long as the one before it where nothing was read of that.
+    // What is cut off is read again from its first byte on, a document type too. So that the work stays linear, a
+    // window has to be twice as long as the one before it where nothing was read of that.
     void setWindow(std::string_view text, bool isLast) { in.setWindow(text, isLast); }
     std::size_t release();
 

@@ -39,6 +39,23 @@ inline const char* find(const char* from, const char* to) {
     return from;
 }
 
+// The same where tabs and line ends are looked for as well: one comparison finds them all.
+template <char... Stops>
+inline const char* findInLine(const char* from, const char* to) {
+#ifdef __SSE2__
+    for (; to - from >= Words::kBlockSize; from += Words::kBlockSize) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+        __m128i found = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+        ((found = _mm_or_si128(found, are(Stops))), ...);
+        const auto marks = static_cast<unsigned>(_mm_movemask_epi8(found));
+        if (marks != 0) return from + __builtin_ctz(marks);
+    }
+#endif
+    while (from != to && static_cast<unsigned char>(*from) >= 0x20 && ((*from != Stops) && ...)) ++from;
+    return from;
+}
+
 struct Run {
     const char* end;
     bool hasReturn;  // a CR that is not looked for

@@ -47,7 +47,7 @@ StreamEvents::Event StreamEvents::next() {
     return *now;
 }
 
-StreamEvents::Event StreamEvents::read() {
+[[gnu::always_inline]] inline StreamEvents::Event StreamEvents::read() {
     clear();
     Lexer::Event event = waiting ? *waiting : pull();
     waiting.reset();
@@ -55,15 +55,18 @@ StreamEvents::Event StreamEvents::read() {
         if (isPart(event)) {
             if (addPart(event) && !isDropped()) return Event::Text;
         } else if (!isPassedOver(event)) {
-            if (itsText.empty() || isDropped()) return show(event);
-            waiting = event;
-            return Event::Text;
+            if (!itsText.empty() && !isDropped()) {
+                waiting = event;
+                return Event::Text;
+            }
+            itsText = {};
+            return show(event);
         }
     }
 }
 
 // More: there is no more.
-Lexer::Event StreamEvents::pull() {
+[[gnu::always_inline]] inline Lexer::Event StreamEvents::pull() {
     for (;;) {
         const Lexer::Event event = lexer.next();
         if (event != Lexer::Event::More) return event;
@@ -72,15 +75,15 @@ Lexer::Event StreamEvents::pull() {
     }
 }
 
-void StreamEvents::clear() {
+[[gnu::always_inline]] inline void StreamEvents::clear() {
     itsName = itsText = {};
     itsAttributes = &kNoAttributes;
     run.clear();
     isOther = false;
 }
 
-StreamEvents::Event StreamEvents::show(Lexer::Event event) {
-    clear();
+// Nothing is at hand before it.
+[[gnu::always_inline]] inline StreamEvents::Event StreamEvents::show(Lexer::Event event) {
     itsDepth = lexer.depth();
     itsOffset = lexer.offset();
     switch (event) {
@@ -98,7 +101,7 @@ StreamEvents::Event StreamEvents::show(Lexer::Event event) {
     return static_cast<Event>(event);
 }
 
-void StreamEvents::noteStart() {
+[[gnu::always_inline]] inline void StreamEvents::noteStart() {
     itsName = lexer.name();
     itsAttributes = &lexer.attributes();
     sorted.clear();
@@ -136,7 +139,7 @@ bool StreamEvents::isPassedOver(Lexer::Event event) const {
 }
 
 // Whether what follows ends a text, as far as a look at it shows.
-bool StreamEvents::isBeforeKept() const {
+[[gnu::always_inline]] inline bool StreamEvents::isBeforeKept() const {
     const std::string_view next = lexer.ahead();
     if (next.size() < 3 || next[0] != '<') return false;
     if (next[1] == '?') return options.keepInstructions;
@@ -145,7 +148,7 @@ bool StreamEvents::isBeforeKept() const {
 }
 
 // Whether the text is known to end with it.
-bool StreamEvents::addPart(Lexer::Event event) {
+[[gnu::always_inline]] inline bool StreamEvents::addPart(Lexer::Event event) {
     const std::string_view part = lexer.text();
     if (part.empty()) return !itsText.empty() && isBeforeKept();
     if (options.space == Space::Dropped) {

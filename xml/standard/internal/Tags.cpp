@@ -2,6 +2,7 @@
 
 #include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/Runs.h"
 #include "xml/standard/internal/Syntax.h"
 #include <algorithm>
 
@@ -54,9 +55,28 @@ bool Tags::readParts() {
         }
         if (next == in.at) return in.expected(next, StandardRules::kSTag, "white space, \">\" or \"/>\"");
         in.at = next;
-        if (!readAttribute()) return false;
+        if (!readPlainAttribute() && !readAttribute()) return false;
     }
     takeBuffered();
+    return true;
+}
+
+// Mostly a name is ASCII without a prefix, and a value in double quotes stands there as it is. False: it is read
+// otherwise, and nothing was taken.
+inline bool Tags::readPlainAttribute() {
+    const char* const from = in.at;
+    const char* at = from;
+    if (!ByteClass::is(*at, ByteClass::kNameStart) || *at == ':') return false;
+    do ++at;
+    while (at != in.end && ByteClass::is(*at, ByteClass::kNameChar) && *at != ':');
+    if (in.end - at < 2 || at[0] != '=' || at[1] != '"') return false;
+    const char* const value = at + 2;
+    const char* const end = Runs::findInLine<'"', '<', '&', Runs::kRare>(value, in.end);
+    if (end == in.end || *end != '"') return false;
+    const std::string_view name = viewOf(from, at);
+    declaresPrefixes |= name == "xmlns";
+    all.push_back({name, viewOf(value, end), false});
+    in.at = end + 1;
     return true;
 }
 

@@ -47,6 +47,7 @@ private:
 
     bool readParts();
     bool readAttribute();
+    bool readPlainAttribute();
     void takeBuffered();
     bool applyRules();
     bool checkUnique();
