@@ -18,6 +18,8 @@ struct Marks {
     unsigned feeds = 0;
     unsigned returns = 0;
     unsigned beyondAscii = 0;
+    unsigned goOn = 0;  // of those, bytes at which no character begins
+    unsigned wide = 0;  // at which one above U+FFFF does
 
     bool isPlain() const { return (feeds | returns | beyondAscii) == 0; }
 };
@@ -29,6 +31,8 @@ Marks marksOf(const char* bytes, std::ptrdiff_t count) {
         if (bytes[i] == '\n') marks.feeds |= bit;
         if (bytes[i] == '\r') marks.returns |= bit;
         if (!Utf8::isAscii(bytes[i])) marks.beyondAscii |= bit;
+        if (Utf8::goesOn(bytes[i])) marks.goOn |= bit;
+        if (static_cast<unsigned char>(bytes[i]) >= 0xF0) marks.wide |= bit;
     }
     return marks;
 }
@@ -42,20 +46,11 @@ Marks marksOfBlock(const char* bytes, std::ptrdiff_t count) {
     const __m128i feeds = _mm_cmpeq_epi8(block, _mm_set1_epi8('\n'));
     const __m128i returns = _mm_cmpeq_epi8(block, _mm_set1_epi8('\r'));
     if (marks(_mm_or_si128(_mm_or_si128(feeds, returns), block)) == 0) return {};
-    return {marks(feeds), marks(returns), marks(block)};
+    const __m128i goOn = _mm_cmplt_epi8(block, _mm_set1_epi8(static_cast<char>(0xC0)));
+    const __m128i wide = _mm_cmpeq_epi8(_mm_max_epu8(block, _mm_set1_epi8(static_cast<char>(0xF0))), block);
+    return {marks(feeds), marks(returns), marks(block), marks(goOn), marks(wide)};
 }
 #endif
-
-// The bits of those of the first `count` bytes at which characters begin, and adds those above U+FFFF to `wide`.
-unsigned startsOf(const char* bytes, std::ptrdiff_t count, unsigned beyondAscii, std::int64_t& wide) {
-    unsigned starts = (1U << count) - 1;
-    for (; beyondAscii != 0; beyondAscii &= beyondAscii - 1) {
-        const char byte = bytes[__builtin_ctz(beyondAscii)];
-        if (Utf8::goesOn(byte)) starts &= ~(beyondAscii & -beyondAscii);
-        if (static_cast<unsigned char>(byte) >= 0xF0) ++wide;
-    }
-    return starts;
-}
 
 // Mostly there is one, or it is all of the lowest, as in ASCII.
 std::int64_t countOf(unsigned bits) {
@@ -70,8 +65,9 @@ void endLine(TextPosition& place) {
 }
 
 // Counts the bytes, and returns whether the last is a CR that has to wait for what follows.
-bool pass(TextPosition& place, const char* bytes, std::ptrdiff_t count, const Marks& marks) {
-    const unsigned starts = startsOf(bytes, count, marks.beyondAscii, place.wide);
+bool pass(TextPosition& place, std::ptrdiff_t count, const Marks& marks) {
+    const unsigned starts = ((1U << count) - 1) & ~marks.goOn;
+    place.wide += countOf(marks.wide);
     const unsigned lastReturn = marks.returns & 1U << (count - 1);
     // A CR ends a line unless an LF follows.
     const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
@@ -124,7 +120,7 @@ void Places::goTo(std::int64_t offset, std::string_view held, std::int64_t from)
             place.characters += count;
             afterReturn = false;
         } else {
-            afterReturn = pass(place, at, count, marks);
+            afterReturn = pass(place, count, marks);
         }
         at += count;
     }
