@@ -23,7 +23,9 @@ const char* WholeText::newline() {
 }
 
 bool StreamText::advance(Lexer& lexer) {
+    constexpr std::size_t kShort = 4096;  // where it costs little to try again
     constexpr int kTries = 16;
+    constexpr int kTriesOfLong = 2;
     if (how != Ending::None) return false;
     const std::size_t done = lexer.release();
     begin += done;
@@ -31,7 +33,8 @@ bool StreamText::advance(Lexer& lexer) {
     dropRead(lexer);
 
     const std::size_t before = text.size();
-    const std::size_t wanted = before + (tries <= kTries ? 1 : before - begin);
+    const std::size_t left = before - begin;
+    const std::size_t wanted = before + (tries <= (left < kShort ? kTries : kTriesOfLong) ? 1 : left);
     while (how == Ending::None && text.size() < wanted) read();
     lexer.setWindow(std::string_view(text).substr(begin), how == Ending::Whole);
     return how == Ending::None || how == Ending::Whole || text.size() > before;
