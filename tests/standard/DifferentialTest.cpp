@@ -78,6 +78,13 @@ const Allowance kExpat[] = {
          }
          return false;
      }},
+    {"4.1, Entity Declared: in a document with standalone='yes' a reference has to name an entity that is declared; "
+     "Expat "
+     "does not ask within a parameter entity",
+     [](const Seen& s) {
+         return s.onlyWeRefuseBeforeRoot(StandardRules::kEntityDeclared) && s.weSay("(in the entity") &&
+                s.text.find("standalone") != std::string::npos;
+     }},
     {"4.3.2: an internal general parsed entity is well-formed if its replacement text matches the production labeled "
      "content, which has no \"]]>\"; Expat does not look for it in values of attributes",
      [](const Seen& s) { return s.onlyWeRefuse(StandardRules::kCharData) && s.weSay("\"]]>\" in the text of &"); }},
@@ -121,7 +128,8 @@ const Allowance kLibxml2[] = {
      [](const Seen& s) {
          return s.ours.hasUnread && (s.onlyPeerRefuses("not defined") || s.onlyPeerRefuses("not allowed in attr") ||
                                      s.onlyPeerRefuses("references external entity") || s.onlyPeerRefuses("loop") ||
-                                     s.onlyPeerRefuses("redefined") || s.onlyPeerRefuses("unparsed"));
+                                     s.onlyPeerRefuses("redefined") || s.onlyPeerRefuses("unparsed") ||
+                                     s.onlyPeerRefuses("EntityRef: no name"));
      }},
     {"Unique Att Spec; libxml2 passes over a second declaration of a prefix that is wrong by itself",
      [](const Seen& s) { return s.onlyWeRefuse(StandardRules::kUniqueAttSpec) && s.weSay("the attribute xmlns"); }},
