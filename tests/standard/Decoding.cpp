@@ -1,6 +1,6 @@
 #include "Decoding.h"
 #include "xml/standard/internal/SourceText.h"
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
 
 namespace Xml::test {

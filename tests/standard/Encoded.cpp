@@ -1,5 +1,5 @@
 #include "Encoded.h"
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <iconv.h>

@@ -1,7 +1,7 @@
 // The lexer reads the documents of docs/standard-constraints.md as the page says, and names the same rules.
 #include "standard/ConstraintsPage.h"
 #include "standard/Events.h"
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
 #include <string>
 

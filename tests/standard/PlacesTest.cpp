@@ -1,7 +1,7 @@
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/standard/internal/Places.h"
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>

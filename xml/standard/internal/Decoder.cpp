@@ -1,6 +1,6 @@
 #include "xml/standard/internal/Decoder.h"
 
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <utility>
 

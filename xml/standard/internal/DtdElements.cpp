@@ -1,8 +1,8 @@
 // Declarations of elements and their attributes.
 #include "xml/standard/internal/DtdParser.h"
 
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/text/internal/StandardNames.h"
 #include <utility>
 #include <vector>
 

@@ -1,8 +1,8 @@
 #include "xml/standard/internal/DtdParser.h"
 
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Runs.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <utility>
 

@@ -1,8 +1,8 @@
 #include "xml/standard/internal/EntityStack.h"
 
 #include "xml/standard/internal/Excerpt.h"
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <cstdio>
 #include <iterator>

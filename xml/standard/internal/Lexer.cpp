@@ -1,9 +1,9 @@
 #include "xml/standard/internal/Lexer.h"
 
 #include "xml/standard/internal/DtdParser.h"
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Syntax.h"
+#include "xml/text/internal/StandardNames.h"
 
 namespace Xml {
 

@@ -1,6 +1,6 @@
 #include "xml/standard/internal/Places.h"
 
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <cstddef>
 #ifdef __SSE2__

@@ -1,9 +1,9 @@
 // Where an event of a stream is, what is known of the document, and what is wrong with it.
 #include "xml/standard/internal/Excerpt.h"
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/OptionProblems.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/StreamEvents.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <limits>
 #include <utility>

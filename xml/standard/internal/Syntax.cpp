@@ -1,7 +1,7 @@
 #include "xml/standard/internal/Syntax.h"
 
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <cstdint>
 

@@ -1,9 +1,9 @@
 #include "xml/standard/internal/Tags.h"
 
-#include "xml/standard/internal/Names.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Runs.h"
 #include "xml/standard/internal/Syntax.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 
 namespace Xml {

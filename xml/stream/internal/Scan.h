@@ -11,22 +11,7 @@
 // looked at. Knows no language: what is looked for is said by its bytes or by their class.
 namespace Xml::Scan {
 
-// The first byte that is of none of the classes, `to` where all are.
-template <std::uint8_t Classes>
-inline const char* endOf(const char* from, const char* to) {
-    for (; to - from >= 8; from += 8) {
-        if (!ByteClass::is(from[0], Classes)) return from;
-        if (!ByteClass::is(from[1], Classes)) return from + 1;
-        if (!ByteClass::is(from[2], Classes)) return from + 2;
-        if (!ByteClass::is(from[3], Classes)) return from + 3;
-        if (!ByteClass::is(from[4], Classes)) return from + 4;
-        if (!ByteClass::is(from[5], Classes)) return from + 5;
-        if (!ByteClass::is(from[6], Classes)) return from + 6;
-        if (!ByteClass::is(from[7], Classes)) return from + 7;
-    }
-    while (from != to && ByteClass::is(*from, Classes)) ++from;
-    return from;
-}
+using ByteClass::endOf;
 
 // The first `wanted`, null without one.
 inline const char* find(const char* from, const char* to, char wanted) {

@@ -38,4 +38,21 @@ inline constexpr std::array<std::uint8_t, 256> kTable = makeTable();
 
 inline bool is(char c, std::uint8_t classes) { return (kTable[static_cast<unsigned char>(c)] & classes) != 0; }
 
+// The first byte of [from, to) that is of none of the classes, `to` where all are.
+template <std::uint8_t Classes>
+inline const char* endOf(const char* from, const char* to) {
+    for (; to - from >= 8; from += 8) {
+        if (!is(from[0], Classes)) return from;
+        if (!is(from[1], Classes)) return from + 1;
+        if (!is(from[2], Classes)) return from + 2;
+        if (!is(from[3], Classes)) return from + 3;
+        if (!is(from[4], Classes)) return from + 4;
+        if (!is(from[5], Classes)) return from + 5;
+        if (!is(from[6], Classes)) return from + 6;
+        if (!is(from[7], Classes)) return from + 7;
+    }
+    while (from != to && is(*from, Classes)) ++from;
+    return from;
+}
+
 }  // namespace Xml::ByteClass

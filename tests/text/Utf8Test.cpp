@@ -1,6 +1,6 @@
 #include "support/Dice.h"
 #include "support/Rounds.h"
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>

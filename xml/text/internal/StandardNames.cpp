@@ -1,4 +1,4 @@
-#include "xml/standard/internal/Names.h"
+#include "xml/text/internal/StandardNames.h"
 
 #include <algorithm>
 #include <iterator>
@@ -57,7 +57,7 @@ const char* nmtokenEndBeyondAscii(const char* from, const char* to) {
     while (from != to && !Utf8::isAscii(*from)) {
         const Utf8::Character c = Utf8::at(from);
         if (!isNameChar(c.value)) return from;
-        from = Scan::endOf<ByteClass::kNameChar>(from + c.size, to);
+        from = ByteClass::endOf<ByteClass::kNameChar>(from + c.size, to);
     }
     return from;
 }

@@ -1,4 +1,4 @@
-#include "xml/standard/internal/Utf8.h"
+#include "xml/text/internal/Utf8.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>

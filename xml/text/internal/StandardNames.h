@@ -1,8 +1,7 @@
 #pragma once
 
-#include "xml/standard/internal/Utf8.h"
-#include "xml/stream/internal/Scan.h"
 #include "xml/text/internal/ByteClasses.h"
+#include "xml/text/internal/Utf8.h"
 #include <optional>
 #include <string_view>
 
@@ -20,7 +19,7 @@ const char* nmtokenEndBeyondAscii(const char* from, const char* to);
 // The end of the longest [7] Nmtoken that begins at `from`; `from` itself where none does. In ASCII the classes are
 // those of the byte table.
 inline const char* nmtokenEnd(const char* from, const char* to) {
-    from = Scan::endOf<ByteClass::kNameChar>(from, to);
+    from = ByteClass::endOf<ByteClass::kNameChar>(from, to);
     return from == to || Utf8::isAscii(*from) ? from : nmtokenEndBeyondAscii(from, to);
 }
 
