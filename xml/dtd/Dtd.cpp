@@ -44,6 +44,17 @@ void put(DtdAccess::AttributeList& list, const std::string& attribute, std::uniq
     if (isRequired) ++list.required;
 }
 
+template <class Declaration>
+using ByName = std::map<std::string, Declaration>;
+
+template <class Declaration>
+void mergeByName(ByName<Declaration>& own, const ByName<Declaration>& others, bool replace) {
+    for (const auto& [name, declaration] : others) {
+        Declaration copy = declaration;  // first: what could not be copied must not stay in part
+        if (const auto made = own.try_emplace(name); made.second || replace) made.first->second = std::move(copy);
+    }
+}
+
 }  // namespace
 
 std::int64_t DtdAccess::entityGrowthLimit() { return growthLimit; }
@@ -159,9 +170,25 @@ void Dtd::merge(const Dtd& other, bool replace) {
             }
         }
     }
-    for (const auto& [entity, value] : other.entities) {
-        if (replace || !isEntityName(entity)) setEntity(entity, value);
+    mergeEntities(other, replace);
+}
+
+// What is declared of an internal entity goes with its value. Copies are made first, so that nothing stays in part.
+void Dtd::mergeEntities(const Dtd& other, bool replace) {
+    for (const auto& [entity, declaration] : other.entityDecls) {
+        if (!replace && isEntityKnown(entity)) continue;
+        EntityDecl copy = declaration;
+        const auto value = other.entities.find(entity);
+        if (value != other.entities.end()) setEntity(entity, value->second);
+        entityDecls[entity] = std::move(copy);
+        if (value == other.entities.end()) entities.erase(entity);
     }
+    for (const auto& [entity, value] : other.entities) {
+        const bool isMerged = other.entityDecls.find(entity) != other.entityDecls.end();
+        if (!isMerged && (replace || !isEntityKnown(entity))) setEntity(entity, value);
+    }
+    mergeByName(parameterEntities, other.parameterEntities, replace);
+    mergeByName(notations, other.notations, replace);
 }
 
 // --- Queries ---
@@ -195,9 +222,14 @@ const DataHolder& Dtd::getDefaultValue(const std::string& element, const std::st
 void Dtd::setEntity(const std::string& entity, const DataHolder& value) {
     DataHolder copy = value;  // first: an entity whose value could not be copied must not stay empty
     entities[entity] = std::move(copy);
+    entityDecls.erase(entity);
 }
 
 bool Dtd::isEntityName(const std::string& entity) const { return entities.find(entity) != entities.end(); }
+
+bool Dtd::isEntityKnown(const std::string& entity) const {
+    return isEntityName(entity) || entityDecls.find(entity) != entityDecls.end();
+}
 
 const std::string* Dtd::findEntityByValue(const DataHolder& value) const {
     for (const auto& [entity, itsValue] : entities) {
@@ -222,6 +254,35 @@ const std::string& Dtd::getEntityName(const DataHolder& value) const {
     Message("<Xml::Dtd::getEntityValue> unkown entity value: " + value);
     unknownEntityName = value;
     return unknownEntityName;
+}
+
+// --- What XML 1.0 declares of entities and notations ---
+
+bool Dtd::addNotationDecl(const std::string& notation, const NotationDecl& declaration) {
+    if (!notations.try_emplace(notation, declaration).second) return false;
+    touch();
+    return true;
+}
+
+bool Dtd::addParameterEntityDecl(const std::string& entity, const EntityDecl& declaration) {
+    if (!parameterEntities.try_emplace(entity, declaration).second) return false;
+    touch();
+    return true;
+}
+
+bool Dtd::addEntityDecl(const std::string& entity, const EntityDecl& declaration) {
+    const bool isInternal = declaration.kind == EntityDecl::Kind::Internal;
+    if (!isInternal && isEntityName(entity)) return false;
+    const auto [place, isNew] = entityDecls.try_emplace(entity, declaration);
+    if (!isNew) return false;
+    try {
+        if (isInternal) entities.try_emplace(entity, declaration.text);
+    } catch (...) {
+        entityDecls.erase(place);
+        throw;
+    }
+    touch();
+    return true;
 }
 
 // --- As a node ---

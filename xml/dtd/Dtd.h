@@ -3,6 +3,7 @@
 #include "xml/Export.h"
 #include "xml/dom/Object.h"
 #include "xml/dtd/AttDef.h"
+#include "xml/dtd/EntityDecl.h"
 #include "xml/dtd/RepType.h"
 #include "xml/text/DataHolder.h"
 #include <cstdint>
@@ -16,8 +17,9 @@ class ContentSpec;
 class CpSpec;
 class Element;
 
-// A document type description: element declarations, attribute lists and general entities. It owns the content models
-// and attribute definitions in it, and outlives every node that links to it.
+// A document type description: element declarations, attribute lists and general entities; besides what XML 1.0 declares
+// of entities and notations. It owns the content models and attribute definitions in it, and outlives every node that
+// links to it.
 //
 // Validation is const but sets links in what it validates, and look-ups of unknown entities report them and keep a
 // scratch text: those are for one thread at a time. The other queries may be made by several.
@@ -73,7 +75,7 @@ public:
 
     // --- Entities: of this Dtd alone; the standard ones are not known here ---
 
-    // Adds the entity or replaces its value.
+    // Adds the entity or replaces its value; what was declared of it (see below) goes.
     void setEntity(const std::string& name, const DataHolder& value);
     bool isEntityName(const std::string& name) const;
     bool isEntityValue(const DataHolder& value) const;
@@ -87,6 +89,21 @@ public:
     // unknown value.
     const std::string& getEntityName(const DataHolder& value) const;
 
+    // --- What XML 1.0 declares of entities and notations, by name in byte order; copied and merged with the rest, and
+    // not written ---
+
+    // The first declaration of a name counts: false where there is one.
+    bool addNotationDecl(const std::string& notation, const NotationDecl& declaration);
+    bool addParameterEntityDecl(const std::string& entity, const EntityDecl& declaration);
+
+    // The same of a general entity. An internal one has a value (see above) as well: the one that was set, or else its
+    // replacement text. One with a value can be declared as internal only.
+    bool addEntityDecl(const std::string& entity, const EntityDecl& declaration);
+
+    const std::map<std::string, NotationDecl>& getNotationDecls() const { return notations; }
+    const std::map<std::string, EntityDecl>& getParameterEntityDecls() const { return parameterEntities; }
+    const std::map<std::string, EntityDecl>& getEntityDecls() const { return entityDecls; }
+
     // Readers bound the text that they make from references to entities: past this many bytes, and more than a hundred
     // times what they have read, they fail. 64 MiB at first, 0 lifts the bound; for the whole process. Returns what was
     // set before.
@@ -98,7 +115,8 @@ public:
     const std::string& toString() const override;
     bool isDtd() const override;
 
-    // Writes the whole document type declaration. Attribute lists of elements without declaration are not written.
+    // Writes the document type declaration: elements with their attribute lists, and entities with their values.
+    // Attribute lists of elements without declaration are not written.
     void write(OutStream& out) const override;
 
 private:
@@ -113,11 +131,16 @@ private:
     ORVXML_LOCAL void declareOwn(const std::string& element, std::unique_ptr<ContentSpec> model);
     ORVXML_LOCAL const AttDef* findDefinition(const std::string& element, const std::string& attribute) const;
     ORVXML_LOCAL const std::string* findEntityByValue(const DataHolder& value) const;
+    ORVXML_LOCAL bool isEntityKnown(const std::string& entity) const;
+    ORVXML_LOCAL void mergeEntities(const Dtd& other, bool replace);
 
     std::map<std::string, std::unique_ptr<ContentSpec>> elements;
     std::map<std::string, AttributeList> attributeLists;
     std::string name;
     std::map<std::string, DataHolder> entities;
+    std::map<std::string, EntityDecl> entityDecls;  // internal ones are among `entities` too, others are not
+    std::map<std::string, EntityDecl> parameterEntities;
+    std::map<std::string, NotationDecl> notations;
     mutable DataHolder unknownEntityValue;
     mutable std::string unknownEntityName;
 

@@ -1,6 +1,7 @@
 #include "xml/dtd/NameSpec.h"
 
 #include "xml/dtd/internal/Matcher.h"
+#include "xml/dtd/internal/SpecAccess.h"
 #include "xml/stream/OutStream.h"
 #include "xml/text/Names.h"
 
@@ -17,6 +18,6 @@ void NameSpec::toStream(OutStream& out, bool outermost) const {
     if (outermost) out << ')';
 }
 
-CpSpec* NameSpec::clone(Dtd* newDtd) const { return new NameSpec(newDtd, name); }
+CpSpec* NameSpec::clone(Dtd* newDtd) const { return SpecAccess::makeName(newDtd, name).release(); }
 
 }  // namespace Xml

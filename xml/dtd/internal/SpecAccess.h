@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 #include <vector>
 
@@ -26,6 +27,14 @@ struct SpecAccess {
     static Dtd* dtd(const ContentSpec& spec) { return spec.dtd; }
     static Dtd* dtd(const CpSpec& spec) { return spec.dtd; }
     static const std::string& name(const NameSpec& spec) { return spec.name; }
+
+    // Of a name that is none to the dialect.
+    static std::unique_ptr<NameSpec> makeName(Dtd* dtd, std::string_view name) {
+        auto made = std::make_unique<NameSpec>(dtd, std::string());
+        made->name = name;
+        return made;
+    }
+
     static const std::vector<std::string>& names(const MixedSpec& spec) { return spec.names; }
     static bool hasName(const MixedSpec& spec, const std::string& name) {
         return spec.index != nullptr && spec.index->find(name) != NameIndex::kNone;
