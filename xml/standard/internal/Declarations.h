@@ -1,6 +1,8 @@
 #pragma once
 
 #include "xml/dom/Place.h"
+#include "xml/dtd/AttDef.h"
+#include "xml/dtd/EntityDecl.h"
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -13,25 +15,23 @@
 namespace Xml {
 
 // An entity as it was declared.
-struct DeclaredEntity {
-    enum class Kind : std::uint8_t { Internal, External, Unparsed };
-    Kind kind = Kind::Internal;
+struct DeclaredEntity : EntityDecl {
     bool isParameter = false;
     bool isInParameterEntity = false;  // the declaration
     bool isOpen = false;               // its replacement text is being read
     Place declaredAt;                  // in the document
-    std::string text;                  // the replacement text of an internal one
-    std::string publicId, systemId;    // of the others, as written
-    std::string notation;              // of an unparsed one
 };
 using Entities = std::map<std::string, DeclaredEntity, std::less<>>;
 
 // What is declared about one attribute of an element type.
 struct AttributeRule {
     bool isCData = true;
-    bool hasDefault = false;
+    std::string type;  // "CDATA", "IDREFS", "(a|b)", "NOTATION(a|b)": as it is written, without white space
+    AttType defaultRule = DEFAULT;
     std::string value;      // of the default, normalised
     std::uint64_t tag = 0;  // the number of the last tag that gave the attribute
+
+    bool hasDefault() const { return defaultRule == DEFAULT || defaultRule == FIXED; }
 };
 struct ElementRules {
     std::map<std::string, AttributeRule, std::less<>> all;
@@ -42,6 +42,7 @@ struct ElementRules {
 // so that any hash fails.
 struct Declarations {
     bool isPresent = false;
+    std::string name;  // of the document type
     bool isStandalone = false;
     bool hasExternalSubset = false;
     bool hasParameterReferences = false;
@@ -50,6 +51,10 @@ struct Declarations {
     Entities general;
     Entities parameter;
     std::map<std::string, ElementRules, std::less<>> elements;
+    std::map<std::string, NotationDecl, std::less<>> notations;
+
+    // Content models as they are written, without white space: "EMPTY", "(#PCDATA|a)*", "(a,(b|c)?)+".
+    std::map<std::string, std::string, std::less<>> models;
 
     // Whether entity and attribute-list declarations count: after something that is not read they do not.
     bool areProcessed() const { return !hasUnread || isStandalone; }

@@ -18,7 +18,10 @@ bool DtdParser::readElement() {
     std::string_view name;
     if (!readQName(name, "the name of an element")) return false;
     if (!readWhite(StandardRules::kElementdecl)) return false;
-    return readModel() && readEnd(StandardRules::kElementdecl);
+    model.clear();
+    if (!readModel() || !readEnd(StandardRules::kElementdecl)) return false;
+    if (declared.areProcessed()) declared.models.emplace(name, model);
+    return true;
 }
 
 bool DtdParser::readModel() {
@@ -26,14 +29,18 @@ bool DtdParser::readModel() {
     if (Syntax::mayBecome(in, "EMPTY") || Syntax::mayBecome(in, "ANY")) {
         return in.endsEarly(in.at, StandardRules::kContentspec, {});
     }
-    if (startsWith(in, "EMPTY")) return in.at += 5, true;
-    if (startsWith(in, "ANY")) return in.at += 3, true;
-    if (*in.at != '(') return expected(StandardRules::kContentspec, "EMPTY, ANY or \"(\"");
-    const char* const opening = in.at++;
+    const auto reads = [this](std::string_view keyword) {
+        if (!startsWith(in, keyword)) return false;
+        model += keyword;
+        in.at += keyword.size();
+        return true;
+    };
+    if (reads("EMPTY") || reads("ANY")) return true;
+    const char* const opening = in.at;
+    if (!reads("(")) return expected(StandardRules::kContentspec, "EMPTY, ANY or \"(\"");
     Syntax::skipWhite(in);
     if (in.at != in.end && Syntax::mayBecome(in, "#PCDATA")) return in.endsEarly(in.at, StandardRules::kMixed, {});
-    if (startsWith(in, "#PCDATA")) return in.at += 7, readMixed();
-    return readChildren(opening);
+    return reads("#PCDATA") ? readMixed() : readChildren(opening);
 }
 
 bool DtdParser::readMixed() {
@@ -46,11 +53,14 @@ bool DtdParser::readMixed() {
         Syntax::skipWhite(in);
         std::string_view name;
         if (!readQName(name, "the name of an element")) return false;
+        model.append("|").append(name);
         hasNames = true;
     }
     ++in.at;
+    model += ')';
     if (in.at != in.end && *in.at == '*') {
         ++in.at;
+        model += '*';
     } else if (hasNames) {
         return expected(StandardRules::kMixed, "\"*\" after a mixed model with names");
     }
@@ -58,7 +68,7 @@ bool DtdParser::readMixed() {
 }
 
 void DtdParser::readRepetition() {
-    if (in.at != in.end && (*in.at == '?' || *in.at == '*' || *in.at == '+')) ++in.at;
+    if (in.at != in.end && (*in.at == '?' || *in.at == '*' || *in.at == '+')) model += *in.at++;
 }
 
 // A name, or the beginning of a group.
@@ -66,7 +76,7 @@ bool DtdParser::readParticle(bool& isGroup) {
     Syntax::skipWhite(in);
     isGroup = in.at != in.end && *in.at == '(';
     if (isGroup) {
-        ++in.at;
+        model += *in.at++;
         return true;
     }
     std::string_view name;
@@ -74,6 +84,7 @@ bool DtdParser::readParticle(bool& isGroup) {
         return expected(StandardRules::kCp, "the name of an element or \"(\"");
     }
     if (!readQName(name, "the name of an element")) return false;
+    model += name;
     readRepetition();
     return true;
 }
@@ -95,7 +106,7 @@ bool DtdParser::readChildren(const char* opening) {
                 return in.endsEarly(opening, StandardRules::kChildren, "the group that begins here does not end");
             }
             if (*in.at != ')') break;
-            ++in.at;
+            model += *in.at++;
             readRepetition();
             groups.pop_back();
             if (groups.empty()) return true;
@@ -107,6 +118,7 @@ bool DtdParser::readChildren(const char* opening) {
                             between == ',' ? "\",\" or \")\"" : "\"|\" or \")\"");
         }
         between = *in.at++;
+        model += between;
     }
 }
 
@@ -126,38 +138,40 @@ bool DtdParser::readAttributeList() {
         }
         if (!readQName(name, "the name of an attribute")) return false;
         AttributeRule rule;
-        if (!readWhite(StandardRules::kAttDef) || !readAttributeType(rule.isCData) ||
-            !readWhite(StandardRules::kAttDef))
+        if (!readWhite(StandardRules::kAttDef) || !readAttributeType(rule) || !readWhite(StandardRules::kAttDef) ||
+            !readDefaultRule(rule))
             return false;
-        if (!readDefault(element, name, std::move(rule))) return false;
+        if (rule.hasDefault() && !readDefault(rule)) return false;
+        if (declared.areProcessed()) define(element, name, std::move(rule));
     }
 }
 
-bool DtdParser::readAttributeType(bool& isCData) {
-    isCData = false;
-    if (in.at != in.end && *in.at == '(') return readChoices(false);
+bool DtdParser::readAttributeType(AttributeRule& rule) {
+    rule.isCData = false;
+    if (in.at != in.end && *in.at == '(') return readChoices(false, rule.type);
     const char* const from = in.at;
     const char* const to = StandardNames::nmtokenEnd(from, in.end);
     if (to == in.end && in.isGrowing()) return in.endsEarly(from, StandardRules::kAttType, {});
-    const std::string_view word = viewOf(from, to);
-    if (word == "NOTATION") {
+    rule.type = viewOf(from, to);
+    if (rule.type == "NOTATION") {
         in.at = to;
         if (!readWhite(StandardRules::kNotationType)) return false;
         if (in.at == in.end || *in.at != '(') return expected(StandardRules::kNotationType, "\"(\"");
-        return readChoices(true);
+        return readChoices(true, rule.type);
     }
-    isCData = word == "CDATA";
+    rule.isCData = rule.type == "CDATA";
     for (const char* const type : {"CDATA", "ID", "IDREF", "IDREFS", "ENTITY", "ENTITIES", "NMTOKEN", "NMTOKENS"}) {
-        if (word == type) return in.at = to, true;
+        if (rule.type == type) return in.at = to, true;
     }
     return expected(StandardRules::kAttType, "the type of an attribute");
 }
 
-bool DtdParser::readChoices(bool areNames) {
+bool DtdParser::readChoices(bool areNames, std::string& type) {
     const char* const rule = areNames ? StandardRules::kNotationType : StandardRules::kEnumeration;
     do {
-        ++in.at;
+        type += *in.at++;
         Syntax::skipWhite(in);
+        const char* const from = in.at;
         if (areNames) {
             std::string_view name;
             if (!readName(name, "the name of a notation")) return false;
@@ -166,49 +180,54 @@ bool DtdParser::readChoices(bool areNames) {
             if (to == in.at) return expected(StandardRules::kNmtoken, "a name token");
             in.at = to;
         }
+        type += viewOf(from, in.at);
         Syntax::skipWhite(in);
     } while (in.at != in.end && *in.at == '|');
     if (in.at == in.end || *in.at != ')') return expected(rule, "\"|\" or \")\"");
-    ++in.at;
+    type += *in.at++;
+    return true;
+}
+
+bool DtdParser::readDefaultRule(AttributeRule& rule) {
+    if (in.at == in.end || *in.at != '#') {
+        if (in.at != in.end && (*in.at == '"' || *in.at == '\'')) return true;
+        return expected(StandardRules::kDefaultDecl, "#REQUIRED, #IMPLIED, #FIXED or a value in quotes");
+    }
+    const char* const to = StandardNames::nmtokenEnd(in.at + 1, in.end);
+    if (to == in.end && in.isGrowing()) return in.endsEarly(in.at, StandardRules::kDefaultDecl, {});
+    const std::string_view word = viewOf(in.at, to);
+    if (word == "#FIXED") {
+        rule.defaultRule = FIXED;
+    } else if (word == "#REQUIRED") {
+        rule.defaultRule = REQUIRED;
+    } else if (word == "#IMPLIED") {
+        rule.defaultRule = IMPLIED;
+    } else {
+        return expected(StandardRules::kDefaultDecl, "#REQUIRED, #IMPLIED, #FIXED or a value");
+    }
+    in.at = to;
+    return rule.defaultRule != FIXED || readWhite(StandardRules::kDefaultDecl);
+}
+
+bool DtdParser::readDefault(AttributeRule& rule) {
+    if (in.at != in.end && *in.at == '%') return expected(StandardRules::kDefaultDecl, "a value");
+    values.setUnknownAllowed(!declared.areProcessed());
+    std::string_view plain;
+    bool isPlain = false;
+    if (!values.readAttribute(plain, isPlain, rule.value)) return false;
+    if (isPlain) rule.value = plain;
+    if (!rule.isCData && !isCollapsed(rule.value)) rule.value = collapsed(rule.value);
     return true;
 }
 
 // The first definition of an attribute counts.
-bool DtdParser::readDefault(std::string_view element, std::string_view name, AttributeRule rule) {
-    bool isFixed = false;
-    if (in.at != in.end && *in.at == '#') {
-        const char* const to = StandardNames::nmtokenEnd(in.at + 1, in.end);
-        if (to == in.end && in.isGrowing()) return in.endsEarly(in.at, StandardRules::kDefaultDecl, {});
-        const std::string_view word = viewOf(in.at, to);
-        isFixed = word == "#FIXED";
-        if (!isFixed && word != "#REQUIRED" && word != "#IMPLIED") {
-            return expected(StandardRules::kDefaultDecl, "#REQUIRED, #IMPLIED, #FIXED or a value");
-        }
-        in.at = to;
-        if (isFixed && !readWhite(StandardRules::kDefaultDecl)) return false;
-        rule.hasDefault = isFixed;
-    } else {
-        if (in.at == in.end || (*in.at != '"' && *in.at != '\'')) {
-            return expected(StandardRules::kDefaultDecl, "#REQUIRED, #IMPLIED, #FIXED or a value in quotes");
-        }
-        rule.hasDefault = true;
-    }
-    if (rule.hasDefault) {
-        if (in.at != in.end && *in.at == '%') return expected(StandardRules::kDefaultDecl, "a value");
-        values.setUnknownAllowed(!declared.areProcessed());
-        std::string_view plain;
-        bool isPlain = false;
-        if (!values.readAttribute(plain, isPlain, rule.value)) return false;
-        if (isPlain) rule.value = plain;
-        if (!rule.isCData && !isCollapsed(rule.value)) rule.value = collapsed(rule.value);
-    }
-    if (!declared.areProcessed()) return true;
+void DtdParser::define(std::string_view element, std::string_view name, AttributeRule rule) {
     auto rules = declared.elements.find(element);
     if (rules == declared.elements.end()) rules = declared.elements.emplace(element, ElementRules()).first;
-    if (rules->second.all.find(name) != rules->second.all.end()) return true;
+    if (rules->second.all.find(name) != rules->second.all.end()) return;
     const auto added = rules->second.all.emplace(name, std::move(rule)).first;
-    if (added->second.hasDefault) rules->second.defaults.emplace_back(added->first, &added->second);
-    return true;
+    AttributeRule& kept = added->second;
+    if (kept.hasDefault()) rules->second.defaults.emplace_back(added->first, &kept);
 }
 
 }  // namespace Xml

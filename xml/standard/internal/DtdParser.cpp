@@ -184,7 +184,10 @@ bool DtdParser::readNotation() {
     Syntax::ExternalId id;
     if (!Syntax::readExternalId(in, id, true)) return false;
     if (!id.isPresent) return expected(StandardRules::kNotationDecl, "SYSTEM or PUBLIC");
-    return readEnd(StandardRules::kNotationDecl);
+    if (!readEnd(StandardRules::kNotationDecl)) return false;
+    if (!declared.areProcessed()) return true;
+    declared.notations.emplace(name, NotationDecl{std::string(id.publicId), std::string(id.systemId)});
+    return true;
 }
 
 }  // namespace Xml

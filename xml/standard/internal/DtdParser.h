@@ -38,9 +38,11 @@ private:
     bool readParticle(bool& isGroup);
     void readRepetition();
     bool readAttributeList();
-    bool readAttributeType(bool& isCData);
-    bool readChoices(bool areNames);
-    bool readDefault(std::string_view element, std::string_view name, AttributeRule rule);
+    bool readAttributeType(AttributeRule& rule);
+    bool readChoices(bool areNames, std::string& type);
+    bool readDefaultRule(AttributeRule& rule);
+    bool readDefault(AttributeRule& rule);
+    void define(std::string_view element, std::string_view name, AttributeRule rule);
 
     // White space and '>'.
     bool readEnd(const char* rule);
@@ -57,6 +59,7 @@ private:
     Declarations& declared;
     Values values;
     bool namespaces;
+    std::string model;  // the one at hand, as Declarations has it
 };
 
 }  // namespace Xml

@@ -260,6 +260,7 @@ bool Lexer::readDoctype(Event& event) {
         return false;
     }
     declared.isPresent = true;
+    declared.name = itsName;
     part = Part::BeforeRoot;
     event = Event::Doctype;
     return true;

@@ -2,13 +2,15 @@
 
 #include "xml/dom/Document.h"
 #include "xml/dom/Prolog.h"
+#include "xml/dtd/Dtd.h"
 #include "xml/standard/internal/ContentBuilder.h"
+#include "xml/standard/internal/DtdBuilder.h"
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/FirstLineEnd.h"
 #include "xml/standard/internal/Lexer.h"
+#include "xml/text/internal/StandardNames.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/SourcePlaces.h"
-#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -102,7 +104,7 @@ std::unique_ptr<Document> TreeReader::finish() {
     FirstLineEnd lineEnd;
     lineEnd.look(source.text());
     prolog->newline = lineEnd.text();
-    std::unique_ptr<Document> document = NodeAccess::makeDocument(content.take());
+    std::unique_ptr<Document> document = NodeAccess::makeDocument(content.take(), makeDtd(lexer.declarations()));
     NodeAccess::prolog(*document) = std::move(prolog);
     if (options.keepPlaces) NodeAccess::keepPlace(*document, places.of(0));
     return document;
