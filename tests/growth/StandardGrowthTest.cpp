@@ -73,6 +73,38 @@ const TextCase kRead[] = {
      [](int n) { return declaring("<!ENTITY % p '<!--x-->'>" + repeated("%p;", n)); }},
     {"groups in each other",
      [](int n) { return declaring("<!ELEMENT r " + repeated("(", n) + "a" + repeated(",b)", n) + ">"); }},
+    {"groups of one in each other",
+     [](int n) { return declaring("<!ELEMENT r " + repeated("(", n) + "a" + repeated(")?", n) + ">"); }},
+    {"names in a mixed model",
+     [](int n) {
+         return declaring("<!ELEMENT r (#PCDATA" + pieces(n, [](int i) { return numbered("|a", i); }) + ")*>");
+     }},
+    {"one name in a mixed model", [](int n) { return declaring("<!ELEMENT r (#PCDATA" + repeated("|a", n) + ")*>"); }},
+    {"elements",
+     [](int n) { return declaring(pieces(n, [](int i) { return numbered("<!ELEMENT a", i) + " (b,(c|d)*)>"; })); }},
+    {"attributes of elements",
+     [](int n) {
+         return declaring(
+             pieces(n, [](int i) { return numbered("<!ATTLIST a", i) + " x (y|z) 'y' t IDREFS #REQUIRED>"; }));
+     }},
+    {"values of an attribute",
+     [](int n) {
+         return declaring("<!ATTLIST r x (a" + pieces(n, [](int i) { return numbered("|a", i); }) + ") #IMPLIED>");
+     }},
+    {"notations and what is of them",
+     [](int n) {
+         return declaring(pieces(n, [](int i) {
+             return numbered("<!NOTATION n", i) + numbered(" SYSTEM 's'><!ENTITY e", i) +
+                    numbered(" SYSTEM 's' NDATA n", i) + ">";
+         }));
+     }},
+    {"parameter entities",
+     [](int n) { return declaring(pieces(n, [](int i) { return numbered("<!ENTITY % p", i) + " '<!--x-->'>"; })); }},
+    {"entities that grow from one to the next",
+     [](int n) {
+         return declaring(
+             pieces(n, [](int i) { return numbered("<!ENTITY e", i) + numbered(" 'x&e", i + 1) + ";'>"; }));
+     }},
     {"names in a choice",
      [](int n) { return declaring("<!ELEMENT r (a" + pieces(n, [](int i) { return numbered("|a", i); }) + ")>"); }},
 };

@@ -6,7 +6,9 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/dtd/AnySpec.h"
+#include "xml/dtd/AttEnumeratedType.h"
 #include "xml/dtd/AttStringType.h"
+#include "xml/dtd/AttTokenType.h"
 #include "xml/dtd/CharSpec.h"
 #include "xml/dtd/ChildrenSpec.h"
 #include "xml/dtd/ChoiceSpec.h"
@@ -340,6 +342,98 @@ TEST(DtdMemoryTest, WhatWasNotMergedIsMergedTheNextTime) {
             }
             EXPECT_EQ(textOf(*target), expected);
             EXPECT_EQ(textOf(*dtd), before);
+        });
+    }
+}
+
+namespace {
+
+// What is declared of entities and notations, as text.
+std::string declaredIn(const Dtd& dtd) {
+    std::string text = textOf(dtd);
+    const auto add = [&text](const std::string& name, const EntityDecl& entity) {
+        text += name + entity.text + entity.publicId + entity.systemId + entity.notation + "\n";
+    };
+    for (const auto& [name, entity] : dtd.getEntityDecls()) add(name, entity);
+    for (const auto& [name, entity] : dtd.getParameterEntityDecls()) add("%" + name, entity);
+    for (const auto& [name, notation] : dtd.getNotationDecls()) text += name + notation.publicId + notation.systemId;
+    return text;
+}
+
+const EntityDecl kInternal = {EntityDecl::Kind::Internal, kLong, {}, {}, {}};
+const EntityDecl kUnparsed = {EntityDecl::Kind::Unparsed, {}, kLong, kLong, kTool};
+
+void declareAll(Dtd& dtd) {
+    dtd.addEntityDecl(kPea, kInternal);
+    dtd.addEntityDecl(kBean, kUnparsed);
+    dtd.addParameterEntityDecl(kPea, kInternal);
+    dtd.addNotationDecl(kTool, {kLong, kLong});
+}
+
+}  // namespace
+
+TEST(DtdMemoryTest, WhatCouldNotBeDeclaredOfEntitiesIsDeclaredTheNextTime) {
+    const std::function<void(Dtd&)> kDeclarations[] = {
+        [](Dtd& dtd) { dtd.addEntityDecl(kPot, kInternal); },
+        [](Dtd& dtd) { dtd.addEntityDecl(kPot, kUnparsed); },
+        [](Dtd& dtd) { dtd.addParameterEntityDecl(kPot, kUnparsed); },
+        [](Dtd& dtd) {
+            dtd.addNotationDecl(kPot, {kLong, kLong});
+        },
+        [](Dtd& dtd) { dtd.setEntity(kBean, kLong); },
+    };
+    for (const auto& declare : kDeclarations) {
+        Dtd whole(kPea);
+        declareAll(whole);
+        const std::string before = declaredIn(whole);
+        declare(whole);
+        forEachFailingAllocation([&](Attempt& attempt) {
+            Dtd dtd(kPea);
+            declareAll(dtd);
+            if (!attempt([&] { declare(dtd); })) {
+                EXPECT_EQ(declaredIn(dtd), before);
+                declare(dtd);
+            }
+            EXPECT_EQ(declaredIn(dtd), declaredIn(whole));
+        });
+    }
+}
+
+TEST(DtdMemoryTest, WhatWasNotMergedOfEntitiesIsMergedTheNextTime) {
+    Dtd other(kPea);
+    declareAll(other);
+    for (const bool replace : {false, true}) {
+        SCOPED_TRACE(replace);
+        const auto makeTarget = [] {
+            auto target = std::make_unique<Dtd>(kPot);
+            target->addEntityDecl(kPea, kUnparsed);
+            target->setEntity(kPot, kLong);
+            target->addNotationDecl(kTool, {});
+            return target;
+        };
+        const auto merged = makeTarget();
+        merged->merge(other, replace);
+        forEachFailingAllocation([&](Attempt& attempt) {
+            const auto target = makeTarget();
+            if (!attempt([&] { target->merge(other, replace); })) {
+                EXPECT_EQ(declaredIn(Dtd(*target)), declaredIn(*target));  // of what is there now
+                target->merge(other, replace);
+            }
+            EXPECT_EQ(declaredIn(*target), declaredIn(*merged));
+        });
+    }
+}
+
+TEST(DtdMemoryTest, DefinitionsOfEveryTypeAreCopiedOrNot) {
+    const AttEnumeratedType choice(AttEnumeratedType::Kind::Tokens, {kPea, kBean, kPot}, DEFAULT, kPot);
+    const AttTokenType token(AttTokenType::Kind::IdRefs, DEFAULT, kPot);
+    for (const AttDef* const definition : {static_cast<const AttDef*>(&choice), static_cast<const AttDef*>(&token)}) {
+        forEachFailingAllocation([&](Attempt& attempt) {
+            std::unique_ptr<AttDef> copy;
+            if (attempt([&] { copy.reset(definition->clone()); })) {
+                EXPECT_EQ(copy->getDefault(), kPot);
+                EXPECT_TRUE(copy->validate(kPot));
+            }
         });
     }
 }

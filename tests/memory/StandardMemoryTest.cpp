@@ -22,6 +22,11 @@ const std::string kDeclarations =
     "<?xml version='1.0' encoding='UTF-8' standalone='yes'?><!DOCTYPE garden PUBLIC '-//a public identifier//' 's' "
     "[\r\n"
     "<!ELEMENT garden (bed | (note, note?)+ | shed)*><!NOTATION a-notation-for-pictures SYSTEM 'pictures'>\r\n"
+    "<!ELEMENT bed (((a-pea-that-climbs-upwards?)+, ((bean-in-the-pot | (pot)), shed?))*)+><!ELEMENT note (#PCDATA | "
+    "a-pea-that-climbs-upwards | em)*><!ELEMENT pea EMPTY>"
+    "<!ATTLIST bean-in-the-pot picture NOTATION (a-notation-for-pictures | another-notation) #IMPLIED "
+    "ripe (not-yet-but-soon | yes) #REQUIRED twin-of-this-bean IDREF #IMPLIED>"
+    "<!ENTITY all-of-the-texts '&soil;, &where; &#38;#8364; &an-entity-not-declared;'>"
     "<!ATTLIST pea colour-of-the-flowers CDATA 'white, or perhaps red' sizes NMTOKENS ' small   large '>\r\n"
     "<!ENTITY soil 'heavy, and wet for <em>most</em> of the year'><!ENTITY where 'behind &#38;amp; beside the "
     "house'>\r\n"
@@ -68,6 +73,7 @@ void appendPlaces(std::string& to, const Element& element) {
 std::string shown(const ReadResult& result) {
     std::string text = dump(result.get()) + result.message();
     if (!result) return text;
+    text += textOf(*result.get());
     const Prolog& prolog = prologOf(*result);
     text += prolog.doctype + prolog.publicId + prolog.internalSubset + prolog.newline;
     for (const auto* nodes : {&prolog.beforeDoctype, &prolog.beforeRoot, &prolog.afterRoot}) {

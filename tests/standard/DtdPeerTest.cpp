@@ -110,14 +110,20 @@ std::string typeOf(const AttDef& definition) {
     return text;
 }
 
-// libxml2 drops values that do not fit the type: of an enumeration those that are no tokens, of notations those that are
-// no name.
+// libxml2 drops values that do not fit the type. Of an enumeration those are no tokens, of notations no name; before
+// tokens it passes over white space that came by references.
 bool isKept(const AttDef& definition) {
     using Kind = AttTokenType::Kind;
-    const auto* const type = dynamic_cast<const AttEnumeratedType*>(&definition);
-    if (type == nullptr) return definition.validate(definition.getDefault());
-    const bool areTokens = type->getKind() == AttEnumeratedType::Kind::Tokens;
-    return AttTokenType(areTokens ? Kind::NmTokens : Kind::IdRef, IMPLIED).validate(definition.getDefault());
+    const DataHolder& value = definition.getDefault();
+    const auto* const choice = dynamic_cast<const AttEnumeratedType*>(&definition);
+    const auto* const token = dynamic_cast<const AttTokenType*>(&definition);
+    if (choice != nullptr && choice->getKind() == AttEnumeratedType::Kind::Notations) {
+        return AttTokenType(Kind::IdRef, IMPLIED).validate(value);
+    }
+    if (choice == nullptr && (token == nullptr || token->getKind() != Kind::NmTokens))
+        return definition.validate(value);
+    const std::size_t from = value.find_first_not_of(" \t\n\r");
+    return from != std::string::npos && AttTokenType(Kind::NmTokens, IMPLIED).validate(value.substr(from));
 }
 
 std::string ruleOf(const AttDef& definition) {
@@ -152,9 +158,23 @@ Declared declaredIn(const Dtd& dtd, const Declarations& names) {
     return all;
 }
 
+// libxml2 takes a CR for the end of a line in the text of a parameter entity too, where it came by a reference. Line
+// ends are those of external entities (2.11).
+std::string withoutReturns(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r') {
+            result += text[i];
+        } else if (text[i + 1] != '\n') {
+            result += '\n';
+        }
+    }
+    return result;
+}
+
 std::string shown(const Declared& all) {
     std::string text;
-    for (const auto& [what, value] : all) text += what + " = " + value + "\n";
+    for (const auto& [what, value] : all) text += what + " = " + withoutReturns(value) + "\n";
     return text;
 }
 
@@ -179,7 +199,7 @@ TEST(DtdPeerTest, HoldsWhatLibxml2FindsInTheInternalSubset) {
     Dice dice(13);
     int compared = 0;
     std::size_t declarations = 0;
-    for (int i = 0; i < rounds(3000) && !HasFailure(); ++i) {
+    for (int i = 0; i < rounds(40'000) && !HasFailure(); ++i) {
         const std::string text = randomDocument(dice);
         Lexer lexer({});
         lexer.setWindow(text, true);
@@ -203,7 +223,7 @@ TEST(DtdPeerTest, HoldsWhatLibxml2FindsInTheInternalSubset) {
         ++compared;
         declarations += found.size();
     }
-    EXPECT_GT(compared, atLeast(700));
+    EXPECT_GT(compared, atLeast(10'000));
     EXPECT_GT(declarations, static_cast<std::size_t>(compared));
 }
 

@@ -37,15 +37,18 @@ void flatten(Particle& particle) {
     particle.members = std::move(flat);
 }
 
-// (a|b*)+ is (a|b)*.
+// (a|b*)+ is (a|b)*, and what is flattened by that is looked at again.
 void normalise(Particle& particle) {
     for (Particle& member : particle.members) normalise(member);
     flatten(particle);
-    if (particle.between != '|' || (particle.repetition != '*' && particle.repetition != '+')) return;
-    for (Particle& member : particle.members) {
-        if (mayBeNothing(std::exchange(member.repetition, char{0}))) particle.repetition = '*';
+    const bool isRepeatedChoice = particle.between == '|' && (particle.repetition == '*' || particle.repetition == '+');
+    const auto repeats = [](const Particle& member) { return member.repetition != 0; };
+    while (isRepeatedChoice && std::any_of(particle.members.begin(), particle.members.end(), repeats)) {
+        for (Particle& member : particle.members) {
+            if (mayBeNothing(std::exchange(member.repetition, char{0}))) particle.repetition = '*';
+        }
+        flatten(particle);
     }
-    flatten(particle);
 }
 
 std::string textOf(const Particle& particle) {

@@ -52,6 +52,14 @@ std::unique_ptr<Document> NodeAccess::makeDocument(std::unique_ptr<Element> root
     return document;
 }
 
+std::unique_ptr<Document> NodeAccess::makeDocument(std::unique_ptr<Element> root, std::unique_ptr<Dtd> dtd) {
+    if (dtd == nullptr) return makeDocument(std::move(root));
+    auto document = std::make_unique<Document>(root.get(), dtd.get());
+    root.release();  // the document's now, as the Dtd
+    dtd.release();
+    return document;
+}
+
 std::unique_ptr<Prolog>& NodeAccess::prolog(Document& document) { return document.prolog; }
 const Prolog* NodeAccess::prolog(const Document& document) { return document.prolog.get(); }
 

@@ -17,9 +17,9 @@ class ContentSpec;
 class CpSpec;
 class Element;
 
-// A document type description: element declarations, attribute lists and general entities; besides what XML 1.0 declares
-// of entities and notations. It owns the content models and attribute definitions in it, and outlives every node that
-// links to it.
+// A document type description: element declarations, attribute lists and general entities; besides, what XML 1.0
+// declares of entities and notations. It owns the content models and attribute definitions in it, and outlives every
+// node that links to it.
 //
 // Validation is const but sets links in what it validates, and look-ups of unknown entities report them and keep a
 // scratch text: those are for one thread at a time. The other queries may be made by several.

@@ -206,6 +206,9 @@ struct NodeAccess {
     // A document around a tree that was read, without a Dtd: nothing in it links to one.
     static std::unique_ptr<Document> makeDocument(std::unique_ptr<Element> root);
 
+    // The same with a Dtd, where that is not null: all of the tree links to it.
+    static std::unique_ptr<Document> makeDocument(std::unique_ptr<Element> root, std::unique_ptr<Dtd> dtd);
+
     // What stands around the root, null until it is first asked for.
     static std::unique_ptr<Prolog>& prolog(Document& document);
     static const Prolog* prolog(const Document& document);
