@@ -41,6 +41,7 @@ std::string_view referenceIn(std::string_view text) {
     return text.substr(0, isWhole ? static_cast<std::size_t>(to + 1 - text.data()) : 1);
 }
 
+// Makes the texts, with a stack of its own: entities may refer to each other as deep as there are some.
 class EntityTexts {
 public:
     explicit EntityTexts(const Entities& general) : declared(general) {
