@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dom/Place.h"
 #include "xml/dom/internal/SortByName.h"
 #include <algorithm>
 #include <cstddef>
@@ -53,6 +54,10 @@ public:
     // Whether each value is padded (see GivenText); not at first.
     bool arePadded() const { return padded; }
     void setPadded() { padded = true; }
+
+    // They have none in the source, as TagAttributes may.
+    static bool havePlaces() { return false; }
+    static const Place* placeOf(const Given&) { return nullptr; }
 
     bool empty() const { return count == 0; }
     std::size_t size() const { return count; }

@@ -168,22 +168,13 @@ struct NodeAccess {
         }
         for (; first != last; ++first) *at++ = first->release();
     }
-    static void setAttributes(Element& element, NodeMemory& memory, GivenAttributes& all) {
-        all.sort();
-        if (setTogether(element, memory, all)) return;
-        reserveAttributes(element, &memory, all.size());
-        internal::Attributes::Filling filling = element.attributes.fill();
-        for (const GivenAttributes::Given& given : all) {
-            filling.put(makeAttribute(memory, *given.name, given.value(), &element, all.arePadded()).release());
-        }
-    }
-
-    static void setAttributes(Element& element, NodeMemory& memory, TagAttributes& all) {
+    template <class Attributes>
+    static void setAttributes(Element& element, NodeMemory& memory, Attributes& all) {
         all.sort();
         if (!all.havePlaces() && setTogether(element, memory, all)) return;
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
-        for (const TagAttributes::Given& given : all) {
+        for (const auto& given : all) {
             std::unique_ptr<Attribute> made =
                 makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.placeOf(given));
             noteTag(*made, given);

@@ -8,9 +8,9 @@
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/FirstLineEnd.h"
 #include "xml/standard/internal/Lexer.h"
-#include "xml/text/internal/StandardNames.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/SourcePlaces.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <string>
 #include <utility>

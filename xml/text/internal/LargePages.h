@@ -10,8 +10,8 @@ namespace Xml::LargePages {
 
 constexpr std::uintptr_t kBytes = std::uintptr_t{2} << 20;
 
-// Asks for memory that is about to be filled: large pages, as far as whole ones lie in it, and all of it at once where it
-// is fresh. Small pages that come one by one, each when it is first touched, take twice as long.
+// Asks for memory that is about to be filled: large pages, as far as whole ones lie in it, and all of it at once where
+// it is fresh. Small pages that come one by one, each when it is first touched, take twice as long.
 void ask(void* memory, std::size_t size);
 
 // Makes room in an empty string for so many bytes.
@@ -24,8 +24,8 @@ inline void reserve(std::string& text, std::size_t size) {
 // One large page of the caller's own; null where the system has none to give.
 void* map();
 
-// Offers a page that map() gave to the system, which takes its memory only when it runs short. Until then, and after that
-// too, the page may be filled again; what was in it is lost. False where the system knows no such offer.
+// Offers a page that map() gave to the system, which takes its memory only when it runs short. Until then, and after
+// that too, the page may be filled again; what was in it is lost. False where the system knows no such offer.
 bool offer(void* page) noexcept;
 
 // Gives back so much of what map() gave: any part of it that is whole small pages.
