@@ -31,17 +31,21 @@ Path::Read* Path::step(std::size_t number, Expressions& expressions, PathError& 
         return nullptr;
     }
     read.depth = read.step.slashes + (before != nullptr ? before->depth + 1 : 0);
+    read.predicates.reserve(read.step.predicates.size());
     for (const Span& predicate : read.step.predicates) read.predicates.emplace_back(expressions.add(predicate));
     if (tail == 0 && before != nullptr && before->step.isParent() && !read.step.isParent()) tail = number;
-    if (steps.empty()) steps.reserve(kSome);
+    if (steps.empty() && !read.step.isLast) steps.reserve(kSome);
     steps.push_back(&read);
     return &read;
 }
 
 const PositionTest* Path::Predicate::positionTest(const Expressions& expressions) {
-    if (!isRead) position = PositionTest::read(*expression, expressions);
-    isRead = true;
-    return position ? &*position : nullptr;
+    if (found == Found::NotRead) {
+        const std::optional<PositionTest> test = PositionTest::read(*expression, expressions);
+        if (test) position = *test;
+        found = test ? Found::Position : Found::Other;
+    }
+    return found == Found::Position ? &position : nullptr;
 }
 
 Expression::Items& Expression::items(const PathText& whole) {

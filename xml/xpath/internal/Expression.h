@@ -8,6 +8,7 @@
 #include "xml/xpath/internal/Value.h"
 #include "xml/xpath/internal/axes/Siblings.h"
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory_resource>
 #include <optional>
@@ -37,8 +38,10 @@ struct Path {
         Expression* expression;
 
     private:
-        bool isRead = false;
-        std::optional<PositionTest> position;
+        enum class Found : std::uint8_t { NotRead, Position, Other };
+
+        PositionTest position;
+        Found found = Found::NotRead;
     };
 
     struct Read {

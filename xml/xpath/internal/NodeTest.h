@@ -6,6 +6,7 @@
 #include "xml/xpath/internal/Characters.h"
 #include "xml/xpath/internal/PathError.h"
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,7 +14,7 @@ namespace Xml {
 
 class PathText;
 
-enum class KindTest { None, Node, Element, Attribute, Document, Text };
+enum class KindTest : std::uint8_t { None, Node, Element, Attribute, Document, Text };
 
 // What a step asks of a node: its kind, its name, or both.
 //
@@ -70,7 +71,7 @@ public:
     }
 
 private:
-    enum class Names { All, Whole, Local, Prefixed, Impossible };
+    enum class Names : std::uint8_t { All, Whole, Local, Prefixed, Impossible };
 
     // Up to so many attributes are gone through for one of a name.
     static constexpr std::size_t kFew = 8;

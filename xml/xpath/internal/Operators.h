@@ -1,10 +1,11 @@
 #pragma once
 
 #include "xml/xpath/internal/Characters.h"
+#include <cstdint>
 
 namespace Xml {
 
-enum class Operator {
+enum class Operator : std::uint8_t {
     LessThan,  // the first six compare
     LessOrEqual,
     Equal,

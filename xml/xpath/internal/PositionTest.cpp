@@ -1,7 +1,6 @@
 #include "xml/xpath/internal/PositionTest.h"
 
 #include "xml/xpath/internal/Expression.h"
-#include <algorithm>
 #include <limits>
 #include <variant>
 
@@ -27,7 +26,8 @@ std::size_t PositionTest::enough() const {
     constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
     constexpr double kMost = 1e9;  // above it counting pays no more
     const bool ends = op == Operator::Equal || op == Operator::LessThan || op == Operator::LessOrEqual;
-    return ends && number < kMost ? std::max<std::size_t>(static_cast<std::size_t>(number), 1) : kAny;
+    if (!ends || !(number < kMost)) return kAny;
+    return number > 1 ? static_cast<std::size_t>(number) : 1;
 }
 
 }  // namespace Xml

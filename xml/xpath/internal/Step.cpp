@@ -40,19 +40,20 @@ bool Step::read(const PathText& text, Unit& at, Unit end, PathError& error) {
         if (++at == end) return error.set(XPath::DOUBLE_SLASH_AT_THE_END_NOT_ALLOWED, u"//");
     }
     whole.begin = at;
-    const bool isWord = readWord(end);
-    if (!isWord) findEnd(text, end);
+    const Unit nameEnd = afterNCChars(at, end);
+    const bool isWord = readWord(nameEnd, end);
+    if (!isWord) findEnd(text, nameEnd, end);
     isLast = whole.end == end;
     at = isLast ? end : whole.end + 1;
     if (!isLast && at == end) {
         return error.set(XPath::SLASH_AT_END_NOT_ALLOWED, text.written(whole.begin, end));
     }
-    return isWord ? readTest(text, error) : extractPredicates(text, error) && extractAxis(text, error);
+    if (isWord) return readTest(text, nameEnd, error);
+    return extractPredicates(text, error) && extractAxis(text, nameEnd, error);
 }
 
 // Most steps are a name, with a prefix or without one. One pass finds out and says where it ends.
-inline bool Step::readWord(Unit end) {
-    nameEnd = afterNCChars(whole.begin, end);
+inline bool Step::readWord(Unit nameEnd, Unit end) {
     const bool hasPrefix = nameEnd != end && *nameEnd == u':';
     headEnd = hasPrefix ? afterNCChars(nameEnd + 1, end) : nameEnd;
     whole.end = headEnd;
@@ -61,7 +62,7 @@ inline bool Step::readWord(Unit end) {
 
 // A slash ends the step where as many brackets were closed as opened. A bracket that is closed without being opened
 // counts too: no slash ends the step then until one more is opened.
-void Step::findEnd(const PathText& text, Unit end) {
+void Step::findEnd(const PathText& text, Unit nameEnd, Unit end) {
     headEnd = nullptr;
     long open = 0;
     Unit at = nameEnd;
@@ -97,7 +98,7 @@ bool Step::extractPredicates(const PathText& text, PathError& error) {
     return true;
 }
 
-bool Step::extractAxis(const PathText& text, PathError& error) {
+bool Step::extractAxis(const PathText& text, Unit nameEnd, PathError& error) {
     Unit begin = whole.begin;
     const Unit separator = findColons(nameEnd, headEnd);
     if (separator != headEnd) {
@@ -110,14 +111,14 @@ bool Step::extractAxis(const PathText& text, PathError& error) {
         axis = Axis::Attribute;
         begin = whole.begin + 1;
     } else {
-        return readTest(text, error);
+        return readTest(text, nameEnd, error);
     }
     testBegin = begin;
     return test.read(text, {begin, afterNCChars(begin, headEnd), headEnd}, error);
 }
 
 // Reads a step without an axis before its test.
-bool Step::readTest(const PathText& text, PathError& error) {
+bool Step::readTest(const PathText& text, Unit nameEnd, PathError& error) {
     const bool parent = equals(whole.begin, headEnd, "..");
     if (parent || equals(whole.begin, headEnd, ".")) {
         axis = parent ? Axis::Parent : Axis::Self;

@@ -4,6 +4,7 @@
 #include "xml/xpath/internal/NodeTest.h"
 #include "xml/xpath/internal/PathError.h"
 #include <cstddef>
+#include <cstdint>
 #include <memory_resource>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace Xml {
 
 class PathText;
 
-enum class Axis {
+enum class Axis : std::uint8_t {
     Attribute,
     Child,
     Descendant,
@@ -56,19 +57,19 @@ struct Step {
     unsigned slashes = 0;
 
     Axis axis = Axis::Child;
+    bool isLast = false;
     NodeTest test;
     std::pmr::vector<Span> predicates;  // without their brackets
-    bool isLast = false;
 
 private:
-    bool readWord(Unit end);
-    void findEnd(const PathText& text, Unit end);
+    // `nameEnd` is after the characters of names that the step begins with.
+    bool readWord(Unit nameEnd, Unit end);
+    void findEnd(const PathText& text, Unit nameEnd, Unit end);
     bool extractPredicates(const PathText& text, PathError& error);
-    bool extractAxis(const PathText& text, PathError& error);
-    bool readTest(const PathText& text, PathError& error);
+    bool extractAxis(const PathText& text, Unit nameEnd, PathError& error);
+    bool readTest(const PathText& text, Unit nameEnd, PathError& error);
 
     Span whole;
-    Unit nameEnd = nullptr;    // after the characters of names that it begins with
     Unit headEnd = nullptr;    // where the predicates begin
     Unit testBegin = nullptr;  // null where "." or ".." stands for the whole step
 };
