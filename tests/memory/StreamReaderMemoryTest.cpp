@@ -23,6 +23,7 @@ const std::string kTexts[] = {
     "\xE4nd <![CDATA[indoors & out]]><!-- early\r\n -->, not late<bed>in rows, but not in those of the last year</bed>"
     "<?and water them, every other day?></garden>",
     "<garden><bed><pea></bed></garden>",
+    "<garden> \n \n" + std::string(1500, ' ') + "<bed the-width-of-it='" + std::string(3000, '1') + "'/> \n </garden>",
     "<garden><bed x='\xFF'/></garden>",
 };
 
@@ -67,8 +68,10 @@ void expectBadAlloc(Make make) {
             EXPECT_EQ(shown, expected);
             return;
         }
-        // Nothing is read after that.
+        // Nothing is read after that, and nothing is at hand.
         if (!reader || shown.empty()) return;
+        EXPECT_EQ(reader->name().size() + reader->text().size() + reader->localName().size(), 0U);
+        EXPECT_EQ(reader->attributeCount(), 0);
         const Event event = reader->next();
         EXPECT_TRUE(event == Event::Failed || event == Event::Finished);
         EXPECT_EQ(reader->readElement(), nullptr);
@@ -81,6 +84,7 @@ TEST(StreamReaderMemoryTest, EventsGiveBadAllocAndLeakNothing) {
         ReadOptions options;
         options.keepPlaces = true;
         expectBadAlloc([&](std::optional<StreamReader>& reader) { reader.emplace(std::string_view(text), options); });
+        options.space = Space::Dropped;
         std::istringstream stream(text);
         expectBadAlloc([&](std::optional<StreamReader>& reader) {
             stream.clear();

@@ -4,6 +4,7 @@
 #include "xml/dom/Element.h"
 #include "xml/dom/Place.h"
 #include "xml/dom/Prolog.h"
+#include "xml/dtd/Dtd.h"
 #include "xml/standard/Read.h"
 #include <gtest/gtest.h>
 #include <memory>
@@ -41,6 +42,11 @@ TEST(ReadPlacesTest, AreKnownOfEveryNode) {
     EXPECT_EQ(at(*root.getChild(4)), "49 4:9");   // the instruction
     EXPECT_EQ(at(*root.getChild(5)), "54 4:14");  // the section
     EXPECT_EQ(at(*prologOf(*result).afterRoot[0]), "71 4:31");
+}
+
+TEST(ReadPlacesTest, OfADocumentTypeIsThatOfItsDeclaration) {
+    const ReadResult result = readText("<?t?>\n <!DOCTYPE a [<!ELEMENT a ANY>]><a/>", withPlaces());
+    EXPECT_EQ(at(*result.get()->getDtd()), "7 2:2");
 }
 
 TEST(ReadPlacesTest, AreKnownOnlyWhereThatIsAsked) {

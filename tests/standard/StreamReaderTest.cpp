@@ -380,6 +380,11 @@ TEST(StreamReaderTest, ReadsFromWhereTheStreamStands) {
     EXPECT_EQ(linesOf(reader), "1 0 1:1 <a\n1 </a\nfinished\n");
 }
 
+TEST(StreamReaderTest, ReadsALiteral) {
+    StreamReader reader("<a/>");
+    EXPECT_EQ(reader.next(), Event::Start);
+}
+
 TEST(StreamReaderTest, MovesWithTheEventAtHand) {
     const std::string text = "<a><b>x</b></a>";
     StreamReader first{std::string_view(text)};

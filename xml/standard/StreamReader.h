@@ -58,6 +58,8 @@ public:
 
     // The text must stay. Of UTF-8 no copy is made.
     explicit StreamReader(std::string_view text, const ReadOptions& options = {});
+    explicit StreamReader(const char* text, const ReadOptions& options = {})
+        : StreamReader(std::string_view(text), options) {}
     StreamReader(std::string&& text, const ReadOptions& options = {}) = delete;
 
     // Of one that was moved from nothing may be asked.
@@ -109,8 +111,8 @@ public:
 
     // --- The document ---
 
-    // What is known so far: the declaration, the mark and the line end after the first event, the document type after
-    // its Doctype. Comments and instructions are not in it: they are events.
+    // What is known so far: the declaration and the mark after the first event, the line end once it was read, the
+    // document type after its Doctype. Comments and instructions are not in it: they are events.
     const Prolog& prolog() const;
 
     // None before Failed; then one, more where several options are not supported.

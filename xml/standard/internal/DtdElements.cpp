@@ -20,7 +20,7 @@ bool DtdParser::readElement() {
     if (!readWhite(StandardRules::kElementdecl)) return false;
     model.clear();
     if (!readModel() || !readEnd(StandardRules::kElementdecl)) return false;
-    if (declared.areProcessed()) declared.models.emplace(name, model);
+    declared.models.emplace(name, model);
     return true;
 }
 

@@ -185,7 +185,6 @@ bool DtdParser::readNotation() {
     if (!Syntax::readExternalId(in, id, true)) return false;
     if (!id.isPresent) return expected(StandardRules::kNotationDecl, "SYSTEM or PUBLIC");
     if (!readEnd(StandardRules::kNotationDecl)) return false;
-    if (!declared.areProcessed()) return true;
     declared.notations.emplace(name, NotationDecl{std::string(id.publicId), std::string(id.systemId)});
     return true;
 }

@@ -10,7 +10,7 @@ namespace Xml {
 
 Problem problemOf(const std::string& source, Problem::Kind kind, const std::string& text, const char* rule = "");
 
-// Options that are there to be asked for, and nothing does yet what they ask: none or all that are asked.
+// A problem for each option that is asked for and that nothing serves; as many as the options allow, and the first.
 std::vector<Problem> unsupported(const ReadOptions& options, const std::string& source);
 
 // The source has more bytes than the options allow.

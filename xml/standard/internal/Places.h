@@ -1,6 +1,9 @@
 #pragma once
 
+#include "xml/dom/Place.h"
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 namespace Xml {
@@ -13,6 +16,14 @@ struct TextPosition {
     std::int64_t characters = 0;  // before the place
     std::int64_t wide = 0;        // those of them above U+FFFF
 };
+
+// The same as a place of the source, of which the offset is given. What is too large for a line or a column is the
+// largest that there is.
+inline Place placeAt(std::int64_t sourceOffset, const TextPosition& where) {
+    constexpr std::int64_t kMost = std::numeric_limits<int>::max();
+    return {sourceOffset, static_cast<int>(std::min(where.line, kMost)),
+            static_cast<int>(std::min(where.column, kMost))};
+}
 
 // Where places of a text are, as line and column. It counts on from the place that was asked last, so that places asked
 // in rising order cost one walk over the text in all; a place before that one is counted from the beginning.

@@ -11,7 +11,7 @@ void Positions::release(std::size_t byteCount) {
 
 Place Positions::of(std::int64_t offset) const {
     const TextPosition& place = places.at(offset, window, first);
-    return {place.offset, static_cast<int>(place.line), static_cast<int>(place.column)};
+    return placeAt(place.offset, place);
 }
 
 }  // namespace Xml

@@ -43,7 +43,12 @@ StreamEvents::Event StreamEvents::next() {
         if (!found.empty()) return Event::Failed;
         lexer.setWindow({}, false);
     }
-    now = read();
+    try {
+        now = read();
+    } catch (...) {
+        clear();  // what is at hand may have gone with a window
+        throw;
+    }
     return *now;
 }
 
@@ -53,7 +58,9 @@ StreamEvents::Event StreamEvents::next() {
     waiting.reset();
     for (;; event = pull()) {
         if (isPart(event)) {
-            if (addPart(event) && !isDropped()) return Event::Text;
+            if (!addPart(event)) continue;
+            if (!isDropped()) return Event::Text;
+            clear();
         } else if (!isPassedOver(event)) {
             if (!itsText.empty() && !isDropped()) {
                 waiting = event;
@@ -220,9 +227,9 @@ std::unique_ptr<Element> StreamEvents::readElement() {
     if (now != Event::Start) return nullptr;
     now = Event::Failed;
     const bool isPreserved = !preservations.empty() && preservations.back().isPreserved;
+    clear();
     ContentBuilder content(lexer, options, options.keepPlaces ? this : nullptr, isPreserved);
     content.begin();
-    clear();
     for (;;) {
         const Lexer::Event event = pull();
         switch (event) {

@@ -5,7 +5,6 @@
 #include "xml/standard/internal/StreamEvents.h"
 #include "xml/text/internal/StandardNames.h"
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace Xml {
@@ -13,11 +12,9 @@ namespace Xml {
 // --- Places ---
 
 Place StreamEvents::of(std::int64_t offset) {
-    constexpr std::int64_t kMost = std::numeric_limits<int>::max();
     if (offset == keptOffset) return kept;
     const TextPosition& before = lexer.positionOf(offset);
-    return {windows->decoder().sourceOffset(before), static_cast<int>(std::min(before.line, kMost)),
-            static_cast<int>(std::min(before.column, kMost))};
+    return placeAt(windows->decoder().sourceOffset(before), before);
 }
 
 // The window moves on: that of a text that has begun is found while its bytes are there.

@@ -17,8 +17,10 @@ bool WholeText::advance(Lexer& lexer) {
 }
 
 const char* WholeText::newline() {
-    FirstLineEnd lineEnd;
-    if (text) lineEnd.look(text->text());
+    if (text && !isLookedAt) {
+        lineEnd.look(text->text());
+        isLookedAt = true;
+    }
     return lineEnd.text();
 }
 

@@ -58,6 +58,8 @@ private:
     std::string encoding;
     std::int64_t limit;
     std::optional<SourceText> text;  // once it is looked at
+    FirstLineEnd lineEnd;
+    bool isLookedAt = false;  // for its first line end
 };
 
 // A stream: as much of it as the lexer needs, and of a pipe what is there.

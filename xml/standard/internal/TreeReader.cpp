@@ -48,6 +48,7 @@ private:
     Lexer lexer;
     ContentBuilder content;
     std::unique_ptr<Prolog> prolog;
+    Place doctypePlace;
     std::vector<std::unique_ptr<Object>>* around;  // of the prolog: where the next node around the root belongs
 };
 
@@ -93,6 +94,7 @@ void TreeReader::noteDoctype() {
     prolog->systemId = doctype.systemId;
     prolog->internalSubset = doctype.subset;
     around = &prolog->beforeRoot;
+    if (const Place* const place = content.place()) doctypePlace = *place;
 }
 
 std::unique_ptr<Document> TreeReader::finish() {
@@ -106,7 +108,10 @@ std::unique_ptr<Document> TreeReader::finish() {
     prolog->newline = lineEnd.text();
     std::unique_ptr<Document> document = NodeAccess::makeDocument(content.take(), makeDtd(lexer.declarations()));
     NodeAccess::prolog(*document) = std::move(prolog);
-    if (options.keepPlaces) NodeAccess::keepPlace(*document, places.of(0));
+    if (options.keepPlaces) {
+        NodeAccess::keepPlace(*document, places.of(0));
+        if (Dtd* const dtd = document->getDtd()) NodeAccess::keepPlace(*dtd, doctypePlace);
+    }
     return document;
 }
 
