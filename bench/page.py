@@ -226,7 +226,7 @@ def machine_section(data):
         "- " + "; ".join(f"{rows.NAMES[one['name']]} {one['version']}" for one in data["libraries"]),
     ]
     for one in data["left-out"]:
-        lines.append(f"- {rows.NAMES[one['library']]} was left out on {one['document']}: {one['reason']}")
+        lines.append(f"- {rows.LEFT_OUT_NAMES[one['library']]} was left out on {one['document']}: {one['reason']}")
     return "\n".join(lines)
 
 

@@ -92,6 +92,9 @@ class RowTest(unittest.TestCase):
     def test_compares_validation_with_libxml2(self):
         self.assertEqual(self.result("validate", measured("validate", "a", orvxml=1, libxml2=4)).worst, 0.25)
 
+    def test_compares_events_with_expat(self):
+        self.assertEqual(self.result("events", measured("events", "a.xml", orvxml=1, expat=8)).worst, 0.125)
+
     def test_leaves_out_what_the_other_library_was_not_measured_at(self):
         self.assertEqual(self.result("parse", measured("parse", "a.xml", orvxml=1)).ours, {})
 
@@ -129,6 +132,11 @@ class PageTest(unittest.TestCase):
     def test_has_no_field_left_whatever_was_measured(self):
         for data in (data_of(), data_of(measured("find", "a.xml", orvxml=1, pugixml=2))):
             self.assertNotIn("{{", page.render(data)[page.PAGE])
+
+    def test_names_what_was_left_out_and_why(self):
+        left_out = [{"document": "a.xml", "library": library, "reason": "too long"} for library in ("expat", "standard")]
+        text = page.render(data_of(**{"left-out": left_out}))[page.PAGE]
+        self.assertIn("\n- Expat was left out on a.xml: too long\n- `readText` was left out on a.xml: too long", text)
 
     def test_says_that_rows_were_not_measured_that_the_machine_was_not_quiet_and_that_a_run_was_quick(self):
         data = data_of(measured("parse", "a.xml", orvxml=1, pugixml=2))

@@ -61,17 +61,18 @@ std::vector<Document> loadDocuments(const std::vector<std::string>& paths) {
             leaveOut(document, "file", error.what());
             continue;
         }
-        forEachLibrary([&](auto library) {
-            using Library = decltype(library);
+        const auto readOrLeaveOut = [&](auto library, const std::string& name) {
             try {
-                const Seen seen = readBy<Library>(*document.text);
+                const Seen seen = readBy<decltype(library)>(*document.text);
                 if (!ours) ours = seen;
                 const std::string reason = difference(seen, *ours);
-                if (!reason.empty()) leaveOut(document, Library::kName, reason);
+                if (!reason.empty()) leaveOut(document, name, reason);
             } catch (const Unreadable& error) {
-                leaveOut(document, Library::kName, error.what());
+                leaveOut(document, name, error.what());
             }
-        });
+        };
+        forEachLibrary([&](auto library) { readOrLeaveOut(library, decltype(library)::kName); });
+        readOrLeaveOut(Standard(), Standard::kLeftOutAs);
         documents.push_back(std::move(document));
     }
     return documents;

@@ -16,6 +16,7 @@ struct Document {
     Text text;
     std::vector<std::string> leftOut;  // the libraries that cannot read it
 
+    // For this library's reading of XML 1.0 that is Standard::kLeftOutAs.
     bool isReadBy(const std::string& library) const;
 };
 

@@ -6,8 +6,8 @@
 
 namespace bench {
 
-// Seconds of the first parse of the process; the tree lives on.
-void measureFirstParse(const std::string& library, const std::string& path);
+// Seconds of the first parse of the process; the tree lives on. The row says which way a library goes that has several.
+void measureFirstParse(const std::string& row, const std::string& library, const std::string& path);
 
 // The bytes of the heap that a tree has taken, and how many nodes it has as this library counts them.
 void measureHeap(const std::string& library, const std::string& path);

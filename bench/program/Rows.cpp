@@ -31,6 +31,12 @@ Contender reader(const Text& text) {
     return {Library::kName, timed([text] { keep(Library::read(Library::parse(*text))); })};
 }
 
+// A look at every event.
+template <class Library>
+Contender eventReader(const Text& text) {
+    return {Library::kName, timed([text] { keep(Library::parse(*text)); })};
+}
+
 // A tree that several calls share.
 template <class Library>
 std::shared_ptr<const typename Library::Tree> sharedTree(const Text& text) {
@@ -136,6 +142,44 @@ std::vector<Case> copy(const std::vector<Document>& documents, const Plan&) {
         });
         return contenders;
     });
+}
+
+// What the reading of XML 1.0 refuses is left out.
+template <class Make>
+std::vector<Case> onStandard(const std::string& row, const std::vector<Document>& documents, Make make) {
+    std::vector<Document> read;
+    for (const Document& document : documents) {
+        if (document.isReadBy(Standard::kLeftOutAs)) read.push_back(document);
+    }
+    return onDocuments(row, read, make);
+}
+
+std::vector<Case> parseStandard(const std::vector<Document>& documents, const Plan&) {
+    return onStandard("standard", documents, [](const Document& document) {
+        Contenders contenders;
+        forEachStandard([&](auto library) { contenders.push_back(parser<decltype(library)>(document.text)); });
+        return contenders;
+    });
+}
+
+std::vector<Case> parseStandardAll(const std::vector<Document>& documents, const Plan&) {
+    return onStandard("standard-all", documents, [](const Document& document) {
+        return Contenders{parser<StandardAll>(document.text), parser<PugiXmlAll>(document.text)};
+    });
+}
+
+std::vector<Case> readEvents([[maybe_unused]] const std::vector<Document>& documents, const Plan&) {
+#ifdef ORVXML_BENCH_EXPAT
+    return onStandard("events", documents, [](const Document& document) {
+        if (!document.isReadBy(ExpatEvents::kName)) return Contenders();
+        if (!StandardEvents::parse(*document.text).isSameAs(ExpatEvents::parse(*document.text))) {
+            throw std::runtime_error("the events of " + document.path + " are not those of " + ExpatEvents::kName);
+        }
+        return Contenders{eventReader<StandardEvents>(document.text), eventReader<ExpatEvents>(document.text)};
+    });
+#else
+    return {};
+#endif
 }
 
 // Libraries that find another number of nodes than this one, or know no such path, were asked something else: they are
@@ -252,10 +296,22 @@ std::vector<Case> growth(const std::vector<Document>&, const Plan& plan) {
 using Row = std::vector<Case> (*)(const std::vector<Document>&, const Plan&);
 
 const std::map<std::string, Row> kRows = {
-    {"parse", parse},       {"crlf", parseCrLf},      {"read", readAll}, {"file", parseFile},
-    {"write", write},       {"copy", copy},           {"find", find},    {"filespec", parsePlatformFile},
-    {"validate", validate}, {"siblings", siblingRow}, {"tiny", tinyRow}, {"references", referenceRow},
+    {"parse", parse},
+    {"crlf", parseCrLf},
+    {"read", readAll},
+    {"file", parseFile},
+    {"write", write},
+    {"copy", copy},
+    {"find", find},
+    {"filespec", parsePlatformFile},
+    {"validate", validate},
+    {"siblings", siblingRow},
+    {"tiny", tinyRow},
+    {"references", referenceRow},
     {"growth", growth},
+    {"standard", parseStandard},
+    {"standard-all", parseStandardAll},
+    {"events", readEvents},
 };
 
 }  // namespace

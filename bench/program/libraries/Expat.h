@@ -1,4 +1,5 @@
-// Expat makes no tree: what it is measured at is reading alone, with a handler of elements and one of text that count.
+// Expat makes no tree: what it is measured at is reading alone, with a handler of elements and one of text that count,
+// or with handlers of everything that look at it.
 #pragma once
 #include "libraries/Seen.h"
 #include "libraries/Unreadable.h"
@@ -47,6 +48,39 @@ struct Expat {
             atEnd = size < kBlock;
             check(in, XML_ParseBuffer(in.get(), static_cast<int>(size), atEnd));
         }
+        return seen;
+    }
+};
+
+// Handlers that look at what a reader of events is asked for.
+struct ExpatEvents {
+    static constexpr char kName[] = "expat";
+
+    static SeenEvents& seenBy(void* user) { return *static_cast<SeenEvents*>(user); }
+
+    static SeenEvents parse(const std::string& text) {
+        SeenEvents seen;
+        const Expat::Parser in(XML_ParserCreate(nullptr), XML_ParserFree);
+        XML_SetUserData(in.get(), &seen);
+        XML_SetElementHandler(
+            in.get(),
+            [](void* user, const char* name, const char** attributes) {
+                ++seenBy(user).elements;
+                seenBy(user).name(name);
+                for (; *attributes; attributes += 2) seenBy(user).attribute(attributes[1]);
+            },
+            [](void* user, const char* name) { seenBy(user).name(name); });
+        XML_SetCharacterDataHandler(in.get(), [](void* user, const char* data, int size) {
+            seenBy(user).text({data, static_cast<std::size_t>(size)});
+        });
+        XML_SetCommentHandler(in.get(), [](void* user, const char* data) { seenBy(user).text(data); });
+        XML_SetProcessingInstructionHandler(in.get(), [](void* user, const char* target, const char* data) {
+            seenBy(user).name(target);
+            seenBy(user).text(data);
+        });
+        XML_SetStartDoctypeDeclHandler(
+            in.get(), [](void* user, const char* name, const char*, const char*, int) { seenBy(user).name(name); });
+        Expat::check(in, XML_Parse(in.get(), text.data(), static_cast<int>(text.size()), true));
         return seen;
     }
 };

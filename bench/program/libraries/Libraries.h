@@ -4,6 +4,7 @@
 #include "libraries/LibXml2.h"
 #include "libraries/OrvXml.h"
 #include "libraries/PugiXml.h"
+#include "libraries/Standard.h"
 #include "libraries/TinyXml2.h"
 #ifdef ORVXML_BENCH_EXPAT
 #include "libraries/Expat.h"
@@ -51,6 +52,13 @@ void forEachLibrary(Use use) {
 #ifdef ORVXML_BENCH_EXPAT
     use(Expat());
 #endif
+}
+
+// Those whose reading of XML 1.0 is compared.
+template <class Use>
+void forEachStandard(Use use) {
+    use(Standard());
+    use(PugiXml());
 }
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// pugixml with its default options.
+// pugixml, with its default options where nothing else is said.
 #pragma once
 #include "libraries/Seen.h"
 #include "libraries/Unreadable.h"
@@ -25,9 +25,9 @@ struct PugiXml {
     static void check(const pugi::xml_parse_result& result) {
         if (!result) throw Unreadable(result.description() + (" at byte " + std::to_string(result.offset)));
     }
-    static Tree parse(const std::string& text) {
+    static Tree parse(const std::string& text, unsigned options = pugi::parse_default) {
         auto tree = std::make_unique<pugi::xml_document>();
-        check(tree->load_buffer(text.data(), text.size()));
+        check(tree->load_buffer(text.data(), text.size(), options));
         return tree;
     }
     static Tree parseFile(const std::string& path) {
@@ -58,6 +58,13 @@ struct PugiXml {
     }
     static std::size_t find(const Tree& tree, const std::string& path) {
         return tree->select_nodes(path.c_str()).size();
+    }
+};
+
+// The same with everything kept.
+struct PugiXmlAll : PugiXml {
+    static Tree parse(const std::string& text) {
+        return PugiXml::parse(text, pugi::parse_full | pugi::parse_ws_pcdata);
     }
 };
 

@@ -1,0 +1,53 @@
+// This library reading XML 1.0, as its users call it. What is measured so is this library's too: the names of its
+// figures are the same. A document that it refuses is left out under a name of its own.
+#pragma once
+#include "libraries/OrvXml.h"
+#include "libraries/Seen.h"
+#include "libraries/Unreadable.h"
+#include "xml/standard.h"
+#include <string>
+#include <string_view>
+
+namespace bench {
+
+struct Standard : OrvXml {
+    static constexpr char kLeftOutAs[] = "standard";
+
+    static Tree parseAs(const std::string& text, const Xml::ReadOptions& options) {
+        Xml::ReadResult result = Xml::readText(text, options);
+        if (!result) throw Unreadable(result.problems().front().toString());
+        return result.take();
+    }
+    static Tree parse(const std::string& text) { return parseAs(text, {}); }
+};
+
+// Nothing is dropped, and every node knows its place.
+struct StandardAll : Standard {
+    static Tree parse(const std::string& text) {
+        Xml::ReadOptions options = Xml::everything();
+        options.keepPlaces = true;
+        return parseAs(text, options);
+    }
+};
+
+// Event by event.
+struct StandardEvents {
+    static constexpr char kName[] = "orvxml";
+
+    static SeenEvents parse(const std::string& text) {
+        using Event = Xml::StreamReader::Event;
+        SeenEvents seen;
+        Xml::StreamReader in{std::string_view(text)};
+        for (Event event = in.next(); event != Event::Finished; event = in.next()) {
+            if (event == Event::Failed) throw Unreadable(in.problems().front().toString());
+            seen.name(in.name());
+            seen.text(in.text());
+            if (event != Event::Start) continue;
+            ++seen.elements;
+            for (int i = 0, count = in.attributeCount(); i < count; ++i) seen.attribute(in.attributeValue(i));
+        }
+        return seen;
+    }
+};
+
+}  // namespace bench
