@@ -87,8 +87,8 @@ def ratios(results):
     bars = [bar for result in results for bar in (result.row.mean, result.row.worst) if bar is not None]
     axis = Axis([value for mean in means for value in mean.values()] + bars + [result.worst for result in results],
                 left, right)
-    drawing.text(20, 26, "Ratio of medians, pugixml = 1 (validation: libxml2 = 1, events: Expat = 1); left is less and better",
-                 weight="bold")
+    drawing.text(20, 26, "Ratio of medians, pugixml = 1 (validation: libxml2 = 1, events: Expat = 1); "
+                 "left is less and better", weight="bold")
     end = drawing.legend(26, 54, libraries)
     drawing.line(end, 43, end, 57, BAR, 3)
     drawing.text(end + 8, 54, "bar for the mean (thin: the worst)", colour=BAR)

@@ -134,7 +134,8 @@ class PageTest(unittest.TestCase):
             self.assertNotIn("{{", page.render(data)[page.PAGE])
 
     def test_names_what_was_left_out_and_why(self):
-        left_out = [{"document": "a.xml", "library": library, "reason": "too long"} for library in ("expat", "standard")]
+        left_out = [{"document": "a.xml", "library": library, "reason": "too long"}
+                    for library in ("expat", rows.STANDARD)]
         text = page.render(data_of(**{"left-out": left_out}))[page.PAGE]
         self.assertIn("\n- Expat was left out on a.xml: too long\n- `readText` was left out on a.xml: too long", text)
 

@@ -100,7 +100,8 @@ class Run:
         fresh = len(self.documents) * len(self.libraries)
         queries = self.ask("queries") if "queries" in self.keys else []
         for row in firsts:
-            self.progress.total += self.plan.repetitions * sum(len(self.readers_of(row, path)) for path in self.documents)
+            readers = sum(len(self.readers_of(row, path)) for path in self.documents)
+            self.progress.total += self.plan.repetitions * readers
         self.progress.total += fresh if "heap" in self.keys else 0
         self.progress.total += len(queries) * len(FINDERS) * len(self.plan.counts)
         self.run_cases(self.plan.repetitions, self.plan.sample, self.plan.scale, in_process, self.documents)
