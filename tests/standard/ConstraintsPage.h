@@ -1,5 +1,6 @@
 #pragma once
 
+#include "standard/PageDocument.h"
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -7,11 +8,6 @@
 
 // docs/standard-constraints.md as its tests read it. The notation of documents is explained at the top of the page.
 namespace Xml::test {
-
-// A document of the page: the cell that it stands in, without its quotes, and the bytes that the cell means.
-struct PageDocument {
-    std::string cell, bytes;
-};
 
 // What the documents of a table are.
 enum class Setting { Whole, ExternalSubset, ExternalEntity };
