@@ -2,6 +2,7 @@
 // it to another file.
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -12,8 +13,10 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 #include <vector>
+#include <xml/standard.h>
 #include <xml/xml.h>
 
 namespace fs = std::filesystem;
@@ -22,15 +25,15 @@ namespace {
 
 const char kHelp[] = R"(Usage: demo [--data FOLDER] [FILE [PATH ...]]
 
-Without a PATH: reads FILE, checks it, shows what it holds, asks it a few paths, changes it and writes the changed
-document to NAME-changed.ENDING in the working directory. FILE itself is left as it is. Without a FILE it takes vk.xml
-in the folder of the examples' data.
+Without a PATH: reads FILE, any document of XML 1.0, checks it, shows what it holds, asks it a few paths, changes it
+and writes the changed document to NAME-changed.ENDING in the working directory. FILE itself is left as it is. Without a
+FILE it takes vk.xml in the folder of the examples' data.
 
 With a PATH: prints what it finds in FILE, one result a line, or the text of its error. A PATH that does not begin with
 / goes out from the document, or from what the PATH before it has found.
 
-A document is checked against the document type in its DOCTYPE (a file named there is looked for in the working
-directory); one without a DOCTYPE against NAME.dtd, if there is such a file beside it.
+A document is checked against the declarations in its DOCTYPE; one without any against NAME.dtd, if there is such a file
+beside it. What is wrong is shown with the line in question, in colour on a terminal unless NO_COLOR is set.
 
 Exit status: 0, or 1 if FILE could not be read, is not well-formed or not valid, or could not be written, or if a PATH
 found nothing.
@@ -62,6 +65,27 @@ std::string brief(std::string text, std::size_t length = 84) {
 
 // --- Reading ---
 
+// The text in colour where standard error is a terminal, unless NO_COLOR is set.
+std::string coloured(const char* code, const std::string& text) {
+    const char* const no = std::getenv("NO_COLOR");
+    const bool isColoured = ::isatty(STDERR_FILENO) == 1 && (no == nullptr || *no == '\0');
+    return isColoured ? std::string("\x1B[") + code + "m" + text + "\x1B[0m" : text;
+}
+
+// app.xml:3:13: error: ..., the line in question, and a caret below it.
+void tell(const Xml::Problem& problem) {
+    constexpr const char* kBold = "1";
+    constexpr const char* kRed = "1;31";
+    constexpr const char* kGreen = "1;32";
+    const std::string error = "error:";
+    const std::string line = problem.toString();
+    const std::size_t at = line.size() - problem.text.size() - error.size() - 1;
+    std::cerr << coloured(kBold, line.substr(0, at)) << coloured(kRed, error) << ' ' << problem.text << '\n';
+    const std::size_t caret = problem.excerpt.find('\n');
+    if (caret == std::string::npos) return;
+    std::cerr << problem.excerpt.substr(0, caret + 1) << coloured(kGreen, problem.excerpt.substr(caret + 1)) << '\n';
+}
+
 // Says where in the file reading stopped, by lines as editors count them.
 void tellPlace(const fs::path& path, int position) {
     std::ifstream file(path, std::ios::binary);
@@ -75,69 +99,78 @@ void tellPlace(const fs::path& path, int position) {
 }
 
 // Says which element makes a tree invalid: the first from the top whose children are all valid in themselves.
-void tellMisfit(const Xml::Dtd& dtd, Xml::Element* element) {
-    std::string path;
+void tellMisfit(const fs::path& path, const Xml::Dtd& dtd, Xml::Element* element) {
+    Xml::Problem problem;
+    problem.kind = Xml::Problem::Kind::Invalid;
+    problem.source = path.string();
     for (Xml::Element* next = element; next != nullptr;) {
         element = next;
         next = nullptr;
-        path += "/" + element->getName();
+        problem.path += "/" + element->getName();
         for (int i = 0; i < element->getChildCount() && next == nullptr; ++i) {
             Xml::Object* child = element->getChild(i);
             if (child->isElement() && !dtd.validate(child->toElement())) next = child->toElement();
         }
     }
-    std::cerr << "  The document type does not allow " << path << ", or not what is in it:\n  <"
-              << brief(element->toString()) << ">\n";
+    problem.place = Xml::placeOf(*element);
+    problem.text = "not valid: the document type does not allow " + problem.path + ", or not what is in it";
+    problem.excerpt = "  <" + brief(element->toString()) + ">\n  ^";
+    tell(problem);
+}
+
+// Whether the document says itself what its elements may contain. Many have a document type without that.
+bool hasDeclarations(const Xml::Document& document) {
+    return Xml::prologOf(document).internalSubset.find("<!ELEMENT") != std::string::npos;
+}
+
+// The document with another document type.
+std::unique_ptr<Xml::Document> withDtd(Xml::Document& document, Xml::Dtd* dtd) {
+    auto result = std::make_unique<Xml::Document>(document.extractRoot(), dtd);
+    Xml::prologOf(*result) = std::move(Xml::prologOf(document));
+    return result;
 }
 
 // The document in a file, with the document type that belongs to it, and a line about it to `out`; null, and why on
 // standard error.
 std::unique_ptr<Xml::Document> read(const fs::path& path, std::ostream& out) {
-    if (std::error_code error; !fs::is_regular_file(path, error)) {
-        std::cerr << path.string() << (fs::exists(path, error) ? ": not a regular file\n" : ": no such file\n");
-        return nullptr;
-    }
     const Stopwatch watch;
-    std::ifstream file;
-    Xml::FileInStream in(path.string(), &file);
-    Xml::DocumentReader reader;
-    const bool read = reader.parse(in);
-    std::unique_ptr<Xml::Document> document(reader.extractDocument());
-    if (!read) {
-        std::cerr << path.string() << (document ? ": not valid\n" : ": not well-formed\n");
-        if (!reader.getErrorMessage().empty()) std::cerr << "  " << reader.getErrorMessage() << '\n';
-        if (!document || document->validate()) {
-            tellPlace(path, in.getPosition());
-        } else {
-            tellMisfit(*document->getDtd(), document->getRoot());
+    Xml::ReadOptions options;
+    options.keepPlaces = true;
+    options.space = Xml::Space::Dropped;  // for validation white space is text
+    Xml::ReadResult result = Xml::readFile(path, options);
+    for (const Xml::Problem& problem : result.problems()) tell(problem);
+    if (!result) return nullptr;
+    const std::string time = watch.elapsed();
+    std::unique_ptr<Xml::Document> document = result.take();
+
+    std::string type = "the document type in it";
+    const fs::path dtdPath = fs::path(path).replace_extension(".dtd");
+    if (!hasDeclarations(*document)) {
+        type = dtdPath.filename().string();
+        if (fs::is_regular_file(dtdPath)) {
+            std::ifstream dtdFile;
+            Xml::FileInStream dtdIn(dtdPath.string(), &dtdFile);
+            Xml::DTDReader dtdReader(document->getRoot()->getName());
+            if (!dtdReader.parse(dtdIn)) {
+                std::cerr << dtdPath.string() << ": not well-formed\n  " << dtdReader.getErrorMessage() << '\n';
+                tellPlace(dtdPath, dtdIn.getPosition());
+                return nullptr;
+            }
+            document = withDtd(*document, dtdReader.extractDtd());
+        } else if (document->getDtd() != nullptr) {
+            document = withDtd(*document, nullptr);
         }
+    }
+    const Stopwatch validation;
+    if (!document->validate()) {
+        tellMisfit(path, *document->getDtd(), document->getRoot());
         return nullptr;
     }
-    out << path.filename().string() << ": " << grouped(fs::file_size(path)) << " bytes, read in " << watch.elapsed();
-
-    const fs::path dtdPath = fs::path(path).replace_extension(".dtd");
-    if (document->getDtd() != nullptr) {
-        out << ", valid by the document type in it\n";
-    } else if (!fs::is_regular_file(dtdPath)) {
-        out << ", well-formed; no document type\n";
-    } else {
-        std::ifstream dtdFile;
-        Xml::FileInStream dtdIn(dtdPath.string(), &dtdFile);
-        Xml::DTDReader dtdReader(document->getRoot()->getName());
-        if (!dtdReader.parse(dtdIn)) {
-            std::cerr << '\n' << dtdPath.string() << ": not well-formed\n  " << dtdReader.getErrorMessage() << '\n';
-            tellPlace(dtdPath, dtdIn.getPosition());
-            return nullptr;
-        }
-        document = std::make_unique<Xml::Document>(document->extractRoot(), dtdReader.extractDtd());
-        const Stopwatch validation;
-        if (!document->validate()) {
-            std::cerr << '\n' << path.string() << ": not valid by " << dtdPath.filename().string() << '\n';
-            tellMisfit(*document->getDtd(), document->getRoot());
-            return nullptr;
-        }
-        out << ", valid by " << dtdPath.filename().string() << " in " << validation.elapsed() << '\n';
-    }
+    out << path.filename().string() << ": ";
+    if (fs::is_regular_file(path)) out << grouped(fs::file_size(path)) << " bytes, ";
+    out << "read in " << time
+        << (document->getDtd() == nullptr ? ", well-formed; no document type\n"
+                                          : ", valid by " + type + " in " + validation.elapsed() + "\n");
     return document;
 }
 
@@ -154,7 +187,7 @@ using Kinds = std::vector<std::pair<std::string, Kind>>;
 
 Kinds show(Xml::Document& document) {
     std::map<std::string, Kind> byName;
-    std::size_t elements = 0, attributes = 0, texts = 0, textBytes = 0, deepest = 0;
+    std::size_t elements = 0, attributes = 0, texts = 0, textBytes = 0, others = 0, deepest = 0;
 
     // A stack of our own: a document may be nested deeper than a recursion could go.
     std::vector<std::pair<Xml::Element*, std::size_t>> waiting = {{document.getRoot(), 1}};
@@ -171,9 +204,11 @@ Kinds show(Xml::Document& document) {
             Xml::Object* child = element->getChild(i);
             if (child->isElement()) {
                 waiting.emplace_back(child->toElement(), depth + 1);
-            } else {
+            } else if (child->isCharData()) {
                 ++texts;
                 textBytes += child->toString().size();
+            } else {
+                ++others;
             }
         }
     }
@@ -183,6 +218,7 @@ Kinds show(Xml::Document& document) {
               << (deepest == 1 ? " level deep\n" : " levels deep\n")  //
               << "  attributes  " << grouped(attributes) << '\n'
               << "  text        " << grouped(textBytes) << " bytes in " << grouped(texts) << " runs\n"
+              << "  and         " << grouped(others) << " comments and instructions\n"
               << "\nMost often, with the last of each\n";
 
     Kinds kinds(byName.begin(), byName.end());
@@ -298,6 +334,19 @@ void change(Xml::Document& document, const Kinds& kinds) {
 
 // --- Writing it ---
 
+// Whether the file is read again, and valid where it has a document type. Declarations are written as the dialect has
+// them, which XML 1.0 does not read all: #FIXED"1.0".
+bool readsBack(const fs::path& path) {
+    Xml::ReadOptions options;
+    options.space = Xml::Space::Dropped;
+    Xml::ReadResult result = Xml::readFile(path, options);
+    if (result) return result->validate();
+    std::ifstream file;
+    Xml::FileInStream in(path.string(), &file);
+    Xml::DocumentReader reader;
+    return reader.parse(in);
+}
+
 bool write(const Xml::Document& document, const fs::path& path) {
     const Stopwatch watch;
     std::ofstream file;
@@ -312,11 +361,8 @@ bool write(const Xml::Document& document, const fs::path& path) {
     std::cout << "\nWrote " << path.string() << ": " << grouped(fs::file_size(path)) << " bytes in " << watch.elapsed()
               << (document.getDtd() != nullptr ? ", its document type included\n" : "\n");
 
-    std::ifstream written;
-    Xml::FileInStream in(path.string(), &written);
-    Xml::DocumentReader reader;
-    if (!reader.parse(in)) {
-        std::cerr << path.string() << ": does not read back\n  " << reader.getErrorMessage() << '\n';
+    if (!readsBack(path)) {
+        std::cerr << path.string() << ": does not read back\n";
         return false;
     }
     std::cout << "Read it again: " << (document.getDtd() != nullptr ? "valid\n" : "well-formed\n");
