@@ -1,6 +1,7 @@
 #pragma once
 
-// Everything that the library offers, and what its users need of the platform layer.
+// Everything that the library offers but reading XML 1.0, which is xml/standard.h, and what its users need of the
+// platform layer.
 #include "orvsys/Localization.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
