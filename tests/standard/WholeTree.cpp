@@ -202,10 +202,10 @@ std::string wholeTree(const Document& document, AttributeOrder order, Sections s
     return Shower(order, sections).show(document);
 }
 
-std::optional<std::string> libxml2Tree(std::string_view text) {
+std::optional<std::string> libxml2Tree(std::string_view text, const char* encoding) {
     xmlSetStructuredErrorFunc(nullptr, [](void*, auto) {});
     xmlParserCtxt* const context = xmlNewParserCtxt();
-    xmlDoc* const document = xmlCtxtReadMemory(context, text.data(), static_cast<int>(text.size()), "x", "UTF-8",
+    xmlDoc* const document = xmlCtxtReadMemory(context, text.data(), static_cast<int>(text.size()), "x", encoding,
                                                XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_DTDATTR);
     std::optional<std::string> result;
     if (document != nullptr && context->wellFormed == 1 && context->nsWellFormed == 1) {

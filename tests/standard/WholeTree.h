@@ -17,8 +17,9 @@ enum class Sections { Texts, Nodes };  // a section is a part of the text around
 // Defaults have a mark.
 std::string wholeTree(const Document& document, AttributeOrder order, Sections sections);
 
-// The same of what libxml2 makes of UTF-8: by name, without marks, sections as nodes. Empty: it refuses it.
-std::optional<std::string> libxml2Tree(std::string_view text);
+// The same of what libxml2 makes of it: by name, without marks, sections as nodes. Empty: it refuses it. Without an
+// encoding it finds that by itself.
+std::optional<std::string> libxml2Tree(std::string_view text, const char* encoding = "UTF-8");
 
 // Every node of the document in the order of the text, an element's attributes in the order of the tag.
 void forEachNode(const Document& document, const std::function<void(const Object&)>& look);
