@@ -60,12 +60,12 @@ void Object::operator delete(void* node, std::size_t size) noexcept {
     if (Slab::holds(node)) {
         Slab::giveBack(node, size);
     } else {
-        ::operator delete(node, size);
+        ::operator delete(node);  // without the size: not every compiler declares that one
     }
 }
 
-void Object::operator delete(void* node, std::size_t size, std::align_val_t alignment) noexcept {
-    ::operator delete(node, size, alignment);
+void Object::operator delete(void* node, std::size_t, std::align_val_t alignment) noexcept {
+    ::operator delete(node, alignment);
 }
 
 void Object::operator delete(void* node, const std::nothrow_t& tag) noexcept { ::operator delete(node, tag); }
