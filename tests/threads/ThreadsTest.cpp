@@ -6,7 +6,7 @@
 #include "orvsys/Uni16.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
-#include "xml/standard.h"
+#include "threads/InThreads.h"
 #include "xml/xml.h"
 #include <array>
 #include <atomic>
@@ -16,29 +16,10 @@
 #include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace Xml::test {
 namespace {
-
-constexpr int kThreads = 4;
-constexpr int kRounds = 50;
-
-// Runs the job in several threads that begin together; the job gets the number of its thread.
-template <class Job>
-void inThreads(Job job) {
-    std::atomic<int> waiting{kThreads};
-    std::vector<std::thread> threads;
-    for (int number = 0; number < kThreads; ++number) {
-        threads.emplace_back([&waiting, &job, number] {
-            --waiting;
-            while (waiting > 0) std::this_thread::yield();
-            job(number);
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-}
 
 const char kText[] =
     "<!DOCTYPE r [<!ELEMENT r (a | b)*><!ELEMENT a (#PCDATA)><!ELEMENT b EMPTY>"
@@ -361,72 +342,6 @@ TEST(ThreadsTest, LocalisedTextsAreReadWhileOthersAreInstalled) {
         }
     });
     EXPECT_EQ(failures, std::vector<int>(kThreads));
-}
-
-// --- XML 1.0 ---
-
-const char kStandardText[] =
-    "<?xml version='1.0' encoding='windows-1252'?><!--before--><!DOCTYPE r [<!ATTLIST a k CDATA 'default'>"
-    "<!ENTITY e 'the text of an entity, <b/> and more of it'>]><r><a l='1'>&e;&#8364;</a><!--a comment that no string "
-    "holds without memory--><?target and what an instruction says to that?><![CDATA[<section>]]></r>";
-
-ReadOptions everythingInItsPlace() {
-    ReadOptions options = everything();
-    options.keepPlaces = true;
-    return options;
-}
-
-TEST(ThreadsTest, DocumentsOfXml10AreReadByAll) {
-    const std::string expected = textOf(*readText(kStandardText, everythingInItsPlace()).take());
-    std::vector<int> failures(kThreads);
-    inThreads([&](int number) {
-        int& failed = failures[static_cast<std::size_t>(number)];
-        for (int round = 0; round < kRounds; ++round) {
-            std::istringstream stream(kStandardText);
-            const ReadResult result = round % 2 == 0 ? readText(kStandardText, everythingInItsPlace())
-                                                     : readStream(stream, everythingInItsPlace());
-            failed += !result || textOf(*result) != expected;
-            failed += readText("<a>\n<b></a>").message() != "2:4: error: </b> expected, found </a> (<b> began at 2:1)";
-
-            std::istringstream again(kStandardText);
-            StreamReader reader(again);
-            int events = 0;
-            std::unique_ptr<Element> a;
-            for (auto event = reader.next(); event != StreamReader::Event::Finished; event = reader.next()) {
-                if (event == StreamReader::Event::Failed) break;
-                if (event == StreamReader::Event::Start && reader.name() == "a") a = reader.readElement();
-                ++events;
-            }
-            failed += events != 8 || a == nullptr || a->getChildCount() != 3;
-        }
-    });
-    EXPECT_EQ(failures, std::vector<int>(kThreads));
-}
-
-TEST(ThreadsTest, WhatWasReadAsXml10IsLookedAtByAll) {
-    for (int round = 0; round < kRounds; ++round) {
-        const ReadResult result = readText(kStandardText, everythingInItsPlace());
-        ASSERT_TRUE(result) << result.message();
-        const Document& document = *result;
-        std::vector<int> failures(kThreads);
-        inThreads([&](int number) {
-            int& failed = failures[static_cast<std::size_t>(number)];
-            const Element& root = *document.getRoot();
-            const Element& a = *root.getElement(0);
-            failed += kindOf(a) != NodeKind::Element || kindOf(*root.getChild(1)) != NodeKind::Comment;
-            failed +=
-                kindOf(*root.getChild(2)) != NodeKind::Instruction || kindOf(*root.getChild(3)) != NodeKind::CData;
-            failed += placeOf(root).line != 1 || placeOf(a).column != placeOf(root).column + 3;
-            failed += !isDefault(*a.getAttribute("k")) || isDefault(*a.getAttribute("l"));
-            failed += prologOf(document).encoding != "windows-1252" || prologOf(document).beforeDoctype.size() != 1;
-            const auto& comment = static_cast<const Comment&>(*root.getChild(1));
-            failed += comment.getText() != "a comment that no string holds without memory";
-            const auto& instruction = static_cast<const Instruction&>(*root.getChild(2));
-            failed += instruction.getContent() != "and what an instruction says to that";
-            failed += prologOf(Document(document)).beforeDoctype.size() != 1;
-        });
-        EXPECT_EQ(failures, std::vector<int>(kThreads));
-    }
 }
 
 }  // namespace
