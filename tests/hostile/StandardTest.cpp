@@ -1,18 +1,22 @@
 // Documents of XML 1.0 that were written to break a reader: as trees, and as events of a stream that is made as it is
 // read, with memory for a little of it.
 #include "hostile/Inputs.h"
+#include "support/Places.h"
 #include "support/Texts.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/standard/Read.h"
 #include "xml/standard/StreamReader.h"
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <istream>
 #include <memory>
+#include <sstream>
 #include <streambuf>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Xml::test {
 namespace {
@@ -303,6 +307,56 @@ TEST(HostileStandardTest, EntitiesMayNestDeeply) {
          },
          facts(1, 1, 0, 1), kLarge},
     });
+}
+
+// From text, file and stream.
+std::vector<RunCase> fromAll(const char* name, const std::string& text, const std::string& outcome) {
+    const auto said = [](const ReadResult& result) {
+        if (result) return std::string("read");
+        const Problem& problem = result.problems().at(0);
+        const bool isShort = problem.text.size() < 400 && problem.excerpt.size() < 1000;
+        return isShort ? problem.rule : "a message of " + std::to_string(result.message().size()) + " bytes";
+    };
+    return {
+        {name, [=] { return said(readText(text)); }, outcome, kLarge},
+        {name,
+         [=] {
+             std::istringstream stream(text);
+             return said(readStream(stream));
+         },
+         outcome, kLarge},
+        {name,
+         [=] {
+             const std::string path = scratchFolder() + "/hostile-standard.xml";
+             std::ofstream(path, std::ios::binary) << text;
+             return said(Xml::readFile(path));
+         },
+         outcome, kLarge},
+    };
+}
+
+TEST(HostileStandardTest, AllSourcesEndAlike) {
+    const std::string many = pieces(kMany, [](int i) { return "<!ELEMENT e" + std::to_string(i) + " ANY>"; });
+    const struct {
+        const char* name;
+        std::string text;
+        const char* outcome;
+    } kTexts[] = {
+        {"levels", repeated("<a>", kMillion) + repeated("</a>", kMillion), "read"},
+        {"levels without an end", repeated("<a>", kMillion), "element"},
+        {"attributes", "<a" + pieces(kMany, [](int i) { return " x" + std::to_string(i) + "=''"; }) + "/>", "read"},
+        {"declarations", declaring(many, ""), "read"},
+        {"references", declaring("<!ENTITY e ''>", repeated("&e;", kMillion)), "read"},
+        {"laughs", declaring(laughs("ha"), "&e11;"), "entityGrowth"},
+        {"quadratic", declaring("<!ENTITY e '" + repeated("x", 500'000) + "'>", repeated("&e;", 500'000)),
+         "entityGrowth"},
+        {"comments around the root", repeated("<!---->", kMillion) + "<a/>" + repeated("<?t?>", kMillion), "read"},
+        {"a line that is wrong at its end", "<a>" + repeated("x", kLongText / 4) + "</b>", "Element Type Match"},
+        {"a line that is wrong at its beginning", "<a></b>" + repeated("x", kLongText / 4), "Element Type Match"},
+        {"a long name that is not closed", "<a><" + repeated("n", kLongName) + "></a>", "Element Type Match"},
+        {"a long name of an entity", "<a>&" + repeated("n", kLongName) + ";</a>", "Entity Declared"},
+    };
+    for (const auto& c : kTexts) expectOutcomes(fromAll(c.name, c.text, c.outcome));
 }
 
 TEST(HostileStandardTest, LongAndDeepDocumentsAreReadAsTrees) {
