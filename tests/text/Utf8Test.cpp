@@ -123,6 +123,30 @@ TEST(Utf8Test, KnowsAllPairsOfBytesAndWhatFollowsThem) {
     }
 }
 
+// Bytes at the edges of every class, within text that is not ASCII, over the places where a block of sixteen ends.
+TEST(Utf8Test, ChecksThreeBytesAmongOtherCharactersWhereverTheyStand) {
+    const unsigned char kEdges[] = {0x1F, 0x41, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBE, 0xBF, 0xC0, 0xC1, 0xC2,
+                                    0xDF, 0xE0, 0xE1, 0xEC, 0xED, 0xEE, 0xEF, 0xF0, 0xF3, 0xF4, 0xF5, 0xFF};
+    int illFormed = 0;
+    for (const std::string before : {"€€€€", "€€€€a", "€€€€ä", "€€€€€", "€€€€😀"}) {
+        for (const std::string after : {"€€€€€€", "\x80€€€€€€"}) {
+            for (const auto first : kEdges) {
+                for (const auto second : kEdges) {
+                    for (const auto third : kEdges) {
+                        const std::string bytes = {static_cast<char>(first), static_cast<char>(second),
+                                                   static_cast<char>(third)};
+                        const std::string text = before + bytes + after;
+                        ASSERT_NO_FATAL_FAILURE(expectAsNaive(text));
+                        if (Utf8::check(text.data(), text.data() + text.size()).ending == Ending::IllFormed)
+                            ++illFormed;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GE(illFormed, 100000);
+}
+
 TEST(Utf8Test, SaysWhereAndHowBytesAreIllFormed) {
     const struct {
         const char* what;

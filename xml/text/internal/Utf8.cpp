@@ -39,6 +39,9 @@ public:
         while (ending == Ending::Whole) {
             passAscii();
             if (at == to) break;
+#ifdef __SSE2__
+            passBlocks();
+#endif
             while (ending == Ending::Whole && at != to && !isAscii(*at)) passCharacter();
         }
         return {at, ending, badSize, !hasOthers};
@@ -71,6 +74,63 @@ private:
             if (isOddControl(*at)) hasOthers = true;
         }
     }
+
+#ifdef __SSE2__
+    // From the beginning of a character on, sixteen bytes at a time as long as they are well-formed and some of them
+    // not ASCII. Each byte is looked at together with the three before it, so that nothing depends on where characters
+    // begin. It ends where a character begins; one that the last bytes cut off is left.
+    void passBlocks() {
+        constexpr std::ptrdiff_t kAtOnce = 16;
+        if (to - at < kAtOnce) return;
+        const auto load = [](const char* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); };
+        const __m128i first = load(at);
+        if (!passBlock(first, _mm_slli_si128(first, 1), _mm_slli_si128(first, 2), _mm_slli_si128(first, 3))) return;
+        for (at += kAtOnce; to - at >= kAtOnce; at += kAtOnce) {
+            const __m128i bytes = load(at);
+            // After a whole character ASCII is passed faster.
+            if (isAscii(at[-1]) && _mm_movemask_epi8(bytes) == 0) return;
+            if (!passBlock(bytes, load(at - 1), load(at - 2), load(at - 3))) break;
+        }
+        const char* lead = at - 1;
+        while (goesOn(*lead)) --lead;
+        if (!isAscii(*lead) && at - lead <= sequenceOf(static_cast<unsigned char>(*lead)).more) at = lead;
+    }
+
+    // Sixteen bytes, and those that stand one, two and three places before each. False: they are not well-formed.
+    bool passBlock(__m128i bytes, __m128i before1, __m128i before2, __m128i before3) {
+        const auto all = [](int byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
+        const auto atLeast = [&all](__m128i some, int byte) { return _mm_subs_epu8(some, all(byte - 1)); };  // not 0
+        const auto pair = [&](int lead, __m128i second) {
+            return _mm_and_si128(_mm_cmpeq_epi8(before1, all(lead)), second);
+        };
+        const auto below = [&](int byte) { return _mm_cmplt_epi8(bytes, all(byte)); };  // of bytes that go on
+        const auto either = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
+
+        const __m128i afterLead =
+            either(atLeast(before1, 0xC0), either(atLeast(before2, 0xE0), atLeast(before3, 0xF0)));
+        const __m128i isAlone = _mm_cmpeq_epi8(afterLead, _mm_setzero_si128());
+        // One of the two, each in its place.
+        const __m128i rightOnes = _mm_xor_si128(isAlone, below(0xC0));
+        __m128i wrong = _mm_cmpeq_epi8(_mm_and_si128(bytes, all(0xFE)), all(0xC0));
+        wrong = either(wrong, pair(0xE0, below(0xA0)));
+        wrong = either(wrong, _mm_andnot_si128(below(0xA0), _mm_cmpeq_epi8(before1, all(0xED))));
+        wrong = either(wrong, pair(0xF0, below(0x90)));
+        wrong = either(wrong, _mm_andnot_si128(below(0x90), _mm_cmpeq_epi8(before1, all(0xF4))));
+        const __m128i tooHigh = atLeast(bytes, 0xF5);
+        wrong = either(wrong, _mm_xor_si128(_mm_cmpeq_epi8(tooHigh, _mm_setzero_si128()), all(0xFF)));
+        wrong = _mm_andnot_si128(wrong, rightOnes);  // all of them: nothing is wrong
+        if (_mm_movemask_epi8(wrong) != 0xFFFF) return false;
+
+        const auto are = [&](int byte) { return _mm_cmpeq_epi8(bytes, all(byte)); };
+        const __m128i white = either(either(are('\t'), are('\n')), are('\r'));
+        const __m128i isControl = _mm_cmpeq_epi8(_mm_max_epu8(bytes, all(0x1F)), all(0x1F));
+        const __m128i isHighest = _mm_cmpeq_epi8(_mm_max_epu8(bytes, all(0xBE)), bytes);
+        const __m128i isNone = _mm_and_si128(_mm_and_si128(_mm_cmpeq_epi8(before2, all(0xEF)), isHighest),
+                                             _mm_cmpeq_epi8(before1, all(0xBF)));
+        if (_mm_movemask_epi8(either(_mm_andnot_si128(white, isControl), isNone)) != 0) hasOthers = true;
+        return true;
+    }
+#endif
 
     void passCharacter() {
         const auto byte = [this](std::ptrdiff_t i) { return static_cast<unsigned char>(at[i]); };
