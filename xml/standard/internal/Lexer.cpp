@@ -10,27 +10,16 @@ namespace Xml {
 using Syntax::startsWith;
 using Syntax::viewOf;
 
+// The elements whose start tags are in the window are the last ones.
 std::size_t Lexer::release() {
-    std::size_t known = open.size();
-    while (known > 0 && open[known - 1].place.line == 0) --known;
-    for (; known < open.size(); ++known) open[known].place = in.placeOf(open[known].offset);
+    for (std::size_t i = kept.size(); i < open.size(); ++i) {
+        kept.push_back(std::make_unique<const Kept>(Kept{std::string(open[i].name), in.placeOf(open[i].offset)}));
+        open[i].name = kept.back()->name;
+    }
     return in.release();
 }
 
-// A construct that is cut off is read again, but for texts: what is in the buffer stays there.
-Lexer::Event Lexer::next() {
-    if (part == Part::Finished) return Event::Finished;
-    if (part == Part::Failed) return Event::Failed;
-    forgetEnded();
-    in.goOn();
-    Event event = Event::Failed;
-    if (read(event)) return event;
-    if (in.state() == EntityStack::State::Cut) return Event::More;
-    part = Part::Failed;
-    return Event::Failed;
-}
-
-[[gnu::always_inline]] inline bool Lexer::read(Event& event) {
+bool Lexer::read(Event& event) {
     if (part == Part::Content) return readContent(event);
     if (part == Part::Beginning) {
         const char* const from = in.at;
@@ -140,27 +129,18 @@ bool Lexer::readSection(Event& event) {
 
 // --- Tags ---
 
-[[gnu::always_inline]] inline std::string_view Lexer::openName(std::size_t place) const {
-    const std::size_t from = open[place].nameBegin;
-    const std::size_t to = place + 1 < open.size() ? open[place + 1].nameBegin : openNames.size();
-    return std::string_view(openNames).substr(from, to - from);
-}
-
 std::string Lexer::path(std::string_view last) const {
     std::string result;
-    for (std::size_t i = 0; i < open.size(); ++i) result.append("/").append(openName(i));
+    for (const Open& element : open) result.append("/").append(element.name);
     if (!last.empty()) result.append("/").append(last);
     return result;
 }
 
-Place Lexer::placeOf(const Open& element) const {
-    return element.place.line != 0 ? element.place : in.placeOf(element.offset);
-}
-
-std::string Lexer::beganAt(const Open& element) const {
-    const Place place = placeOf(element);
-    const std::string name(openName(static_cast<std::size_t>(&element - open.data())));
-    return "(<" + name + "> began at " + std::to_string(place.line) + ":" + std::to_string(place.column) + ")";
+std::string Lexer::beganAtInnermost() const {
+    const Open& element = open.back();
+    const Place place = kept.size() == open.size() ? kept.back()->place : in.placeOf(element.offset);
+    return "(<" + std::string(element.name) + "> began at " + std::to_string(place.line) + ":" +
+           std::to_string(place.column) + ")";
 }
 
 bool Lexer::readStart(Event& event) {
@@ -183,9 +163,7 @@ bool Lexer::readStart(Event& event) {
     if (in.isInEntity() &&
         !in.grow(EntityStack::kElementCost + tags.attributes().size() * EntityStack::kNodeCost, from))
         return false;
-    open.push_back({openNames.size(), scopes, itsOffset, {}});
-    openNames += itsName;
-    isEnding = tags.isEmpty();
+    beginElement(scopes);
     part = Part::Content;
     event = Event::Start;
     return true;
@@ -194,7 +172,7 @@ bool Lexer::readStart(Event& event) {
 bool Lexer::readEnd(Event& event) {
     const char* const from = in.at;
     const char* const nameBegin = from + 2;
-    const std::string_view expected = openName(open.size() - 1);
+    const std::string_view expected = open.back().name;
     const bool isInside = open.size() > in.openBefore();
     const char* to = nameBegin;
     if (viewOf(nameBegin, in.end).substr(0, expected.size()) == expected) to += expected.size();
@@ -211,36 +189,18 @@ bool Lexer::readEnd(Event& event) {
     if (name != expected) {
         return in.fail(
             from, StandardRules::kElementTypeMatch,
-            "</" + std::string(expected) + "> expected, found </" + std::string(name) + "> " + beganAt(open.back()));
+            "</" + std::string(expected) + "> expected, found </" + std::string(name) + "> " + beganAtInnermost());
     }
     if (*tagEnd != '>') return in.expected(tagEnd, StandardRules::kETag, "\">\"");
     in.at = tagEnd + 1;
     return endElement(event);
 }
 
-// Its name and its prefixes stay as long as the event is at hand.
-[[gnu::always_inline]] inline bool Lexer::endElement(Event& event) {
-    itsName = openName(open.size() - 1);
-    isEnding = false;
-    hasEnded = true;
-    event = Event::End;
-    return true;
-}
-
-[[gnu::always_inline]] inline void Lexer::forgetEnded() {
-    if (!hasEnded) return;
-    hasEnded = false;
-    tags.scopes().goBack(open.back().scopes);
-    openNames.resize(open.back().nameBegin);
-    open.pop_back();
-    if (open.empty()) part = Part::AfterRoot;
-}
-
 bool Lexer::failAtEnd(const char* where) {
     const char* const rule = in.isInEntity() ? StandardRules::kWellFormedParsedEntities : StandardRules::kElement;
-    return in.endsEarly(where, rule,
-                        "</" + std::string(openName(open.size() - 1)) + "> expected, found " + in.describe(where) +
-                            " " + beganAt(open.back()));
+    return in.endsEarly(
+        where, rule,
+        "</" + std::string(open.back().name) + "> expected, found " + in.describe(where) + " " + beganAtInnermost());
 }
 
 // --- The document type ---

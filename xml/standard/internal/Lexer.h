@@ -6,6 +6,7 @@
 #include "xml/standard/internal/XmlDeclaration.h"
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,6 +57,9 @@ public:
     std::size_t release();
 
     Event next();
+
+    // Switches the faster way for ordinary pieces of content off, or on again; returns what it was. For tests.
+    static bool setPlainEnabled(bool on);
 
     // --- The event at hand; all views are good until the next one ---
 
@@ -118,14 +122,21 @@ public:
 private:
     enum class Part : std::uint8_t { Beginning, BeforeDoctype, BeforeRoot, Content, AfterRoot, Finished, Failed };
 
-    // An element that has begun. Its place is found out when the window moves on, or for a message.
+    // An element that has begun. Its name stands where it was read, until the window moves on; what is kept of it then
+    // is the name, and the place for messages.
     struct Open {
-        std::size_t nameBegin;
+        std::string_view name;
         std::size_t scopes;
         std::int64_t offset;
+    };
+    struct Kept {
+        std::string name;
         Place place;
     };
 
+    bool takePlain(Event& event);
+    bool takePlainText(Event& event);
+    bool takePlainEnd(Event& event);
     bool read(Event& event);
     bool readMisc(Event& event);
     bool readContent(Event& event);
@@ -134,7 +145,19 @@ private:
     bool readSection(Event& event);
     bool readStart(Event& event);
     bool readEnd(Event& event);
-    bool endElement(Event& event);
+
+    // The tag that was read; the innermost element, whose name and prefixes stay as long as the event is at hand.
+    void beginElement(std::size_t scopes) {
+        open.push_back({itsName, scopes, itsOffset});
+        isEnding = tags.isEmpty();
+    }
+    bool endElement(Event& event) {
+        itsName = open.back().name;
+        isEnding = false;
+        hasEnded = true;
+        event = Event::End;
+        return true;
+    }
     bool failAtEnd(const char* where);
     bool readDoctype(Event& event);
     bool readDoctypeParts();
@@ -146,9 +169,9 @@ private:
     void takeText(std::string_view text, bool hasReturn);
     void forgetEnded();
 
-    std::string_view openName(std::size_t place) const;
-    Place placeOf(const Open& element) const;
-    std::string beganAt(const Open& element) const;
+    std::string beganAtInnermost() const;
+
+    static bool isPlainEnabled;
 
     Options options;
     EntityStack in;
@@ -158,9 +181,9 @@ private:
     Part part = Part::Beginning;
 
     std::vector<Open> open;
-    std::string openNames;  // those of the open elements, one after the other
-    bool hasEnded = false;  // the innermost one, with the event at hand
-    bool isEnding = false;  // the innermost one, which was an empty tag
+    std::vector<std::unique_ptr<const Kept>> kept;  // of the first of them
+    bool hasEnded = false;                          // the innermost one, with the event at hand
+    bool isEnding = false;                          // the innermost one, which was an empty tag
 
     bool isInText = false;  // some of a text is in the buffer
     bool textHasReference = false;

@@ -155,14 +155,9 @@ bool Tags::failTwice(const TagAttribute& second) {
 }
 
 bool Tags::checkUnique() {
-    constexpr std::size_t kFew = 16;
     if (all.size() > kFew) return checkUniqueOfMany();
-    for (std::size_t i = 1; i < all.size(); ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            if (all[i].name == all[j].name) return failTwice(all[i]);
-        }
-    }
-    return true;
+    const TagAttribute* const second = findTwice();
+    return second == nullptr || failTwice(*second);
 }
 
 // The first one that was there before: sorted, it follows one of the same name.

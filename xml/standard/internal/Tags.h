@@ -28,6 +28,11 @@ public:
     // From '<' on, which a name follows. Prefixes that the tag declares are in scope then.
     bool read();
 
+    // The same for an ordinary tag: one that ends in the window, with names of ASCII without prefixes, values that
+    // stand there as they are, and no declarations of the element's attributes or of prefixes. False: it is none, or
+    // something is wrong with it, and `at` is where it was.
+    bool readPlain();
+
     std::string_view name() const { return itsName; }
     bool isEmpty() const { return empty; }
     const std::vector<TagAttribute>& attributes() const { return all; }
@@ -44,6 +49,7 @@ private:
         std::size_t attribute, from, size;
     };
     using Order = std::vector<std::uint32_t>;
+    static constexpr std::size_t kFew = 16;  // attributes, of which each is compared with each
 
     bool readParts();
     bool readAttribute();
@@ -52,6 +58,7 @@ private:
     bool applyRules();
     bool checkUnique();
     bool checkUniqueOfMany();
+    const TagAttribute* findTwice() const;
     bool failTwice(const TagAttribute& second);
 
     // Namespaces.
