@@ -30,8 +30,13 @@ inline bool is(char c, std::uint8_t wanted) { return (kTable[static_cast<unsigne
 // colon, or what is not ASCII.
 inline const char* endOf(const char* from, const char* to) {
     if (from == to || !is(*from, kStart)) return from;
-    do ++from;
-    while (from != to && is(*from, kGoesOn));
+    for (++from; to - from >= 4; from += 4) {
+        if (!is(from[0], kGoesOn)) return from;
+        if (!is(from[1], kGoesOn)) return from + 1;
+        if (!is(from[2], kGoesOn)) return from + 2;
+        if (!is(from[3], kGoesOn)) return from + 3;
+    }
+    while (from != to && is(*from, kGoesOn)) ++from;
     return from;
 }
 

@@ -52,10 +52,25 @@ StreamEvents::Event StreamEvents::next() {
     return *now;
 }
 
+// Mostly an event of the lexer is one of the reader.
 [[gnu::always_inline]] inline StreamEvents::Event StreamEvents::read() {
     clear();
-    Lexer::Event event = waiting ? *waiting : pull();
+    if (waiting) return readAfterText();
+    const Lexer::Event event = pull();
+    if (event == Lexer::Event::Start || event == Lexer::Event::End) return show(event);
+    if (event == Lexer::Event::Text && options.space != Space::Dropped && isBeforeKept()) return show(event);
+    return readRun(event);
+}
+
+StreamEvents::Event StreamEvents::readAfterText() {
+    const Lexer::Event event = *waiting;
     waiting.reset();
+    return readRun(event);
+}
+
+StreamEvents::Event StreamEvents::readRun(Lexer::Event event) {
+    run.clear();
+    isOther = false;
     for (;; event = pull()) {
         if (isPart(event)) {
             if (!addPart(event)) continue;
@@ -85,8 +100,6 @@ StreamEvents::Event StreamEvents::next() {
 [[gnu::always_inline]] inline void StreamEvents::clear() {
     itsName = itsText = {};
     itsAttributes = &kNoAttributes;
-    run.clear();
-    isOther = false;
 }
 
 // Nothing is at hand before it.
@@ -155,7 +168,7 @@ bool StreamEvents::isPassedOver(Lexer::Event event) const {
 }
 
 // Whether the text is known to end with it.
-[[gnu::always_inline]] inline bool StreamEvents::addPart(Lexer::Event event) {
+bool StreamEvents::addPart(Lexer::Event event) {
     const std::string_view part = lexer.text();
     if (part.empty()) return !itsText.empty() && isBeforeKept();
     if (options.space == Space::Dropped) {

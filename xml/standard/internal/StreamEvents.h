@@ -54,6 +54,8 @@ private:
     };
 
     Event read();
+    Event readAfterText();
+    Event readRun(Lexer::Event event);
     Lexer::Event pull();
     Event show(Lexer::Event event);
     void clear();
