@@ -4,6 +4,9 @@
 #include "standard/Streamed.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
+#include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
+#include "xml/standard/Read.h"
 #include "xml/standard/internal/Lexer.h"
 #include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
@@ -45,6 +48,24 @@ void expectSameStream(const std::string& text, const ReadOptions& options) {
     const std::string plain = lines();
     const WithoutPlain without;
     ASSERT_EQ(plain, lines()) << text;
+}
+
+// All nodes with their places, or the problem.
+void expectSameTree(const std::string& text, const ReadOptions& options) {
+    const auto lines = [&]() -> std::string {
+        const ReadResult result = readText(text, options);
+        return result ? nodesOf(*result->getRoot()) : result.message();
+    };
+    const std::string plain = lines();
+    const WithoutPlain without;
+    ASSERT_EQ(plain, lines()) << text;
+}
+
+void expectSameTrees(const std::string& text, ReadOptions options) {
+    for (const bool keepsPlaces : {false, true}) {
+        options.keepPlaces = keepsPlaces;
+        ASSERT_NO_FATAL_FAILURE(expectSameTree(text, options));
+    }
 }
 
 TEST(PlainPiecesTest, GiveWhatOtherPiecesGive) {
@@ -92,6 +113,10 @@ TEST(PlainPiecesTest, GiveWhatOtherPiecesGive) {
         "<?i x?>",
         "<",
         "<b",
+        "<b><c/></b>",
+        "<b>t</b> <b> t</b>\n<b>t </b>\n",
+        "<b x='1' y='2'>a text of more than a few bytes</b>",
+        "<b>t</b><!-- c -->u<b/>v<?i?>",
     };
     for (const std::string& piece : kPieces) {
         for (const std::string before : {"<a>", "<a><c><d>x</d>", "<!DOCTYPE a [<!ENTITY e '<b i=\"1\">t</b>'>]><a>",
@@ -105,6 +130,7 @@ TEST(PlainPiecesTest, GiveWhatOtherPiecesGive) {
                         ASSERT_NO_FATAL_FAILURE(expectSame(text, options, chunk));
                 }
                 ASSERT_NO_FATAL_FAILURE(expectSameStream(text, {}));
+                ASSERT_NO_FATAL_FAILURE(expectSameTrees(text, {}));
             }
         }
     }
@@ -130,6 +156,7 @@ TEST(PlainPiecesTest, GiveWhatOtherPiecesGiveInRandomDocuments) {
         reading.keepCData = dice.chance(50);
         reading.space = dice.chance(70) ? Space::Content : Space::Dropped;
         ASSERT_NO_FATAL_FAILURE(expectSameStream(text, reading));
+        ASSERT_NO_FATAL_FAILURE(expectSameTrees(text, reading));
         if (lex(text).isAccepted) ++accepted;
     }
     EXPECT_GE(accepted, atLeast(5000));

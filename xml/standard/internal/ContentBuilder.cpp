@@ -2,6 +2,7 @@
 
 #include "xml/stream/internal/Scan.h"
 #include "xml/text/internal/Escape.h"
+#include <utility>
 
 namespace Xml {
 
@@ -13,8 +14,7 @@ Lexer::Options lexerOptions(const ReadOptions& options) {
     return result;
 }
 
-ContentBuilder::ContentBuilder(const Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces,
-                               bool isPreserved)
+ContentBuilder::ContentBuilder(Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces, bool isPreserved)
     : lexer(itsLexer),
       options(itsOptions),
       places(itsPlaces),
@@ -24,30 +24,81 @@ ContentBuilder::ContentBuilder(const Lexer& itsLexer, const ReadOptions& itsOpti
 
 void ContentBuilder::begin() {
     flush();
+    if (!tree.isOpen()) return beginOutermost();
+    const SharedName& name = tree.name(lexer.name());
+    Place ofTag;
+    const Place* place = nullptr;
+    if (placeAt(lexer.offset()) != nullptr) {
+        ofTag = here;
+        place = &ofTag;
+    }
+    const std::string_view space = takeAttributes();
+    if (lexer.isEmptyTag()) return addEmpty(name, place);
+    if (lexer.takeLeaf()) return addLeaf(name, place);
+    if (place != nullptr) {
+        tree.begin(name, place);
+    } else {
+        tree.begin(name);
+    }
+    tree.setAttributes(attributes);
+    white.begin(space);
+}
+
+void ContentBuilder::beginOutermost() {
     const Place* const place = placeAt(lexer.offset());
     if (place != nullptr) {
         tree.begin(lexer.name(), place);
     } else {
         tree.begin(lexer.name());
     }
+    const std::string_view space = takeAttributes();
+    tree.setAttributes(attributes);
+    white.begin(space);
+}
+
+// Those of the tag, the place of which was found last. Returns the value of xml:space.
+std::string_view ContentBuilder::takeAttributes() {
     attributes.clear();
+    if (isPadded()) attributes.setPadded();
     const Place ofTag = here;
     std::string_view space;
     for (const TagAttribute& attribute : lexer.attributes()) {
         const SharedName& name = tree.name(attribute.name);
         if (attribute.isDefault) {
-            attributes.addDefault(name, attribute.value, place != nullptr ? &ofTag : nullptr);
+            attributes.addDefault(name, attribute.value, places != nullptr ? &ofTag : nullptr);
         } else {
             attributes.add(name, attribute.value, placeAt(lexer.offsetOf(attribute)));
         }
         if (attribute.name == "xml:space") space = attribute.value;
     }
-    tree.setAttributes(attributes);
-    white.begin(space);
+    return space;
+}
+
+// An element without content is not open until its end.
+void ContentBuilder::addEmpty(const SharedName& name, const Place* place) {
+    white.noteElement();
+    if (place != nullptr) {
+        tree.addElement(name, attributes, place);
+    } else {
+        tree.addElement(name, attributes);
+    }
+    hasEnded = true;
+}
+
+// The text is in the window.
+void ContentBuilder::addLeaf(const SharedName& name, const Place* place) {
+    const bool isTextPadded = lexer.ahead().size() >= internal::kShortText;
+    white.noteElement();
+    if (place != nullptr) {
+        tree.addLeaf(name, attributes, lexer.text(), isTextPadded, place, placeAt(lexer.offset()));
+    } else {
+        tree.addLeaf(name, attributes, lexer.text(), isTextPadded);
+    }
 }
 
 void ContentBuilder::end() {
     flush();
+    if (std::exchange(hasEnded, false)) return;
     white.end();
     tree.end();
 }
@@ -81,7 +132,8 @@ void ContentBuilder::addText() {
     const bool isOtherText = lexer.hasReference() || !WhiteSpace::isWhite(text);
     if (!pending.empty() || !(keepsEach || lexer.isBeforeTag())) return addPart(text, isOtherText);
     if (isOtherText) {
-        white.addOther(escaped(text), placeAt(lexer.offset()));
+        const bool isPlain = lexer.isPlain();
+        white.addOther(isPlain ? text : escaped(text), placeAt(lexer.offset()), isPadded());
     } else {
         white.addWhite(text, placeAt(lexer.offset()));
     }

@@ -23,10 +23,10 @@ Lexer::Options lexerOptions(const ReadOptions& options);
 class ContentBuilder {
 public:
     // What they are made of must stay. Without places nodes have none. Around the element white space may be preserved.
-    ContentBuilder(const Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces,
-                   bool isPreserved = false);
+    ContentBuilder(Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces, bool isPreserved = false);
 
-    // The first one is the outermost element; all others are in that.
+    // The first one is the outermost element; all others are in that. An element that holds a text alone may be taken
+    // as a whole, with its end.
     void begin();
     void end();
     void addText();
@@ -49,12 +49,17 @@ public:
     const Place* place() { return placeAt(lexer.offset()); }
 
 private:
+    void beginOutermost();
+    std::string_view takeAttributes();
+    void addEmpty(const SharedName& name, const Place* place);
+    void addLeaf(const SharedName& name, const Place* place);
+    bool isPadded() const { return lexer.isPlain() && lexer.ahead().size() >= internal::kShortText; }
     void addPart(std::string_view text, bool isOther);
     void flush();
     std::string_view escaped(std::string_view text);
     const Place* placeAt(std::int64_t offset);
 
-    const Lexer& lexer;
+    Lexer& lexer;
     const ReadOptions& options;
     PlaceSource* const places;
     const bool keepsEach;
@@ -63,6 +68,7 @@ private:
     TreeBuilder tree;
     WhiteSpace white;
     TagAttributes attributes;
+    bool hasEnded = false;  // the element whose end comes next: it is in the tree
     Place here;
 
     std::string pending;   // parts of a text that may go on, escaped

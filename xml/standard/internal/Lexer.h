@@ -72,6 +72,13 @@ public:
     // Whether some of the text came by a reference.
     bool hasReference() const { return textHasReference; }
 
+    // Whether a text or the values of a tag stand in the window as they are. Such a text has no '<', '>' and '&'.
+    bool isPlain() const { return isPlainPiece; }
+
+    // After a Start: takes what is left of the element where that is a plain text, which does not begin with white
+    // space, and the end tag. Then the End is at hand, with the text and its offset.
+    bool takeLeaf();
+
     // Whether a tag follows, and not what a reader may drop.
     bool isBeforeTag() const { return in.end - in.at > 1 && *in.at == '<' && in.at[1] != '!' && in.at[1] != '?'; }
 
@@ -137,6 +144,7 @@ private:
     bool takePlain(Event& event);
     bool takePlainText(Event& event);
     bool takePlainEnd(Event& event);
+    const char* afterPlainEnd(const char* from) const;
     bool read(Event& event);
     bool readMisc(Event& event);
     bool readContent(Event& event);
@@ -187,6 +195,7 @@ private:
 
     bool isInText = false;  // some of a text is in the buffer
     bool textHasReference = false;
+    bool isPlainPiece = false;
     std::string buffer;
 
     std::string_view itsName, itsText;

@@ -31,7 +31,8 @@ Lexer::Event Lexer::next() {
     if (part == Part::Failed) return Event::Failed;
     forgetEnded();
     Event event = Event::Failed;
-    if (part == Part::Content && !isInText && isPlainEnabled && takePlain(event)) return event;
+    isPlainPiece = part == Part::Content && !isInText && isPlainEnabled && takePlain(event);
+    if (isPlainPiece) return event;
     in.goOn();
     if (read(event)) return event;
     if (in.state() == EntityStack::State::Cut) return Event::More;
@@ -56,7 +57,7 @@ Lexer::Event Lexer::next() {
 }
 
 [[gnu::always_inline]] inline bool Lexer::takePlainText(Event& event) {
-    const char* const to = Runs::find<'<', '&', ']'>(in.at, in.end);
+    const char* const to = Runs::find<'<', '>', '&', ']'>(in.at, in.end);
     if (to == in.end || *to != '<') return false;
     itsText = Syntax::viewOf(in.at, to);
     itsOffset = in.offsetOf(in.at);
@@ -67,13 +68,34 @@ Lexer::Event Lexer::next() {
 }
 
 [[gnu::always_inline]] inline bool Lexer::takePlainEnd(Event& event) {
-    const char* const name = in.at + 2;
-    const std::string_view expected = open.back().name;
-    if (!Scan::startsWith(name, in.end, expected)) return false;
-    const char* const to = name + expected.size();
-    if (to == in.end || *to != '>') return false;
+    const char* const to = afterPlainEnd(in.at);
+    if (to == nullptr) return false;
     itsOffset = in.offsetOf(in.at);
-    in.at = to + 1;
+    in.at = to;
+    return endElement(event);
+}
+
+// The end of the innermost element's end tag, which begins with "</" there; null where it is not ordinary.
+[[gnu::always_inline]] inline const char* Lexer::afterPlainEnd(const char* from) const {
+    const char* const name = from + 2;
+    const std::string_view expected = open.back().name;
+    if (!Scan::startsWith(name, in.end, expected)) return nullptr;
+    const char* const to = name + expected.size();
+    return to != in.end && *to == '>' ? to + 1 : nullptr;
+}
+
+bool Lexer::takeLeaf() {
+    if (isEnding || in.isInEntity() || !isPlainEnabled) return false;
+    const char* const from = in.at;
+    if (from == in.end || *from == '<' || Syntax::isWhite(*from)) return false;
+    const char* const to = Runs::find<'<', '>', '&', ']'>(from, in.end);
+    if (in.end - to < 2 || *to != '<' || to[1] != '/') return false;
+    const char* const next = afterPlainEnd(to);
+    if (next == nullptr) return false;
+    itsText = Syntax::viewOf(from, to);
+    itsOffset = in.offsetOf(from);
+    in.at = next;
+    Event event = Event::End;
     return endElement(event);
 }
 

@@ -4,7 +4,7 @@
 
 namespace Xml {
 
-bool WhiteSpace::isWhite(std::string_view text) {
+bool WhiteSpace::isAllWhite(std::string_view text) {
     const char* const end = text.data() + text.size();
     return Scan::endOfAny<' ', '\t', '\n', '\r'>(text.data(), end) == end;
 }
@@ -36,9 +36,9 @@ void WhiteSpace::addWhite(std::string_view text, const Place* place) {
     bytes += text;
 }
 
-void WhiteSpace::addOther(std::string_view text, const Place* place) {
+void WhiteSpace::addOther(std::string_view text, const Place* place, bool isPadded) {
     noteOther();
-    addText(text, place);
+    addText(text, place, isPadded);
 }
 
 void WhiteSpace::noteOther() {
@@ -47,11 +47,11 @@ void WhiteSpace::noteOther() {
     if (held.size() > level.firstHeld) keepHeld();
 }
 
-void WhiteSpace::addText(std::string_view text, const Place* place) {
+void WhiteSpace::addText(std::string_view text, const Place* place, bool isPadded) {
     if (place != nullptr) {
-        tree.addText(text, false, place);
+        tree.addText(text, isPadded, place);
     } else {
-        tree.addText(text);
+        tree.addText(text, isPadded);
     }
 }
 

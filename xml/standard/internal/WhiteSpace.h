@@ -22,14 +22,20 @@ public:
     void begin(std::string_view spaceAttribute);
     void end();
 
+    // An element within it has begun and ended.
+    void noteElement() { levels.back().hasElements = true; }
+
     // A text within it, with its place or null; other is all that is not white space, or came by a reference.
+    // Padded: as TreeBuilder has it.
     void addWhite(std::string_view text, const Place* place);
-    void addOther(std::string_view text, const Place* place);
+    void addOther(std::string_view text, const Place* place, bool isPadded = false);
 
     // Other text within it that is a node of another kind.
     void noteOther();
 
-    static bool isWhite(std::string_view text);
+    static bool isWhite(std::string_view text) {
+        return text.empty() || (static_cast<unsigned char>(text.front()) <= ' ' && isAllWhite(text));
+    }
 
 private:
     struct Level {
@@ -44,7 +50,8 @@ private:
         Place place;
     };
 
-    void addText(std::string_view text, const Place* place);
+    static bool isAllWhite(std::string_view text);
+    void addText(std::string_view text, const Place* place, bool isPadded = false);
     void keepHeld();
 
     TreeBuilder& tree;
