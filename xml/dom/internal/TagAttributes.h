@@ -21,6 +21,12 @@ namespace Xml {
 class TagAttributes {
 public:
     struct Given {
+        Given() {}  // to be assigned
+
+        // Made in its place: what is copied there waits for the stores.
+        Given(const SharedName& itsName, std::string_view itsValue, std::uint32_t itsOrder, bool isDefault)
+            : name(&itsName), bytes(itsValue), order(itsOrder), isSupplied(isDefault) {}
+
         std::string_view value() const { return bytes; }
 
         const SharedName* name;  // of the NameTable of the tree
@@ -79,7 +85,7 @@ public:
 private:
     void add(const SharedName& name, std::string_view value, const Place* place, bool isSupplied) {
         if (!all.empty()) isSorted &= all.back().name->isBefore(name);
-        all.push_back({&name, value, static_cast<std::uint32_t>(all.size()), isSupplied});
+        all.emplace_back(name, value, static_cast<std::uint32_t>(all.size()), isSupplied);
         if (place != nullptr) places.push_back(*place);
     }
 

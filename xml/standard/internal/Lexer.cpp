@@ -163,7 +163,7 @@ bool Lexer::readStart(Event& event) {
     if (in.isInEntity() &&
         !in.grow(EntityStack::kElementCost + tags.attributes().size() * EntityStack::kNodeCost, from))
         return false;
-    beginElement(scopes);
+    beginElement(itsName, scopes, itsOffset);
     part = Part::Content;
     event = Event::Start;
     return true;

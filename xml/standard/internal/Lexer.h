@@ -132,6 +132,10 @@ private:
     // An element that has begun. Its name stands where it was read, until the window moves on; what is kept of it then
     // is the name, and the place for messages.
     struct Open {
+        // Made in its place: what is copied there waits for the stores.
+        Open(std::string_view itsName, std::size_t itsScopes, std::int64_t itsOffset)
+            : name(itsName), scopes(itsScopes), offset(itsOffset) {}
+
         std::string_view name;
         std::size_t scopes;
         std::int64_t offset;
@@ -155,8 +159,10 @@ private:
     bool readEnd(Event& event);
 
     // The tag that was read; the innermost element, whose name and prefixes stay as long as the event is at hand.
-    void beginElement(std::size_t scopes) {
-        open.push_back({itsName, scopes, itsOffset});
+    void beginElement(std::string_view name, std::size_t scopes, std::int64_t offset) {
+        open.emplace_back(name, scopes, offset);
+        itsName = name;
+        itsOffset = offset;
         isEnding = tags.isEmpty();
     }
     bool endElement(Event& event) {

@@ -49,9 +49,7 @@ Lexer::Event Lexer::next() {
     if (options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth)) return false;
     const char* const from = in.at;
     if (!tags.readPlain()) return false;
-    itsName = tags.name();
-    itsOffset = in.offsetOf(from);
-    beginElement(tags.scopes().mark());
+    beginElement(tags.name(), tags.scopes().mark(), in.offsetOf(from));
     event = Event::Start;
     return true;
 }

@@ -98,7 +98,8 @@ StreamEvents::Event StreamEvents::readRun(Lexer::Event event) {
 }
 
 [[gnu::always_inline]] inline void StreamEvents::clear() {
-    itsName = itsText = {};
+    itsName = {};  // one by one: what is copied on waits for the store
+    itsText = {};
     itsAttributes = &kNoAttributes;
 }
 

@@ -105,7 +105,7 @@ bool Tags::readAttribute() {
     bool isPlain = false;
     if (!values.readAttribute(plain, isPlain, buffer)) return false;
     if (!isPlain) buffered.push_back({all.size(), begin, buffer.size() - begin});
-    all.push_back({name, plain, false});
+    all.emplace_back(name, plain, false);
     return true;
 }
 
@@ -141,7 +141,7 @@ bool Tags::applyRules() {
             prefixed.emplace_back(static_cast<std::uint32_t>(all.size()), static_cast<std::uint32_t>(colon));
         }
         declaresPrefixes |= name.substr(0, 5) == "xmlns";
-        all.push_back({name, rule->value, true});
+        all.emplace_back(name, rule->value, true);
     }
     return true;
 }

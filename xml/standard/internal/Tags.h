@@ -15,8 +15,12 @@ namespace Xml {
 
 // An attribute of a tag, its value normalised.
 struct TagAttribute {
+    // Made in its place: what is copied there waits for the stores.
+    TagAttribute(std::string_view itsName, std::string_view itsValue, bool isSupplied)
+        : name(itsName), value(itsValue), isDefault(isSupplied) {}
+
     std::string_view name, value;
-    bool isDefault = false;  // supplied by the document type
+    bool isDefault;  // supplied by the document type
 };
 
 // Reads start tags. Names and values are good until the next tag is read, or the window moves.

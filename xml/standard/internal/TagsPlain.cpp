@@ -51,7 +51,7 @@ bool Tags::readPlain() {
         const std::string_view attribute = viewOf(next, to);
         if (attribute == "xmlns") return false;
         seen.add(attribute);
-        all.push_back({attribute, viewOf(value, valueEnd), false});
+        all.emplace_back(attribute, viewOf(value, valueEnd), false);
         at = valueEnd + 1;
     }
     if (seen.maybeTwice() && (all.size() > kFew || findTwice() != nullptr)) return false;

@@ -20,7 +20,7 @@ void WhiteSpace::begin(std::string_view spaceAttribute) {
 void WhiteSpace::end() {
     const Level& level = levels.back();
     if (!level.hasElements) keepHeld();
-    held.resize(level.firstHeld);
+    held.erase(held.begin() + static_cast<std::ptrdiff_t>(level.firstHeld), held.end());
     bytes.resize(level.heldBytes);
     levels.pop_back();
 }
@@ -32,7 +32,7 @@ void WhiteSpace::addWhite(std::string_view text, const Place* place) {
     const bool isKept =
         space == Space::All || level.isPreserved || level.hasText || Scan::findAny<'\n', '\r'>(text.data(), end) == end;
     if (isKept) return addText(text, place);
-    held.push_back({tree.childCount(), bytes.size(), text.size(), place != nullptr ? *place : Place()});
+    held.emplace_back(tree.childCount(), bytes.size(), text.size(), place);
     bytes += text;
 }
 
@@ -66,7 +66,7 @@ void WhiteSpace::keepHeld() {
                          place.line > 0 ? &place : nullptr});
     }
     tree.insertTexts(texts);
-    held.resize(level.firstHeld);
+    held.erase(held.begin() + static_cast<std::ptrdiff_t>(level.firstHeld), held.end());
     bytes.resize(level.heldBytes);
 }
 

@@ -46,6 +46,12 @@ private:
         bool hasText;
     };
     struct Held {
+        // Made in its place: what is copied there waits for the stores.
+        Held(std::size_t itsChild, std::size_t itsFrom, std::size_t itsSize, const Place* itsPlace)
+            : child(itsChild), from(itsFrom), size(itsSize) {
+            if (itsPlace != nullptr) place = *itsPlace;
+        }
+
         std::size_t child, from, size;
         Place place;
     };
