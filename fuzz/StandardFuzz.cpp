@@ -12,6 +12,7 @@
 #include "models/Snapshot.h"
 #include "standard/Streamed.h"
 #include "stream/TextBuffer.h"
+#include "support/Messages.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
@@ -171,6 +172,7 @@ void checkMixed(const std::string& document, const Setting& setting, bool isWell
 const std::size_t kLongestInput = 4096;
 
 void check(const std::string& input) {
+    const test::MessageCollector quiet;  // showing a document type says what it has already
     Decisions decisions(input);
     const Setting setting = settingOf(decisions);
     const std::string document = input.size() > 3 ? input.substr(3) : "";
