@@ -36,9 +36,6 @@ public:
 
     bool isOpen() const { return tree.isOpen(); }
 
-    // Whether comments, instructions and sections all become nodes.
-    bool keepsAll() const { return keepsEach; }
-
     // The outermost element.
     std::unique_ptr<Element> take() { return std::move(root); }
 
