@@ -30,7 +30,7 @@ TEST(LargePagesTest, HasFreshMemoryGivenAtOnce) {
     void* const memory = mmap(nullptr, kPages * kSmallPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     if (madvise(memory, kSmallPage, MADV_POPULATE_WRITE) != 0) GTEST_SKIP() << "the system gives pages one by one";
-    LargePages::ask(static_cast<char*>(memory) + 16, kPages * kSmallPage - 16 - 100);
+    LargePages::askForAll(static_cast<char*>(memory) + 16, kPages * kSmallPage - 16 - 100);
     std::vector<unsigned char> isThere(kPages);
     ASSERT_EQ(mincore(memory, kPages * kSmallPage, isThere.data()), 0);
     EXPECT_EQ(std::count(isThere.begin(), isThere.end(), 1), static_cast<std::ptrdiff_t>(kPages - 1))

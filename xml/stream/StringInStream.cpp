@@ -13,7 +13,7 @@ constexpr std::size_t kMostBytes = std::numeric_limits<int>::max();
 }  // namespace
 
 StringInStream::StringInStream(const std::string& bytes) {
-    LargePages::reserve(text, bytes.size());
+    LargePages::reserveAll(text, bytes.size());
     text = bytes;
 }
 

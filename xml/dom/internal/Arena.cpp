@@ -122,7 +122,7 @@ SharedName& NodeMemory::takeName(std::string_view name) {
 KeptText& NodeMemory::takeText(std::string_view text) {
     if (arena == nullptr) addSlab(nodes);
     auto made = std::make_unique<KeptText>();
-    LargePages::reserve(made->text, text.size());
+    LargePages::reserveAll(made->text, text.size());
     made->text = text;
     return arena->keep(std::move(made));
 }

@@ -53,7 +53,12 @@ struct WholePages {
 void LargePages::ask(void* memory, std::size_t size) {
     const KeptErrno kept;
     WholePages(memory, size, kBytes).advise(MADV_HUGEPAGE);
+}
+
+void LargePages::askForAll(void* memory, std::size_t size) {
+    ask(memory, size);
 #ifdef MADV_POPULATE_WRITE
+    const KeptErrno kept;
     static const auto kSmallPage = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
     const WholePages small(memory, size, kSmallPage);
     if (isFresh(small, kSmallPage)) small.advise(MADV_POPULATE_WRITE);
@@ -93,6 +98,7 @@ void LargePages::unmap(void* memory, std::size_t size) noexcept {
 #else
 
 void LargePages::ask(void*, std::size_t) {}
+void LargePages::askForAll(void*, std::size_t) {}
 void* LargePages::map() { return nullptr; }
 bool LargePages::offer(void*) noexcept { return false; }
 void LargePages::unmap(void*, std::size_t) noexcept {}

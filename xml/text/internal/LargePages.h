@@ -10,15 +10,24 @@ namespace Xml::LargePages {
 
 constexpr std::uintptr_t kBytes = std::uintptr_t{2} << 20;
 
-// Asks for memory that is about to be filled: large pages, as far as whole ones lie in it, and all of it at once where
-// it is fresh. Small pages that come one by one, each when it is first touched, take twice as long.
+// Asks for large pages for memory that is about to be filled, as far as whole ones lie in it.
 void ask(void* memory, std::size_t size);
 
-// Makes room in an empty string for so many bytes.
+// The same for memory of which all is about to be filled, which comes at once where it is fresh. Small pages that come
+// one by one, each when it is first touched, take twice as long.
+void askForAll(void* memory, std::size_t size);
+
+// Makes room in an empty string for so many bytes at most.
 inline void reserve(std::string& text, std::size_t size) {
+    text.reserve(size);
+    if (size >= kBytes) ask(text.data(), size);
+}
+
+// Makes room in an empty string for so many bytes, which all come.
+inline void reserveAll(std::string& text, std::size_t size) {
     constexpr std::size_t kMany = std::size_t{256} << 10;
     text.reserve(size);
-    if (size >= kMany) ask(text.data(), size);
+    if (size >= kMany) askForAll(text.data(), size);
 }
 
 // One large page of the caller's own; null where the system has none to give.
