@@ -4,6 +4,7 @@
 #include "xml/dom/CharData.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/Instruction.h"
 #include "xml/dom/NodeKind.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/reader/DTDReader.h"
@@ -20,6 +21,16 @@ Outcome::Outcome() = default;
 Outcome::Outcome(Outcome&&) noexcept = default;
 Outcome::~Outcome() = default;
 
+namespace {
+
+// Not by toString, which keeps its text in the node: several threads may look at a tree.
+std::string dump(const Instruction& instruction) {
+    const std::string& content = instruction.getContent();
+    return "<?" + instruction.getTarget() + (content.empty() ? "" : " ") + content + "?>";
+}
+
+}  // namespace
+
 std::string dump(const Object* node) {
     if (node == nullptr) return "null";
     if (node->isDocument()) {
@@ -28,7 +39,7 @@ std::string dump(const Object* node) {
     }
     switch (kindOf(*node)) {
     case NodeKind::Comment: return "<!--" + node->toString() + "-->";
-    case NodeKind::Instruction: return "<?" + node->toString() + "?>";
+    case NodeKind::Instruction: return dump(static_cast<const Instruction&>(*node));
     case NodeKind::CData: return "[" + node->toCharData()->data() + "]";
     default: break;
     }
