@@ -246,4 +246,13 @@ bool Lexer::readDoctypeParts() {
                             itsDoctype.subset.data() != nullptr ? "\">\"" : "\"[\" or \">\"");
 }
 
+std::string_view Lexer::cutTag() const {
+    const std::string_view rest = ahead();
+    if (rest.empty() || rest.front() != '<') return {};
+    const char* const from = rest.data() + 1;
+    const char* const end = rest.data() + rest.size();
+    const char* const to = StandardNames::nameEnd(from, end);
+    return to != end ? Syntax::viewOf(from, to) : std::string_view();
+}
+
 }  // namespace Xml

@@ -85,6 +85,9 @@ public:
     // What follows, as far as the window goes; in an entity what is left of that.
     std::string_view ahead() const { return {in.at, static_cast<std::size_t>(in.end - in.at)}; }
 
+    // The name in the start tag within which the window ends; empty where it ends elsewhere.
+    std::string_view cutTag() const;
+
     // Of a Start: in the order of the tag, and then those that the document type supplies.
     const std::vector<TagAttribute>& attributes() const { return tags.attributes(); }
     bool isEmptyTag() const { return tags.isEmpty(); }

@@ -3,6 +3,7 @@
 #include "xml/dom/Element.h"
 #include "xml/standard/internal/ContentBuilder.h"
 #include "xml/standard/internal/OptionProblems.h"
+#include "xml/standard/internal/PrologParts.h"
 #include <algorithm>
 
 namespace Xml {
@@ -141,11 +142,7 @@ void StreamEvents::noteEnd() {
 
 void StreamEvents::noteDoctype() {
     itsName = lexer.name();
-    const Lexer::Doctype& doctype = lexer.doctype();
-    itsProlog.doctype = itsName;
-    itsProlog.publicId = doctype.publicId;
-    itsProlog.systemId = doctype.systemId;
-    itsProlog.internalSubset = doctype.subset;
+    PrologParts::takeDoctype(itsProlog, lexer);
 }
 
 // --- Texts ---

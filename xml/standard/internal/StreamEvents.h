@@ -79,7 +79,6 @@ private:
     void failByFault();
     void fail(const DecodingFailure& failure);
     void locate(Problem& problem, std::int64_t offset);
-    std::string_view cutTag() const;
 
     const ReadOptions options;
     const std::unique_ptr<TextWindows> windows;

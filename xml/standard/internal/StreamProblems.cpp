@@ -1,9 +1,9 @@
 // Where an event of a stream is, what is known of the document, and what is wrong with it.
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/OptionProblems.h"
+#include "xml/standard/internal/PrologParts.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/StreamEvents.h"
-#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <utility>
 
@@ -34,10 +34,7 @@ Place StreamEvents::place() {
 
 const Prolog& StreamEvents::prolog() {
     if (lexer.window().data() == nullptr) return itsProlog;  // nothing was read
-    const XmlDeclaration& declaration = lexer.declaration();
-    itsProlog.hasDeclaration = declaration.isPresent;
-    itsProlog.encoding = declaration.encoding;
-    itsProlog.standalone = declaration.standalone;
+    PrologParts::takeDeclaration(itsProlog, lexer);
     itsProlog.hasMark = windows->decoder().hasMark();
     itsProlog.newline = windows->newline();
     return itsProlog;
@@ -73,7 +70,7 @@ void StreamEvents::fail(const DecodingFailure& failure) {
     const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
     Problem problem = problemOf(options.source, isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed,
                                 messageLine(failure.text), StandardRules::kCharacterEncodingInEntities);
-    problem.path = lexer.path(cutTag());
+    problem.path = lexer.path(lexer.cutTag());
     const std::int64_t end = lexer.windowBegin() + static_cast<std::int64_t>(lexer.window().size());
     locate(problem, std::clamp(failure.textOffset, lexer.windowBegin(), end));
     problem.place.offset = failure.offset;
@@ -86,16 +83,6 @@ void StreamEvents::locate(Problem& problem, std::int64_t offset) {
     const std::size_t begin = held.size() - lexer.window().size();
     problem.place = of(offset);
     problem.excerpt = excerptOf(held, begin + static_cast<std::size_t>(offset - lexer.windowBegin()));
-}
-
-// The name in the start tag that the text ends within; empty where it ends elsewhere.
-std::string_view StreamEvents::cutTag() const {
-    const std::string_view rest = lexer.ahead();
-    if (rest.empty() || rest.front() != '<') return {};
-    const char* const from = rest.data() + 1;
-    const char* const end = rest.data() + rest.size();
-    const char* const to = StandardNames::nameEnd(from, end);
-    return to != end ? std::string_view(from, static_cast<std::size_t>(to - from)) : std::string_view();
 }
 
 }  // namespace Xml

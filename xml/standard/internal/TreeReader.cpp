@@ -1,16 +1,15 @@
 #include "xml/standard/internal/TreeReader.h"
 
 #include "xml/dom/Document.h"
-#include "xml/dom/Prolog.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/standard/internal/ContentBuilder.h"
 #include "xml/standard/internal/DtdBuilder.h"
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/FirstLineEnd.h"
 #include "xml/standard/internal/Lexer.h"
+#include "xml/standard/internal/PrologParts.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/SourcePlaces.h"
-#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -40,7 +39,6 @@ private:
 
     void report(Problem& problem);
     void report(const DecodingFailure& failure, Problem& problem);
-    std::string_view cutTag();
 
     const ReadOptions& options;
     SourceText& source;
@@ -88,20 +86,14 @@ void TreeReader::end() {
 }
 
 void TreeReader::noteDoctype() {
-    const Lexer::Doctype& doctype = lexer.doctype();
-    prolog->doctype = lexer.name();
-    prolog->publicId = doctype.publicId;
-    prolog->systemId = doctype.systemId;
-    prolog->internalSubset = doctype.subset;
+    PrologParts::takeDoctype(*prolog, lexer);
     around = &prolog->beforeRoot;
     if (const Place* const place = content.place()) doctypePlace = *place;
 }
 
 std::unique_ptr<Document> TreeReader::finish() {
     if (prolog->doctype.empty()) prolog->beforeRoot.swap(prolog->beforeDoctype);
-    prolog->encoding = lexer.declaration().encoding;
-    prolog->standalone = lexer.declaration().standalone;
-    prolog->hasDeclaration = lexer.declaration().isPresent;
+    PrologParts::takeDeclaration(*prolog, lexer);
     prolog->hasMark = source.decoder().hasMark();
     FirstLineEnd lineEnd;
     lineEnd.look(source.text());
@@ -158,19 +150,8 @@ void TreeReader::report(const DecodingFailure& failure, Problem& problem) {
     problem.place.offset = failure.offset;
     problem.text = messageLine(failure.text);
     problem.rule = StandardRules::kCharacterEncodingInEntities;
-    problem.path = content.path(cutTag());
+    problem.path = content.path(lexer.cutTag());
     problem.excerpt = excerptOf(text, offset);
-}
-
-// The name in the start tag that the text ends within; empty where it ends elsewhere.
-std::string_view TreeReader::cutTag() {
-    lexer.release();
-    const std::string_view rest = lexer.window();
-    if (rest.empty() || rest.front() != '<') return {};
-    const char* const from = rest.data() + 1;
-    const char* const end = rest.data() + rest.size();
-    const char* const to = StandardNames::nameEnd(from, end);
-    return to != end ? std::string_view(from, static_cast<std::size_t>(to - from)) : std::string_view();
 }
 
 }  // namespace
