@@ -86,10 +86,10 @@ TEST(SharedNameTest, IsComparedAsItsText) {
                                       std::string("a\0", 2),
                                       std::string("abcdefgh\0", 9)};
     for (const std::string& a : texts) {
-        const SharedName name(a, nullptr);
+        const SharedName name(a, SharedName::headOf(a), nullptr);
         EXPECT_EQ(name.number, 0U);
         for (const std::string& b : texts) {
-            const SharedName other(b, const_cast<SharedName*>(&name));
+            const SharedName other(b, SharedName::headOf(b), const_cast<SharedName*>(&name));
             EXPECT_EQ(other.number, 1U);
             EXPECT_EQ(name.isBefore(other), a < b) << a << " " << b;
             EXPECT_EQ(name.begins(b.data(), b.data() + b.size()), b.compare(0, a.size(), a) == 0) << a << " " << b;

@@ -40,7 +40,8 @@ public:
 private:
     friend struct NodeAccess;
 
-    Attribute(const std::string* sharedName, const internal::GivenText& text, Object* itsParent)
+    // In line: what makes an attribute knows where its text is.
+    [[gnu::always_inline]] Attribute(const std::string* sharedName, const internal::GivenText& text, Object* itsParent)
         : Object(internal::NodeClass::Attribute, text.place, itsParent), name(sharedName), value(text) {}
 
     internal::Name name;

@@ -50,9 +50,10 @@ private:
     friend class CDataSection;
     friend struct NodeAccess;
 
-    CharData(const internal::GivenText& text, Object* itsParent)
+    // In line: what makes a node knows where its text is.
+    [[gnu::always_inline]] CharData(const internal::GivenText& text, Object* itsParent)
         : CharData(internal::NodeClass::CharData, text, itsParent) {}
-    CharData(internal::NodeClass made, const internal::GivenText& text, Object* itsParent)
+    [[gnu::always_inline]] CharData(internal::NodeClass made, const internal::GivenText& text, Object* itsParent)
         : Object(made, text.place, itsParent), held(text) {}
 
     internal::Text held;

@@ -103,7 +103,7 @@ void NodeMemory::addSlab(Part& part) {
 
 void NodeMemory::noteWide(Element& element) { arena->wide = new Arena::WideElement{&element, arena->wide}; }
 
-SharedName& NodeMemory::takeName(std::string_view name) {
+SharedName& NodeMemory::takeName(std::string_view name, Words::Word head) {
     if (arena == nullptr) addSlab(nodes);
     constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
     constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
@@ -111,10 +111,10 @@ SharedName& NodeMemory::takeName(std::string_view name) {
         char* const end = nodes.high - sizeof(SharedName);
         char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(place, sizeof(SharedName));
-        arena->names = ::new (place) SharedName(name, arena->names);
+        arena->names = ::new (place) SharedName(name, head, arena->names);
         nodes.high = place;
     } else {
-        arena->names = new SharedName(name, arena->names);
+        arena->names = new SharedName(name, head, arena->names);
     }
     return *arena->names;
 }

@@ -34,24 +34,46 @@ using internal::KeptText;
 
 // A name that the nodes of a tree share. The first ones lie in the first slab, the others in the heap.
 struct SharedName {
-    SharedName(std::string_view name, SharedName* itsNext)
+    SharedName(std::string_view name, Words::Word itsHead, SharedName* itsNext)
         : text(name),
           next(itsNext),
           number(itsNext != nullptr ? itsNext->number + 1 : 0),
-          head(Words::wordOf(name.data(), name.size())),
+          head(itsHead),
           headMask(Words::maskOf(name.size())) {}
 
-    // Whether the run of bytes begins with the name.
-    bool begins(const char* from, const char* to) const {
-        if (to - from < Scan::kWordSize) return Scan::startsWith(from, to, text);
-        if (((Scan::wordAt(from) ^ head) & headMask) != 0) return false;
-        return text.size() <= sizeof head || Scan::startsWith(from, to, text);
+    // The first bytes of a name, as `head` has them.
+    static Words::Word headOf(std::string_view name) { return Words::wordOf(name.data(), name.size()); }
+
+    // Whether it is this name, of which that is the head.
+    bool is(std::string_view name, Words::Word itsHead) const {
+        return head == itsHead && text.size() == name.size() && (name.size() <= sizeof head || text == name);
     }
 
-    // In the byte order of the texts.
-    bool isBefore(const SharedName& other) const {
-        return head != other.head ? __builtin_bswap64(head) < __builtin_bswap64(other.head) : text < other.text;
+    // Whether the run of bytes begins with the name.
+    [[gnu::always_inline]] bool begins(const char* from, const char* to) const {
+        if (to - from < Scan::kWordSize) return beginsInSteps(from, to);
+        if (((Scan::wordAt(from) ^ head) & headMask) != 0) return false;
+        return text.size() <= sizeof head || continues(from, to);
     }
+
+    [[gnu::noinline]] bool beginsInSteps(const char* from, const char* to) const {
+        return Scan::startsWith(from, to, text);
+    }
+
+    // The same where it begins with the first bytes of the name, and that has more.
+    [[gnu::always_inline]] bool continues(const char* from, const char* to) const {
+        const std::size_t size = text.size();
+        if (static_cast<std::size_t>(to - from) < size) return false;
+        const std::size_t last = size - sizeof head;
+        return Scan::wordAt(from + last) == Scan::wordAt(text.data() + last) &&
+               (size <= 2 * sizeof head || beginsInSteps(from, to));
+    }
+
+    // In the byte order of the texts. It is that of these numbers, where they differ; no name has 0.
+    bool isBefore(const SharedName& other) const {
+        return head != other.head ? order() < other.order() : text < other.text;
+    }
+    Words::Word order() const { return __builtin_bswap64(head); }
 
     std::string text;
     SharedName* next;      // of those in the arena
@@ -168,8 +190,8 @@ public:
     // The array of the element does not fit into a slab.
     void noteWide(Element& element);
 
-    // A name that lives as long as anything of the arena.
-    SharedName& takeName(std::string_view name);
+    // A name that lives as long as anything of the arena, with its head.
+    SharedName& takeName(std::string_view name, Words::Word head);
 
     // A string that is kept as long.
     KeptText& takeText(std::string_view text);

@@ -41,14 +41,17 @@ public:
     GivenAttributes& operator=(const GivenAttributes&) = delete;
 
     void clear() {
-        count = 0;
+        next = first;
+        last = 0;
         isSorted = true;
         padded = false;
     }
     void add(const SharedName& name, std::string_view value) {
-        if (count > 0) isSorted &= first[count - 1].name->isBefore(name);
-        if (count == room) makeRoom();
-        first[count++] = Given(name, value);
+        if (next == limit) makeRoom();
+        *next++ = Given(name, value);
+        const Words::Word order = name.order();
+        isSorted &= last < order;
+        last = order;
     }
 
     // Whether each value is padded (see GivenText); not at first.
@@ -59,19 +62,19 @@ public:
     static bool havePlaces() { return false; }
     static const Place* placeOf(const Given&) { return nullptr; }
 
-    bool empty() const { return count == 0; }
-    std::size_t size() const { return count; }
+    bool empty() const { return next == first; }
+    std::size_t size() const { return static_cast<std::size_t>(next - first); }
     Given& operator[](std::size_t place) { return first[place]; }
     const Given* begin() const { return first; }
-    const Given* end() const { return first + count; }
+    const Given* end() const { return next; }
 
     // Puts them in the byte order of their names. Of several with one name the last stays.
     void sort() {
         if (isSorted) return;
-        if (count == 2 && first[0].name != first[1].name) {
+        if (size() == 2 && first[1].name->isBefore(*first[0].name)) {
             std::swap(first[0], first[1]);
         } else {
-            sortByName(first, first + count);
+            sortByName(first, next);
             removeRepeated();
         }
         isSorted = true;
@@ -80,23 +83,22 @@ public:
 private:
     // Of those with one name, which stand together, all but the last.
     void removeRepeated() {
-        Given* const last = first + count;
         const auto isRepeated = [](const Given& a, const Given& b) { return a.name == b.name; };
-        Given* kept = std::adjacent_find(first, last, isRepeated);
-        if (kept == last) return;
-        for (const Given* next = kept + 1; next != last; ++next) {
-            if (next->name != kept->name) ++kept;
-            *kept = *next;
+        Given* kept = std::adjacent_find(first, next, isRepeated);
+        if (kept == next) return;
+        for (const Given* given = kept + 1; given != next; ++given) {
+            if (given->name != kept->name) ++kept;
+            *kept = *given;
         }
-        count = static_cast<std::size_t>(kept + 1 - first);
+        next = kept + 1;
     }
 
     [[gnu::noinline]] void makeRoom() {
-        std::vector<Given> larger(2 * room);
-        std::copy(first, first + count, larger.begin());
+        std::vector<Given> larger(2 * size());
+        next = std::copy(first, next, larger.data());
         many = std::move(larger);
         first = many.data();
-        room = many.size();
+        limit = first + many.size();
     }
 
     static constexpr std::size_t kFew = 8;  // most tags have no more, and need no other memory
@@ -104,9 +106,10 @@ private:
     Given few[kFew];
     std::vector<Given> many;
     Given* first = few;
-    std::size_t count = 0;
-    std::size_t room = kFew;
-    bool isSorted = true;
+    Given* next = few;
+    Given* limit = few + kFew;
+    Words::Word last = 0;  // the order of the last one's name
+    bool isSorted = true;  // for certain
     bool padded = false;
 };
 

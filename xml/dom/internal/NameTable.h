@@ -20,36 +20,34 @@ public:
 
     const SharedName& find(std::string_view name, NodeMemory& memory) {
         SharedName*& next = followers[context];
-        if (next == nullptr || !isSame(*next, name)) next = &findElsewhere(name, memory);
+        if (next == nullptr || !next->is(name, SharedName::headOf(name))) next = &findOther(name, memory);
         return take(*next);
     }
 
     // The name that begins a run of bytes [at, to) and goes as far as they are of these classes, the first one aside.
     // `at` is set to its end. Null where that is the end of the run: it may go on.
     template <std::uint8_t Classes>
-    const SharedName* read(const char*& at, const char* to, NodeMemory& memory) {
-        SharedName*& next = followers[context];
-        const char* const from = at;
-        if (next != nullptr && next->begins(from, to)) {
-            at = from + next->text.size();
-            if (at != to && !ByteClass::is(*at, Classes)) return &take(*next);
+    [[gnu::always_inline]] const SharedName* read(const char*& at, const char* to, NodeMemory& memory) {
+        const SharedName* const next = followers[context];
+        if (next != nullptr && next->begins(at, to)) {
+            const char* const end = at + next->text.size();
+            if (end != to && !ByteClass::is(*end, Classes)) {
+                at = end;
+                return &take(*next);
+            }
         }
-        at = Scan::endOf<Classes>(from + 1, to);
-        if (at == to) return nullptr;
-        next = &findElsewhere({from, static_cast<std::size_t>(at - from)}, memory);
-        return &take(*next);
+        return readOther<Classes>(at, to, memory);
     }
+
+    // The name that came last after the same names, null without one; and that it has come again.
+    const SharedName* expected() const { return followers[context]; }
+    void takeExpected() { take(*followers[context]); }
 
 private:
     static constexpr std::size_t kRecents = 128;
     static constexpr std::size_t kFew = 16;  // are looked through one by one
     static constexpr std::uint32_t kFewContexts = 64;
     static constexpr std::uint32_t kContexts = 256;
-
-    static bool isSame(const SharedName& kept, std::string_view name) {
-        return kept.text.size() == name.size() && kept.head == Words::wordOf(name.data(), name.size()) &&
-               (name.size() <= sizeof kept.head || kept.text == name);
-    }
 
     static std::size_t placeOf(std::string_view name) {
         if (name.empty()) return 0;
@@ -62,24 +60,41 @@ private:
         return name;
     }
 
-    [[gnu::noinline]] SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
+    // A name that is not the expected one.
+    template <std::uint8_t Classes>
+    [[gnu::noinline]] const SharedName* readOther(const char*& at, const char* to, NodeMemory& memory) {
+        const char* const from = at;
+        at = Scan::endOf<Classes>(from + 1, to);
+        if (at == to) return nullptr;
+        const std::string_view name(from, static_cast<std::size_t>(at - from));
+        SharedName*& next = followers[context];
+        next = &findElsewhere(name, memory);
+        return &take(*next);
+    }
+
+    [[gnu::noinline]] SharedName& findOther(std::string_view name, NodeMemory& memory) {
+        return findElsewhere(name, memory);
+    }
+
+    [[gnu::always_inline]] SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
+        const Words::Word head = SharedName::headOf(name);
         if (!areMany()) {
             for (SharedName* kept = newest; kept != nullptr; kept = kept->next)
-                if (isSame(*kept, name)) return *kept;
-            return add(name, memory);
+                if (kept->is(name, head)) return *kept;
+            return add(name, head, memory);
         }
         SharedName*& recent = recents[placeOf(name)];
-        if (recent == nullptr || !isSame(*recent, name)) {
+        if (recent == nullptr || !recent->is(name, head)) {
             const auto found = all.find(name);
-            recent = found != all.end() ? found->second : &add(name, memory);
+            recent = found != all.end() ? found->second : &add(name, head, memory);
         }
         return *recent;
     }
 
     bool areMany() const { return newest != nullptr && newest->number >= kFew; }
 
-    SharedName& add(std::string_view name, NodeMemory& memory) {
-        newest = &memory.takeName(name);
+    SharedName& add(std::string_view name, Words::Word head, NodeMemory& memory) {
+        newest = &memory.takeName(name, head);
         if (newest->number == kFew) prepareForMany();
         if (areMany()) {
             for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;

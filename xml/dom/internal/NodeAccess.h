@@ -13,6 +13,7 @@
 #include "xml/dom/internal/AsidePlaces.h"
 #include "xml/dom/internal/GivenAttributes.h"
 #include "xml/dom/internal/TagAttributes.h"
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -98,9 +99,11 @@ struct NodeAccess {
     }
     // A CharData, a CDataSection or a Comment. The text is as the node holds it.
     template <class Node, class... At>
-    static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text, Object* parent, bool isPadded,
-                                          At... place) {
-        const auto [room, given] = roomFor<Node>(memory, text, isPadded, place...);
+    [[gnu::always_inline]] static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text,
+                                                                 Object* parent, bool isPadded, At... place) {
+        if (!isShort(text)) return makeLongLeaf<Node>(memory, text, parent, place...);
+        void* const room = memory.takeNode<Node>(0, bytesFor(place...)).node;
+        const internal::GivenText given{text, internal::TextPlace::Own, nullptr, isPadded};
         return placed(::new (room) Node(given, parent), place...);
     }
     template <class... At>
@@ -156,9 +159,7 @@ struct NodeAccess {
     }
 
     // Gives an element of the same memory exactly these: its children, which have it as their parent; its attributes.
-    using ObjectIterator = std::vector<std::unique_ptr<Object>>::iterator;
-    static void setChildren(Element& element, NodeMemory& memory, ObjectIterator first, ObjectIterator last) {
-        const auto count = static_cast<std::size_t>(last - first);
+    static void setChildren(Element& element, NodeMemory& memory, Object* const* first, std::size_t count) {
         Object** at = nullptr;
         if (void* const array = takeArray<Object>(element, &memory, count)) {
             at = element.children.lendFull(array, count);
@@ -166,7 +167,7 @@ struct NodeAccess {
             element.children.reserve(count);
             at = element.children.extend(count);
         }
-        for (; first != last; ++first) *at++ = first->release();
+        std::copy(first, first + count, at);
     }
     template <class Attributes>
     static void setAttributes(Element& element, NodeMemory& memory, Attributes& all) {
@@ -304,6 +305,13 @@ private:
             node->marks.setPlaced();
         }
         return std::unique_ptr<Node>(node);
+    }
+
+    template <class Node, class... At>
+    [[gnu::noinline]] static std::unique_ptr<Node> makeLongLeaf(NodeMemory& memory, std::string_view text,
+                                                                Object* parent, At... place) {
+        const auto [room, given] = roomFor<Node>(memory, text, false, place...);
+        return placed(::new (room) Node(given, parent), place...);
     }
 
     template <class Node, class... At>

@@ -3,9 +3,9 @@
 #include "xml/dom/internal/NameTable.h"
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/NodeClasses.h"
+#include "xml/dom/internal/NodeStack.h"
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -46,7 +46,16 @@ public:
 
     // The element that began last and has not ended.
     const Element& innermost() const { return *here; }
-    std::string_view innermostName() const { return NodeAccess::name(*here); }
+
+    // The end of its name, where a run of bytes [from, to) begins with that; null elsewhere.
+    const char* afterInnermostName(const char* from, const char* to) const {
+        if (!inner.empty()) {
+            const SharedName& name = *inner.back().name;
+            return name.begins(from, to) ? from + name.text.size() : nullptr;
+        }
+        const std::string& name = NodeAccess::name(*here);
+        return Scan::startsWith(from, to, name) ? from + name.size() : nullptr;
+    }
 
     // Begins an element within the innermost one. The name has been checked.
     template <class... At>
@@ -65,7 +74,7 @@ public:
     void begin(const SharedName& name, At... place) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place...);
         Element* const begun = element.get();
-        inner.push_back({std::move(element), finished.size()});
+        inner.push_back({std::move(element), &name, finished.size()});
         here = begun;
     }
 
@@ -106,6 +115,10 @@ public:
     const SharedName* readName(const char*& at, const char* to) {
         return names.read<Classes>(at, to, memory);
     }
+
+    // The name that is likely to be the next one, null without one; and that it is.
+    const SharedName* expectedName() const { return names.expected(); }
+    void takeExpectedName() { names.takeExpected(); }
 
     // Padded: as GivenText has it.
     template <class... At>
@@ -169,9 +182,9 @@ public:
             return;
         }
         const std::size_t first = inner.back().firstChild;
-        if (first == finished.capacity()) finished.reserve(2 * first + 8);  // for the element itself
-        NodeAccess::setChildren(*here, memory, finished.begin() + static_cast<std::ptrdiff_t>(first), finished.end());
-        finished.resize(first);
+        finished.makeRoomAt(first);  // for the element itself
+        NodeAccess::setChildren(*here, memory, finished.from(first), finished.size() - first);
+        finished.leave(first);
         std::unique_ptr<Element> ended = std::move(inner.back().element);
         inner.pop_back();
         here = inner.empty() ? outermost : inner.back().element.get();
@@ -182,6 +195,7 @@ private:
     // An element within the outermost one that has not ended, and where those of its children begin that have.
     struct Inner {
         std::unique_ptr<Element> element;
+        const SharedName* name;
         std::size_t firstChild;
     };
 
@@ -199,7 +213,7 @@ private:
             for (const Object* child : NodeAccess::children(*outermost)) count(*child);
         } else {
             const std::size_t last = depth < inner.size() ? inner[depth].firstChild : finished.size();
-            for (std::size_t i = inner[depth - 1].firstChild; i < last; ++i) count(*finished[i]);
+            for (std::size_t i = inner[depth - 1].firstChild; i < last; ++i) count(finished[i]);
         }
         path.append("/").append(name).append("[").append(std::to_string(number)).append("]");
     }
@@ -207,10 +221,11 @@ private:
     // Those of the innermost element.
     std::vector<std::unique_ptr<Object>> takeChildren() {
         if (inner.empty()) return NodeAccess::takeChildren(*here);
-        const auto first = finished.begin() + static_cast<std::ptrdiff_t>(inner.back().firstChild);
-        std::vector<std::unique_ptr<Object>> children(std::make_move_iterator(first),
-                                                      std::make_move_iterator(finished.end()));
-        finished.erase(first, finished.end());
+        const std::size_t first = inner.back().firstChild;
+        std::vector<std::unique_ptr<Object>> children;
+        children.reserve(finished.size() - first);
+        for (std::size_t i = first; i < finished.size(); ++i) children.emplace_back(*(finished.from(i)));
+        finished.leave(first);
         return children;
     }
 
@@ -226,16 +241,16 @@ private:
         if (inner.empty()) {
             NodeAccess::appendChild(*here, std::move(child));
         } else {
-            finished.push_back(std::move(child));
+            finished.push(std::move(child));
         }
     }
 
     std::unique_ptr<Element>& root;
     NodeMemory memory;
     NameTable names;
-    std::vector<Inner> inner;                       // the innermost last
-    std::vector<std::unique_ptr<Object>> finished;  // children of those, in the order of the text
-    Element* outermost = nullptr;                   // which code of callers may take out of `root` meanwhile
+    std::vector<Inner> inner;      // the innermost last
+    NodeStack finished;            // children of those, in the order of the text
+    Element* outermost = nullptr;  // which code of callers may take out of `root` meanwhile
     Element* here = nullptr;
 };
 

@@ -8,6 +8,7 @@
 #include "xml/stream/internal/StreamAccess.h"
 #include "xml/text/internal/ByteClasses.h"
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -85,6 +86,7 @@ private:
     // What is rare is out of line, so that the rest stays in registers.
     bool takeStartTag(const char* name);
     const char* collectAttributes(const char* from);
+    const char* collectExpected(const char* from);
     [[gnu::noinline]] const char* rareValueEnd(const char* met, char quote);
     bool takeLeaf(const SharedName& name);
     [[gnu::noinline]] bool decodeValues();
@@ -178,6 +180,7 @@ const char* Pieces::collectAttributes(const char* from) {
     referring.clear();
     tagHasReturn = false;
     for (;;) {
+        from = collectExpected(from);
         const char* at = from != end && *from == ' ' ? from + 1 : from;
         if (at == end) return nullptr;
         if (*at == '>') return at + 1;
@@ -203,6 +206,26 @@ const char* Pieces::collectAttributes(const char* from) {
         attributes.add(*name, viewOf(value, valueEnd));
         from = valueEnd + 1;
     }
+}
+
+// Those that are written as most are: a space, the name that is expected, an equal sign, and a plain value in double
+// quotes. Returns where something else begins.
+[[gnu::always_inline]] inline const char* Pieces::collectExpected(const char* from) {
+    static constexpr char kBeforeValue[] = {'=', '"'};
+    constexpr std::ptrdiff_t kAfterName = sizeof kBeforeValue + Scan::kBlockSize;
+    while (from != end && *from == ' ') {
+        const SharedName* const name = tree.expectedName();
+        if (name == nullptr || !name->begins(from + 1, end)) break;
+        const char* const sign = from + 1 + name->text.size();
+        if (end - sign < kAfterName || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
+        const char* const value = sign + sizeof kBeforeValue;
+        const char* const valueEnd = Scan::findNear<'"', '&', '\r'>(value, end);
+        if (valueEnd == end || *valueEnd != '"') break;
+        tree.takeExpectedName();
+        attributes.add(*name, viewOf(value, valueEnd));
+        from = valueEnd + 1;
+    }
+    return from;
 }
 
 // The end of a value in which an '&' or a CR was met, null without one.
@@ -234,10 +257,8 @@ bool Pieces::decodeValues() {
 }
 
 bool Pieces::takeEndTag(const char* name) {
-    const std::string_view expected = tree.innermostName();
-    if (!Scan::startsWith(name, end, expected)) return false;
-    const char* const itsEnd = name + expected.size();
-    if (itsEnd == end || *itsEnd != '>') return false;
+    const char* const itsEnd = tree.afterInnermostName(name, end);
+    if (itsEnd == nullptr || itsEnd == end || *itsEnd != '>') return false;
     goOnAt(itsEnd + 1);
     tree.end();
     if (tree.isOpen()) return true;

@@ -17,15 +17,10 @@ inline const char* whiteEnd(const char* from, const char* to) {
 // The same; sets `hasReturn` where there is a CR among the white space.
 inline const char* whiteEnd(const char* from, const char* to, bool& hasReturn) {
     if (from == to || !isWhite(*from)) return from;
-    constexpr unsigned kAll = (1U << Scan::kBlockSize) - 1;
-    for (; to - from >= Scan::kBlockSize; from += Scan::kBlockSize) {
-        const unsigned others = Scan::marksOf<' ', '\t', '\n', '\r'>(from) ^ kAll;
-        const unsigned returns = Scan::marksOf<'\r'>(from);
-        hasReturn |= (returns & ~others & (others - 1)) != 0;
-        if (others != 0) return from + __builtin_ctz(others);
-    }
-    for (; from != to && isWhite(*from); ++from) hasReturn |= *from == '\r';
-    return from;
+    const char* const first = Scan::endOfAny<' ', '\t', '\n'>(from, to);
+    if (first == to || *first != '\r') return first;
+    hasReturn = true;
+    return Scan::endOfAny<' ', '\t', '\n', '\r'>(first, to);
 }
 
 inline const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }

@@ -45,14 +45,9 @@ inline const char* endOfAny(const char* from, const char* to) {
     return findFirst<true, These...>(from, to);
 }
 
-// As findAny. Mostly it is within a few bytes; what is further away is looked for with find().
+// The same for what is not within the first bytes. What is further away is looked for with find().
 template <char... These>
-inline const char* findNear(const char* from, const char* to) {
-    if (to - from >= kBlockSize) {
-        const unsigned marks = marksOf<These...>(from);
-        if (marks != 0) return from + __builtin_ctz(marks);
-        from += kBlockSize;
-    }
+[[gnu::noinline]] const char* findFurther(const char* from, const char* to) {
     constexpr std::ptrdiff_t kNear = 64;
     const char* const nearEnd = to - from > kNear ? from + kNear : to;
     const char* const near = findAny<These...>(from, nearEnd);
@@ -63,6 +58,17 @@ inline const char* findNear(const char* from, const char* to) {
     };
     (look(These), ...);
     return first;
+}
+
+// As findAny. Mostly it is within a few bytes: only these are looked at in line.
+template <char... These>
+[[gnu::always_inline]] inline const char* findNear(const char* from, const char* to) {
+    if (to - from < 2 * kBlockSize) return findFurther<These...>(from, to);
+    unsigned marks = marksOf<These...>(from);
+    if (marks != 0) return from + __builtin_ctz(marks);
+    from += kBlockSize;
+    marks = marksOf<These...>(from);
+    return marks != 0 ? from + __builtin_ctz(marks) : findFurther<These...>(from + kBlockSize, to);
 }
 
 // Whether both have the same bytes there.
