@@ -54,7 +54,7 @@ public:
     Filling fill() { return Filling(sorted); }
 
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
-    static std::size_t bytesFor(std::size_t count) { return NodeArray<Attribute>::bytesFor(count); }
+    static std::size_t bytesForFull(std::size_t count) { return NodeArray<Attribute>::bytesForFull(count); }
     void lend(void* memory, std::size_t count) { sorted.lend(memory, count); }
     Attribute** lendFull(void* memory, std::size_t count) { return sorted.lendFull(memory, count); }
     Attribute** extend(std::size_t count) { return sorted.extend(count); }

@@ -60,7 +60,7 @@ public:
     std::unique_ptr<Object> extractLast() { return extract(nodes.size() - 1); }
 
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
-    static std::size_t bytesFor(std::size_t count) { return NodeArray<Object>::bytesFor(count); }
+    static std::size_t bytesForFull(std::size_t count) { return NodeArray<Object>::bytesForFull(count); }
     Object** extend(std::size_t count) { return nodes.extend(count); }
     void lend(void* memory, std::size_t count) { nodes.lend(memory, count); }
     Object** lendFull(void* memory, std::size_t count) { return nodes.lendFull(memory, count); }

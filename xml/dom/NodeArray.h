@@ -14,8 +14,10 @@ namespace Xml::internal {
 // Gives memory back that lies beside the nodes of a tree.
 ORVXML_LOCAL void giveBackLent(void* memory) noexcept;
 
-// Pointers to nodes side by side, in one word: none, one, or a block in memory that begins with their number. Most
-// elements have no attribute or one, and one child or none, and need no memory for that. It does not own the nodes.
+// Pointers to nodes side by side, in one word: none, one, or the address of several in memory. Most elements have no
+// attribute or one, and one child or none, and need no memory for that. The lowest bits of an address are free: they
+// say how many there are, where these are few and no more will come, as in a tree that was read; else their number
+// stands before them. It does not own the nodes.
 //
 // Not for callers.
 template <class Node>
@@ -37,13 +39,7 @@ public:
 
     // Forgets the nodes, and gives its memory back.
     void clear() {
-        if (isBlock()) {
-            if (block().isLent) {
-                giveBackLent(&block());
-            } else {
-                ::operator delete(&block());
-            }
-        }
+        giveMemoryBack();
         word = nullptr;
     }
 
@@ -55,17 +51,17 @@ public:
 
     // Good until the next change.
     SpanOf<Node> span() const {
-        if (!isBlock()) return {&word, &word + (word != nullptr ? 1 : 0)};
-        Node* const* const nodes = block().nodes();
-        return {nodes, nodes + block().size};
+        if (!isMany()) return {&word, &word + (word != nullptr ? 1 : 0)};
+        Node* const* const first = nodes();
+        return {first, first + size()};
     }
 
-    std::size_t size() const { return isBlock() ? block().size : word != nullptr ? 1 : 0; }
+    std::size_t size() const { return isBlock() ? block().size : isMany() ? tag() : word != nullptr ? 1 : 0; }
     bool empty() const { return word == nullptr || (isBlock() && block().size == 0); }
 
     // A place below size().
-    Node* operator[](std::size_t place) const { return isBlock() ? block().nodes()[place] : word; }
-    void set(std::size_t place, Node* node) { (isBlock() ? block().nodes() : &word)[place] = node; }
+    Node* operator[](std::size_t place) const { return isMany() ? nodes()[place] : word; }
+    void set(std::size_t place, Node* node) { (isMany() ? nodes() : &word)[place] = node; }
 
     // A number beside the nodes, of the array of attributes where its block is in the heap: 0 at first, kept while
     // nodes come and go. Null elsewhere.
@@ -86,7 +82,7 @@ public:
             word = node;
             return;
         }
-        Node** const at = block().nodes() + place;
+        Node** const at = nodes() + place;
         std::memmove(at + 1, at, (block().size - place) * sizeof(Node*));
         *at = node;
         ++block().size;
@@ -98,8 +94,9 @@ public:
 
     // Room for so many more at the end, where there is such: their pointers are to be put there.
     Node** extend(std::size_t count) {
-        if (!isBlock()) return &word;
-        Node** const end = block().nodes() + block().size;
+        if (!isMany()) return &word;
+        if (!isBlock()) return nodes() + tag();  // there is no room for any
+        Node** const end = nodes() + block().size;
         block().size += static_cast<std::uint32_t>(count);
         return end;
     }
@@ -123,22 +120,21 @@ public:
     // A place below size(). Needs no memory.
     Node* remove(std::size_t place) {
         Node* const node = (*this)[place];
-        if (!isBlock()) {
-            word = nullptr;
-            return node;
-        }
-        Node** const at = block().nodes() + place;
-        --block().size;
-        std::memmove(at, at + 1, (block().size - place) * sizeof(Node*));
+        if (isMany()) std::memmove(nodes() + place, nodes() + place + 1, (size() - 1 - place) * sizeof(Node*));
+        truncate(size() - 1);
         return node;
     }
 
     // Drops those from there on.
-    void truncate(std::size_t size) {
+    void truncate(std::size_t count) {
         if (isBlock()) {
-            block().size = static_cast<std::uint32_t>(size);
-        } else if (size == 0) {
-            word = nullptr;
+            block().size = static_cast<std::uint32_t>(count);
+        } else if (count > 1) {
+            if (isMany()) setWord(nodes(), count);
+        } else {
+            Node* const first = count == 1 ? (*this)[0] : nullptr;
+            giveMemoryBack();
+            word = first;
         }
     }
 
@@ -147,18 +143,30 @@ public:
     static std::size_t bytesFor(std::size_t count) { return sizeof(Block) + count * sizeof(Node*); }
     void lend(void* memory, std::size_t count) { setBlock(makeBlock(memory, count, true)); }
 
-    // The same with so many nodes, whose pointers are to be put there. Nothing of the memory is read: fresh memory
-    // is not in the processor's cache.
+    // The same with so many nodes, at least two, whose pointers are to be put there. Nothing of the memory is read:
+    // fresh memory is not in the processor's cache.
+    static std::size_t bytesForFull(std::size_t count) {
+        return count <= kMostTagged ? count * sizeof(Node*) : bytesFor(count);
+    }
     Node** lendFull(void* memory, std::size_t count) {
-        Block* const made = makeBlock(memory, count, true, count);
-        setBlock(made);
-        return made->nodes();
+        if (count <= kMostTagged) {
+            setWord(static_cast<Node**>(memory), count);
+        } else {
+            setBlock(makeBlock(memory, count, true, count));
+        }
+        return nodes();
     }
 
 private:
     static_assert(sizeof(Block) % alignof(Node*) == 0, "the pointers follow the block");
 
-    static constexpr std::uintptr_t kBlockBit = 1;
+    // What is in the lowest bits of the word: whether it is an address of several nodes, and then how many there are, or
+    // that these are in a block.
+    static constexpr std::uintptr_t kTag = 7;
+    static constexpr std::uintptr_t kOfBlock = 1;
+    static constexpr std::size_t kMostTagged = kTag;
+    static_assert(alignof(Node*) > kTag, "pointers leave room for the tag");
+
     static constexpr bool kHasNote = std::is_same_v<Node, Attribute>;
 
     // After the room for the nodes.
@@ -172,10 +180,27 @@ private:
             Block{static_cast<std::uint32_t>(size), static_cast<std::uint32_t>(capacity) & kMost, isLent};
     }
 
-    bool isBlock() const { return (reinterpret_cast<std::uintptr_t>(word) & kBlockBit) != 0; }
-    Block& block() const { return *reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(word) & ~kBlockBit); }
-    void setBlock(Block* made) { word = reinterpret_cast<Node*>(reinterpret_cast<std::uintptr_t>(made) | kBlockBit); }
-    std::size_t capacity() const { return isBlock() ? block().capacity : 1; }
+    std::uintptr_t tag() const { return reinterpret_cast<std::uintptr_t>(word) & kTag; }
+    bool isMany() const { return tag() != 0; }
+    bool isBlock() const { return tag() == kOfBlock; }
+    Node** nodes() const { return reinterpret_cast<Node**>(reinterpret_cast<std::uintptr_t>(word) & ~kTag); }
+    Block& block() const { return reinterpret_cast<Block*>(nodes())[-1]; }
+    void setBlock(Block* made) { setWord(made->nodes(), kOfBlock); }
+    void setWord(Node** nodes, std::uintptr_t tag) {
+        word = reinterpret_cast<Node*>(reinterpret_cast<std::uintptr_t>(nodes) | tag);
+    }
+    std::size_t capacity() const { return isBlock() ? block().capacity : isMany() ? tag() : 1; }
+
+    void giveMemoryBack() {
+        if (!isMany()) return;
+        if (!isBlock()) {
+            giveBackLent(nodes());
+        } else if (block().isLent) {
+            giveBackLent(&block());
+        } else {
+            ::operator delete(&block());
+        }
+    }
 
     void grow(std::size_t count) {
         if (count > std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
@@ -189,7 +214,7 @@ private:
         setBlock(made);
     }
 
-    Node* word = nullptr;  // none, the one, or the address of the block with its lowest bit set
+    Node* word = nullptr;  // none, the one, or the address of several, with a tag
 };
 
 }  // namespace Xml::internal

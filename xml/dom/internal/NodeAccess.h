@@ -161,7 +161,7 @@ struct NodeAccess {
     // Gives an element of the same memory exactly these: its children, which have it as their parent; its attributes.
     static void setChildren(Element& element, NodeMemory& memory, Object* const* first, std::size_t count) {
         Object** at = nullptr;
-        if (void* const array = takeArray<Object>(element, &memory, count)) {
+        if (void* const array = takeArray<Object>(element, &memory, count, internal::Children::bytesForFull(count))) {
             at = element.children.lendFull(array, count);
         } else {
             element.children.reserve(count);
@@ -265,7 +265,7 @@ private:
         constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
         const std::size_t count = all.size();
         if (textBytes + count * kEach >= NodeMemory::kMostBytes - sizeof(void*)) return false;
-        const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesFor(count) : 0;
+        const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesForFull(count) : 0;
         const NodeMemory::Room room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
         Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
         char* texts = room.bytes + arrayBytes;
@@ -330,9 +330,8 @@ private:
 
     // Memory of the tree for an array of the element; null where the array needs none, or is one of the heap.
     template <class Node>
-    static void* takeArray(Element& element, NodeMemory* memory, std::size_t count) {
+    static void* takeArray(Element& element, NodeMemory* memory, std::size_t count, std::size_t size) {
         if (count < 2 || !element.marks.isInSlab()) return nullptr;
-        const std::size_t size = internal::NodeArray<Node>::bytesFor(count);
         if (size <= NodeMemory::kMostBytes) return memory->takeArray<Node>(size);
         memory->noteWide(element);
         return nullptr;
@@ -340,7 +339,8 @@ private:
 
     template <class Nodes>
     static void reserveIn(Nodes& nodes, Element& element, NodeMemory* memory, std::size_t count) {
-        if (void* const array = takeArray<typename Nodes::Node>(element, memory, count)) {
+        using Node = typename Nodes::Node;
+        if (void* const array = takeArray<Node>(element, memory, count, internal::NodeArray<Node>::bytesFor(count))) {
             nodes.lend(array, count);
         } else {
             nodes.reserve(count);
