@@ -103,19 +103,12 @@ void NodeMemory::addSlab(Part& part) {
 
 void NodeMemory::noteWide(Element& element) { arena->wide = new Arena::WideElement{&element, arena->wide}; }
 
-SharedName& NodeMemory::takeName(std::string_view name, Words::Word head) {
-    if (arena == nullptr) addSlab(nodes);
-    constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
-    constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
-    if (slabCount == 1 && nameCount++ < kFew && nodes.left() >= kSize) {
-        char* const end = nodes.high - sizeof(SharedName);
-        char* const place = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
-        Slab::allow(place, sizeof(SharedName));
-        arena->names = ::new (place) SharedName(name, head, arena->names);
-        nodes.high = place;
-    } else {
-        arena->names = new SharedName(name, head, arena->names);
+SharedName& NodeMemory::takeNameElsewhere(std::string_view name, Words::Word head) {
+    if (arena == nullptr) {
+        addSlab(nodes);
+        return takeName(name, head);  // there is room for it
     }
+    arena->names = new SharedName(name, head, arena->names);
     return *arena->names;
 }
 

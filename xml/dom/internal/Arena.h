@@ -35,7 +35,7 @@ using internal::KeptText;
 // A name that the nodes of a tree share. The first ones lie in the first slab, the others in the heap.
 struct SharedName {
     SharedName(std::string_view name, Words::Word itsHead, SharedName* itsNext)
-        : text(name),
+        : text(name.size() <= sizeof head ? shortText(itsHead, name.size()) : std::string(name)),
           next(itsNext),
           number(itsNext != nullptr ? itsNext->number + 1 : 0),
           head(itsHead),
@@ -74,6 +74,15 @@ struct SharedName {
         return head != other.head ? order() < other.order() : text < other.text;
     }
     Words::Word order() const { return __builtin_bswap64(head); }
+
+    // A text that its head has all of, copied in one step, in line: a small document has mostly new names.
+    [[gnu::flatten]] static std::string shortText(Words::Word head, std::size_t size) {
+        char bytes[sizeof head];
+        Words::putWord(head, bytes);
+        std::string text(bytes, sizeof bytes);
+        text.erase(size);
+        return text;
+    }
 
     std::string text;
     SharedName* next;      // of those in the arena
@@ -191,7 +200,17 @@ public:
     void noteWide(Element& element);
 
     // A name that lives as long as anything of the arena, with its head.
-    SharedName& takeName(std::string_view name, Words::Word head);
+    [[gnu::always_inline]] SharedName& takeName(std::string_view name, Words::Word head) {
+        constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
+        constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
+        if (slabCount != 1 || nameCount == kFew || nodes.left() < kSize) return takeNameElsewhere(name, head);
+        ++nameCount;
+        char* const end = nodes.high - sizeof(SharedName);
+        nodes.high = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
+        Slab::allow(nodes.high, sizeof(SharedName));
+        arena->names = ::new (nodes.high) SharedName(name, head, arena->names);
+        return *arena->names;
+    }
 
     // A string that is kept as long.
     KeptText& takeText(std::string_view text);
@@ -215,6 +234,7 @@ private:
         return std::is_same_v<Node, Attribute> ? *forAttributes : nodes;
     }
 
+    SharedName& takeNameElsewhere(std::string_view name, Words::Word head);
     void addSlab(Part& part);
     void close();
     static void close(const Part& part);

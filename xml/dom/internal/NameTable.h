@@ -93,13 +93,16 @@ private:
 
     bool areMany() const { return newest != nullptr && newest->number >= kFew; }
 
-    SharedName& add(std::string_view name, Words::Word head, NodeMemory& memory) {
+    // In line: a small document has mostly new names.
+    [[gnu::always_inline]] SharedName& add(std::string_view name, Words::Word head, NodeMemory& memory) {
         newest = &memory.takeName(name, head);
-        if (newest->number == kFew) prepareForMany();
-        if (areMany()) {
-            for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;
-        }
+        if (areMany()) noteMany();
         return *newest;
+    }
+
+    [[gnu::noinline]] void noteMany() {
+        if (newest->number == kFew) prepareForMany();
+        for (SharedName* kept = newest; kept != nullptr && all.emplace(kept->text, kept).second;) kept = kept->next;
     }
 
     void prepareForMany() {

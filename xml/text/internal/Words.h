@@ -42,6 +42,14 @@ inline Word wordOf(const char* bytes, std::size_t size) {
     return byte(0) | byte(size / 2) | byte(size - 1);
 }
 
+// Puts the bytes of a word there.
+inline void putWord(Word word, char* bytes) {
+#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    word = __builtin_bswap64(word);
+#endif
+    std::memcpy(bytes, &word, sizeof word);
+}
+
 // All bits of so many bytes, of a word's at most.
 inline Word maskOf(std::size_t size) { return size >= sizeof(Word) ? ~Word{0} : (Word{1} << 8 * size) - 1; }
 
