@@ -136,8 +136,8 @@ int InStream::getColumn() const { return lineBreaks.columnAt(Cursor::positionIn(
 
 // Within a reader the end of a long message may be missing still.
 const std::string& InStream::getErrorMessage() const {
-    if (readAhead != nullptr) readAhead->completeMessage(errorMessage);
-    return errorMessage;
+    if (readAhead != nullptr) readAhead->completeMessage(error.string());
+    return error.show();
 }
 
 }  // namespace Xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/Export.h"
+#include "xml/stream/ErrorText.h"
 #include "xml/stream/LineBreaks.h"
 #include "xml/stream/Nesting.h"
 #include "xml/stream/Window.h"
@@ -99,7 +100,8 @@ public:
     int getColumn() const;
 
     // The text of the last failure; attempts that failed within an operation that succeeded leave theirs too. The
-    // reference shows the text of later failures as well, once the operation or the reader has returned.
+    // reference shows the text of later failures as well, once the operation or the reader has returned. Needs memory
+    // where the text is long.
     const std::string& getErrorMessage() const;
 
 protected:
@@ -142,7 +144,7 @@ private:
 
     mutable Window window;
     std::string parseBuffer;
-    mutable std::string errorMessage;
+    mutable internal::ErrorText error;
     internal::LineBreaks lineBreaks;
     internal::Nesting nesting;
     std::unique_ptr<ReadAhead> readAhead;  // null until there is something to remember

@@ -276,7 +276,7 @@ bool Pieces::takeComment(const char* dashes) {
     } while (to[-2] != '-' || to[-3] != '-');
     if (containsReturn(dashes, to)) PieceBreaks::note(in, dashes, to);
     goOnAt(to);
-    StreamAccess::setError(in, "\"[\" expected");  // a comment is found by trials, and this is of the one before
+    StreamAccess::setLastingError(in, "\"[\" expected");  // a comment is found by trials, and this is of the one before
     return true;
 }
 

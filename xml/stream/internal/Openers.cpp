@@ -144,7 +144,7 @@ bool Openers::closesWithDashes(Opener& opener) {
 void Openers::setNotAName(std::string_view token) {
     ReadAhead* const ahead = token[0] == '&' ? tokenizer.readAhead() : nullptr;
     tokenizer.setError("not a name: ");
-    if (ahead == nullptr || !ahead->continueMessage(in.errorMessage)) in.errorMessage.append(token);
+    if (ahead == nullptr || !ahead->continueMessage(in.error.string())) in.error.string().append(token);
 }
 
 void Openers::push(char kind) {
@@ -190,7 +190,7 @@ void Openers::remember(const Opener& opener, bool ok) {
         return;
     const std::string_view text(buffer.data() + opener.textBegin, buffer.size() - opener.textBegin);
     const bool hasError = ahead->messageCount() != opener.messageCount;
-    const std::string_view error = hasError ? std::string_view(in.errorMessage) : std::string_view();
+    const std::string_view error = hasError ? in.error.view() : std::string_view();
     if (!ReadAhead::isShort(text, error)) return;
     ahead->remember(opener.begin,
                     {ok, in.lineBreaks.isAfterReturn(), cursor.tell(), std::string(text), std::string(error)});

@@ -137,8 +137,8 @@ struct StreamAccess {
     static void noteOther(InStream& in) { in.lineBreaks.noteOthers(); }  // one byte that is neither CR nor LF
     static bool isAfterReturn(const InStream& in) { return in.lineBreaks.isAfterReturn(); }
 
-    // Leaves a message as the tokenizer does.
-    static void setError(InStream& in, std::string_view text) { Tokenizer(in).setError(text); }
+    // Leaves a message as the tokenizer does, a text that stays.
+    static void setLastingError(InStream& in, std::string_view text) { Tokenizer(in).setLastingError(text); }
 
 private:
     // Nothing is under way any more: what is borrowed goes back, and what was read ahead goes where the bytes may
@@ -148,7 +148,7 @@ private:
         const bool bytesStay = in.window.loan == Window::Loan::ForGood;
         in.releaseWindow();
         if (in.readAhead == nullptr) return;
-        in.readAhead->completeMessage(in.errorMessage);
+        if (!in.readAhead->isMessageComplete()) in.readAhead->completeMessage(in.error.string());
         if (!bytesStay) in.readAhead.reset();
     }
 };

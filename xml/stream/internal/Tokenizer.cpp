@@ -105,7 +105,7 @@ bool Tokenizer::readName() {
     const std::size_t length = buffer().size() - before;
     if (isName(token, static_cast<int>(length))) return true;
     setError("not a name: ");
-    in.errorMessage.append(token, length);
+    in.error.string().append(token, length);
     return false;
 }
 
@@ -115,7 +115,7 @@ bool Tokenizer::readString() {
     char quote;
     if (!cursor.next(quote)) return endOfData();
     if (quote != '"' && quote != '\'') {
-        setError("\"\"\" or \"'\" expected");
+        setLastingError("\"\"\" or \"'\" expected");
         return false;
     }
     buffer() += quote;
@@ -179,7 +179,7 @@ bool Tokenizer::readContentToken(int& referenceEnd) {
 bool Tokenizer::expectToken(const char* text, int length) {
     if (length < 1) return readToken();
     // What is expected may lie in the message, which reading a token replaces.
-    const std::string& message = in.errorMessage;
+    const std::string_view message = in.error.view();
     std::string kept;
     if (!std::less<>()(text, message.data()) && std::less<>()(text, message.data() + message.size())) {
         kept.assign(text, static_cast<std::size_t>(length));
@@ -191,18 +191,22 @@ bool Tokenizer::expectToken(const char* text, int length) {
 bool Tokenizer::expectEnd(const char* text, int length) {
     if (in.CheckParseBufferEnd(text, length)) return true;
     setError("\"");
-    in.errorMessage.append(text, static_cast<std::size_t>(length));
-    in.errorMessage += "\" expected";
+    in.error.string().append(text, static_cast<std::size_t>(length)).append("\" expected");
     return false;
 }
 
 void Tokenizer::setError(std::string_view text) {
-    in.errorMessage = text;
+    in.error.set(text);
+    if (in.readAhead != nullptr) in.readAhead->messageReplaced();
+}
+
+void Tokenizer::setLastingError(std::string_view text) {
+    in.error.setLasting(text);
     if (in.readAhead != nullptr) in.readAhead->messageReplaced();
 }
 
 bool Tokenizer::endOfData() {
-    setError(in.isTooLarge(in.window) ? "Source too large" : "Unexpected end of stream");
+    setLastingError(in.isTooLarge(in.window) ? "Source too large" : "Unexpected end of stream");
     return false;
 }
 

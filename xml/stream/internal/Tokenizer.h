@@ -30,6 +30,7 @@ public:
     bool readContentToken(int& referenceEnd);
 
     void setError(std::string_view text);
+    void setLastingError(std::string_view text);
 
 private:
     friend class Openers;
