@@ -85,10 +85,11 @@ struct SharedName {
     }
 
     std::string text;
-    SharedName* next;      // of those in the arena
-    std::uint32_t number;  // in the order in which they were made
-    Scan::Word head;       // its first bytes, and then zeros ...
-    Scan::Word headMask;   // ... and which of them are its own
+    SharedName* next;                // of those in the arena
+    std::uint32_t number;            // in the order in which they were made
+    mutable std::uint32_t note = 0;  // the affair of what reads the tree
+    Scan::Word head;                 // its first bytes, and then zeros ...
+    Scan::Word headMask;             // ... and which of them are its own
 };
 
 // The memory of one tree that was read or copied in one go: all nodes below its top element, their names, their texts
@@ -173,11 +174,11 @@ public:
         return room;
     }
 
-    // Room for several nodes side by side and for bytes of theirs, aligned for pointers; the bytes count as `arrays`
-    // nodes more. At most kMostBytes in all.
+    // Room for several nodes side by side, each with as many bytes before it, and for bytes of theirs, aligned for
+    // pointers; those count as `arrays` nodes more. At most kMostBytes in all.
     template <class Node>
-    Room takeNodes(std::size_t count, std::size_t arrays, std::size_t byteCount) {
-        const std::size_t size = count * sizeof(Node);
+    Room takeNodes(std::size_t count, std::size_t arrays, std::size_t byteCount, std::size_t before = 0) {
+        const std::size_t size = count * (sizeof(Node) + before);
         Part& part = partFor<Node>();
         if (part.left() < size + byteCount + alignof(void*)) addSlab(part);
         char* const bytes = part.high - byteCount;

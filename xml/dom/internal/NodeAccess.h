@@ -172,13 +172,13 @@ struct NodeAccess {
     template <class Attributes>
     static void setAttributes(Element& element, NodeMemory& memory, Attributes& all) {
         all.sort();
-        if (!all.havePlaces() && setTogether(element, memory, all)) return;
+        if (setTogether(element, memory, all)) return;
         reserveAttributes(element, &memory, all.size());
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const auto& given : all) {
             std::unique_ptr<Attribute> made =
                 makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.placeOf(given));
-            noteTag(*made, given);
+            noteTag(*made, all, given);
             filling.put(made.release());
         }
     }
@@ -249,24 +249,22 @@ private:
     static void dropWhole(Element& top);
 
     static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
-
-    static void noteTag(Attribute&, const GivenAttributes::Given&) {}
-    static void noteTag(Attribute& attribute, const TagAttributes::Given& given) {
-        setOrder(attribute, given.order);
+    static void noteTag(Attribute&, const GivenAttributes&, const GivenAttributes::Given&) {}
+    static void noteTag(Attribute& attribute, const TagAttributes& all, const TagAttributes::Given& given) {
+        setOrder(attribute, all.orderOf(given));
         if (given.isSupplied) setSupplied(attribute, true);
     }
 
-    // Attributes for which room is taken once, with the array of them and those texts that are not short; false where
-    // they are too many for that.
+    // Room is taken once for all of them, their array and those texts that are not short; false where that is too much.
     template <class Given>
     static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
         std::size_t textBytes = 0;
         for (const auto& given : all) textBytes += isShort(given.value()) ? 0 : given.value().size();
-        constexpr std::size_t kEach = sizeof(Attribute) + sizeof(Attribute*);
+        const std::size_t before = all.havePlaces() ? sizeof(Place) : 0, size = before + sizeof(Attribute);
         const std::size_t count = all.size();
-        if (textBytes + count * kEach >= NodeMemory::kMostBytes - sizeof(void*)) return false;
+        if (textBytes + count * (size + sizeof(Attribute*)) >= NodeMemory::kMostBytes - sizeof(void*)) return false;
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesForFull(count) : 0;
-        const NodeMemory::Room room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
+        const auto room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes, before);
         Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
         char* texts = room.bytes + arrayBytes;
         char* place = static_cast<char*>(room.node);
@@ -278,9 +276,10 @@ private:
                 text = {{texts, value.size()}, internal::TextPlace::Lent};
                 texts += value.size();
             }
-            *at = ::new (place) Attribute(&given.name->text, text, &element);
-            noteTag(**at++, given);
-            place += sizeof(Attribute);
+            auto* const made = ::new (place + before) Attribute(&given.name->text, text, &element);
+            noteTag(*made, all, given);
+            *at++ = placed(made, all.placeOf(given)).release();
+            place += size;
         }
         return true;
     }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "xml/dom/Place.h"
+#include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Xml {
@@ -24,21 +26,27 @@ public:
         Given() {}  // to be assigned
 
         // Made in its place: what is copied there waits for the stores.
-        Given(const SharedName& itsName, std::string_view itsValue, std::uint32_t itsOrder, bool isDefault)
-            : name(&itsName), bytes(itsValue), order(itsOrder), isSupplied(isDefault) {}
+        Given(const SharedName& itsName, std::string_view itsValue)
+            : name(&itsName), bytes(itsValue.data()), size(itsValue.size()) {}
 
-        std::string_view value() const { return bytes; }
+        std::string_view value() const { return {bytes, size}; }
+        void setValue(std::string_view value) {
+            bytes = value.data();
+            size = value.size();
+        }
 
         const SharedName* name;  // of the NameTable of the tree
-        std::string_view bytes;  // of the value
-        std::uint32_t order;
-        bool isSupplied;
+        const char* bytes;       // of the value
+        std::size_t size;
+        std::uint32_t order = 0;  // once they are sorted, where that is not their order anyhow
+        bool isSupplied = false;
     };
 
     void clear() {
         all.clear();
-        places.clear();
+        if (!places.empty()) places.clear();
         isSorted = true;
+        areNumbered = false;
         padded = false;
     }
 
@@ -54,20 +62,43 @@ public:
         add(name, value, place, true);
     }
 
+    // The same without the place; that may be given after all of them, in the order of the tag.
+    void add(const SharedName& name, std::string_view value) {
+        if (!all.empty()) isSorted &= all.back().name->isBefore(name);
+        all.add(name, value);
+    }
+    void addPlace(const Place& place) { places.push_back(place); }
+
     bool empty() const { return all.empty(); }
     std::size_t size() const { return all.size(); }
-    const Given* begin() const { return all.data(); }
-    const Given* end() const { return all.data() + all.size(); }
+    const Given* begin() const { return all.begin(); }
+    const Given* end() const { return all.end(); }
+    Given& operator[](std::size_t number) { return all[number]; }
 
     bool havePlaces() const { return !places.empty(); }
 
     // Its place in the source; null where none was given.
-    const Place* placeOf(const Given& given) const { return places.empty() ? nullptr : &places[given.order]; }
+    const Place* placeOf(const Given& given) const { return places.empty() ? nullptr : &places[orderOf(given)]; }
 
-    // Puts them in the byte order of their names.
+    // Where it stands in the tag, from 0 on.
+    std::size_t orderOf(const Given& given) const {
+        return areNumbered ? given.order : static_cast<std::size_t>(&given - all.begin());
+    }
+
+    // Whether they are in the byte order of their names, each of another name.
+    bool areSorted() const { return isSorted; }
+
+    // Puts them in that order.
     void sort() {
         if (isSorted) return;
-        sortByName(all.data(), all.data() + all.size());
+        std::uint32_t order = 0;
+        for (Given& given : all) given.order = order++;
+        areNumbered = true;
+        if (all.size() == 2 && all[0].name != all[1].name) {
+            std::swap(all[0], all[1]);
+        } else {
+            sortByName(all.begin(), all.end());
+        }
         isSorted = true;
     }
 
@@ -84,14 +115,15 @@ public:
 
 private:
     void add(const SharedName& name, std::string_view value, const Place* place, bool isSupplied) {
-        if (!all.empty()) isSorted &= all.back().name->isBefore(name);
-        all.emplace_back(name, value, static_cast<std::uint32_t>(all.size()), isSupplied);
+        add(name, value);
+        all.back().isSupplied = isSupplied;
         if (place != nullptr) places.push_back(*place);
     }
 
-    std::vector<Given> all;
+    FewFirst<Given> all;
     std::vector<Place> places;  // in the order of the tag
     bool isSorted = true;
+    bool areNumbered = false;
     bool padded = false;
 };
 
