@@ -39,7 +39,6 @@ void expectText(const Decoded& outcome, const std::string& text, const Encoded& 
     EXPECT_FALSE(outcome.hasFailed) << outcome.failure.text;
     EXPECT_EQ(outcome.text, text);
     EXPECT_EQ(outcome.offsets, source.starts);
-    EXPECT_TRUE(outcome.onlyChars);
 }
 
 // The document from memory, byte by byte, and in every two pieces.
@@ -446,18 +445,6 @@ TEST(DecoderTest, TrustsNoPlatform) {
     EXPECT_EQ(outcome.text, "a");
     EXPECT_EQ(outcome.failure.offset, 4);
     expectSame(decodeBytes("a\0\0\0\0\0\x11\0b\0\0\0"s, "WCHAR_T"), outcome);
-}
-
-TEST(DecoderTest, NotesCharactersThatXmlForbids) {
-    for (const auto& encoding : encodingsUnderTest()) {
-        SCOPED_TRACE(encoding.name);
-        EXPECT_TRUE(decodeWhole(encode("<a>\t\r\n\x7F</a>", encoding).bytes, encoding.name).onlyChars);
-        EXPECT_FALSE(decodeWhole(encode("<a>\x01</a>", encoding).bytes, encoding.name).onlyChars);
-        EXPECT_FALSE(decodeWhole(encode("<a>\0</a>"s, encoding).bytes, encoding.name).onlyChars);
-        if (encoding.hasAll) {
-            EXPECT_FALSE(decodeWhole(encode("<a>\xEF\xBF\xBE</a>", encoding).bytes, encoding.name).onlyChars);
-        }
-    }
 }
 
 }  // namespace

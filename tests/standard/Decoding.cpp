@@ -11,7 +11,6 @@ void noteEnd(const Decoder& decoder, Decoded& outcome) {
     outcome.hasFailed = decoder.failure().has_value();
     if (outcome.hasFailed) outcome.failure = *decoder.failure();
     outcome.hasMark = decoder.hasMark();
-    outcome.onlyChars = decoder.hasOnlyChars();
 }
 
 // As a reader of a stream does: it holds a part of the text and asks where each character is.
@@ -107,10 +106,7 @@ void expectSame(const Decoded& outcome, const Decoded& expected) {
     EXPECT_EQ(outcome.offsets, expected.offsets);
     EXPECT_EQ(outcome.hasMark, expected.hasMark);
     ASSERT_EQ(outcome.hasFailed, expected.hasFailed);
-    if (!expected.hasFailed) {
-        EXPECT_EQ(outcome.onlyChars, expected.onlyChars);
-        return;
-    }
+    if (!expected.hasFailed) return;
     EXPECT_EQ(outcome.failure.kind, expected.failure.kind);
     EXPECT_EQ(outcome.failure.offset, expected.failure.offset);
     EXPECT_EQ(outcome.failure.textOffset, expected.failure.textOffset);

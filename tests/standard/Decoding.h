@@ -13,7 +13,6 @@ struct Decoded {
     bool hasFailed = false;
     DecodingFailure failure{};
     bool hasMark = false;
-    bool onlyChars = true;
     std::vector<std::int64_t> offsets;  // in the source, of every character and of the end of the text
 };
 

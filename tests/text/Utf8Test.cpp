@@ -91,6 +91,10 @@ void expectAsNaive(const std::string& text) {
     ASSERT_EQ(checked.ending, naive.ending) << testing::PrintToString(text);
     ASSERT_EQ(checked.badSize, static_cast<std::ptrdiff_t>(naive.badSize)) << testing::PrintToString(text);
     ASSERT_EQ(checked.onlyChars, naive.onlyChars) << testing::PrintToString(text);
+    const Utf8::WellFormed form = Utf8::checkForm(from, from + text.size());
+    ASSERT_EQ(form.end, checked.end) << testing::PrintToString(text);
+    ASSERT_EQ(form.ending, checked.ending) << testing::PrintToString(text);
+    ASSERT_EQ(form.badSize, checked.badSize) << testing::PrintToString(text);
 }
 
 TEST(Utf8Test, WritesAndReadsEveryCharacter) {
@@ -213,6 +217,18 @@ TEST(Utf8Test, ChecksRandomTextsAsTheNaiveCheck) {
         if (naiveCheck(text).ending == Ending::Whole) ++whole;
     }
     EXPECT_GE(whole, Xml::test::atLeast(10000));
+}
+
+TEST(Utf8Test, SeesEachByteOfALongRun) {
+    for (const std::size_t size : {15U, 16U, 63U, 64U, 65U, 150U}) {
+        for (std::size_t at = 0; at < size; ++at) {
+            for (const std::string odd : {"\x01", "\x7F", "\t", "\x80", "\xFF", "\xC3\xA4", "\xEF\xBF\xBE"}) {
+                std::string text(size, 'a');
+                text.replace(at, 1, odd);
+                ASSERT_NO_FATAL_FAILURE(expectAsNaive(text));
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -212,8 +212,7 @@ bool Decoder::convert(std::string_view bytes, std::string& to) {
 // Checks what was converted: the platform may make characters that are none.
 bool Decoder::accept(std::string& to, std::size_t before) {
     const char* const from = to.data() + before;
-    const auto checked = Utf8::check(from, to.data() + to.size());
-    onlyChars = onlyChars && checked.onlyChars;
+    const auto checked = Utf8::checkForm(from, to.data() + to.size());
     const auto size = static_cast<std::size_t>(checked.end - from);
     textGiven += countOf(size);
     if (checked.ending == Utf8::Ending::Whole) return true;
@@ -226,8 +225,7 @@ bool Decoder::accept(std::string& to, std::size_t before) {
 
 // Notes how many bytes are text of UTF-8, and returns how many.
 std::size_t Decoder::check(std::string_view bytes) {
-    const auto checked = Utf8::check(bytes.data(), bytes.data() + bytes.size());
-    onlyChars = onlyChars && checked.onlyChars;
+    const auto checked = Utf8::checkForm(bytes.data(), bytes.data() + bytes.size());
     const auto size = static_cast<std::size_t>(checked.end - bytes.data());
     textGiven += countOf(size);
     sourceTaken += countOf(size);

@@ -67,9 +67,6 @@ public:
     // finish().
     std::string_view textWithin(std::string_view source);
 
-    // Whether none of the characters so far is one that XML forbids.
-    bool hasOnlyChars() const { return onlyChars; }
-
     bool hasMark() const { return markSize != 0; }
 
     // What the declaration names; empty where it names none, and where an encoding was given.
@@ -121,7 +118,6 @@ private:
     std::string rest;                      // bytes that wait for those after them
     std::int64_t sourceTaken = 0;
     std::int64_t textGiven = 0;
-    bool onlyChars = true;
     std::optional<DecodingFailure> failed;
     SourceMap map;
 };

@@ -31,6 +31,8 @@ bool isOddControl(char byte) {
     return static_cast<unsigned char>(byte) < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
 }
 
+// With or without a look at which characters they are.
+template <bool LooksAtChars>
 class Check {
 public:
     Check(const char* from, const char* end) : at(from), to(end) {}
@@ -44,48 +46,65 @@ public:
 #endif
             while (ending == Ending::Whole && at != to && !isAscii(*at)) passCharacter();
         }
-        return {at, ending, badSize, !hasOthers};
+        return {{at, ending, badSize}, !hasOthers};
     }
 
 private:
     void passAscii() {
 #ifdef __SSE2__
-        constexpr std::ptrdiff_t kAtOnce = 16;
-        __m128i odd = _mm_setzero_si128();
-        for (; to - at >= kAtOnce; at += kAtOnce) {
-            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-            const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
-            const __m128i white = _mm_or_si128(_mm_or_si128(are('\t'), are('\n')), are('\r'));
-            // As signed numbers, bytes that are not ASCII are below the controls.
-            const __m128i oddHere = _mm_andnot_si128(white, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
-            const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));
-            if (others != 0) {
-                const int ascii = __builtin_ctz(others);
-                const auto oddMarks = static_cast<unsigned>(_mm_movemask_epi8(oddHere));
-                if ((oddMarks & ((1U << ascii) - 1)) != 0) hasOthers = true;
-                at += ascii;
-                break;
-            }
-            odd = _mm_or_si128(odd, oddHere);
-        }
-        if (_mm_movemask_epi8(odd) != 0) hasOthers = true;
+        if (!passAsciiBlocks()) return;
 #endif
         for (; at != to && isAscii(*at); ++at) {
-            if (isOddControl(*at)) hasOthers = true;
+            if (LooksAtChars && isOddControl(*at)) hasOthers = true;
         }
     }
 
 #ifdef __SSE2__
+    static constexpr std::ptrdiff_t kBlockSize = 16;
+    static __m128i load(const char* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
+
+    // Controls aside from white space; what is not ASCII counts as well.
+    static __m128i oddAmong(__m128i bytes) {
+        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+        const __m128i white = _mm_or_si128(_mm_or_si128(are('\t'), are('\n')), are('\r'));
+        // As signed numbers, bytes that are not ASCII are below the controls.
+        return _mm_andnot_si128(white, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
+    }
+
+    // As far as whole blocks are ASCII, and up to the first byte that is not; false at that.
+    bool passAsciiBlocks() {
+        constexpr std::ptrdiff_t kAtOnce = 4 * kBlockSize;
+        for (; to - at >= kAtOnce; at += kAtOnce) {
+            const __m128i first = load(at), second = load(at + 16), third = load(at + 32), fourth = load(at + 48);
+            const auto either = [&](const auto& of) {
+                return _mm_or_si128(_mm_or_si128(of(first), of(second)), _mm_or_si128(of(third), of(fourth)));
+            };
+            if (_mm_movemask_epi8(either([](__m128i block) { return block; })) != 0) break;
+            if (LooksAtChars && _mm_movemask_epi8(either(oddAmong)) != 0) hasOthers = true;
+        }
+        for (; to - at >= kBlockSize; at += kBlockSize) {
+            const __m128i bytes = load(at);
+            const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));
+            const int ascii = others != 0 ? __builtin_ctz(others) : static_cast<int>(kBlockSize);
+            if (LooksAtChars) {
+                const auto odd = static_cast<unsigned>(_mm_movemask_epi8(oddAmong(bytes)));
+                if ((odd & ((1U << ascii) - 1)) != 0) hasOthers = true;
+            }
+            if (others == 0) continue;
+            at += ascii;
+            return false;
+        }
+        return true;
+    }
+
     // From the beginning of a character on, sixteen bytes at a time as long as they are well-formed and some of them
     // not ASCII. Each byte is looked at together with the three before it, so that nothing depends on where characters
     // begin. It ends where a character begins; one that the last bytes cut off is left.
     void passBlocks() {
-        constexpr std::ptrdiff_t kAtOnce = 16;
-        if (to - at < kAtOnce) return;
-        const auto load = [](const char* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); };
+        if (to - at < kBlockSize) return;
         const __m128i first = load(at);
         if (!passBlock(first, _mm_slli_si128(first, 1), _mm_slli_si128(first, 2), _mm_slli_si128(first, 3))) return;
-        for (at += kAtOnce; to - at >= kAtOnce; at += kAtOnce) {
+        for (at += kBlockSize; to - at >= kBlockSize; at += kBlockSize) {
             const __m128i bytes = load(at);
             // After a whole character ASCII is passed faster.
             if (isAscii(at[-1]) && _mm_movemask_epi8(bytes) == 0) return;
@@ -120,6 +139,13 @@ private:
         wrong = either(wrong, _mm_xor_si128(_mm_cmpeq_epi8(tooHigh, _mm_setzero_si128()), all(0xFF)));
         wrong = _mm_andnot_si128(wrong, rightOnes);  // all of them: nothing is wrong
         if (_mm_movemask_epi8(wrong) != 0xFFFF) return false;
+        if (LooksAtChars) noteOthers(bytes, before1, before2);
+        return true;
+    }
+
+    void noteOthers(__m128i bytes, __m128i before1, __m128i before2) {
+        const auto all = [](int byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
+        const auto either = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
 
         const auto are = [&](int byte) { return _mm_cmpeq_epi8(bytes, all(byte)); };
         const __m128i white = either(either(are('\t'), are('\n')), are('\r'));
@@ -128,7 +154,6 @@ private:
         const __m128i isNone = _mm_and_si128(_mm_and_si128(_mm_cmpeq_epi8(before2, all(0xEF)), isHighest),
                                              _mm_cmpeq_epi8(before1, all(0xBF)));
         if (_mm_movemask_epi8(either(_mm_andnot_si128(white, isControl), isNone)) != 0) hasOthers = true;
-        return true;
     }
 #endif
 
@@ -142,7 +167,7 @@ private:
             const bool fits = size == 1 ? byte(1) >= sequence.lowest && byte(1) <= sequence.highest : goesOn(at[size]);
             if (!fits) return stop(Ending::IllFormed, size + 1);
         }
-        if (byte(0) == 0xEF && byte(1) == 0xBF && byte(2) >= 0xBE) hasOthers = true;
+        if (LooksAtChars && byte(0) == 0xEF && byte(1) == 0xBF && byte(2) >= 0xBE) hasOthers = true;
         at += size;
     }
 
@@ -160,6 +185,8 @@ private:
 
 }  // namespace
 
-Checked check(const char* from, const char* to) { return Check(from, to).run(); }
+Checked check(const char* from, const char* to) { return Check<true>(from, to).run(); }
+
+WellFormed checkForm(const char* from, const char* to) { return Check<false>(from, to).run(); }
 
 }  // namespace Xml::Utf8

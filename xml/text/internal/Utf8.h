@@ -57,15 +57,21 @@ inline void append(std::string& to, char32_t c) {
 
 enum class Ending : unsigned char { Whole, Incomplete, IllFormed };
 
-struct Checked {
+struct WellFormed {
     const char* end;  // up to there the bytes are whole, well-formed characters
     Ending ending;    // Incomplete: what follows, up to the end of the bytes, may be the beginning of a character
     std::ptrdiff_t badSize;  // where it is ill-formed: how many bytes show that, the first wrong one the last of them
+};
+
+// Checks bytes, many at a time.
+WellFormed checkForm(const char* from, const char* to);
+
+struct Checked : WellFormed {
     bool onlyChars;  // none of the characters is one that XML forbids: U+FFFE, U+FFFF, a control character below
                      // U+0020 other than tab, line feed, carriage return
 };
 
-// Checks bytes, runs of ASCII sixteen at a time.
+// The same with a look at which characters they are.
 Checked check(const char* from, const char* to);
 
 }  // namespace Xml::Utf8
