@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/Place.h"
+#include "xml/standard/internal/LineRuns.h"
 #include <cstdint>
 
 namespace Xml {
@@ -10,10 +11,13 @@ class PlaceSource {
 public:
     // The place of an offset in the text, where a character begins or the text ends. Rising offsets cost what lies
     // between them.
-    virtual Place of(std::int64_t offset) = 0;
+    Place of(std::int64_t offset) { return run.has(offset) ? run.placeOf(offset) : find(offset); }
 
 protected:
     ~PlaceSource() = default;
+    virtual Place find(std::int64_t offset) = 0;
+
+    LineRun run;  // of places that need not be found
 };
 
 }  // namespace Xml

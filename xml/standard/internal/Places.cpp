@@ -1,6 +1,7 @@
 #include "xml/standard/internal/Places.h"
 
 #include "xml/text/internal/Utf8.h"
+#include "xml/text/internal/Words.h"
 #include <algorithm>
 #include <cstddef>
 #ifdef __SSE2__
@@ -52,13 +53,6 @@ Marks marksOfBlock(const char* bytes, std::ptrdiff_t count) {
 }
 #endif
 
-// Mostly there is one, or it is all of the lowest, as in ASCII.
-std::int64_t countOf(unsigned bits) {
-    if ((bits & (bits + 1)) == 0) return bits != 0 ? 32 - __builtin_clz(bits) : 0;
-    if ((bits & (bits - 1)) == 0) return 1;
-    return __builtin_popcount(bits);
-}
-
 void endLine(TextPosition& place) {
     ++place.line;
     place.column = 1;
@@ -67,19 +61,19 @@ void endLine(TextPosition& place) {
 // Counts the bytes, and returns whether the last is a CR that has to wait for what follows.
 bool pass(TextPosition& place, std::ptrdiff_t count, const Marks& marks) {
     const unsigned starts = ((1U << count) - 1) & ~marks.goOn;
-    place.wide += countOf(marks.wide);
+    place.wide += Words::bitCount(marks.wide);
     const unsigned lastReturn = marks.returns & 1U << (count - 1);
     // A CR ends a line unless an LF follows.
     const unsigned ends = marks.feeds | (marks.returns & ~(marks.feeds >> 1) & ~lastReturn);
     unsigned inLine = starts;
     if (ends != 0) {
         const int lastEnd = 31 - __builtin_clz(ends);
-        place.line += countOf(ends);
+        place.line += Words::bitCount(ends);
         place.column = 1;
         inLine = inLine >> lastEnd >> 1;
     }
-    place.column += countOf(inLine);
-    place.characters += countOf(starts);
+    place.column += Words::bitCount(inLine);
+    place.characters += Words::bitCount(starts);
     return lastReturn != 0;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/standard/internal/LineRuns.h"
 #include "xml/standard/internal/PlaceSource.h"
 #include "xml/standard/internal/Places.h"
 #include "xml/standard/internal/SourceText.h"
@@ -11,12 +12,13 @@ namespace Xml {
 class SourcePlaces final : public PlaceSource {
 public:
     // The source must stay.
-    explicit SourcePlaces(SourceText& itsSource) : source(itsSource) {}
-
-    Place of(std::int64_t offset) override;
+    explicit SourcePlaces(SourceText& itsSource);
 
 private:
+    Place find(std::int64_t offset) override;
+
     SourceText& source;
+    LineRuns runs;  // of a source that is the text
     Places places;
 };
 

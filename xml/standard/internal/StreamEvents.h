@@ -70,7 +70,7 @@ private:
     void noteEnd();
     void noteDoctype();
 
-    Place of(std::int64_t offset) override;
+    Place find(std::int64_t offset) override;
     void keepPlace();
     std::size_t prefixSize() const;
     const TagAttribute* findSorted(std::string_view name);

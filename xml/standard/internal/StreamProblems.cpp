@@ -11,7 +11,7 @@ namespace Xml {
 
 // --- Places ---
 
-Place StreamEvents::of(std::int64_t offset) {
+Place StreamEvents::find(std::int64_t offset) {
     if (offset == keptOffset) return kept;
     const TextPosition& before = lexer.positionOf(offset);
     return placeAt(windows->decoder().sourceOffset(before), before);

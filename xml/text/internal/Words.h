@@ -86,4 +86,14 @@ inline unsigned marksOf(const char* block) {
 }
 #endif
 
+// How many of the lowest sixteen bits are set; the others are not. Mostly it is one, or all of the lowest.
+inline int bitCount(unsigned bits) {
+    if ((bits & (bits + 1)) == 0) return bits != 0 ? 32 - __builtin_clz(bits) : 0;
+    if ((bits & (bits - 1)) == 0) return 1;
+    bits -= bits >> 1 & 0x5555;
+    bits = (bits & 0x3333) + (bits >> 2 & 0x3333);
+    bits = (bits + (bits >> 4)) & 0x0F0F;
+    return static_cast<int>((bits + (bits >> 8)) & 0x1F);
+}
+
 }  // namespace Xml::Words
