@@ -2,6 +2,7 @@
 #include "standard/Documents.h"
 #include "standard/Events.h"
 #include "standard/Streamed.h"
+#include "standard/WithoutPlain.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/dom/Document.h"
@@ -14,18 +15,6 @@
 
 namespace Xml::test {
 namespace {
-
-// As long as it lives, no piece is read in the faster way.
-class WithoutPlain {
-public:
-    WithoutPlain() : before(Lexer::setPlainEnabled(false)) {}
-    ~WithoutPlain() { Lexer::setPlainEnabled(before); }
-    WithoutPlain(const WithoutPlain&) = delete;
-    WithoutPlain& operator=(const WithoutPlain&) = delete;
-
-private:
-    bool before;
-};
 
 std::string shown(const Lexed& lexed) {
     const Fault& fault = lexed.fault;

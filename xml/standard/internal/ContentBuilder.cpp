@@ -20,7 +20,15 @@ ContentBuilder::ContentBuilder(Lexer& itsLexer, const ReadOptions& itsOptions, P
       places(itsPlaces),
       keepsEach(options.keepComments && options.keepInstructions && options.keepCData),
       tree(root),
-      white(tree, itsOptions.space, isPreserved) {}
+      white(tree, itsOptions.space, isPreserved),
+      plain(lexer, itsOptions, tree, white, itsPlaces) {}
+
+// A text that waits goes on, but for a tag.
+void ContentBuilder::takePlain() {
+    if (!tree.isOpen() || (!pending.empty() && !lexer.isBeforeTag())) return;
+    flush();
+    plain.take();
+}
 
 void ContentBuilder::begin() {
     flush();
@@ -34,7 +42,6 @@ void ContentBuilder::begin() {
     }
     const std::string_view space = takeAttributes();
     if (lexer.isEmptyTag()) return addEmpty(name, place);
-    if (lexer.takeLeaf()) return addLeaf(name, place);
     if (place != nullptr) {
         tree.begin(name, place);
     } else {
@@ -83,17 +90,6 @@ void ContentBuilder::addEmpty(const SharedName& name, const Place* place) {
         tree.addElement(name, attributes);
     }
     hasEnded = true;
-}
-
-// The text is in the window.
-void ContentBuilder::addLeaf(const SharedName& name, const Place* place) {
-    const bool isTextPadded = lexer.ahead().size() >= internal::kShortText;
-    white.noteElement();
-    if (place != nullptr) {
-        tree.addLeaf(name, attributes, lexer.text(), isTextPadded, place, placeAt(lexer.offset()));
-    } else {
-        tree.addLeaf(name, attributes, lexer.text(), isTextPadded);
-    }
 }
 
 void ContentBuilder::end() {

@@ -5,6 +5,7 @@
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/internal/Lexer.h"
 #include "xml/standard/internal/PlaceSource.h"
+#include "xml/standard/internal/PlainContent.h"
 #include "xml/standard/internal/WhiteSpace.h"
 #include <cstdint>
 #include <memory>
@@ -25,8 +26,7 @@ public:
     // What they are made of must stay. Without places nodes have none. Around the element white space may be preserved.
     ContentBuilder(Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces, bool isPreserved = false);
 
-    // The first one is the outermost element; all others are in that. An element that holds a text alone may be taken
-    // as a whole, with its end.
+    // The first one is the outermost element; all others are in that.
     void begin();
     void end();
     void addText();
@@ -39,6 +39,9 @@ public:
     // The outermost element.
     std::unique_ptr<Element> take() { return std::move(root); }
 
+    // Takes what comes next without events, as far as it is ordinary. Between any two events.
+    void takePlain();
+
     // As TreeBuilder has it.
     std::string path(std::string_view beginning) const { return tree.path(beginning); }
 
@@ -49,7 +52,6 @@ private:
     void beginOutermost();
     std::string_view takeAttributes();
     void addEmpty(const SharedName& name, const Place* place);
-    void addLeaf(const SharedName& name, const Place* place);
     bool isPadded() const { return lexer.isPlain() && lexer.ahead().size() >= internal::kShortText; }
     void addPart(std::string_view text, bool isOther);
     void flush();
@@ -64,6 +66,7 @@ private:
     std::unique_ptr<Element> root;
     TreeBuilder tree;
     WhiteSpace white;
+    PlainContent plain;
     TagAttributes attributes;
     bool hasEnded = false;  // the element whose end comes next: it is in the tree
     Place here;

@@ -156,7 +156,7 @@ bool Lexer::readStart(Event& event) {
         return false;
     }
     itsName = tags.name();
-    if (options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth)) {
+    if (isFull()) {
         return in.fail(from, StandardRules::kMaxDepth,
                        "more than " + std::to_string(options.maxDepth) + " elements are open", Problem::Kind::Limit);
     }

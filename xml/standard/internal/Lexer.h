@@ -75,15 +75,27 @@ public:
     // Whether a text or the values of a tag stand in the window as they are. Such a text has no '<', '>' and '&'.
     bool isPlain() const { return isPlainPiece; }
 
-    // After a Start: takes what is left of the element where that is a plain text, which does not begin with white
-    // space, and the end tag. Then the End is at hand, with the text and its offset.
-    bool takeLeaf();
-
     // Whether a tag follows, and not what a reader may drop.
     bool isBeforeTag() const { return in.end - in.at > 1 && *in.at == '<' && in.at[1] != '!' && in.at[1] != '?'; }
 
     // What follows, as far as the window goes; in an entity what is left of that.
     std::string_view ahead() const { return {in.at, static_cast<std::size_t>(in.end - in.at)}; }
+
+    // --- Ordinary pieces of content that are read without events, by what knows their rules (see PlainContent) ---
+
+    // The window from the next piece on; empty where that may not be read so. No event is at hand then.
+    std::string_view plainAhead();
+    std::int64_t nextOffset() const { return in.offsetOf(in.at); }
+    void passTo(const char* to) { in.at = to; }
+
+    // An element that declares no prefixes begins, with that name in the window; the innermost one ends.
+    [[gnu::always_inline]] void beginPlain(std::string_view name) {
+        open.emplace_back(name, tags.scopes().mark(), in.offsetOf(name.data() - 1));
+    }
+    void endPlain() { closeInnermost(); }
+
+    // Whether no more elements may be open.
+    bool isFull() const { return options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth); }
 
     // The name in the start tag within which the window ends; empty where it ends elsewhere.
     std::string_view cutTag() const;
@@ -185,6 +197,12 @@ private:
     bool growByNode(const char* where);
     void takeText(std::string_view text, bool hasReturn);
     void forgetEnded();
+    void closeInnermost() {
+        const std::size_t scopes = open.back().scopes;
+        if (tags.scopes().mark() != scopes) tags.scopes().goBack(scopes);
+        open.pop_back();
+        if (kept.size() > open.size()) kept.pop_back();
+    }
 
     std::string beganAtInnermost() const;
 

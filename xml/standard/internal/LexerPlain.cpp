@@ -18,10 +18,7 @@ bool Lexer::setPlainEnabled(bool on) { return std::exchange(isPlainEnabled, on);
 [[gnu::always_inline]] inline void Lexer::forgetEnded() {
     if (!hasEnded) return;
     hasEnded = false;
-    const std::size_t scopes = open.back().scopes;
-    if (tags.scopes().mark() != scopes) tags.scopes().goBack(scopes);
-    open.pop_back();
-    if (kept.size() > open.size()) kept.pop_back();
+    closeInnermost();
     if (open.empty()) part = Part::AfterRoot;
 }
 
@@ -46,7 +43,7 @@ Lexer::Event Lexer::next() {
     if (*in.at != '<') return takePlainText(event);
     if (in.at[1] == '/') return takePlainEnd(event);
     if (in.at[1] == '!' || in.at[1] == '?') return false;
-    if (options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth)) return false;
+    if (isFull()) return false;
     const char* const from = in.at;
     if (!tags.readPlain()) return false;
     beginElement(tags.name(), tags.scopes().mark(), in.offsetOf(from));
@@ -82,19 +79,10 @@ Lexer::Event Lexer::next() {
     return to != in.end && *to == '>' ? to + 1 : nullptr;
 }
 
-bool Lexer::takeLeaf() {
-    if (isEnding || in.isInEntity() || !isPlainEnabled) return false;
-    const char* const from = in.at;
-    if (from == in.end || *from == '<' || Syntax::isWhite(*from)) return false;
-    const char* const to = Runs::find<'<', '>', '&', ']'>(from, in.end);
-    if (in.end - to < 2 || *to != '<' || to[1] != '/') return false;
-    const char* const next = afterPlainEnd(to);
-    if (next == nullptr) return false;
-    itsText = Syntax::viewOf(from, to);
-    itsOffset = in.offsetOf(from);
-    in.at = next;
-    Event event = Event::End;
-    return endElement(event);
+std::string_view Lexer::plainAhead() {
+    forgetEnded();
+    const bool isPossible = part == Part::Content && !isEnding && !isInText && isPlainEnabled && !in.isInEntity();
+    return isPossible ? ahead() : std::string_view();
 }
 
 }  // namespace Xml

@@ -19,11 +19,13 @@ void Namespaces::declare(std::string_view prefix, std::string_view name) {
     const auto used = use(name);
     ++used->second.count;
     changes.push_back({declared, declared->second, isFirst});
+    ++itsVersion;
     declared->second = used->second.number;
 }
 
 void Namespaces::goBack(std::size_t mark) {
     for (; changes.size() > mark; changes.pop_back()) {
+        ++itsVersion;
         const Change& change = changes.back();
         release(change.prefix->second);
         if (change.isFirst) {

@@ -33,6 +33,9 @@ public:
     std::size_t mark() const { return changes.size(); }
     void goBack(std::size_t mark);
 
+    // Another number wherever something else may be found than before.
+    std::uint64_t version() const { return itsVersion; }
+
 private:
     struct Use {
         Number number;
@@ -55,6 +58,7 @@ private:
     std::vector<Numbers::iterator> names;  // by number; as many as have been in scope at a time
     std::vector<Number> unused;
     std::vector<Change> changes;
+    std::uint64_t itsVersion = 0;
 };
 
 }  // namespace Xml

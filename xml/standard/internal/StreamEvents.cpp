@@ -242,6 +242,7 @@ std::unique_ptr<Element> StreamEvents::readElement() {
     ContentBuilder content(lexer, options, options.keepPlaces ? this : nullptr, isPreserved);
     content.begin();
     for (;;) {
+        content.takePlain();
         const Lexer::Event event = pull();
         switch (event) {
         case Lexer::Event::Start: content.begin(); break;

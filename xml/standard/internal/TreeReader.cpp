@@ -63,6 +63,7 @@ TreeReader::TreeReader(SourceText& itsSource, const ReadOptions& itsOptions)
 
 std::unique_ptr<Document> TreeReader::read(Problem& problem) {
     for (;;) {
+        content.takePlain();
         switch (lexer.next()) {
         case Lexer::Event::Start: content.begin(); break;
         case Lexer::Event::End: end(); break;

@@ -1,7 +1,5 @@
 #include "xml/standard/internal/WhiteSpace.h"
 
-#include "xml/stream/internal/Scan.h"
-
 namespace Xml {
 
 bool WhiteSpace::isAllWhite(std::string_view text) {
@@ -9,31 +7,26 @@ bool WhiteSpace::isAllWhite(std::string_view text) {
     return Scan::endOfAny<' ', '\t', '\n', '\r'>(text.data(), end) == end;
 }
 
-void WhiteSpace::begin(std::string_view spaceAttribute) {
-    bool isPreserved = levels.empty() ? isPreservedAround : levels.back().isPreserved;
-    if (spaceAttribute == "preserve") isPreserved = true;
-    if (spaceAttribute == "default") isPreserved = false;
-    if (!levels.empty()) levels.back().hasElements = true;
-    levels.push_back({held.size(), bytes.size(), isPreserved, false, false});
+void WhiteSpace::endHeld() {
+    if (levels.back().hasElements) {
+        dropHeld();
+    } else {
+        keepHeld();
+    }
 }
 
-void WhiteSpace::end() {
-    const Level& level = levels.back();
-    if (!level.hasElements) keepHeld();
-    held.erase(held.begin() + static_cast<std::ptrdiff_t>(level.firstHeld), held.end());
-    bytes.resize(level.heldBytes);
-    levels.pop_back();
-}
-
-void WhiteSpace::addWhite(std::string_view text, const Place* place) {
+// What waits at the end of an element with others in it is dropped then.
+void WhiteSpace::addWhite(std::string_view text, const Place* place, bool isLast) {
     const Level& level = levels.back();
     if (space == Space::Dropped) return;
     const char* const end = text.data() + text.size();
-    const bool isKept =
-        space == Space::All || level.isPreserved || level.hasText || Scan::findAny<'\n', '\r'>(text.data(), end) == end;
+    const bool isKept = space == Space::All || level.isPreserved || level.hasText ||
+                        (text.front() != '\n' && Scan::findAny<'\n', '\r'>(text.data(), end) == end);
     if (isKept) return addText(text, place);
-    held.emplace_back(tree.childCount(), bytes.size(), text.size(), place);
-    bytes += text;
+    if (isLast && level.hasElements) return;
+    Held& last = held.emplace_back(tree.childCount(), text, bytes.size());
+    if (place != nullptr) last.place = *place;
+    if (!last.isShort()) bytes += text;
 }
 
 void WhiteSpace::addOther(std::string_view text, const Place* place, bool isPadded) {
@@ -56,18 +49,22 @@ void WhiteSpace::addText(std::string_view text, const Place* place, bool isPadde
 }
 
 void WhiteSpace::keepHeld() {
-    const Level& level = levels.back();
-    if (held.size() == level.firstHeld) return;
+    const std::size_t first = levels.back().firstHeld;
     std::vector<TreeBuilder::TextBefore> texts;
-    texts.reserve(held.size() - level.firstHeld);
-    for (std::size_t i = level.firstHeld; i < held.size(); ++i) {
+    for (std::size_t i = first; i < held.size(); ++i) {
         const Place& place = held[i].place;
-        texts.push_back({held[i].child, std::string_view(bytes).substr(held[i].from, held[i].size),
-                         place.line > 0 ? &place : nullptr});
+        for (std::size_t j = 0; j < held[i].count; ++j)
+            texts.push_back({held[i].child + j, viewOf(held[i]), place.line > 0 ? &place : nullptr});
     }
     tree.insertTexts(texts);
-    held.erase(held.begin() + static_cast<std::ptrdiff_t>(level.firstHeld), held.end());
-    bytes.resize(level.heldBytes);
+    dropHeld();
+}
+
+// That of the innermost element.
+void WhiteSpace::dropHeld() {
+    const std::size_t first = levels.back().firstHeld;
+    if (bytes.size() > held[first].from) bytes.resize(held[first].from);
+    held.erase(held.begin() + static_cast<std::ptrdiff_t>(first), held.end());
 }
 
 }  // namespace Xml

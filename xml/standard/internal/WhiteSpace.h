@@ -3,6 +3,7 @@
 #include "xml/dom/Place.h"
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/standard/ReadOptions.h"
+#include "xml/stream/internal/Scan.h"
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -19,16 +20,44 @@ public:
         : tree(builder), space(which), isPreservedAround(isPreserved) {}
 
     // An element has begun, with this value of xml:space, empty without one; it ends.
-    void begin(std::string_view spaceAttribute);
-    void end();
+    [[gnu::always_inline]] void begin(std::string_view spaceAttribute) {
+        bool isPreserved = isPreservedAround;
+        if (!levels.empty()) {
+            isPreserved = levels.back().isPreserved;
+            levels.back().hasElements = true;
+        }
+        if (!spaceAttribute.empty()) {
+            if (spaceAttribute == "preserve") isPreserved = true;
+            if (spaceAttribute == "default") isPreserved = false;
+        }
+        levels.emplace_back(held.size(), isPreserved);
+    }
+    void end() {
+        if (held.size() > levels.back().firstHeld) endHeld();
+        levels.pop_back();
+    }
 
     // An element within it has begun and ended.
     void noteElement() { levels.back().hasElements = true; }
 
-    // A text within it, with its place or null; other is all that is not white space, or came by a reference.
-    // Padded: as TreeBuilder has it.
-    void addWhite(std::string_view text, const Place* place);
+    // A text within it, with its place or null; other is all that is not white space, or came by a reference. Where the
+    // element ends after white space, it may be the last. Padded: as TreeBuilder has it.
+    void addWhite(std::string_view text, const Place* place, bool isLast = false);
     void addOther(std::string_view text, const Place* place, bool isPadded = false);
+
+    // Between the children of one element white space is mostly the same. Where the bytes that wait as the last text
+    // are there again, and '<' after them: the place of that. They may be added then, without a place.
+    const char* endOfAgain(const char* from, const char* to) {
+        if (held.empty() || held.size() == levels.back().firstHeld) return nullptr;
+        const Held& last = held.back();
+        if (last.child + last.count != tree.childCount()) return nullptr;
+        const std::string_view text = viewOf(last);
+        if (to - from >= 2 && from[0] == '\r' && from[1] == '\n') ++from;  // which is one LF
+        if (!Scan::startsWith(from, to, text)) return nullptr;
+        const char* const end = from + text.size();
+        return end != to && *end == '<' ? end : nullptr;
+    }
+    void addAgain() { ++held.back().count; }
 
     // Other text within it that is a node of another kind.
     void noteOther();
@@ -38,34 +67,48 @@ public:
     }
 
 private:
+    // Made in their places: what is copied there waits for the stores.
     struct Level {
+        Level(std::size_t itsFirstHeld, bool isSpacePreserved)
+            : firstHeld(itsFirstHeld), isPreserved(isSpacePreserved) {}
+
         std::size_t firstHeld;
-        std::size_t heldBytes;
         bool isPreserved;
-        bool hasElements;
-        bool hasText;
+        bool hasElements = false;
+        bool hasText = false;
     };
+    // Texts of the same bytes, one before each of so many children.
     struct Held {
-        // Made in its place: what is copied there waits for the stores.
-        Held(std::size_t itsChild, std::size_t itsFrom, std::size_t itsSize, const Place* itsPlace)
-            : child(itsChild), from(itsFrom), size(itsSize) {
-            if (itsPlace != nullptr) place = *itsPlace;
+        Held(std::size_t itsChild, std::string_view text, std::size_t itsFrom)
+            : child(itsChild), from(itsFrom), size(text.size()) {
+            if (isShort()) text.copy(few, kFew);
         }
+        bool isShort() const { return size <= kFew; }
+
+        static constexpr std::size_t kFew = 16;
 
         std::size_t child, from, size;
+        std::size_t count = 1;
         Place place;
+        char few[kFew];  // all bytes of a short one
     };
+
+    std::string_view viewOf(const Held& text) const {
+        return {text.isShort() ? text.few : bytes.data() + text.from, text.size};
+    }
 
     static bool isAllWhite(std::string_view text);
     void addText(std::string_view text, const Place* place, bool isPadded = false);
+    void endHeld();
     void keepHeld();
+    void dropHeld();
 
     TreeBuilder& tree;
     Space space;
     bool isPreservedAround;
     std::vector<Level> levels;
     std::vector<Held> held;
-    std::string bytes;  // of those, in the same order
+    std::string bytes;  // of those that are not short, in the same order
 };
 
 }  // namespace Xml

@@ -13,6 +13,7 @@ constexpr std::uint8_t kDigit = 4;         // ASCII digits
 constexpr std::uint8_t kNameMark = 8;      // - . : _
 constexpr std::uint8_t kPunctuation = 16;  // a token by itself, and the end of a word
 constexpr std::uint8_t kNameStart = 32;    // letters, _ and :
+constexpr std::uint8_t kBeyondAscii = 64;
 
 constexpr std::uint8_t kNameChar = kLetter | kDigit | kNameMark;
 constexpr std::uint8_t kWordEnd = kPunctuation | kWhite;
@@ -31,6 +32,7 @@ constexpr std::array<std::uint8_t, 256> makeTable() {
     add("-.:_", kNameMark);
     add("_:", kNameStart);
     add("!\"'()*+,/<=>?[\\]|", kPunctuation);
+    for (std::size_t i = 0x80; i < table.size(); ++i) table[i] = kBeyondAscii;
     return table;
 }
 
