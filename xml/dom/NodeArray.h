@@ -160,8 +160,8 @@ public:
 private:
     static_assert(sizeof(Block) % alignof(Node*) == 0, "the pointers follow the block");
 
-    // What is in the lowest bits of the word: whether it is an address of several nodes, and then how many there are, or
-    // that these are in a block.
+    // In the lowest bits of the word: nothing where it is no address of several nodes; else how many there are, or that
+    // these are in a block.
     static constexpr std::uintptr_t kTag = 7;
     static constexpr std::uintptr_t kOfBlock = 1;
     static constexpr std::size_t kMostTagged = kTag;
