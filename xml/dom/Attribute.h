@@ -39,6 +39,7 @@ public:
 
 private:
     friend struct NodeAccess;
+    friend struct EditingAccess;
 
     // In line: what makes an attribute knows where its text is.
     [[gnu::always_inline]] Attribute(const std::string* sharedName, const internal::GivenText& text, Object* itsParent)

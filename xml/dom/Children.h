@@ -59,6 +59,18 @@ public:
     std::unique_ptr<Object> extract(std::size_t place) { return std::unique_ptr<Object>(nodes.remove(place)); }
     std::unique_ptr<Object> extractLast() { return extract(nodes.size() - 1); }
 
+    // Another node in the place of one, which comes out. Needs no memory.
+    std::unique_ptr<Object> exchange(std::size_t place, std::unique_ptr<Object> node) {
+        std::unique_ptr<Object> before(nodes[place]);
+        nodes.set(place, node.release());
+        return before;
+    }
+
+    // Puts the nodes, all of them and no others, in this order. Needs no memory.
+    void reorder(Object* const* inOrder) {
+        for (std::size_t i = 0; i < nodes.size(); ++i) nodes.set(i, inOrder[i]);
+    }
+
     // Memory beside the nodes of a tree (see NodeArray); what is dropped with that is forgotten, and not deleted.
     static std::size_t bytesForFull(std::size_t count) { return NodeArray<Object>::bytesForFull(count); }
     Object** extend(std::size_t count) { return nodes.extend(count); }

@@ -65,6 +65,7 @@ public:
 
 private:
     friend struct NodeAccess;
+    friend struct EditingAccess;
 
     std::unique_ptr<Dtd> dtd;
     std::unique_ptr<Element> root;

@@ -156,6 +156,7 @@ public:
 
 private:
     friend struct NodeAccess;
+    friend struct EditingAccess;
 
     ORVXML_LOCAL Element();
     explicit Element(internal::NodeClass made) : Object(made) {}
