@@ -174,6 +174,22 @@ TEST(CompareTest, LeavesAndDocumentTypesAreCompared) {
     EXPECT_EQ(firstDifference(Document(new Element("a"), nullptr), Element("a")), "/: document and element a");
 }
 
+TEST(CompareTest, ACopyWithoutLinksIsTheSame) {
+    Outcome outcome = readDocument("<!DOCTYPE a [<!ELEMENT a ANY><!ENTITY e 'x'>]><a>&e;</a>");
+    ASSERT_TRUE(outcome.ok) << outcome.error;
+    Element& root = *outcome.document->getRoot();
+    root.setDtd(outcome.document->getDtd());
+    const auto copy = copyOf(root);
+    EXPECT_NE(Xml::textOf(root), Xml::textOf(*copy));
+    expectSame(root, *copy, true);
+    expectSame(*root.getChild(0), *copy->getChild(0), true);
+    append(*copy, std::make_unique<CharData>("y"));
+    expectSame(root, *copy, false);
+    // What means the same is the same, too.
+    setText(*copy, "x");
+    expectSame(root, *copy, true);
+}
+
 TEST(CompareTest, PartsAreComparedFromThereOn) {
     const auto document = read("<a><b/><b><c/></b></a>");
     const auto other = read("<b><c/></b>");

@@ -8,4 +8,6 @@ std::string dataFolder() { return ORVXML_TEST_DATA; }
 
 std::string scratchFolder() { return ORVXML_TEST_SCRATCH; }
 
+std::string compilerPath() { return ORVXML_CXX; }
+
 }  // namespace Xml::test

@@ -11,4 +11,7 @@ std::string sourceFolder();
 std::string dataFolder();
 std::string scratchFolder();
 
+// What the build compiles C++ with.
+std::string compilerPath();
+
 }  // namespace Xml::test

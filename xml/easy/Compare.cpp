@@ -73,6 +73,7 @@ private:
     bool compareTops();
     bool compareBelow();
     bool compare(const Object* first, const Object* second);
+    bool isHeldTheSame(const Object& first, const Object& second) const;
     bool enter(const Element& first, const Element& second);
     std::string path() const;
 
@@ -118,7 +119,15 @@ bool Comparison::compare(const Object* first, const Object* second) {
     if (first == nullptr || second == nullptr) return first != second;
     if (kindOf(*first) != kindOf(*second) || nameOf(*first) != nameOf(*second)) return true;
     if (isElement(*first)) return enter(static_cast<const Element&>(*first), static_cast<const Element&>(*second));
+    if (isCharData(*first)) return sayingA != sayingB && !isHeldTheSame(*first, *second);
     return sayingA != sayingB || (kindOf(*first) == NodeKind::Other && typeid(*first) != typeid(*second));
+}
+
+// Texts with references to entities mean what their Dtd says. A copy links to none, and is the same.
+bool Comparison::isHeldTheSame(const Object& first, const Object& second) const {
+    if (!levels.empty()) return levels.back().first.held() == levels.back().second.held();
+    return NodeAccess::text(static_cast<const CharData&>(first)) ==
+           NodeAccess::text(static_cast<const CharData&>(second));
 }
 
 bool Comparison::enter(const Element& first, const Element& second) {

@@ -39,7 +39,8 @@ struct Installed {
 }  // namespace
 
 Handler onDiagnostic(Handler handler) {
-    Handler before = Message::mMessageHandler == handOver ? current() : Handler(Installed{Message::mMessageHandler});
+    const bool isOurs = Message::mMessageHandler == handOver;
+    Handler before = isOurs ? std::move(current()) : Handler(Installed{Message::mMessageHandler});
     const Installed* const installed = handler.target<Installed>();
     Message::InstallMessageHandler(installed != nullptr ? installed->handler : handOver);
     current() = std::move(handler);

@@ -1,6 +1,7 @@
 #include "xml/easy/internal/Items.h"
 
 #include "xml/dom/CharData.h"
+#include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/NodeClasses.h"
 #include "xml/dtd/internal/PlainText.h"
 
@@ -8,6 +9,7 @@ namespace Xml {
 
 const Object* Items::next(std::string& text) {
     text.clear();
+    begin = at;
     const Object* first = nullptr;
     for (; at < all.size(); ++at) {
         const Object& node = *all[at];
@@ -26,6 +28,14 @@ const Object* Items::next(std::string& text) {
         }
     }
     return first;
+}
+
+std::string Items::held() const {
+    std::string text;
+    for (std::size_t i = begin; i < at; ++i) {
+        if (isCharData(*all[i])) text += NodeAccess::text(static_cast<const CharData&>(*all[i]));
+    }
+    return text;
 }
 
 }  // namespace Xml

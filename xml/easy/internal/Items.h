@@ -19,9 +19,13 @@ public:
     // it is a text.
     const Object* next(std::string& text);
 
+    // The text of the last item as it is held, references and all.
+    std::string held() const;
+
 private:
     internal::NodeSpan all;
-    std::size_t at = 0;
+    std::size_t begin = 0;  // of the last item
+    std::size_t at = 0;     // of the next
 };
 
 }  // namespace Xml
