@@ -18,9 +18,6 @@ namespace Xml {
 
 namespace {
 
-// Predicates may be nested this deep.
-constexpr std::size_t kDeepest = 1000;
-
 // See XPath::setWorkLimit.
 std::int64_t workLimit = 0;
 
@@ -97,7 +94,7 @@ bool XPath::Kept::find(const OrvSys::Uni16String& path) {
         if (isAbsolute) contexts.assign(1, document);
     }
     if (isEmpty) return error.set(NO_XPATH_SPECIFIED, {});
-    if (text.nesting() > kDeepest) return error.set(EXPRESSION_NESTED_TOO_DEEPLY, {});
+    if (text.nesting() > kDeepestPath) return error.set(EXPRESSION_NESTED_TOO_DEEPLY, {});
 
     const bool isDocument = equals(text.begin(), text.end(), "/");
     Expressions expressions(text, &memory);
@@ -154,6 +151,8 @@ const XPath::ResultItem& XPath::Kept::result(unsigned index) {
 XPath::XPath(Object* context) : kept(std::make_unique<Kept>(context)) {}
 
 XPath::~XPath() = default;
+
+std::int64_t VisitBudget::commonLimit() { return workLimit; }
 
 std::int64_t XPath::setWorkLimit(std::int64_t visits) { return std::exchange(workLimit, visits); }
 

@@ -1,5 +1,6 @@
 #include "xml/xpath/internal/Expression.h"
 
+#include "xml/xpath/internal/ByteUnits.h"
 #include "xml/xpath/internal/PathText.h"
 #include <algorithm>
 #include <cstring>
@@ -80,7 +81,13 @@ bool ExpressionItem::read(const Expressions& expressions, PathError& error) {
     if (operand.index() != 0) return true;
     const PathText& whole = expressions.text;
     if (text.begin != text.end && IsBeginLiteral(*text.begin)) {
-        operand.emplace<Literal>(OrvSys::Uni16String(text.begin + 1, whole.after(text.begin) - 1));
+        const Unit begin = text.begin + 1;
+        const Unit end = whole.after(text.begin) - 1;
+        if (whole.hasByteUnits()) {
+            operand.emplace<Literal>(ByteUnits::bytesOf(begin, end));
+        } else {
+            operand.emplace<Literal>(OrvSys::Uni16String(begin, end));
+        }
         return true;
     }
     if (text.begin != text.end && isDigit(*text.begin)) return readNumber(whole, error);

@@ -1,5 +1,6 @@
 #include "xml/xpath/internal/NodeTest.h"
 
+#include "xml/xpath/internal/ByteUnits.h"
 #include "xml/xpath/internal/PathText.h"
 #include <algorithm>
 #include <cstring>
@@ -85,6 +86,11 @@ void NodeTest::setName(const PathText& text, Names which, Unit begin, Unit end) 
     name = begin;
     nameSize = static_cast<std::size_t>(end - begin);
     if (text.isAscii()) return;
+    if (text.hasByteUnits()) {
+        bytes = ByteUnits::bytesOf(begin, end);
+        nameSize = bytes.size();
+        return;
+    }
     const OrvSys::Uni16String wide(begin, end);
     bytes = OrvSys::Uni16CharToPlatformCString(wide);
     nameSize = bytes.size();

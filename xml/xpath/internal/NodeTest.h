@@ -37,6 +37,9 @@ public:
     // these; without a code where a name does not begin as names do. The text must stay.
     bool read(const PathText& text, Written test, PathError& error);
 
+    // The name that it asks for: whole, after a colon, or up to it; empty without one.
+    const std::string& writtenName() const { return names == Names::All ? bytes : nameBytes(); }
+
     // Whether the node is of the kind and has the name.
     bool accepts(const Object& node) const {
         return isElement(node) ? accepts(static_cast<const Element&>(node)) : acceptsOther(node);

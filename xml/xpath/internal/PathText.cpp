@@ -13,8 +13,14 @@ constexpr std::size_t kSome = 4;
 
 }  // namespace
 
-PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* memory)
-    : source(path), closed(memory), unclosed(path.size()), shorter(memory), enclosed(memory), dropped(memory) {
+PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* memory, PathUnits itsUnits)
+    : units(itsUnits),
+      source(path),
+      closed(memory),
+      unclosed(path.size()),
+      shorter(memory),
+      enclosed(memory),
+      dropped(memory) {
     enclosed.reserve(kSome);
     const bool hasWhiteSpace = findEnclosed();
     text = source;

@@ -3,12 +3,19 @@
 #include "orvsys/Uni16.h"
 #include "xml/xpath/internal/Characters.h"
 #include <cstddef>
+#include <cstdint>
 #include <memory_resource>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Xml {
+
+// Predicates may be nested this deep.
+constexpr std::size_t kDeepestPath = 1000;
+
+// What the units of a path are: 16-bit text, or bytes of UTF-8 (see ByteUnits).
+enum class PathUnits : std::uint8_t { Text, Bytes };
 
 // The text of a query without its white space, and where its literals and brackets end.
 //
@@ -25,7 +32,8 @@ class PathText {
 public:
     // The path must stay. What is noted is put into `memory`.
     explicit PathText(const OrvSys::Uni16String& path,
-                      std::pmr::memory_resource* memory = std::pmr::get_default_resource());
+                      std::pmr::memory_resource* memory = std::pmr::get_default_resource(),
+                      PathUnits itsUnits = PathUnits::Text);
     explicit PathText(OrvSys::Uni16String&&) = delete;
     PathText(const PathText&) = delete;
     PathText& operator=(const PathText&) = delete;
@@ -40,6 +48,11 @@ public:
     // A part of the text, with what stands in its outermost brackets as it was written. It may end within a
     // bracket or a literal.
     OrvSys::Uni16String written(Unit from, Unit to) const;
+
+    // Where in the path a place of the text is.
+    std::size_t sourcePlaceOf(Unit at) const;
+
+    bool hasByteUnits() const { return units == PathUnits::Bytes; }
 
     // Whether all of it outside of literals is ASCII.
     bool isAscii() const { return isAscii_; }
@@ -69,8 +82,8 @@ private:
     bool findEnclosed();
     void removeWhiteSpace();
     Unit afterEnclosed(Unit at) const;
-    std::size_t sourcePlaceOf(Unit at) const;
 
+    const PathUnits units;
     View source;           // the path, its last literal closed
     Units closed;          // the same, where one had to be closed
     std::size_t unclosed;  // the place of the first bracket in the source that is not closed, else its length

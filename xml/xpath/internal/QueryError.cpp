@@ -62,9 +62,12 @@ OrvSys::Uni16String nameOf(const Missed& missed, const PathText& text) {
 
 }  // namespace
 
+OrvSys::Uni16String QueryError::textOf(XPath::ErrorCode code) {
+    return OrvSys::Localization::GetString(std::string("xpat/xerr/") + kErrorNames[code], "XPath", {});
+}
+
 OrvSys::Uni16String QueryError::message() const {
-    const std::string key = std::string("xpat/xerr/") + kErrorNames[code_];
-    OrvSys::Uni16String text = OrvSys::Localization::GetString(key, "XPath", {});
+    OrvSys::Uni16String text = textOf(code_);
     if (namesAPart(code_)) text += u" --> " + part_;
     return text;
 }

@@ -13,6 +13,9 @@ class PathText;
 // NODE_NOT_FOUND names. The depth outlives the code where only that is forgotten. tests/xpath/XPathTest.cpp holds it.
 class QueryError {
 public:
+    // The localised text of a code.
+    static OrvSys::Uni16String textOf(XPath::ErrorCode code);
+
     XPath::ErrorCode code() const { return code_; }
 
     // The localised text.

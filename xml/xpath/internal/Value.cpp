@@ -7,6 +7,7 @@
 #include "xml/dom/internal/NodeClasses.h"
 #include "xml/text/internal/ClassicNumbers.h"
 #include <algorithm>
+#include <utility>
 
 namespace Xml {
 
@@ -29,6 +30,12 @@ Literal::Literal(const OrvSys::Uni16String& itsText)
       bytes(OrvSys::Uni16CharToPlatformCString(text)),
       faithful(OrvSys::UTF8ToUni16Char(bytes) == text),
       unique(faithful && text.find(u'\uFFFD') == OrvSys::Uni16String::npos) {}
+
+Literal::Literal(std::string itsBytes)
+    : text(OrvSys::UTF8ToUni16Char(itsBytes)),
+      bytes(std::move(itsBytes)),
+      faithful(true),
+      unique(text.find(u'\uFFFD') == OrvSys::Uni16String::npos) {}
 
 Value Value::ofNode(std::int32_t tag, Object* node) {
     Value value;

@@ -15,6 +15,7 @@ class Object;
 // A string of an expression, with its 8-bit text.
 struct Literal {
     explicit Literal(const OrvSys::Uni16String& itsText);
+    explicit Literal(std::string itsBytes);
 
     OrvSys::Uni16String text;
     std::string bytes;

@@ -13,6 +13,9 @@ public:
     // A limit that is not above 0 is none.
     explicit VisitBudget(std::int64_t limit) : left(limit > 0 ? limit : std::numeric_limits<std::int64_t>::max()) {}
 
+    // The limit that XPath::setWorkLimit has set.
+    static std::int64_t commonLimit();
+
     void spend(std::size_t visits) { left -= static_cast<std::int64_t>(visits); }
 
     // Whether more was asked for than the limit allows.
