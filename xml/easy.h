@@ -1,6 +1,7 @@
 #pragma once
 
 // Short ways for daily work with trees, read by whichever reader.
+#include "xml/easy/Ask.h"
 #include "xml/easy/Compare.h"
 #include "xml/easy/Diagnostics.h"
 #include "xml/easy/Namespaces.h"

@@ -56,6 +56,14 @@ const Way kWays[] = {
          return true;
      }},
     {"text", [](Document& d) { return textOf(d) == textOf(*copyOf(*d.getRoot())); }},
+    {"asking", [](Document& d) { return ask(d, "//a[@k = 1]").size() == descendants(*d.getRoot()).size(); }},
+    {"asking a part",
+     [](Document& d) {
+         const auto root = detach(*d.getRoot());
+         const std::size_t found = ask(*root, "/descendant-or-self::node()").size();
+         setRoot(d, copyOf(*root));
+         return found == ask(d, "//node()").size();
+     }},
     {"comparing with a copy", [](Document& d) { return sameTree(d, *copyOf(d)) && firstDifference(d, d).empty(); }},
     {"sorting",
      [](Document& d) {

@@ -177,6 +177,48 @@ TEST(HostileEasyTest, AMillionChildren) {
     });
 }
 
+TEST(HostileEasyTest, Paths) {
+    const auto problemOf = [](const std::string& path) {
+        const auto found = ask(*read("<r><a/></r>"), path);
+        return found.problem() ? std::to_string(found.problem()->place.offset) + ": " + found.problem()->text : "";
+    };
+    const std::string missing = "The closing bracket of a predicate is missing";
+    const std::string unclosed = "The closing quote of a literal is missing";
+    const std::string tooDeep = "The expression is nested too deeply";
+    expectOutcomes({
+        {"predicates in each other", [&] { return problemOf("//a" + repeated("[a", 1000) + repeated("]", 1000)); }, ""},
+        {"too many of them", [&] { return problemOf("//a" + repeated("[a", kBrackets) + repeated("]", kBrackets)); },
+         "0: " + tooDeep},
+        {"brackets without an end", [&] { return problemOf("//a" + repeated("[", kMillion)); }, "3: " + missing},
+        {"steps", [&] { return problemOf(repeated("/a", kMillion)); }, "", kLarge},
+        {"operands", [&] { return problemOf("1" + repeated("=1", kMillion)); }, "", kLarge},
+        {"quotes", [&] { return problemOf(repeated("''", kMillion) + "'"); }, "0: " + unclosed, kLarge},
+        {"a literal of quotes", [&] { return problemOf(repeated("''", kMillion)); }, "", kLarge},
+        {"a name", [&] { return problemOf("//" + repeated("\xC3\xB6", kMillion)); }, "", kLarge},
+        {"characters that are in no name", [&] { return problemOf(repeated("\xC3\x97", kMillion)); },
+         "0: This character belongs to no name, and stands in no literal", kLarge},
+        {"wrong at the end", [&] { return problemOf(repeated("/a[b = 'c']", kMillion / 10) + "/7"); },
+         std::to_string(kMillion / 10 * 11 + 1) + ": This is neither a step nor a literal nor a number", kLarge},
+    });
+    expectToHold({
+        {"a million levels",
+         [] {
+             const auto document = deep();
+             EXPECT_EQ(ask(*document, "//a[@k = 1]").size(), static_cast<std::size_t>(kMillion));
+             const auto part = detach(*document->getRoot());
+             EXPECT_EQ(ask(*part, "//z").size(), 1u);
+             EXPECT_EQ(ask(*ask(*part, "//z").first(), "ancestor::a").size(), static_cast<std::size_t>(kMillion));
+         },
+         kLarge},
+        {"a million children",
+         [] {
+             const auto document = wide();
+             EXPECT_EQ(ask(*document, "/r/a[@k = 7]").size(), static_cast<std::size_t>(kMillion / 1000));
+         },
+         kLarge},
+    });
+}
+
 TEST(HostileEasyTest, LongValues) {
     expectToHold({
         {"digits",

@@ -1,6 +1,7 @@
 // The short ways while memory runs out.
 #include "memory/Failing.h"
 #include "memory/Usable.h"
+#include "support/QueriesFromHeap.h"
 #include "support/Trees.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Comment.h"
@@ -111,6 +112,42 @@ TEST(EasyMemoryTest, LooksThatFailLeaveNothing) {
         };
         forEachFailingAllocation(scenario);
         forEachShortage(scenario);
+    }
+}
+
+TEST(EasyMemoryTest, AQuestionThatFailsLeavesTheTree) {
+    const struct {
+        const char* path;
+        std::size_t results;
+    } kCases[] = {
+        {"//bed[@name = 'the first one of all the beds' ] / bed/note", 1},
+        {"/garden//note[em = \"early, but not too early\"]/text()", 2},
+        {"//bed[bed[note]][ position() = 1 ]/@name", 1},
+        {"'a literal with ''quotes'' of its own, and not a short one'", 1},
+        {"//note[. = 'a literal that is not closed]", 0},
+        {"//note[ 1 = 1 ]", 0},
+        {"//a-name-of-something-that-is-not-there[*wrong]", 0},
+    };
+    for (const bool isInDocument : {true, false}) {
+        for (const auto& c : kCases) {
+            SCOPED_TRACE(c.path);
+            const auto scenario = [&](Attempt& attempt) {
+                const auto document = garden();
+                const std::unique_ptr<Element> part = isInDocument ? nullptr : detach(*document->getRoot());
+                const Object& from = isInDocument ? static_cast<const Object&>(*document) : *part;
+                const std::string was = dump(&from);
+                Selection<const Object> found;
+                if (attempt([&] { found = ask(from, c.path); })) {
+                    EXPECT_EQ(found.count(), c.results);
+                    EXPECT_EQ(found.problem().has_value(), c.results == 0);
+                }
+                EXPECT_EQ(dump(&from), was);
+                EXPECT_TRUE(part == nullptr || part->getParent() == nullptr);
+            };
+            forEachFailingAllocation(scenario);
+            const QueriesFromHeap fromHeap;
+            forEachFailingAllocation(scenario);
+        }
     }
 }
 

@@ -17,6 +17,8 @@ const std::string kText =
     "holds</p:a>"
     "<a k='2'>x<b/><![CDATA[<]]></a><!--c--><?t c?></r>";
 
+const std::string kShown = "text & more than a short string holds";
+
 // All that a look by short ways gives.
 std::string looksOf(const Document& document) {
     std::string looks = Xml::textOf(document);
@@ -41,6 +43,9 @@ TEST(EasyThreadsTest, OneTreeIsLookedAtByAll) {
         inThreads([&](int number) {
             const auto index = static_cast<std::size_t>(number);
             looks[index] = looksOf(document);
+            failures[index] += ask(document, "//a[@d = 7]").size() != 1;
+            failures[index] += ask(document, "//p:*[. = '" + kShown + "']").text(0) != kShown;
+            failures[index] += !ask(document, "//a[1]").problem();
             failures[index] += !sameTree(document, *copyOf(document));
             failures[index] += !firstDifference(*document.getRoot(), *copyOf(*document.getRoot())).empty();
         });
