@@ -81,7 +81,7 @@ TEST_F(DiagnosticsTest, ComeWholeAndWithoutTheByteInFront) {
     Message("%s %d", "formatted", 7);
     Message("%s", "");
     Message("%s", std::string(256, 'x').c_str());
-    Message(std::string());
+    Message(std::string{});
     EXPECT_EQ(heard, (std::vector<std::string>{std::string("zero \0 inside", 13), "formatted 7", "",
                                                std::string(256, 'x'), ""}));
 }

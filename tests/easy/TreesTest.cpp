@@ -94,6 +94,11 @@ TEST(TreesTest, NodesThatNobodyOwnsStayWhereTheyAre) {
     EXPECT_EQ(replace(*result.get(), std::make_unique<Element>("s")), nullptr);
     EXPECT_EQ(replace(*result->getRoot()->getAttribute("k"), std::make_unique<Element>("s")), nullptr);
     EXPECT_EQ(dump(result.get()), "r[k=v]");
+    append(root, "a");
+    EXPECT_EQ(replace(*root.getChild(0), std::make_unique<Attribute>("k", "v")), nullptr);
+    EXPECT_EQ(replace(*root.getChild(0), std::make_unique<Dtd>("d")), nullptr);
+    EXPECT_EQ(replace(*root.getChild(0), makeDocument("d")), nullptr);
+    EXPECT_EQ(dump(&root), "r(a)");
 }
 
 TEST(TreesTest, ChangesAreThoseOfAListAtRandom) {

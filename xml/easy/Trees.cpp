@@ -51,6 +51,7 @@ Element& append(Element& to, std::string_view name, std::string_view text) {
 }
 
 std::unique_ptr<Object> replace(Object& old, std::unique_ptr<Object> with) {
+    if (with->isAttribute() || with->isDocument() || with->isDtd()) return nullptr;
     std::unique_ptr<Object> taken;
     if (Document* const document = documentOfRoot(old)) {
         Element* const root = asElement(*with);

@@ -72,8 +72,9 @@ std::unique_ptr<Node> detach(Node& node) {
 template <class Node, internal::IfNoChild<Node> = 0>
 std::unique_ptr<Node> detach(Node& notAChild) = delete;
 
-// Puts a node in the place of another one, which it gives back. The root of a document gives way to an element only.
-// Where nothing was replaced it gives null, and the node that was to come in is deleted.
+// Puts a node in the place of another one, which it gives back. An attribute, a document or a document type takes no
+// place, and the root of a document gives way to an element only. Where nothing was replaced it gives null, and the
+// node that was to come in is deleted.
 ORVXML_API std::unique_ptr<Object> replace(Object& old, std::unique_ptr<Object> with);
 
 // A copy of a node with all that is below it. That of a document links to its own Dtd, any other to none. Null where
