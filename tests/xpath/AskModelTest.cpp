@@ -150,8 +150,7 @@ TEST(AskModelTest, FindsAndRefusesWhatXPathDoes) {
                 continue;
             }
             const bool isStrict = Naive(path).isRefused();
-            ASSERT_EQ(selection.problem().has_value(), isStrict)
-                << (isStrict ? "" : selection.problem()->toString());
+            ASSERT_EQ(selection.problem().has_value(), isStrict) << (isStrict ? "" : selection.problem()->toString());
             if (isStrict) {
                 ++strict;
                 continue;
