@@ -1,6 +1,6 @@
 #pragma once
 
-// XML 1.0 as others write it: reading it, and the nodes of its trees.
+// XML 1.0 as others write it: reading and writing it, and the nodes of its trees.
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CDataSection.h"
 #include "xml/dom/CharData.h"
@@ -18,3 +18,6 @@
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/ReadResult.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/Write.h"
+#include "xml/standard/WriteOptions.h"
+#include "xml/standard/WriteResult.h"

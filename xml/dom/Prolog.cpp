@@ -27,6 +27,7 @@ Prolog::Prolog(const Prolog& other)
       hasDeclaration(other.hasDeclaration),
       hasMark(other.hasMark),
       newline(other.newline),
+      readAs(other.readAs),
       doctype(other.doctype),
       publicId(other.publicId),
       systemId(other.systemId),

@@ -26,6 +26,7 @@ struct ORVXML_API Prolog {
     bool hasDeclaration = false;     // an XML declaration
     bool hasMark = false;            // a byte order mark
     std::string newline = "\n";      // the first line end
+    std::string readAs;              // the encoding that it was read in, with its order of bytes: UTF-16LE
 
     // Of the document type declaration, names and text as written; empty without.
     std::string doctype, publicId, systemId, internalSubset;

@@ -49,6 +49,8 @@ protected:
     AttDef(const AttDef&) = default;
 
 private:
+    friend struct DtdAccess;
+
     AttType rule;
     DataHolder defaultValue;
 };

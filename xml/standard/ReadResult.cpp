@@ -1,6 +1,7 @@
 #include "xml/standard/ReadResult.h"
 
 #include "xml/dom/Document.h"
+#include "xml/standard/internal/OptionProblems.h"
 #include <utility>
 
 namespace Xml {
@@ -17,13 +18,6 @@ ReadResult::~ReadResult() = default;
 
 std::unique_ptr<Document> ReadResult::take() { return std::move(document); }
 
-std::string ReadResult::message() const {
-    std::string result;
-    for (const Problem& problem : all) {
-        if (!result.empty()) result += '\n';
-        result += problem.toString();
-    }
-    return result;
-}
+std::string ReadResult::message() const { return messageOf(all); }
 
 }  // namespace Xml

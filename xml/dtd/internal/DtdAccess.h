@@ -28,6 +28,14 @@ struct DtdAccess {
         return declaration != nullptr ? declaration->second.get() : nullptr;
     }
 
+    // All that is declared, in the byte order of names.
+    static const std::string& name(const Dtd& dtd) { return dtd.name; }
+    static const auto& elements(const Dtd& dtd) { return dtd.elements; }
+    static const auto& attributeLists(const Dtd& dtd) { return dtd.attributeLists; }
+    static const auto& entities(const Dtd& dtd) { return dtd.entities; }
+
+    static AttType rule(const AttDef& definition) { return definition.rule; }
+
     // The list with the element's attributes; null while none is defined.
     using AttributeList = Dtd::AttributeList;
     static AttributeList* findList(Dtd& dtd, const std::string& element) {

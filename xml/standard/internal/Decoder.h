@@ -62,6 +62,9 @@ public:
     bool isSettled() const { return stage == Stage::Content; }
     bool isUtf8() const { return encoding == Encoding::Utf8; }
 
+    // The name of the encoding that the source is in, with its order of bytes.
+    std::string encodingName() const { return encoding == Encoding::Other ? foreignName : nameOf(encoding); }
+
     // For a source that is settled, in UTF-8, and in memory from its first byte to its last: checks what has not been
     // decoded, and returns all that is text, where it stands. It takes the place of what is left of decode() and
     // finish().

@@ -1,7 +1,7 @@
 #include "xml/standard/internal/EntityValues.h"
 
+#include "xml/standard/internal/References.h"
 #include "xml/standard/internal/Syntax.h"
-#include "xml/text/internal/StandardNames.h"
 #include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <cstddef>
@@ -11,35 +11,6 @@
 namespace Xml {
 
 namespace {
-
-// What stands for a character: "&#65;" or "&#x41;". 0 for anything else that begins with "&#".
-char32_t characterOf(std::string_view reference) {
-    const bool isHexadecimal = reference.substr(2, 1) == "x";
-    reference.remove_prefix(isHexadecimal ? 3 : 2);
-    char32_t code = 0;
-    for (const char c : reference.substr(0, reference.size() - 1)) {
-        char32_t digit = 0;
-        if (c >= '0' && c <= '9') {
-            digit = static_cast<char32_t>(c - '0');
-        } else if (isHexadecimal && (c | 0x20) >= 'a' && (c | 0x20) <= 'f') {
-            digit = static_cast<char32_t>((c | 0x20) - 'a' + 10);
-        } else {
-            return 0;
-        }
-        code = code * (isHexadecimal ? 16 : 10) + digit;
-        if (code > 0x10FFFF) return 0;
-    }
-    return StandardNames::isChar(code) ? code : 0;
-}
-
-// The reference that the text begins with, whatever it refers to; its '&' alone where it is none.
-std::string_view referenceIn(std::string_view text) {
-    const char* const end = text.data() + text.size();
-    const char* const name = text.data() + (text.substr(1, 1) == "#" ? 2 : 1);
-    const char* const to = StandardNames::nmtokenEnd(name, end);
-    const bool isWhole = to != name && to != end && *to == ';';
-    return text.substr(0, isWhole ? static_cast<std::size_t>(to + 1 - text.data()) : 1);
-}
 
 // Makes the texts, with a stack of its own: entities may refer to each other as deep as there are some.
 class EntityTexts {
@@ -96,7 +67,7 @@ private:
 
     // One to a text that has to be made first is looked at again then.
     void takeReference(Open& here) {
-        const std::string_view reference = referenceIn(here.rest);
+        const std::string_view reference = References::first(here.rest);
         if (!takeCharacter(here.value->text, reference)) {
             const auto entity = declared.find(nameIn(reference));
             const bool isDeclared = entity != declared.end();
@@ -114,7 +85,7 @@ private:
     static bool takeCharacter(std::string& text, std::string_view reference) {
         const bool isNumber = reference.substr(1, 1) == "#";
         const auto byte = static_cast<unsigned char>(Syntax::predefined(nameIn(reference)));
-        const char32_t character = isNumber ? characterOf(reference) : byte;
+        const char32_t character = isNumber ? References::characterOf(reference) : byte;
         if (character != 0) Utf8::append(text, character);
         return character != 0;
     }

@@ -26,6 +26,15 @@ std::vector<Problem> unsupported(const ReadOptions& options, const std::string& 
     return problems;
 }
 
+std::string messageOf(const std::vector<Problem>& problems) {
+    std::string result;
+    for (const Problem& problem : problems) {
+        if (!result.empty()) result += '\n';
+        result += problem.toString();
+    }
+    return result;
+}
+
 Problem tooLong(const ReadOptions& options, const std::string& source) {
     return problemOf(source, Problem::Kind::Limit,
                      "the source has more than " + std::to_string(options.maxBytes) + " bytes",

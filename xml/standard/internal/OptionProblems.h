@@ -13,6 +13,9 @@ Problem problemOf(const std::string& source, Problem::Kind kind, const std::stri
 // A problem for each option that is asked for and that nothing serves; as many as the options allow, and the first.
 std::vector<Problem> unsupported(const ReadOptions& options, const std::string& source);
 
+// Every problem's toString, a line each.
+std::string messageOf(const std::vector<Problem>& problems);
+
 // The source has more bytes than the options allow.
 Problem tooLong(const ReadOptions& options, const std::string& source);
 

@@ -36,6 +36,7 @@ const Prolog& StreamEvents::prolog() {
     if (lexer.window().data() == nullptr) return itsProlog;  // nothing was read
     PrologParts::takeDeclaration(itsProlog, lexer);
     itsProlog.hasMark = windows->decoder().hasMark();
+    itsProlog.readAs = windows->decoder().encodingName();
     itsProlog.newline = windows->newline();
     return itsProlog;
 }

@@ -96,6 +96,7 @@ std::unique_ptr<Document> TreeReader::finish() {
     if (prolog->doctype.empty()) prolog->beforeRoot.swap(prolog->beforeDoctype);
     PrologParts::takeDeclaration(*prolog, lexer);
     prolog->hasMark = source.decoder().hasMark();
+    prolog->readAs = source.decoder().encodingName();
     FirstLineEnd lineEnd;
     lineEnd.look(source.text());
     prolog->newline = lineEnd.text();

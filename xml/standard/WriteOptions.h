@@ -1,0 +1,27 @@
+#pragma once
+
+#include "xml/Export.h"
+#include <string>
+
+namespace Xml {
+
+class Document;
+
+struct WriteOptions {
+    std::string indent =
+        "\t";  // blanks and tabs: lines begin with so many of them as elements are open, up to 64, inside
+        // elements without text; nothing is added within text, or where xml:space preserves white space. Empty: nothing
+        // is added at all
+    std::string newline = "\n";      // each line end: LF, CR LF or CR
+    std::string encoding = "UTF-8";  // empty: UTF-8 too, and the declaration does not name it
+    bool declaration = true;         // of a document
+    bool doctype = true;             // of a document
+    bool mark = false;               // a byte order mark; UTF-16 and UTF-32 by these names always have one
+    bool shortEmptyTags = true;      // <a/>
+    bool defaults = false;           // also attributes that isDefault, where their document type is written too
+};
+
+// How the document was read: without indentation, and declaration, encoding, mark and line ends as they were.
+ORVXML_API WriteOptions asRead(const Document& document);
+
+}  // namespace Xml

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "xml/Export.h"
+#include "xml/standard/Problem.h"
+#include <string>
+#include <vector>
+
+namespace Xml {
+
+// Whether something was written, whole; else why nothing was.
+class [[nodiscard, gnu::visibility("default")]] WriteResult {
+public:
+    explicit WriteResult(std::string written);
+    explicit WriteResult(Problem found);
+
+    explicit operator bool() const { return all.empty(); }
+
+    // What writeText wrote; empty of others, and after a problem.
+    const std::string& text() const& { return bytes; }
+    std::string text()&& { return std::move(bytes); }
+
+    const std::vector<Problem>& problems() const { return all; }
+
+    // Every problem's toString, a line each; never empty when false.
+    std::string message() const;
+
+private:
+    std::string bytes;
+    std::vector<Problem> all;
+};
+
+}  // namespace Xml

@@ -1,0 +1,132 @@
+#include "xml/standard/internal/DtdText.h"
+
+#include "xml/dtd/ContentSpec.h"
+#include "xml/dtd/internal/DtdAccess.h"
+#include "xml/standard/internal/Syntax.h"
+#include "xml/stream/FileOutStream.h"
+#include "xml/text/internal/Escape.h"
+#include <sstream>
+#include <string_view>
+
+namespace Xml {
+
+namespace {
+
+// What a model or a type writes of itself.
+template <class Write>
+std::string written(Write write) {
+    std::ostringstream text;
+    FileOutStream out(&text);
+    write(out);
+    return text.str();
+}
+
+// Each character that means something there is a reference to it.
+std::string literalWithout(std::string_view special, std::string_view text) {
+    std::string result = "\"";
+    for (const char c : text) {
+        if (special.find(c) != std::string_view::npos) {
+            result += "&#" + std::to_string(static_cast<int>(c)) + ";";
+        } else {
+            result += c;
+        }
+    }
+    return result + '"';
+}
+
+// References to characters are resolved when the declaration is read, those by name when the entity is.
+std::string entityLiteral(std::string_view replacement) { return literalWithout("%&\"\r", replacement); }
+
+std::string attributeLiteral(std::string_view value) { return literalWithout("<&\"\t\n\r", value); }
+
+std::string identifier(std::string_view text) {
+    const char quote = text.find('"') == std::string_view::npos ? '"' : '\'';
+    return quote + std::string(text) + quote;
+}
+
+std::string externalId(const std::string& publicId, const std::string& systemId) {
+    if (publicId.empty()) return " SYSTEM " + identifier(systemId);
+    return " PUBLIC " + identifier(publicId) + ' ' + identifier(systemId);
+}
+
+std::string definitionOf(const EntityDecl& declaration) {
+    if (declaration.kind == EntityDecl::Kind::Internal) return ' ' + entityLiteral(declaration.text);
+    const std::string id = externalId(declaration.publicId, declaration.systemId);
+    return declaration.kind == EntityDecl::Kind::Unparsed ? id + " NDATA " + declaration.notation : id;
+}
+
+// One with a value alone: the value is text, not markup. Where it is what XML takes the name for anyway, XML says how
+// that is declared.
+std::string definitionOf(const std::string& name, const std::string& value) {
+    if (const char c = Syntax::predefined(name); c != 0 && value == std::string(1, c)) {
+        return ' ' + entityLiteral("&#" + std::to_string(static_cast<int>(c)) + ";");
+    }
+    std::string replacement;
+    for (const char c : value) {
+        const bool isMarkup = c == '&' || c == '<' || c == '>';
+        if (c == '\r') {
+            replacement += "&#13;";
+        } else if (isMarkup) {
+            replacement += referenceFor(c);
+        } else {
+            replacement += c;
+        }
+    }
+    return ' ' + entityLiteral(replacement);
+}
+
+void addEntities(std::string& text, const Dtd& dtd) {
+    for (const auto& [name, declaration] : dtd.getParameterEntityDecls())
+        text += "<!ENTITY % " + name + definitionOf(declaration) + ">\n";
+    const auto& declarations = dtd.getEntityDecls();
+    for (const auto& [name, value] : DtdAccess::entities(dtd)) {
+        if (declarations.find(name) == declarations.end())
+            text += "<!ENTITY " + name + definitionOf(name, value) + ">\n";
+    }
+    for (const auto& [name, declaration] : declarations) text += "<!ENTITY " + name + definitionOf(declaration) + ">\n";
+}
+
+std::string ruleOf(const AttDef& definition) {
+    switch (DtdAccess::rule(definition)) {
+    case REQUIRED: return "#REQUIRED";
+    case IMPLIED: return "#IMPLIED";
+    case FIXED: return "#FIXED " + attributeLiteral(definition.getDefault());
+    case DEFAULT: break;
+    }
+    return attributeLiteral(definition.getDefault());
+}
+
+void addElements(std::string& text, const Dtd& dtd) {
+    for (const auto& [name, model] : DtdAccess::elements(dtd)) {
+        text += "<!ELEMENT " + name + ' ' + written([&](OutStream& out) { model->toStream(out); }) + ">\n";
+    }
+    for (const auto& [element, list] : DtdAccess::attributeLists(dtd)) {
+        if (list.definitions.empty()) continue;
+        text += "<!ATTLIST " + element;
+        for (const auto& [attribute, definition] : list.definitions) {
+            text += "\n\t" + attribute + ' ' + written([&](OutStream& out) { definition->typeToStream(out); }) + ' ' +
+                    ruleOf(*definition);
+        }
+        text += ">\n";
+    }
+}
+
+}  // namespace
+
+std::string declarationsOf(const Dtd& dtd) {
+    std::string text;
+    for (const auto& [name, declaration] : dtd.getNotationDecls()) {
+        text += "<!NOTATION " + name;
+        if (declaration.systemId.empty() && !declaration.publicId.empty()) {
+            text += " PUBLIC " + identifier(declaration.publicId);
+        } else {
+            text += externalId(declaration.publicId, declaration.systemId);
+        }
+        text += ">\n";
+    }
+    addEntities(text, dtd);
+    addElements(text, dtd);
+    return text;
+}
+
+}  // namespace Xml

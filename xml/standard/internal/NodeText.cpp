@@ -1,0 +1,105 @@
+#include "xml/standard/internal/NodeText.h"
+
+#include "xml/dom/Document.h"
+#include "xml/dom/NodeKind.h"
+#include "xml/dom/Prolog.h"
+#include "xml/dtd/Dtd.h"
+#include "xml/standard/internal/NodePath.h"
+#include "xml/standard/internal/OptionProblems.h"
+#include "xml/standard/internal/OutputForm.h"
+#include "xml/standard/internal/PrologWriter.h"
+#include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/TreeWriter.h"
+#include <memory>
+#include <vector>
+
+namespace Xml {
+
+namespace {
+
+using Nodes = std::vector<std::unique_ptr<Object>>;
+
+class NodeText {
+public:
+    NodeText(Markup& itsMarkup, const WriteOptions& itsOptions, bool itsMark)
+        : markup(itsMarkup), options(itsOptions), hasMark(itsMark) {}
+
+    bool write(const Object& node, Problem& problem) {
+        if (writeNode(node)) return true;
+        const WriteFault& fault = markup.fault();
+        problem = problemOf({}, fault.kind, fault.text, fault.rule);
+        if (failed != nullptr) problem.path = pathOf(*failed);
+        return false;
+    }
+
+private:
+    bool writeNode(const Object& node) {
+        if (hasMark) markup.buffer().put("\xEF\xBB\xBF");
+        switch (kindOf(node)) {
+        case NodeKind::Document: return writeDocument(static_cast<const Document&>(node));
+        case NodeKind::Dtd: return PrologWriter::putDeclarations(markup, static_cast<const Dtd&>(node));
+        default: return writeTree(node, true);
+        }
+    }
+
+    bool writeDocument(const Document& document) {
+        const Prolog& prolog = prologOf(document);
+        const Dtd* const dtd = document.getDtd();
+        const Element* const root = document.getRoot();
+        if (root == nullptr) return markup.fail("the document has no root", StandardRules::kDocument);
+        if (options.declaration) PrologWriter::putDeclaration(markup, options, &prolog);
+        if (!writeAround(prolog.beforeDoctype)) return false;
+        const bool hasDoctype = options.doctype && (!prolog.doctype.empty() || dtd != nullptr);
+        if (hasDoctype) {
+            const bool isPut = prolog.doctype.empty() ? PrologWriter::putDoctype(markup, *dtd)
+                                                      : PrologWriter::putDoctype(markup, prolog);
+            if (!isPut) return false;
+        }
+        if (!writeAround(prolog.beforeRoot)) return false;
+        if (!writeTree(*root, options.defaults || !hasDoctype)) return false;
+        markup.buffer().put(markup.lineEnd());
+        return writeAround(prolog.afterRoot);
+    }
+
+    bool writeAround(const Nodes& nodes) {
+        for (const auto& node : nodes) {
+            const NodeKind kind = kindOf(*node);
+            if (kind != NodeKind::Comment && kind != NodeKind::Instruction)
+                return markup.fail("around the root stands what is neither a comment nor an instruction",
+                                   StandardRules::kProlog);
+            if (!writeTree(*node, true)) return false;
+            markup.buffer().put(markup.lineEnd());
+        }
+        return true;
+    }
+
+    bool writeTree(const Object& node, bool hasDefaults) {
+        TreeWriter tree(markup, {options.indent, options.shortEmptyTags, hasDefaults});
+        if (tree.write(node)) return true;
+        failed = tree.failure();
+        return false;
+    }
+
+    Markup& markup;
+    const WriteOptions& options;
+    const bool hasMark;
+    const Object* failed = nullptr;
+};
+
+}  // namespace
+
+bool makeText(const Object& node, const WriteOptions& options, std::string& to, Problem& problem) {
+    OutputForm form;
+    if (!form.set(options, problem)) return false;
+    EncodedText sink(to, form.encoder.get());
+    WriteBuffer out(sink);
+    Markup markup(out, form.encoder.get(), form.name, options.newline);
+    if (!NodeText(markup, options, form.hasMark).write(node, problem)) return false;
+    out.flush();
+    if (sink.finish()) return true;
+    problem = problemOf({}, Problem::Kind::Unwritable, "some characters turn out to have no form in " + form.name,
+                        StandardRules::kCharacterEncodingInEntities);
+    return false;
+}
+
+}  // namespace Xml

@@ -1,0 +1,266 @@
+#include "xml/standard/internal/TreeWriter.h"
+
+#include "xml/dom/NodeKind.h"
+#include "xml/standard/internal/Rules.h"
+#include <algorithm>
+
+namespace Xml {
+
+namespace {
+
+using PlainRuns::Kind;
+
+// Lines begin no deeper than that, so that what is written stays in proportion to the tree.
+constexpr std::size_t kDeepest = 64;
+
+std::string startsOf(const Markup& markup, const std::string& indent) {
+    std::string starts(markup.lineEnd());
+    for (std::size_t i = 0; i < kDeepest; ++i) starts += indent;
+    return starts;
+}
+
+}  // namespace
+
+TreeWriter::TreeWriter(Markup& itsMarkup, const Layout& itsLayout)
+    : markup(itsMarkup),
+      out(itsMarkup.buffer()),
+      layout(itsLayout),
+      isPlainKept(itsMarkup.hasAscii()),
+      starts(startsOf(itsMarkup, itsLayout.indent)) {}
+
+bool TreeWriter::fail(const Object& node) {
+    failed = &node;
+    return false;
+}
+
+bool TreeWriter::checkNewName(const std::string& name, const Object& node, const char* of) {
+    if (!markup.checkName(name, of)) return fail(node);
+    rightNames.add(name);
+    return true;
+}
+
+bool TreeWriter::write(const Object& node) {
+    if (kindOf(node) != NodeKind::Element) return writeLeaf(node);
+    const auto& element = static_cast<const Element&>(node);
+    return enter(element, !layout.indent.empty()) && writeContent();
+}
+
+// What is below the elements that are open.
+bool TreeWriter::writeContent() {
+    while (!walk.atEnd()) {
+        const bool isIndented = walk.note().isIndented;
+        const Object* const child = walk.next();
+        if (child == nullptr) {
+            const Element& element = walk.here();
+            walk.leave();
+            --level;
+            if (!end(element, isIndented)) return false;
+            continue;
+        }
+        if (isIndented) out.put(lineStart(level));
+        if (exactClassOf(*child) == NodeClass::Element) {
+            if (!enter(static_cast<const Element&>(*child), isIndented)) return false;
+        } else if (!writeOther(*child)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool TreeWriter::writeOther(const Object& node) {
+    if (exactClassOf(node) == NodeClass::CharData) return writeText(static_cast<const CharData&>(node));
+    if (kindOf(node) != NodeKind::Element) return writeLeaf(node);
+    return enter(static_cast<const Element&>(node), walk.note().isIndented);
+}
+
+std::string_view TreeWriter::lineStart(std::size_t depth) const {
+    const std::size_t size = markup.lineEnd().size() + std::min(depth, kDeepest) * layout.indent.size();
+    return std::string_view(starts).substr(0, size);
+}
+
+// --- Elements ---
+
+// An element, up to where a walk through its children is due. Most have one text, or nothing, and are complete.
+bool TreeWriter::enter(const Element& element, bool isIndented) {
+    const std::string& name = NodeAccess::name(element);
+    if (!checkName(name, element, "an element")) return false;
+    char* at = out.room(0);
+    if (name.size() + 8 > WriteBuffer::kRoom) {
+        out.put("<");
+        out.put(name);
+        at = out.room(0);
+    } else {
+        at = out.more(at, name.size() + 1);
+        *at++ = '<';
+        at = ShortRuns::copy(at, name);
+    }
+    if (!NodeAccess::attributes(element).empty()) {
+        at = putAttributes(at, element);
+        if (at == nullptr) return false;
+    }
+    const NodeSpan children = NodeAccess::children(element);
+    at = out.more(at, 2);
+    if (children.empty() && layout.shortEmptyTags) {
+        *at++ = '/';
+        *at++ = '>';
+        out.tookTo(at);
+        return true;
+    }
+    *at++ = '>';
+    out.tookTo(at);
+    if (children.empty()) return end(element, false);
+    if (children.size() == 1 && exactClassOf(*children[0]) == NodeClass::CharData)
+        return writeText(static_cast<const CharData&>(*children[0])) && end(element, false);
+    walk.enter(element, {isIndented && mayIndent(element, isIndented)});
+    ++level;
+    return true;
+}
+
+bool TreeWriter::end(const Element& element, bool isIndented) {
+    const std::string& name = NodeAccess::name(element);
+    const std::string_view start = isIndented ? lineStart(level) : std::string_view();
+    const std::size_t size = start.size() + name.size() + 3;
+    if (size > WriteBuffer::kRoom) {
+        out.put(start);
+        out.put("</");
+        out.put(name);
+        out.put(">");
+        return true;
+    }
+    char* at = ShortRuns::copy(out.room(size), start);
+    *at++ = '<';
+    *at++ = '/';
+    at = ShortRuns::copy(at, name);
+    *at++ = '>';
+    out.tookTo(at);
+    return true;
+}
+
+// Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space.
+bool TreeWriter::mayIndent(const Element& element, bool isIndented) const {
+    constexpr std::string_view kSpace = "xml:space";
+    for (const Attribute* const attribute : NodeAccess::attributes(element)) {
+        if (NodeAccess::name(*attribute) != kSpace) continue;
+        if (NodeAccess::text(*attribute) == "preserve") return false;
+    }
+    return isIndented && !hasText(element);
+}
+
+bool TreeWriter::hasText(const Element& element) {
+    for (const Object* const child : NodeAccess::children(element)) {
+        const NodeClass exactly = exactClassOf(*child);
+        if (exactly == NodeClass::Element) continue;
+        if (isCharData(*child) && !NodeAccess::text(static_cast<const CharData&>(*child)).empty()) return true;
+    }
+    return false;
+}
+
+// --- Attributes ---
+
+// Null where one cannot be written.
+char* TreeWriter::putAttributes(char* at, const Element& element) {
+    const AttributeSpan attributes = NodeAccess::attributes(element);
+    if (attributes.size() == 1 || inOrderOfTag(attributes)) {
+        for (const Attribute* const attribute : attributes) {
+            at = putAttribute(at, *attribute);
+            if (at == nullptr) return nullptr;
+        }
+        return at;
+    }
+    for (const Attribute* const attribute : tag) {
+        at = putAttribute(at, *attribute);
+        if (at == nullptr) return nullptr;
+    }
+    return at;
+}
+
+// Whether they are in the order of the tag as they are; else `tag` has them in that order. Those that were read have
+// numbers from 0 on.
+bool TreeWriter::inOrderOfTag(AttributeSpan attributes) {
+    const auto isBefore = [](const Attribute* a, const Attribute* b) {
+        return NodeAccess::order(*a) < NodeAccess::order(*b);
+    };
+    if (std::is_sorted(attributes.begin(), attributes.end(), isBefore)) return true;
+    tag.assign(attributes.size(), nullptr);
+    for (const Attribute* const attribute : attributes) {
+        const std::uint64_t order = NodeAccess::order(*attribute);
+        if (order >= tag.size() || tag[order] != nullptr) {
+            tag.assign(attributes.begin(), attributes.end());
+            std::stable_sort(tag.begin(), tag.end(), isBefore);
+            break;
+        }
+        tag[order] = attribute;
+    }
+    return false;
+}
+
+char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
+    if (!layout.defaults && NodeAccess::isSupplied(attribute)) return at;
+    const std::string& name = NodeAccess::name(attribute);
+    if (!checkName(name, attribute, "an attribute")) return nullptr;
+    const std::string_view value = NodeAccess::text(attribute);
+    constexpr std::size_t kMarks = std::string_view(" =\"\"").size();
+    if (const std::size_t size = name.size() + value.size() + kMarks; isPlainKept && size <= WriteBuffer::kRoom) {
+        at = out.more(at, size);
+        char* to = at;
+        *to++ = ' ';
+        to = ShortRuns::copy(to, name);
+        *to++ = '=';
+        *to++ = '"';
+        to = PlainRuns::copy<Kind::Value>(to, value);
+        if (to != nullptr) {
+            *to++ = '"';
+            return to;
+        }
+    }
+    return putAttributeSlowly(at, attribute);
+}
+
+char* TreeWriter::putAttributeSlowly(char* at, const Attribute& attribute) {
+    out.tookTo(at);
+    out.put(" ");
+    out.put(NodeAccess::name(attribute));
+    out.put("=\"");
+    if (!markup.putValue(NodeAccess::name(attribute), NodeAccess::text(attribute))) {
+        fail(attribute);
+        return nullptr;
+    }
+    out.put("\"");
+    return out.room(0);
+}
+
+// --- Leaves ---
+
+bool TreeWriter::writeText(const CharData& text) {
+    const std::string_view held = NodeAccess::text(text);
+    if (isPlainKept && held.size() <= WriteBuffer::kRoom) {
+        char* const at = out.room(held.size());
+        char* const end =
+            markup.keepsLineFeeds() ? PlainRuns::copy<Kind::Text>(at, held) : PlainRuns::copy<Kind::Lines>(at, held);
+        if (end != nullptr) {
+            out.tookTo(end);
+            return true;
+        }
+    }
+    return markup.putHeld(held, NodeAccess::dtd(text)) || fail(text);
+}
+
+bool TreeWriter::writeLeaf(const Object& node) {
+    switch (kindOf(node)) {
+    case NodeKind::Text: return writeText(static_cast<const CharData&>(node));
+    case NodeKind::CData: {
+        const auto& section = static_cast<const CDataSection&>(node);
+        return markup.putHeldSection(NodeAccess::text(section), NodeAccess::dtd(section)) || fail(node);
+    }
+    case NodeKind::Comment: return markup.putComment(NodeAccess::text(static_cast<const Comment&>(node))) || fail(node);
+    case NodeKind::Instruction: {
+        const auto& instruction = static_cast<const Instruction&>(node);
+        return markup.putInstruction(instruction.getTarget(), NodeAccess::text(instruction)) || fail(node);
+    }
+    default: break;
+    }
+    markup.fail("a node of a kind that is no content of an element", StandardRules::kContent);
+    return fail(node);
+}
+
+}  // namespace Xml

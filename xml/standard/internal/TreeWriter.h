@@ -1,0 +1,75 @@
+#pragma once
+
+#include "xml/dom/internal/Preorder.h"
+#include "xml/standard/internal/FoundRight.h"
+#include "xml/standard/internal/Markup.h"
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Xml {
+
+class Attribute;
+class CharData;
+class Element;
+class Object;
+
+// Writes a node with all below it. Nothing recurses with the depth.
+class TreeWriter {
+public:
+    struct Layout {
+        std::string indent;  // inside elements without text; empty: nothing is added
+        bool shortEmptyTags = true;
+        bool defaults = false;  // also attributes that the document type supplies
+    };
+
+    TreeWriter(Markup& itsMarkup, const Layout& itsLayout);
+
+    // An element, or anything that may stand in one. False where something in it cannot be written: failure() is the
+    // node with it then, and the fault that of the markup.
+    bool write(const Object& node);
+    const Object* failure() const { return failed; }
+
+private:
+    // What is added to the content of an element.
+    struct Note {
+        bool isIndented;
+    };
+
+    bool begin(const Element& element, bool isIndented);
+    bool enter(const Element& element, bool isIndented);
+    bool end(const Element& element, bool isIndented);
+    bool writeContent();
+    bool writeLeaf(const Object& node);
+    bool writeOther(const Object& node);
+    bool writeText(const CharData& text);
+
+    char* putAttributes(char* at, const Element& element);
+    char* putAttribute(char* at, const Attribute& attribute);
+    char* putAttributeSlowly(char* at, const Attribute& attribute);
+    bool inOrderOfTag(AttributeSpan attributes);
+
+    bool checkName(const std::string& name, const Object& node, const char* of) {
+        return rightNames.has(name) || checkNewName(name, node, of);
+    }
+    bool checkNewName(const std::string& name, const Object& node, const char* of);
+    bool fail(const Object& node);
+
+    bool mayIndent(const Element& element, bool isIndented) const;
+    static bool hasText(const Element& element);
+    std::string_view lineStart(std::size_t depth) const;
+
+    Markup& markup;
+    WriteBuffer& out;
+    const Layout layout;
+    const bool isPlainKept;    // plain runs need no look at the encoding
+    const std::string starts;  // the beginning of a line, as deep as it gets
+    Preorder<const Element, Note> walk;
+    std::size_t level = 0;  // open elements
+    FoundRight rightNames;
+    std::vector<const Attribute*> tag;  // the attributes of one, in its order
+    const Object* failed = nullptr;
+};
+
+}  // namespace Xml
