@@ -27,6 +27,8 @@ ROWS = [
     Row("standard", "XML 1.0 (`readText`): parse from memory and destroy", 1.0, 1.5),
     Row("standard-all", "XML 1.0, all kept, with places: parse and destroy", 1.25, None),
     Row("standard-first", "XML 1.0 (`readText`): first parse in a fresh process", 1.1, None),
+    Row("standard-write", "XML 1.0 (`writeText`): write with indentation to memory", 0.85, 1.1),
+    Row("standard-write-raw", "XML 1.0 (`writeText`), as it was read: write to memory", 0.85, 1.1),
     Row("events", "XML 1.0 (`StreamReader`): each event looked at, against Expat", 0.15, 0.25, "expat"),
 ]
 

@@ -168,6 +168,20 @@ std::vector<Case> parseStandardAll(const std::vector<Document>& documents, const
     });
 }
 
+std::vector<Case> writeStandard(const std::vector<Document>& documents, const Plan&) {
+    return onStandard("standard-write", documents, [](const Document& document) {
+        Contenders contenders;
+        forEachStandard([&](auto library) { contenders.push_back(writer<decltype(library)>(document.text)); });
+        return contenders;
+    });
+}
+
+std::vector<Case> writeStandardRaw(const std::vector<Document>& documents, const Plan&) {
+    return onStandard("standard-write-raw", documents, [](const Document& document) {
+        return Contenders{writer<StandardRaw>(document.text), writer<PugiXmlRaw>(document.text)};
+    });
+}
+
 std::vector<Case> readEvents([[maybe_unused]] const std::vector<Document>& documents, const Plan&) {
 #ifdef ORVXML_BENCH_EXPAT
     return onStandard("events", documents, [](const Document& document) {
@@ -311,6 +325,8 @@ const std::map<std::string, Row> kRows = {
     {"growth", growth},
     {"standard", parseStandard},
     {"standard-all", parseStandardAll},
+    {"standard-write", writeStandard},
+    {"standard-write-raw", writeStandardRaw},
     {"events", readEvents},
 };
 

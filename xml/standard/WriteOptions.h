@@ -8,10 +8,10 @@ namespace Xml {
 class Document;
 
 struct WriteOptions {
-    std::string indent =
-        "\t";  // blanks and tabs: lines begin with so many of them as elements are open, up to 64, inside
-        // elements without text; nothing is added within text, or where xml:space preserves white space. Empty: nothing
-        // is added at all
+    // Blanks and tabs: lines begin with so many of them as elements are open, up to 64, beside the child elements of an
+    // element without text. Within text, or where xml:space preserves white space, nothing is added; empty: nothing at
+    // all.
+    std::string indent = "\t";
     std::string newline = "\n";      // each line end: LF, CR LF or CR
     std::string encoding = "UTF-8";  // empty: UTF-8 too, and the declaration does not name it
     bool declaration = true;         // of a document

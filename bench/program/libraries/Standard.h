@@ -19,6 +19,7 @@ struct Standard : OrvXml {
         return result.take();
     }
     static Tree parse(const std::string& text) { return parseAs(text, {}); }
+    static std::size_t write(const Tree& tree) { return Xml::writeText(*tree).text().size(); }
 };
 
 // Nothing is dropped, and every node knows its place.
@@ -28,6 +29,12 @@ struct StandardAll : Standard {
         options.keepPlaces = true;
         return parseAs(text, options);
     }
+};
+
+// Nothing is dropped, and nothing added.
+struct StandardRaw : Standard {
+    static Tree parse(const std::string& text) { return parseAs(text, Xml::everything()); }
+    static std::size_t write(const Tree& tree) { return Xml::writeText(*tree, Xml::asRead(*tree)).text().size(); }
 };
 
 // Event by event.

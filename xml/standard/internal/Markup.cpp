@@ -17,6 +17,7 @@ namespace Xml {
 
 namespace {
 
+using PlainRuns::Beyond;
 using PlainRuns::Kind;
 
 std::string_view viewOf(const char* from, const char* to) { return {from, static_cast<std::size_t>(to - from)}; }
@@ -78,7 +79,13 @@ bool Markup::putEscaped(std::string_view text, Form form, const std::string_view
         return isChecked;
     };
     for (const char* at = done;;) {
-        at = isChecked ? nextSpecial<Of>(at, end) : PlainRuns::end<Of>(at, end);
+        if (isChecked) {
+            at = nextSpecial<Of>(at, end);
+        } else if (isTrusting) {
+            at = PlainRuns::end<Of, Beyond::Trusted>(at, end);
+        } else {
+            at = PlainRuns::end<Of, Beyond::LookedAt>(at, end);
+        }
         if (at == end) break;
         if (!mayBeSpecial(*at)) {
             if (!check(at)) return false;
@@ -250,8 +257,8 @@ bool Markup::appendMeant(std::string& to, std::string_view held, const Dtd* dtd)
 }
 
 bool Markup::putAsIs(std::string_view text, const std::string& what) {
-    if (hasAscii() &&
-        PlainRuns::end<Kind::Lines>(text.data(), text.data() + text.size()) == text.data() + text.size()) {
+    if (hasAscii() && PlainRuns::end<Kind::Lines, Beyond::LookedAt>(text.data(), text.data() + text.size()) ==
+                          text.data() + text.size()) {
         out.put(text);
         return true;
     }

@@ -27,13 +27,19 @@ struct WriteFault {
 // Line feeds are written as the line end that was set.
 class Markup {
 public:
+    // Whether texts and values are looked at for bytes that are no UTF-8, or what is put is checked as a whole. Only
+    // where every character has a form in the encoding may they be left to that.
+    enum class Check : std::uint8_t { Pieces, Whole };
+
     // Without an encoder the encoding has all characters. Its name is for messages.
-    Markup(WriteBuffer& itsOut, Encoder* itsEncoder, std::string_view itsEncodingName, std::string_view itsNewline)
+    Markup(WriteBuffer& itsOut, Encoder* itsEncoder, std::string_view itsEncodingName, std::string_view itsNewline,
+           Check check)
         : out(itsOut),
           encoder(itsEncoder != nullptr && !itsEncoder->hasAll() ? itsEncoder : nullptr),
           encodingName(itsEncodingName),
           newline(itsNewline),
-          isLineFeed(newline == "\n") {}
+          isLineFeed(newline == "\n"),
+          isTrusting(check == Check::Whole) {}
 
     WriteBuffer& buffer() { return out; }
     std::string_view lineEnd() const { return newline; }
@@ -41,6 +47,8 @@ public:
     // Whether line feeds are written as they are, and all characters of ASCII.
     bool keepsLineFeeds() const { return isLineFeed; }
     bool hasAscii() const { return encoder == nullptr || encoder->hasAscii(); }
+
+    bool isChecking() const { return !isTrusting; }
 
     // A text: as it is meant; as a node holds it, with references, to entities of the Dtd too, if there is one.
     bool putText(std::string_view text);
@@ -87,6 +95,7 @@ private:
     const std::string encodingName;
     const std::string newline;
     const bool isLineFeed;
+    const bool isTrusting;
     std::int64_t made = 0;  // by references to entities
     std::int64_t heldWithReferences = 0;
     std::optional<WriteFault> failed;

@@ -88,15 +88,23 @@ private:
 
 }  // namespace
 
+// First with a look at the whole only. Where something is wrong, the pieces are looked at one by one, and so it is found.
 bool makeText(const Object& node, const WriteOptions& options, std::string& to, Problem& problem) {
     OutputForm form;
     if (!form.set(options, problem)) return false;
-    EncodedText sink(to, form.encoder.get());
-    WriteBuffer out(sink);
-    Markup markup(out, form.encoder.get(), form.name, options.newline);
-    if (!NodeText(markup, options, form.hasMark).write(node, problem)) return false;
-    out.flush();
-    if (sink.finish()) return true;
+    const auto make = [&](Markup::Check check) {
+        to.clear();
+        EncodedText sink(to, form.encoder.get(), check);
+        WriteBuffer out(sink);
+        Markup markup(out, form.encoder.get(), form.name, options.newline, check);
+        problem = {};
+        if (!NodeText(markup, options, form.hasMark).write(node, problem)) return false;
+        out.flush();
+        return sink.finish();
+    };
+    if ((form.encoder == nullptr || form.encoder->hasAll()) && make(Markup::Check::Whole)) return true;
+    if (make(Markup::Check::Pieces)) return true;
+    if (!problem.text.empty()) return false;
     problem = problemOf({}, Problem::Kind::Unwritable, "some characters turn out to have no form in " + form.name,
                         StandardRules::kCharacterEncodingInEntities);
     return false;

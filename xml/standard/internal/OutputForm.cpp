@@ -4,6 +4,12 @@
 #include "xml/standard/internal/Encodings.h"
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/OptionProblems.h"
+#include "xml/text/internal/Utf8.h"
+#include <algorithm>
+#include <cstddef>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace Xml {
 
@@ -18,7 +24,54 @@ bool hasOrder(Encoding encoding) {
            encoding == Encoding::Utf32Be;
 }
 
+constexpr std::size_t kStretch = 64;
+
+bool isAscii(std::string_view stretch) {
+#ifdef __SSE2__
+    if (stretch.size() == kStretch) {
+        const auto load = [&](std::size_t at) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(stretch.data() + at));
+        };
+        return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(load(0), load(16)), _mm_or_si128(load(32), load(48)))) == 0;
+    }
+#endif
+    return std::all_of(stretch.begin(), stretch.end(), Utf8::isAscii);
+}
+
+// Control characters are found where they are put: what is ASCII need not be looked at. A character may go on after a
+// stretch that is not.
+bool hasOnlyChars(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        while (at < text.size() && !isAscii(text.substr(at, kStretch))) at += kStretch;
+        if (at == from) {
+            at += kStretch;
+            continue;
+        }
+        const std::string_view others = text.substr(from, at - from);
+        const Utf8::Checked checked = Utf8::check(others.data(), others.data() + others.size());
+        if (checked.ending != Utf8::Ending::Whole || !checked.onlyChars) return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+void EncodedText::take(std::string_view text) {
+    if (!isRight) return;
+    if (check == Markup::Check::Whole && !hasOnlyChars(text)) {
+        isRight = false;
+    } else if (encoder == nullptr) {
+        bytes.append(text);
+    } else {
+        isRight = encoder->encode(text, bytes);
+    }
+}
+
+bool EncodedText::finish() {
+    if (isRight && encoder != nullptr) encoder->finish(bytes);
+    return isRight;
+}
 
 bool OutputForm::set(const WriteOptions& options, Problem& problem) {
     const auto refuse = [&](const std::string& text, const char* option) {

@@ -3,6 +3,7 @@
 #include "xml/standard/Problem.h"
 #include "xml/standard/WriteOptions.h"
 #include "xml/standard/internal/Encoder.h"
+#include "xml/standard/internal/Markup.h"
 #include "xml/standard/internal/WriteBuffer.h"
 #include <memory>
 #include <optional>
@@ -27,30 +28,24 @@ struct OutputForm {
 // has the order of bytes in the options, and in the declaration only where it was there.
 std::string declaredEncoding(const WriteOptions& options, const Prolog* prolog);
 
-// Bytes for a text in memory.
+// Makes bytes of UTF-8, in memory. Whether they are all characters that XML allows, and have a form in the encoding, is
+// known at the end.
 class EncodedText final : public WriteSink {
 public:
     // The encoder may be null.
-    EncodedText(std::string& to, Encoder* itsEncoder) : bytes(to), encoder(itsEncoder) {}
+    EncodedText(std::string& to, Encoder* itsEncoder, Markup::Check itsCheck)
+        : bytes(to), encoder(itsEncoder), check(itsCheck) {}
 
-    void take(std::string_view text) override {
-        if (encoder == nullptr) {
-            bytes.append(text);
-        } else {
-            isEncoded &= encoder->encode(text, bytes);
-        }
-    }
+    void take(std::string_view text) override;
 
-    // There is no more. False where some of it turned out to have no form in the encoding.
-    bool finish() {
-        if (encoder != nullptr) encoder->finish(bytes);
-        return isEncoded;
-    }
+    // There is no more. False where some of it cannot be written; then what was made is of no use.
+    bool finish();
 
 private:
     std::string& bytes;
     Encoder* encoder;
-    bool isEncoded = true;
+    Markup::Check check;
+    bool isRight = true;
 };
 
 }  // namespace Xml

@@ -2,20 +2,19 @@
 
 #include "xml/dom/NodeKind.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/text/internal/Utf8.h"
 #include <algorithm>
 
 namespace Xml {
 
 namespace {
 
+using PlainRuns::Beyond;
 using PlainRuns::Kind;
-
-// Lines begin no deeper than that, so that what is written stays in proportion to the tree.
-constexpr std::size_t kDeepest = 64;
 
 std::string startsOf(const Markup& markup, const std::string& indent) {
     std::string starts(markup.lineEnd());
-    for (std::size_t i = 0; i < kDeepest; ++i) starts += indent;
+    for (std::size_t i = 0; i < TreeWriter::kDeepest; ++i) starts += indent;
     return starts;
 }
 
@@ -25,8 +24,10 @@ TreeWriter::TreeWriter(Markup& itsMarkup, const Layout& itsLayout)
     : markup(itsMarkup),
       out(itsMarkup.buffer()),
       layout(itsLayout),
-      isPlainKept(itsMarkup.hasAscii()),
-      starts(startsOf(itsMarkup, itsLayout.indent)) {}
+      isTrusting(!itsMarkup.isChecking()),
+      starts(startsOf(itsMarkup, itsLayout.indent)),
+      lineEndSize(itsMarkup.lineEnd().size()),
+      indentSize(itsLayout.indent.size()) {}
 
 bool TreeWriter::fail(const Object& node) {
     failed = &node;
@@ -57,7 +58,7 @@ bool TreeWriter::writeContent() {
             if (!end(element, isIndented)) return false;
             continue;
         }
-        if (isIndented) out.put(lineStart(level));
+        if (isIndented) out.put(lineStart());
         if (exactClassOf(*child) == NodeClass::Element) {
             if (!enter(static_cast<const Element&>(*child), isIndented)) return false;
         } else if (!writeOther(*child)) {
@@ -71,11 +72,6 @@ bool TreeWriter::writeOther(const Object& node) {
     if (exactClassOf(node) == NodeClass::CharData) return writeText(static_cast<const CharData&>(node));
     if (kindOf(node) != NodeKind::Element) return writeLeaf(node);
     return enter(static_cast<const Element&>(node), walk.note().isIndented);
-}
-
-std::string_view TreeWriter::lineStart(std::size_t depth) const {
-    const std::size_t size = markup.lineEnd().size() + std::min(depth, kDeepest) * layout.indent.size();
-    return std::string_view(starts).substr(0, size);
 }
 
 // --- Elements ---
@@ -111,14 +107,14 @@ bool TreeWriter::enter(const Element& element, bool isIndented) {
     if (children.empty()) return end(element, false);
     if (children.size() == 1 && exactClassOf(*children[0]) == NodeClass::CharData)
         return writeText(static_cast<const CharData&>(*children[0])) && end(element, false);
-    walk.enter(element, {isIndented && mayIndent(element, isIndented)});
+    walk.enter(element, {isIndented && mayIndent(element)});
     ++level;
     return true;
 }
 
 bool TreeWriter::end(const Element& element, bool isIndented) {
     const std::string& name = NodeAccess::name(element);
-    const std::string_view start = isIndented ? lineStart(level) : std::string_view();
+    const std::string_view start = isIndented ? lineStart() : std::string_view();
     const std::size_t size = start.size() + name.size() + 3;
     if (size > WriteBuffer::kRoom) {
         out.put(start);
@@ -136,23 +132,22 @@ bool TreeWriter::end(const Element& element, bool isIndented) {
     return true;
 }
 
-// Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space.
-bool TreeWriter::mayIndent(const Element& element, bool isIndented) const {
+// Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space; nor where there is no
+// child element: a reader takes white space beside such alone for indentation.
+bool TreeWriter::mayIndent(const Element& element) {
     constexpr std::string_view kSpace = "xml:space";
     for (const Attribute* const attribute : NodeAccess::attributes(element)) {
-        if (NodeAccess::name(*attribute) != kSpace) continue;
-        if (NodeAccess::text(*attribute) == "preserve") return false;
+        if (NodeAccess::name(*attribute) == kSpace && NodeAccess::text(*attribute) == "preserve") return false;
     }
-    return isIndented && !hasText(element);
-}
-
-bool TreeWriter::hasText(const Element& element) {
+    bool hasElement = false;
     for (const Object* const child : NodeAccess::children(element)) {
-        const NodeClass exactly = exactClassOf(*child);
-        if (exactly == NodeClass::Element) continue;
-        if (isCharData(*child) && !NodeAccess::text(static_cast<const CharData&>(*child)).empty()) return true;
+        if (isElement(*child)) {
+            hasElement = true;
+        } else if (isCharData(*child) && !NodeAccess::text(static_cast<const CharData&>(*child)).empty()) {
+            return false;
+        }
     }
-    return false;
+    return hasElement;
 }
 
 // --- Attributes ---
@@ -177,19 +172,27 @@ char* TreeWriter::putAttributes(char* at, const Element& element) {
 // Whether they are in the order of the tag as they are; else `tag` has them in that order. Those that were read have
 // numbers from 0 on.
 bool TreeWriter::inOrderOfTag(AttributeSpan attributes) {
-    const auto isBefore = [](const Attribute* a, const Attribute* b) {
-        return NodeAccess::order(*a) < NodeAccess::order(*b);
-    };
-    if (std::is_sorted(attributes.begin(), attributes.end(), isBefore)) return true;
-    tag.assign(attributes.size(), nullptr);
+    std::uint64_t last = 0;
+    bool isSorted = true;
     for (const Attribute* const attribute : attributes) {
         const std::uint64_t order = NodeAccess::order(*attribute);
-        if (order >= tag.size() || tag[order] != nullptr) {
-            tag.assign(attributes.begin(), attributes.end());
-            std::stable_sort(tag.begin(), tag.end(), isBefore);
-            break;
+        isSorted &= order >= last;
+        last = order;
+    }
+    if (isSorted) return true;
+    tag.resize(attributes.size());
+    std::fill(tag.begin(), tag.end(), nullptr);
+    for (const Attribute* const attribute : attributes) {
+        const std::uint64_t order = NodeAccess::order(*attribute);
+        if (order < tag.size() && tag[order] == nullptr) {
+            tag[order] = attribute;
+            continue;
         }
-        tag[order] = attribute;
+        tag.assign(attributes.begin(), attributes.end());
+        std::stable_sort(tag.begin(), tag.end(), [](const Attribute* a, const Attribute* b) {
+            return NodeAccess::order(*a) < NodeAccess::order(*b);
+        });
+        break;
     }
     return false;
 }
@@ -200,14 +203,14 @@ char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
     if (!checkName(name, attribute, "an attribute")) return nullptr;
     const std::string_view value = NodeAccess::text(attribute);
     constexpr std::size_t kMarks = std::string_view(" =\"\"").size();
-    if (const std::size_t size = name.size() + value.size() + kMarks; isPlainKept && size <= WriteBuffer::kRoom) {
+    if (const std::size_t size = name.size() + value.size() + kMarks; isTrusting && size <= WriteBuffer::kRoom) {
         at = out.more(at, size);
         char* to = at;
         *to++ = ' ';
         to = ShortRuns::copy(to, name);
         *to++ = '=';
         *to++ = '"';
-        to = PlainRuns::copy<Kind::Value>(to, value);
+        to = PlainRuns::copy<Kind::Value, Beyond::Trusted>(to, value);
         if (to != nullptr) {
             *to++ = '"';
             return to;
@@ -231,13 +234,14 @@ char* TreeWriter::putAttributeSlowly(char* at, const Attribute& attribute) {
 
 // --- Leaves ---
 
+// One that begins within a character is no text, though it may be with what stands before it.
 bool TreeWriter::writeText(const CharData& text) {
     const std::string_view held = NodeAccess::text(text);
-    if (isPlainKept && held.size() <= WriteBuffer::kRoom) {
+    if (isTrusting && held.size() <= WriteBuffer::kRoom) {
         char* const at = out.room(held.size());
-        char* const end =
-            markup.keepsLineFeeds() ? PlainRuns::copy<Kind::Text>(at, held) : PlainRuns::copy<Kind::Lines>(at, held);
-        if (end != nullptr) {
+        char* const end = markup.keepsLineFeeds() ? PlainRuns::copy<Kind::Text, Beyond::Trusted>(at, held)
+                                                  : PlainRuns::copy<Kind::Lines, Beyond::Trusted>(at, held);
+        if (end != nullptr && (held.empty() || !Utf8::goesOn(held.front()))) {
             out.tookTo(end);
             return true;
         }

@@ -19,10 +19,13 @@ class Object;
 class TreeWriter {
 public:
     struct Layout {
-        std::string indent;  // inside elements without text; empty: nothing is added
+        std::string indent;  // inside elements with child elements and without text; empty: nothing is added
         bool shortEmptyTags = true;
         bool defaults = false;  // also attributes that the document type supplies
     };
+
+    // Lines begin no deeper than that, so that what is written stays in proportion to the tree.
+    static constexpr std::size_t kDeepest = 64;
 
     TreeWriter(Markup& itsMarkup, const Layout& itsLayout);
 
@@ -37,7 +40,6 @@ private:
         bool isIndented;
     };
 
-    bool begin(const Element& element, bool isIndented);
     bool enter(const Element& element, bool isIndented);
     bool end(const Element& element, bool isIndented);
     bool writeContent();
@@ -56,15 +58,19 @@ private:
     bool checkNewName(const std::string& name, const Object& node, const char* of);
     bool fail(const Object& node);
 
-    bool mayIndent(const Element& element, bool isIndented) const;
-    static bool hasText(const Element& element);
-    std::string_view lineStart(std::size_t depth) const;
+    static bool mayIndent(const Element& element);
+    std::string_view lineStart() const {
+        const std::size_t depth = level < kDeepest ? level : kDeepest;
+        return {starts.data(), lineEndSize + depth * indentSize};
+    }
 
     Markup& markup;
     WriteBuffer& out;
     const Layout layout;
-    const bool isPlainKept;    // plain runs need no look at the encoding
+    const bool isTrusting;     // what is put is checked as a whole
     const std::string starts;  // the beginning of a line, as deep as it gets
+    const std::size_t lineEndSize;
+    const std::size_t indentSize;
     Preorder<const Element, Note> walk;
     std::size_t level = 0;  // open elements
     FoundRight rightNames;

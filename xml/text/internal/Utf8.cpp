@@ -116,29 +116,46 @@ private:
     }
 
     // Sixteen bytes, and those that stand one, two and three places before each. False: they are not well-formed.
+    //
+    // Each byte after the first ones of its character goes on, and no other does. The rest of the rules is about few
+    // bytes, which most blocks do not have.
     bool passBlock(__m128i bytes, __m128i before1, __m128i before2, __m128i before3) {
         const auto all = [](int byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
         const auto atLeast = [&all](__m128i some, int byte) { return _mm_subs_epu8(some, all(byte - 1)); };  // not 0
-        const auto pair = [&](int lead, __m128i second) {
-            return _mm_and_si128(_mm_cmpeq_epi8(before1, all(lead)), second);
-        };
-        const auto below = [&](int byte) { return _mm_cmplt_epi8(bytes, all(byte)); };  // of bytes that go on
         const auto either = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
 
         const __m128i afterLead =
             either(atLeast(before1, 0xC0), either(atLeast(before2, 0xE0), atLeast(before3, 0xF0)));
         const __m128i isAlone = _mm_cmpeq_epi8(afterLead, _mm_setzero_si128());
         // One of the two, each in its place.
-        const __m128i rightOnes = _mm_xor_si128(isAlone, below(0xC0));
+        const __m128i rightOnes = _mm_xor_si128(isAlone, _mm_cmplt_epi8(bytes, all(0xC0)));
+        if (_mm_movemask_epi8(rightOnes) != 0xFFFF) return false;
+
+        const __m128i highest = _mm_max_epu8(bytes, before1);
+        __m128i isRare = _mm_cmpeq_epi8(_mm_max_epu8(highest, all(0xF0)), highest);
+        isRare = either(isRare, _mm_cmpeq_epi8(_mm_and_si128(bytes, all(0xFE)), all(0xC0)));
+        isRare = either(isRare, either(_mm_cmpeq_epi8(before1, all(0xE0)), _mm_cmpeq_epi8(before1, all(0xED))));
+        isRare = either(isRare, _mm_cmpeq_epi8(before2, all(0xEF)));
+        isRare = either(isRare, _mm_cmpeq_epi8(_mm_max_epu8(bytes, all(0x1F)), all(0x1F)));
+        return _mm_movemask_epi8(isRare) == 0 || passRare(bytes, before1, before2);
+    }
+
+    // The same for a block with bytes that some rule is about, where those that go on are in their places.
+    bool passRare(__m128i bytes, __m128i before1, __m128i before2) {
+        const auto all = [](int byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
+        const auto pair = [&](int lead, __m128i second) {
+            return _mm_and_si128(_mm_cmpeq_epi8(before1, all(lead)), second);
+        };
+        const auto below = [&](int byte) { return _mm_cmplt_epi8(bytes, all(byte)); };  // of bytes that go on
+        const auto either = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
+
         __m128i wrong = _mm_cmpeq_epi8(_mm_and_si128(bytes, all(0xFE)), all(0xC0));
         wrong = either(wrong, pair(0xE0, below(0xA0)));
         wrong = either(wrong, _mm_andnot_si128(below(0xA0), _mm_cmpeq_epi8(before1, all(0xED))));
         wrong = either(wrong, pair(0xF0, below(0x90)));
         wrong = either(wrong, _mm_andnot_si128(below(0x90), _mm_cmpeq_epi8(before1, all(0xF4))));
-        const __m128i tooHigh = atLeast(bytes, 0xF5);
-        wrong = either(wrong, _mm_xor_si128(_mm_cmpeq_epi8(tooHigh, _mm_setzero_si128()), all(0xFF)));
-        wrong = _mm_andnot_si128(wrong, rightOnes);  // all of them: nothing is wrong
-        if (_mm_movemask_epi8(wrong) != 0xFFFF) return false;
+        wrong = either(wrong, _mm_cmpeq_epi8(_mm_max_epu8(bytes, all(0xF5)), bytes));
+        if (_mm_movemask_epi8(wrong) != 0) return false;
         if (LooksAtChars) noteOthers(bytes, before1, before2);
         return true;
     }
