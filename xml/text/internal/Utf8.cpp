@@ -119,7 +119,7 @@ private:
     //
     // Each byte after the first ones of its character goes on, and no other does. The rest of the rules is about few
     // bytes, which most blocks do not have.
-    bool passBlock(__m128i bytes, __m128i before1, __m128i before2, __m128i before3) {
+    [[gnu::always_inline]] bool passBlock(__m128i bytes, __m128i before1, __m128i before2, __m128i before3) {
         const auto all = [](int byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
         const auto atLeast = [&all](__m128i some, int byte) { return _mm_subs_epu8(some, all(byte - 1)); };  // not 0
         const auto either = [](__m128i a, __m128i b) { return _mm_or_si128(a, b); };
