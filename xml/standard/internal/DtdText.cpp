@@ -4,6 +4,7 @@
 #include "xml/dtd/internal/DtdAccess.h"
 #include "xml/standard/internal/Syntax.h"
 #include "xml/stream/FileOutStream.h"
+#include "xml/text/internal/ByteClasses.h"
 #include "xml/text/internal/Escape.h"
 #include <sstream>
 #include <string_view>
@@ -21,11 +22,21 @@ std::string written(Write write) {
     return text.str();
 }
 
-// Each character that means something there is a reference to it.
-std::string literalWithout(std::string_view special, std::string_view text) {
+// Whether the text begins with a reference by a name of ASCII.
+bool isReferenceByName(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    const char* const name = text.data() + 1;
+    if (name == end || !ByteClass::is(*name, ByteClass::kNameStart)) return false;
+    const char* const to = ByteClass::endOf<ByteClass::kNameChar>(name, end);
+    return to != end && *to == ';';
+}
+
+// References to characters are resolved when the declaration is read, those by name when the entity is.
+std::string entityLiteral(std::string_view replacement) {
     std::string result = "\"";
-    for (const char c : text) {
-        if (special.find(c) != std::string_view::npos) {
+    for (std::size_t i = 0; i < replacement.size(); ++i) {
+        const char c = replacement[i];
+        if (c == '%' || c == '"' || c == '\r' || (c == '&' && !isReferenceByName(replacement.substr(i)))) {
             result += "&#" + std::to_string(static_cast<int>(c)) + ";";
         } else {
             result += c;
@@ -34,10 +45,17 @@ std::string literalWithout(std::string_view special, std::string_view text) {
     return result + '"';
 }
 
-// References to characters are resolved when the declaration is read, those by name when the entity is.
-std::string entityLiteral(std::string_view replacement) { return literalWithout("%&\"\r", replacement); }
-
-std::string attributeLiteral(std::string_view value) { return literalWithout("<&\"\t\n\r", value); }
+std::string attributeLiteral(std::string_view value) {
+    std::string result = "\"";
+    for (const char c : value) {
+        if (std::string_view("<&\"\t\n\r").find(c) != std::string_view::npos) {
+            result += "&#" + std::to_string(static_cast<int>(c)) + ";";
+        } else {
+            result += c;
+        }
+    }
+    return result + '"';
+}
 
 std::string identifier(std::string_view text) {
     const char quote = text.find('"') == std::string_view::npos ? '"' : '\'';

@@ -67,12 +67,15 @@ bool Markup::putValue(std::string_view attribute, std::string_view value) {
     return putEscaped<Kind::Value>(value, Form::Meant, &attribute, nullptr);
 }
 
-// At the first byte that is not plain all that follows is checked, where it is more than a mark; after that only what
+// Where what is put is checked as a whole, nothing may begin within a character, which would go on with what stands
+// before it. Otherwise, at the first byte that is not plain, all that follows is checked, where it is more than a mark; after that only what
 // has to be a reference is looked for.
 template <Kind Of>
 bool Markup::putEscaped(std::string_view text, Form form, const std::string_view* attribute, const Dtd* dtd) {
     const char* done = text.data();
     const char* const end = done + text.size();
+    if (isTrusting && done != end && Utf8::goesOn(*done))
+        return fail("the text begins within a character", StandardRules::kCharacterEncodingInEntities);
     bool isChecked = false;
     const auto check = [&](const char* from) {
         isChecked = isChecked || checkCharacters(viewOf(from, end), subjectOf(attribute));

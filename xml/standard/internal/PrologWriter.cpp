@@ -61,13 +61,17 @@ bool check(Markup& markup, const std::string& declaration, const Parts& parts) {
                        StandardRules::kDoctypedecl);
 }
 
+bool putLines(Markup& markup, const std::string& text) {
+    std::string lines;
+    Syntax::appendLines(lines, text);
+    return markup.putAsIs(lines, kWhat);
+}
+
 bool put(Markup& markup, const Parts& parts) {
     if (!markup.checkName(parts.name, "a document type")) return false;
     const std::string declaration = declarationOf(parts);
     if (!check(markup, declaration, parts)) return false;
-    std::string lines;
-    Syntax::appendLines(lines, declaration);
-    if (!markup.putAsIs(lines, kWhat)) return false;
+    if (!putLines(markup, declaration)) return false;
     markup.buffer().put(markup.lineEnd());
     return true;
 }
@@ -101,7 +105,7 @@ bool putDoctype(Markup& markup, const Dtd& dtd) {
 bool putDeclarations(Markup& markup, const Dtd& dtd) {
     const std::string declarations = declarationsOf(dtd);
     const Parts parts{"a", {}, {}, declarations};
-    return check(markup, declarationOf(parts), parts) && markup.putAsIs(declarations, kWhat);
+    return check(markup, declarationOf(parts), parts) && putLines(markup, declarations);
 }
 
 }  // namespace Xml::PrologWriter
