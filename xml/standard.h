@@ -18,6 +18,7 @@
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/ReadResult.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/StreamWriter.h"
 #include "xml/standard/Write.h"
 #include "xml/standard/WriteOptions.h"
 #include "xml/standard/WriteResult.h"

@@ -119,6 +119,8 @@ public:
     const std::vector<Problem>& problems() const;
 
 private:
+    friend struct StreamReaderAccess;
+
     std::unique_ptr<StreamEvents> events;
 };
 

@@ -74,7 +74,7 @@ private:
     }
 
     bool writeTree(const Object& node, bool hasDefaults) {
-        TreeWriter tree(markup, {options.indent, options.shortEmptyTags, hasDefaults});
+        TreeWriter tree(markup, {options.indent, options.shortEmptyTags, hasDefaults, 0});
         if (tree.write(node)) return true;
         failed = tree.failure();
         return false;

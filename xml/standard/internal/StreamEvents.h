@@ -16,6 +16,13 @@
 
 namespace Xml {
 
+class StreamEvents;
+
+// What the library asks of a reader beside its public operations.
+struct StreamReaderAccess {
+    static const StreamEvents& events(const StreamReader& reader) { return *reader.events; }
+};
+
 // What a StreamReader does: the events of a lexer as those of the reader, with windows for the lexer.
 //
 // They differ in texts. A run of text is one event, and what is not kept within it does not part it. Mostly it is one
@@ -32,6 +39,7 @@ public:
 
     // As StreamReader has them.
     Event next();
+    std::optional<Event> event() const { return now; }  // the one at hand; none before the first
     std::string_view name() const { return itsName; }
     std::string_view text() const { return itsText; }
     std::string_view localName() const;

@@ -27,7 +27,8 @@ TreeWriter::TreeWriter(Markup& itsMarkup, const Layout& itsLayout)
       isTrusting(!itsMarkup.isChecking()),
       starts(startsOf(itsMarkup, itsLayout.indent)),
       lineEndSize(itsMarkup.lineEnd().size()),
-      indentSize(itsLayout.indent.size()) {}
+      indentSize(itsLayout.indent.size()),
+      level(itsLayout.level) {}
 
 bool TreeWriter::fail(const Object& node) {
     failed = &node;

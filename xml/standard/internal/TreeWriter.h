@@ -22,6 +22,7 @@ public:
         std::string indent;  // inside elements with child elements and without text; empty: nothing is added
         bool shortEmptyTags = true;
         bool defaults = false;  // also attributes that the document type supplies
+        std::size_t level = 0;  // of elements that are open around the node
     };
 
     // Lines begin no deeper than that, so that what is written stays in proportion to the tree.
@@ -72,7 +73,7 @@ private:
     const std::size_t lineEndSize;
     const std::size_t indentSize;
     Preorder<const Element, Note> walk;
-    std::size_t level = 0;  // open elements
+    std::size_t level;  // open elements, those around the node too
     FoundRight rightNames;
     std::vector<const Attribute*> tag;  // the attributes of one, in its order
     const Object* failed = nullptr;

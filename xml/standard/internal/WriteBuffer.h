@@ -42,6 +42,10 @@ public:
 
     void flush() { used = flushTo(used); }
 
+    // What is in the block, and leaves so many bytes of it.
+    std::size_t size() const { return static_cast<std::size_t>(used - bytes.get()); }
+    void shrink(std::size_t size) { used = bytes.get() + size; }
+
 private:
     static constexpr std::size_t kBlock = 4 * kRoom;
 
