@@ -1,14 +1,20 @@
-// Reading XML 1.0 takes work that grows as the text does.
+// Reading and writing XML 1.0 takes work that grows as the text does.
 #include "growth/Texts.h"
 #include "growth/Work.h"
 #include "stream/TextBuffer.h"
 #include "support/Texts.h"
+#include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
+#include "xml/dom/Element.h"
 #include "xml/standard/Read.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/StreamWriter.h"
+#include "xml/standard/Write.h"
 #include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -166,6 +172,54 @@ void expectReadingLinear(const TextCase& c, bool isRead) {
 TEST(StandardGrowthTest, ReadingIsLinearInWhateverADocumentHasManyOf) {
     for (const TextCase& c : kRead) expectReadingLinear(c, true);
     for (const TextCase& c : kRefused) expectReadingLinear(c, false);
+}
+
+// --- Writing ---
+
+const char* const kEncodings[] = {"UTF-8", "US-ASCII"};
+
+WriteOptions indentedIn(const char* encoding) {
+    WriteOptions options;
+    options.encoding = encoding;
+    return options;
+}
+
+// Through a reader and a writer, event by event.
+bool copyEvents(const std::string& text, const char* encoding) {
+    std::ostringstream stream;
+    StreamReader reader{std::string_view(text)};
+    StreamWriter writer(stream, indentedIn(encoding));
+    while (reader.next() != StreamReader::Event::Finished) writer.copy(reader);
+    return writer.copy(reader).finish();
+}
+
+TEST(StandardGrowthTest, WritingIsLinearInWhateverATreeHasManyOf) {
+    for (const TextCase& c : kRead) {
+        expectAtMostLinear(
+            c.name,
+            [&](int n) {
+                auto read = std::make_shared<ReadResult>(readText(c.text(n), everything()));
+                return [read] { EXPECT_TRUE(writeText(**read)); };
+            },
+            AllocatedBytes, 10'000);
+        expectAtMostLinear(
+            std::string(c.name) + ", copied",
+            [&](int n) { return [text = c.text(n)] { EXPECT_TRUE(copyEvents(text, "US-ASCII")); }; }, AllocatedBytes,
+            10'000);
+    }
+}
+
+TEST(StandardGrowthTest, WritesManyOfEach) {
+    constexpr int kMany = 100'000 / kScale;
+    for (const TextCase& c : kRead) {
+        SCOPED_TRACE(c.name);
+        const std::string text = c.text(kMany);
+        ReadResult read = readText(text, everything());
+        for (const char* const encoding : kEncodings) EXPECT_TRUE(writeText(*read, indentedIn(encoding)));
+        EXPECT_TRUE(copyEvents(text, "US-ASCII"));
+        read->getRoot()->addChild(new Comment("--"));
+        EXPECT_FALSE(writeText(*read));
+    }
 }
 
 // Work that is no allocation shows by size: where it is quadratic this takes minutes to days.

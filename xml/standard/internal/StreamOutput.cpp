@@ -120,6 +120,7 @@ bool StreamOutput::beginText(const char* what) {
 
 bool StreamOutput::prolog(const Prolog& prolog) {
     if (stage != Stage::Beginning) return markup.fail("the prolog has to come first", StandardRules::kProlog);
+    afterRoot.reserve(prolog.afterRoot.size());
     for (const auto& node : prolog.afterRoot) afterRoot.emplace_back(node->clone());
     beginDocument(&prolog);
     if (!putAround(prolog.beforeDoctype) || !putDoctype(prolog)) return false;
