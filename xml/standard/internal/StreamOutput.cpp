@@ -275,17 +275,19 @@ bool StreamOutput::finishDocument() {
     return putAround(std::exchange(afterRoot, {}));
 }
 
+// Where memory runs out on the way, that is the problem.
 bool StreamOutput::finish() {
     if (stage == Stage::Finished) return found.empty();
     attempt([this] { return finishDocument(); });
-    if (isOver && found.empty()) {
-        found.push_back(problemOf({}, Problem::Kind::Unwritable, "memory has run out", StandardRules::kDocument));
-    }
+    const bool isWhole = !isOver;
     isOver = true;
-    stage = Stage::Finished;
+    if (found.empty())
+        found.push_back(problemOf({}, Problem::Kind::Unwritable, "memory has run out", StandardRules::kDocument));
     buffer.flush();
-    if (!sink.finish() && found.empty())
-        found.push_back(problemOf({}, Problem::Kind::Unwritable, "the stream cannot be written"));
+    const bool isWritten = sink.finish();
+    if (isWhole && !isWritten) found.front() = problemOf({}, Problem::Kind::Unwritable, "the stream cannot be written");
+    if (isWhole && isWritten) found.clear();
+    stage = Stage::Finished;
     return found.empty();
 }
 
