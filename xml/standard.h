@@ -17,6 +17,7 @@
 #include "xml/standard/Read.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/ReadResult.h"
+#include "xml/standard/Save.h"
 #include "xml/standard/StreamReader.h"
 #include "xml/standard/StreamWriter.h"
 #include "xml/standard/Write.h"
