@@ -201,6 +201,19 @@ TEST(WriteTest, OptionsOfNoUseAreUnsupported) {
     }
 }
 
+// Some encodings have another character in the place of one of ASCII.
+TEST(WriteTest, CharactersOfAsciiThatTheEncodingLacksAreReferences) {
+    const auto document = documentOf("<a x=\"\\\">1\\2<!--3--></a>");
+    WriteOptions options = bare();
+    options.encoding = "Shift_JIS";
+    const WriteResult result = writeText(*document, options);
+    if (!result && result.problems()[0].kind == Problem::Kind::Unsupported) GTEST_SKIP() << result.message();
+    EXPECT_EQ(result.text(), "<a x=\"&#92;\">1&#92;2<!--3--></a>\n");
+    document->getRoot()->addChild(new Comment("\\"));
+    EXPECT_EQ(writeText(*document, options).message(),
+              "error: the comment has a character that Shift_JIS lacks: U+005C");
+}
+
 // --- Nodes alone ---
 
 TEST(WriteTest, WritesPartsAsTheyAre) {
