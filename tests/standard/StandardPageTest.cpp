@@ -12,6 +12,7 @@
 #include "xml/dtd/Dtd.h"
 #include "xml/standard/Read.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/Write.h"
 #include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <cstdio>
@@ -183,6 +184,13 @@ std::string written(const std::string& document, const ReadOptions& options) {
     return text.substr(from, text.size() - 1 - from);
 }
 
+// What writeText makes of the whole, without the last line end.
+std::string lineOf(const ReadResult& read, const WriteOptions& options) {
+    if (!read) return read.message();
+    const WriteResult result = writeText(*read, options);
+    return result ? result.text().substr(0, result.text().find_last_not_of("\r\n") + 1) : result.message();
+}
+
 std::string validity(const std::string& document, const ReadOptions& options) {
     ReadResult result = readText(document, options);
     if (!result) return result.message();
@@ -233,6 +241,15 @@ std::map<std::string, Ask> questions() {
     };
     all["the dialect reads of that"] = [](const auto& text, const auto& options) {
         return treeOfDialect(written(text, options));
+    };
+    all["written by default"] = [](const auto& text, const auto& options) {
+        WriteOptions form;
+        form.declaration = false;
+        return lineOf(readText(text, options), form);
+    };
+    all["as it was read"] = [](const auto& text, const auto&) {
+        const ReadResult result = readText(text, everything());
+        return lineOf(result, result ? asRead(*result) : WriteOptions());
     };
     all["its Dtd writes"] = [](const auto& text, const auto&) {
         const ReadResult result = readText(text);

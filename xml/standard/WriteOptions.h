@@ -16,7 +16,7 @@ struct WriteOptions {
     std::string encoding = "UTF-8";  // empty: UTF-8 too, and the declaration does not name it
     bool declaration = true;         // of a document
     bool doctype = true;             // of a document
-    bool mark = false;               // a byte order mark; UTF-16 and UTF-32 by these names always have one
+    bool mark = false;               // a byte order mark; UTF-16 and UTF-32 by these names have one anyway
     bool shortEmptyTags = true;      // <a/>
     bool defaults = false;           // also attributes that isDefault, where their document type is written too
 };

@@ -3,6 +3,7 @@
 #include "xml/Export.h"
 #include "xml/standard/Problem.h"
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Xml {

@@ -7,8 +7,8 @@
 
 namespace Xml {
 
-// What replacing a file asks of the system, call by call, so that tests see what comes of each. Results are those of the
-// system, -1 with errno for a failure; a signal interrupts none.
+// What replacing a file asks of the system, call by call, so that tests see what comes of each. Results are those of
+// the system, -1 with errno for a failure; a signal interrupts none.
 class FileCalls {
 public:
     virtual ~FileCalls() = default;

@@ -12,8 +12,8 @@ class FileReplacement {
 public:
     explicit FileReplacement(FileCalls& itsCalls) : calls(itsCalls) {}
 
-    // False where that fails, and `problem` says why; it does not have the name of the file. The file is as it was then,
-    // but where the problem says that only its folder could not be synced.
+    // False where that fails, and `problem` says why; it does not have the name of the file. The file is as it was
+    // then, but where the problem says that only its folder could not be synced.
     bool replace(const std::string& path, std::string_view bytes, Problem& problem);
 
 private:

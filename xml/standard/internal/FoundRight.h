@@ -7,8 +7,8 @@
 
 namespace Xml {
 
-// Strings that were found to be right, by their addresses: a tree has few names for many nodes, and shares them. Some are
-// forgotten, so that looking costs the same however many there are. None may change meanwhile.
+// Strings that were found to be right, by their addresses: a tree has few names for many nodes, and shares them. Some
+// are forgotten, so that looking costs the same however many there are. None may change meanwhile.
 class FoundRight {
 public:
     bool has(const std::string& text) const { return all[placeOf(text)] == &text; }

@@ -68,8 +68,8 @@ bool Markup::putValue(std::string_view attribute, std::string_view value) {
 }
 
 // Where what is put is checked as a whole, nothing may begin within a character, which would go on with what stands
-// before it. Otherwise, at the first byte that is not plain, all that follows is checked, where it is more than a mark; after that only what
-// has to be a reference is looked for.
+// before it. Otherwise, at the first byte that is not plain, all that follows is checked, where it is more than a mark;
+// after that only what has to be a reference is looked for.
 template <Kind Of>
 bool Markup::putEscaped(std::string_view text, Form form, const std::string_view* attribute, const Dtd* dtd) {
     const char* done = text.data();

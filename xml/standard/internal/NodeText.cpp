@@ -88,7 +88,8 @@ private:
 
 }  // namespace
 
-// First with a look at the whole only. Where something is wrong, the pieces are looked at one by one, and so it is found.
+// First with a look at the whole only. Where something is wrong, the pieces are looked at one by one, and so it is
+// found.
 bool makeText(const Object& node, const WriteOptions& options, std::string& to, Problem& problem) {
     OutputForm form;
     if (!form.set(options, problem)) return false;

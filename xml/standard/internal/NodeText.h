@@ -8,8 +8,8 @@ namespace Xml {
 
 class Object;
 
-// Makes the bytes that a node is written as. False where it cannot be, and `problem` says why; it does not have the name
-// of a source.
+// Makes the bytes that a node is written as. False where it cannot be, and `problem` says why; it does not have the
+// name of a source.
 bool makeText(const Object& node, const WriteOptions& options, std::string& to, Problem& problem);
 
 }  // namespace Xml

@@ -87,8 +87,8 @@ inline const char* end(const char* from, const char* to) {
     return from;
 }
 
-// Copies a run that has no special byte, and returns the end of the copy. Null where it has one; what has been copied is
-// of no use then.
+// Copies a run that has no special byte, and returns the end of the copy. Null where it has one; what has been copied
+// is of no use then.
 template <Kind Of, Beyond Others>
 inline char* copy(char* to, std::string_view run) {
     const char* const from = run.data();

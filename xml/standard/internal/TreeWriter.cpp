@@ -133,8 +133,8 @@ bool TreeWriter::end(const Element& element, bool isIndented) {
     return true;
 }
 
-// Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space; nor where there is no
-// child element: a reader takes white space beside such alone for indentation.
+// Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space; nor where there is
+// no child element: a reader takes white space beside such alone for indentation.
 bool TreeWriter::mayIndent(const Element& element) {
     constexpr std::string_view kSpace = "xml:space";
     for (const Attribute* const attribute : NodeAccess::attributes(element)) {

@@ -16,8 +16,8 @@ protected:
     ~WriteSink() = default;
 };
 
-// Puts together what is written, piece by piece, in a block, and gives a sink the block when it is full. A piece is whole
-// characters.
+// Puts together what is written, piece by piece, in a block, and gives a sink the block when it is full. A piece is
+// whole characters.
 //
 // Several pieces at once go into room that was asked for first:
 //
