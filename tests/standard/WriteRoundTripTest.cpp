@@ -9,6 +9,7 @@
 #include "support/Rounds.h"
 #include "xml/dom/Prolog.h"
 #include "xml/standard/Read.h"
+#include "xml/standard/StreamReader.h"
 #include "xml/standard/Write.h"
 #include <filesystem>
 #include <fstream>
@@ -117,6 +118,43 @@ TEST(WriteRoundTripTest, RandomDocumentsAreTheSameInEveryEncoding) {
     }
     EXPECT_GE(written, atLeast(700));
     EXPECT_GE(unwritable, atLeast(40));
+}
+
+// To the byte, where nothing has to change.
+TEST(WriteRoundTripTest, EncodingsAndMarksAreAsTheyWere) {
+    int count = 0;
+    for (const EncodingUnderTest& encoding : encodingsUnderTest()) {
+        const std::string name = encoding.name;
+        const std::string family = name.substr(0, name.find_last_not_of("BEL") + 1);  // UTF-16 of UTF-16LE
+        for (const std::string& declared : {name, family, std::string()}) {
+            for (const bool isMarked : {false, true}) {
+                for (const bool hasDeclaration : {false, true}) {
+                    std::string text = "<a b=\"" + std::string(encoding.own) + "\">" + encoding.own + "</a>\n";
+                    if (hasDeclaration) {
+                        text.insert(0, declared.empty() ? "<?xml version=\"1.0\"?>\n"
+                                                        : "<?xml version=\"1.0\" encoding=\"" + declared + "\"?>\n");
+                    } else if (!declared.empty()) {
+                        continue;
+                    }
+                    if (isMarked && encoding.markSize == 0) continue;
+                    const std::string bytes = encode(text, encoding, isMarked).bytes;
+                    const ReadResult read = readText(bytes, everything());
+                    if (!read) continue;  // where nothing says the encoding
+                    SCOPED_TRACE(name + " as " + declared + (isMarked ? ", marked" : ""));
+                    // ASCII without a declaration is UTF-8 as well.
+                    const std::string taken = declared.empty() && !isMarked ? "UTF-8" : name;
+                    EXPECT_EQ(prologOf(*read).readAs, taken);
+                    const WriteResult written = writeText(*read, asRead(*read));
+                    EXPECT_EQ(written.text(), bytes) << written.message();
+                    StreamReader reader(std::string_view(bytes), everything());
+                    reader.next();
+                    EXPECT_EQ(reader.prolog().readAs, taken);
+                    ++count;
+                }
+            }
+        }
+    }
+    EXPECT_GE(count, 30);
 }
 
 // Nothing is added to text, and nothing but white space elsewhere: dropped again it is the same tree.

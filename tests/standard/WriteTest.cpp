@@ -122,6 +122,17 @@ TEST(WriteTest, IndentsElementsWithoutText) {
     }
 }
 
+TEST(WriteTest, PartsAreIndentedAsTheyAreInTheWhole) {
+    const auto document =
+        documentOf("<a xml:space='preserve'><b><c><d/></c></b><e xml:space='default'><c><d/></c></e></a>");
+    WriteOptions options = bare();
+    options.indent = " ";
+    const Element& preserved = *document->find("b");
+    EXPECT_EQ(written(preserved, options), "<b><c><d/></c></b>");
+    EXPECT_EQ(written(*preserved.getChild(0), options), "<c><d/></c>");
+    EXPECT_EQ(written(*document->find("e")->toElement()->getChild(0), options), "<c>\n <d/>\n</c>");
+}
+
 TEST(WriteTest, IndentationEndsAtSixtyFourLevels) {
     std::string text;
     for (int i = 0; i < 70; ++i) text += "<a>";

@@ -51,6 +51,24 @@ bool Markup::fail(std::string text, const char* rule, Problem::Kind kind) {
     return false;
 }
 
+// `what` gives the name of what has the text.
+template <class What>
+bool Markup::checkCharacters(std::string_view text, What what) {
+    const char* const end = text.data() + text.size();
+    const Utf8::Checked checked = Utf8::check(text.data(), end);
+    if (checked.ending == Utf8::Ending::Whole && checked.onlyChars) return true;
+    const char* const bad = StandardNames::charsEnd(text.data(), checked.end);
+    if (bad != checked.end)
+        return fail(std::string(what()) + " has a character that XML does not allow: " + numberOf(Utf8::at(bad).value),
+                    StandardRules::kChar);
+    const std::ptrdiff_t count = checked.ending == Utf8::Ending::Incomplete ? end - checked.end : checked.badSize;
+    std::string bytes;
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        bytes += (i > 0 ? " " : "") + hexadecimal(static_cast<unsigned char>(checked.end[i]), 2);
+    return fail(std::string(what()) + " has bytes that are not UTF-8: " + bytes,
+                StandardRules::kCharacterEncodingInEntities);
+}
+
 // --- Texts and values ---
 
 bool Markup::putText(std::string_view text) {
@@ -78,7 +96,7 @@ bool Markup::putEscaped(std::string_view text, Form form, const std::string_view
         return fail("the text begins within a character", StandardRules::kCharacterEncodingInEntities);
     bool isChecked = false;
     const auto check = [&](const char* from) {
-        isChecked = isChecked || checkCharacters(viewOf(from, end), subjectOf(attribute));
+        isChecked = isChecked || checkCharacters(viewOf(from, end), [&] { return subjectOf(attribute); });
         return isChecked;
     };
     for (const char* at = done;;) {
@@ -232,7 +250,7 @@ bool Markup::putHeldSection(std::string_view held, const Dtd* dtd) {
 }
 
 bool Markup::appendMeant(std::string& to, std::string_view held, const Dtd* dtd) {
-    if (!checkCharacters(held, "the section")) return false;
+    if (!checkCharacters(held, [] { return "the section"; })) return false;
     while (!held.empty()) {
         const std::size_t end = std::min(held.find('&'), held.size());
         to += held.substr(0, end);
@@ -265,7 +283,7 @@ bool Markup::putAsIs(std::string_view text, const std::string& what) {
         out.put(text);
         return true;
     }
-    if (!checkCharacters(text, what) || !checkSayable(text, what)) return false;
+    if (!checkCharacters(text, [&] { return what; }) || !checkSayable(text, what)) return false;
     if (text.find('\r') != std::string_view::npos)
         return fail(what + " has a carriage return, which would be read as a line end", StandardRules::kChar);
     putLines(text);
@@ -295,21 +313,6 @@ bool Markup::checkName(std::string_view name, const char* of) {
     if (Utf8::check(name.data(), name.data() + name.size()).ending != Utf8::Ending::Whole) return refuse();
     if (!StandardNames::isName(name)) return refuse();
     return checkSayable(name, "the name " + messageLine(name));
-}
-
-bool Markup::checkCharacters(std::string_view text, const std::string& what) {
-    const char* const end = text.data() + text.size();
-    const Utf8::Checked checked = Utf8::check(text.data(), end);
-    if (checked.ending == Utf8::Ending::Whole && checked.onlyChars) return true;
-    const char* const bad = StandardNames::charsEnd(text.data(), checked.end);
-    if (bad != checked.end)
-        return fail(what + " has a character that XML does not allow: " + numberOf(Utf8::at(bad).value),
-                    StandardRules::kChar);
-    const std::ptrdiff_t count = checked.ending == Utf8::Ending::Incomplete ? end - checked.end : checked.badSize;
-    std::string bytes;
-    for (std::ptrdiff_t i = 0; i < count; ++i)
-        bytes += (i > 0 ? " " : "") + hexadecimal(static_cast<unsigned char>(checked.end[i]), 2);
-    return fail(what + " has bytes that are not UTF-8: " + bytes, StandardRules::kCharacterEncodingInEntities);
 }
 
 bool Markup::checkSayable(std::string_view text, const std::string& what) {

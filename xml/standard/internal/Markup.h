@@ -81,7 +81,8 @@ private:
     template <PlainRuns::Kind Kind>
     bool putReference(std::string_view& rest, const std::string_view* attribute, const Dtd* dtd);
 
-    bool checkCharacters(std::string_view text, const std::string& what);
+    template <class What>
+    bool checkCharacters(std::string_view text, What what);
     bool checkSayable(std::string_view text, const std::string& what);
     bool grow(std::size_t size);
 

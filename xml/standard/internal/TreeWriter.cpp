@@ -44,7 +44,24 @@ bool TreeWriter::checkNewName(const std::string& name, const Object& node, const
 bool TreeWriter::write(const Object& node) {
     if (kindOf(node) != NodeKind::Element) return writeLeaf(node);
     const auto& element = static_cast<const Element&>(node);
-    return enter(element, !layout.indent.empty()) && writeContent();
+    return enter(element, !layout.indent.empty() && !isPreservedAround(element)) && writeContent();
+}
+
+bool TreeWriter::isPreservedAround(const Element& element) {
+    for (const Object* around = element.getParent(); around != nullptr; around = around->getParent()) {
+        if (!isElement(*around)) continue;
+        const std::string_view space = spaceOf(static_cast<const Element&>(*around));
+        if (!space.empty()) return space == "preserve";
+    }
+    return false;
+}
+
+// The value of xml:space.
+std::string_view TreeWriter::spaceOf(const Element& element) {
+    for (const Attribute* const attribute : NodeAccess::attributes(element)) {
+        if (NodeAccess::name(*attribute) == "xml:space") return NodeAccess::text(*attribute);
+    }
+    return {};
 }
 
 // What is below the elements that are open.
@@ -136,10 +153,7 @@ bool TreeWriter::end(const Element& element, bool isIndented) {
 // Nothing is added to mixed content, whatever the depth, nor where xml:space preserves white space; nor where there is
 // no child element: a reader takes white space beside such alone for indentation.
 bool TreeWriter::mayIndent(const Element& element) {
-    constexpr std::string_view kSpace = "xml:space";
-    for (const Attribute* const attribute : NodeAccess::attributes(element)) {
-        if (NodeAccess::name(*attribute) == kSpace && NodeAccess::text(*attribute) == "preserve") return false;
-    }
+    if (spaceOf(element) == "preserve") return false;
     bool hasElement = false;
     for (const Object* const child : NodeAccess::children(element)) {
         if (isElement(*child)) {

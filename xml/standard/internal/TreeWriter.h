@@ -60,6 +60,8 @@ private:
     bool fail(const Object& node);
 
     static bool mayIndent(const Element& element);
+    static bool isPreservedAround(const Element& element);
+    static std::string_view spaceOf(const Element& element);
     std::string_view lineStart() const {
         const std::size_t depth = level < kDeepest ? level : kDeepest;
         return {starts.data(), lineEndSize + depth * indentSize};
