@@ -1,5 +1,6 @@
 // Writing XML 1.0 while memory runs out: it is std::bad_alloc, nothing leaks, and the tree is as it was.
 #include "memory/Failing.h"
+#include "support/Places.h"
 #include "support/Trees.h"
 #include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
@@ -7,11 +8,15 @@
 #include "xml/dom/Prolog.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/standard/Read.h"
+#include "xml/standard/Save.h"
 #include "xml/standard/StreamReader.h"
 #include "xml/standard/StreamWriter.h"
 #include "xml/standard/Write.h"
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <optional>
 #include <ostream>
 #include <streambuf>
@@ -193,6 +198,30 @@ TEST(WriteMemoryTest, CopyingGivesBadAllocAndLeaksNothing) {
             }
         });
     }
+}
+
+TEST(WriteMemoryTest, SavingGivesBadAllocAndLeavesTheFileAsItWas) {
+    const std::filesystem::path folder = scratchFolder() + "/WriteMemoryTest-a-folder-of-its-own";
+    std::filesystem::create_directories(folder);
+    const std::filesystem::path path = folder / "a-file-with-a-name-that-is-not-short.xml";
+    const std::filesystem::path link = folder / "a-link-to-the-file-with-a-long-name.xml";
+    const ReadResult read = readText(kText, everything());
+    const std::string written = writeText(*read).text();
+    const auto textOf = [](const std::filesystem::path& file) {
+        std::ifstream in(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    };
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(path.filename(), link);
+    forEachFailingAllocation([&](Attempt& attempt) {
+        std::ofstream(path, std::ios::binary) << "old";
+        const bool isDone = attempt([&] { EXPECT_TRUE(saveFile(*read, link)); });
+        const std::string text = textOf(path);
+        EXPECT_TRUE(text == written || (!isDone && text == "old")) << text;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+    });
+    forEachFailingAllocation([&](Attempt& attempt) { attempt([&] { EXPECT_FALSE(saveFile(*read, folder)); }); });
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -8,8 +8,12 @@
 #include "xml/dom/NodeKind.h"
 #include "xml/dom/Place.h"
 #include "xml/dom/Prolog.h"
+#include "xml/dtd/Dtd.h"
 #include "xml/standard/Read.h"
+#include "xml/standard/Save.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/StreamWriter.h"
+#include "xml/standard/Write.h"
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
@@ -136,6 +140,47 @@ TEST(StandardThreadsTest, OneTreeIsLookedAtAndCopiedByAll) {
         EXPECT_EQ(failures, std::vector<int>(kThreads));
         EXPECT_EQ(looks, std::vector<std::string>(kThreads, looksOf(document)));
     }
+}
+
+TEST(StandardThreadsTest, OneTreeIsWrittenByAll) {
+    for (int round = 0; round < kRounds; ++round) {
+        const ReadResult result = readText(kText, withPlaces());
+        ASSERT_TRUE(result) << result.message();
+        const Document& document = *result;
+        std::vector<std::string> written(kThreads);
+        inThreads([&](int number) {
+            WriteOptions options = asRead(document);
+            options.encoding = number % 2 == 0 ? "UTF-8" : "windows-1252";
+            std::ostringstream stream;
+            StreamWriter writer(stream);
+            writer.node(*document.getRoot()).finish();
+            written[static_cast<std::size_t>(number)] =
+                writeText(document, options).text() + writeText(*document.getDtd()).text() + stream.str();
+        });
+        for (std::size_t i = 2; i < written.size(); ++i) EXPECT_EQ(written[i], written[i - 2]);
+        EXPECT_NE(written[0], "");
+    }
+}
+
+// Each sees what one of them wrote, whole.
+TEST(StandardThreadsTest, OneFileIsSavedByAll) {
+    const std::string path = scratchFolder() + "/threads-saved.xml";
+    std::vector<int> failures(kThreads);
+    inThreads([&](int number) {
+        const ReadResult own = readText("<r>" + std::string(20'000, static_cast<char>('a' + number)) + "</r>");
+        for (int round = 0; round < kRounds; ++round) {
+            int& failed = failures[static_cast<std::size_t>(number)];
+            failed += saveFile(*own, path) ? 0 : 1;
+            const ReadResult read = Xml::readFile(path);
+            if (!read) {
+                ++failed;
+                continue;
+            }
+            const std::string text = read->getRoot()->getCharData();
+            failed += text.size() == 20'000 && text.find_first_not_of(text[0]) == std::string::npos ? 0 : 1;
+        }
+    });
+    EXPECT_EQ(failures, std::vector<int>(kThreads));
 }
 
 TEST(StandardThreadsTest, TreesAreHandedOnAndDestroyedByOthers) {
