@@ -235,6 +235,11 @@ TEST(WriteBuiltTest, TreesOfTheDialectAreWrittenAsTheyAreMeant) {
          "<!ATTLIST a x CDATA #FIXED \"1\" y CDATA #REQUIRED z CDATA #IMPLIED w CDATA \"<&\">]><a y=\"2\"/>",
          "<!DOCTYPE a [\n<!ELEMENT a (b | c)*>\n<!ELEMENT b EMPTY>\n<!ELEMENT c ANY>\n<!ATTLIST a\n\tw CDATA "
          "\"&#60;&#38;\"\n\tx CDATA #FIXED \"1\"\n\ty CDATA #REQUIRED\n\tz CDATA #IMPLIED>\n]>\n<a y=\"2\"/>\n"},
+        {"<!DOCTYPE a [<!ELEMENT a (b | c | #PCDATA)*><!ELEMENT b ((c?, b+) | c)><!ELEMENT c (#PCDATA | "
+         "b)*>]><a>1<c/></a>",
+         "<!DOCTYPE a [\n<!ELEMENT a (#PCDATA | b | c)*>\n<!ELEMENT b ((c?, b+) | c)>\n<!ELEMENT c (#PCDATA | "
+         "b)*>\n]>\n"
+         "<a>1<c/></a>\n"},
         {"<!DOCTYPE a [<!ELEMENT a ANY><!ATTLIST a x CDATA #IMPLIED><!ENTITY p \"100%\">]><a x=\"a\nb\">&p;</a>",
          "<!DOCTYPE a [\n<!ENTITY p \"100&#37;\">\n<!ELEMENT a ANY>\n<!ATTLIST a\n\tx CDATA #IMPLIED>\n]>\n<a "
          "x=\"a&#10;b\">100%</a>\n"},
@@ -256,6 +261,17 @@ TEST(WriteBuiltTest, TreesOfTheDialectAreWrittenAsTheyAreMeant) {
         const ReadResult again = readText(written.text());
         ASSERT_TRUE(again) << again.message();
     }
+}
+
+TEST(WriteBuiltTest, ModelsThatXmlDoesNotHaveCannotBeWritten) {
+    const Outcome read = readDocument("<!DOCTYPE a [<!ELEMENT a (b+ | #PCDATA)*>]><a>1</a>");
+    ASSERT_TRUE(read.ok) << read.error;
+    const WriteResult written = writeText(*read.document);
+    EXPECT_EQ(written.message(),
+              "error: the document type cannot be written: the name of an element or \"(\" expected, found \"#\"");
+    WriteOptions options;
+    options.doctype = false;
+    EXPECT_TRUE(writeText(*read.document, options));
 }
 
 // --- Document types ---

@@ -1,26 +1,16 @@
 #include "xml/standard/internal/DtdText.h"
 
-#include "xml/dtd/ContentSpec.h"
 #include "xml/dtd/internal/DtdAccess.h"
+#include "xml/standard/internal/ModelText.h"
 #include "xml/standard/internal/Syntax.h"
-#include "xml/stream/FileOutStream.h"
 #include "xml/text/internal/ByteClasses.h"
 #include "xml/text/internal/Escape.h"
-#include <sstream>
+#include <cstddef>
 #include <string_view>
 
 namespace Xml {
 
 namespace {
-
-// What a model or a type writes of itself.
-template <class Write>
-std::string written(Write write) {
-    std::ostringstream text;
-    FileOutStream out(&text);
-    write(out);
-    return text.str();
-}
 
 // Whether the text begins with a reference by a name of ASCII.
 bool isReferenceByName(std::string_view text) {
@@ -116,13 +106,13 @@ std::string ruleOf(const AttDef& definition) {
 
 void addElements(std::string& text, const Dtd& dtd) {
     for (const auto& [name, model] : DtdAccess::elements(dtd)) {
-        text += "<!ELEMENT " + name + ' ' + written([&](OutStream& out) { model->toStream(out); }) + ">\n";
+        text += "<!ELEMENT " + name + ' ' + modelText(*model) + ">\n";
     }
     for (const auto& [element, list] : DtdAccess::attributeLists(dtd)) {
         if (list.definitions.empty()) continue;
         text += "<!ATTLIST " + element;
         for (const auto& [attribute, definition] : list.definitions) {
-            text += "\n\t" + attribute + ' ' + written([&](OutStream& out) { definition->typeToStream(out); }) + ' ' +
+            text += "\n\t" + attribute + ' ' + ownText([&](OutStream& out) { definition->typeToStream(out); }) + ' ' +
                     ruleOf(*definition);
         }
         text += ">\n";
