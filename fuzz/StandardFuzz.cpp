@@ -2,7 +2,8 @@
 //
 // Text, stream, file and events must give the same: the tree with all places, or the same problem. What is in another
 // encoding, or broken, has places within the input, and a problem has a text, a rule and an excerpt that fits. The tree
-// can be copied and written, and every option may be set.
+// can be copied and written, and every option may be set. As XML 1.0 it is written as the same document; a filter over
+// its events gives a document too.
 //
 // Input: three bytes that choose the options, the number of bytes that a stream gives at a time, and what is called in
 // between; then the document.
@@ -19,8 +20,11 @@
 #include "xml/dom/Prolog.h"
 #include "xml/standard/Read.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/StreamWriter.h"
+#include "xml/standard/Write.h"
 #include <cstdint>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -119,6 +123,28 @@ void checkTree(const Document& document) {
     expectSame("a copy writes the same", test::textOf(document), test::textOf(*copy));
 }
 
+// Only an encoding that was given may be another one than that of the declaration, which is written; and that may be
+// one that cannot be.
+void checkWriting(const Document& document, const ReadOptions& setting) {
+    const WriteResult written = writeText(document, asRead(document));
+    if (!written) {
+        const Problem& problem = written.problems().front();
+        expectTrue("what was read can be written",
+                   problem.kind == Problem::Kind::Unsupported || !setting.encoding.empty(), written.message());
+        return;
+    }
+    ReadOptions options = everything();
+    options.namespaces = setting.namespaces;
+    for (const bool isIndented : {true, false}) {
+        const std::string text = isIndented ? writeText(document).text() : written.text();
+        const ReadResult again = readText(text, options);
+        expectTrue("what is written can be read", static_cast<bool>(again), again.message() + "\n" + text);
+        if (isIndented) continue;
+        expectSame("what is written is the same document", test::dump(&document), test::dump(again.get()));
+        expectSame("and is written as it was", text, writeText(*again, asRead(*again)).text());
+    }
+}
+
 // --- Events ---
 
 void checkEvents(const ReadResult& result, const std::string& document, const ReadOptions& options) {
@@ -132,6 +158,24 @@ void checkEvents(const ReadResult& result, const std::string& document, const Re
     }
     expectTrue("what is over stays so",
                reader.next() == (result ? Event::Finished : Event::Failed) && reader.name().empty(), lines);
+}
+
+// What is well-formed is written whole, and what is not as far as it is.
+void checkFilter(const std::string& document, const ReadOptions& options, bool isWell) {
+    StreamReader reader{std::string_view(document), options};
+    std::ostringstream stream;
+    StreamWriter writer(stream);
+    Event event = Event::Start;
+    while (event != Event::Finished && event != Event::Failed) {
+        event = reader.next();
+        writer.copy(reader);
+    }
+    expectTrue("a filter is as good as what it reads", writer.finish() == isWell, shown(writer.problems()));
+    if (!isWell) return;
+    ReadOptions reading = everything();
+    reading.namespaces = options.namespaces;
+    const ReadResult read = readText(stream.str(), reading);
+    expectTrue("what a filter writes can be read", static_cast<bool>(read), read.message() + "\n" + stream.str());
 }
 
 // Some elements read as trees, and some passed over: the same as of a text, from a stream.
@@ -182,8 +226,12 @@ void check(const std::string& input) {
     expectTrue("a refusal says why", static_cast<bool>(result) == result.message().empty(), result.message());
     for (const Problem& problem : result.problems()) checkProblem(problem, document.size());
     checkStreamed(result, document, setting);
-    if (result) checkTree(*result);
+    if (result) {
+        checkTree(*result);
+        checkWriting(*result, setting.options);
+    }
     checkEvents(result, document, setting.options);
+    checkFilter(document, setting.options, static_cast<bool>(result));
     checkMixed(document, setting, static_cast<bool>(result));
 }
 

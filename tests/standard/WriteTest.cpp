@@ -212,6 +212,19 @@ TEST(WriteTest, OptionsOfNoUseAreUnsupported) {
     }
 }
 
+// What was known from outside when it was read is said in what is written.
+TEST(WriteTest, WhatIsWrittenSaysItsEncoding) {
+    ReadOptions options = everything();
+    options.encoding = "UTF-16";
+    const auto wide = documentOf(std::string("<\0a\0/\0>\0", 8), options);
+    EXPECT_EQ(written(*wide, asRead(*wide)), std::string("\xFF\xFE<\0a\0/\0>\0\n\0", 12));
+    options.encoding = "ISO-8859-1";
+    const auto narrow = documentOf("<a>\xE4</a>", options);
+    EXPECT_EQ(written(*narrow, asRead(*narrow)), "<a>\u00E4</a>\n");
+    const auto declared = documentOf("<?xml version='1.0' encoding='US-ASCII'?><a>\xE4</a>", options);
+    EXPECT_EQ(written(*declared, asRead(*declared)), "<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n<a>&#228;</a>\n");
+}
+
 // Some encodings have another character in the place of one of ASCII.
 TEST(WriteTest, CharactersOfAsciiThatTheEncodingLacksAreReferences) {
     const auto document = documentOf("<a x=\"\\\">1\\2<!--3--></a>");

@@ -17,7 +17,7 @@ WriteOptions asRead(const Document& document) {
     options.encoding =
         isWide && (!isNamed || isSameEncoding(encodingNamed(prolog.encoding), taken)) ? prolog.readAs : prolog.encoding;
     options.declaration = prolog.hasDeclaration;
-    options.mark = prolog.hasMark;
+    options.mark = prolog.hasMark || (isWide && !isNamed);  // nothing else says so
     return options;
 }
 
