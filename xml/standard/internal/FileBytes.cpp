@@ -5,6 +5,7 @@
 
 #include "xml/standard/internal/FileBytes.h"
 
+#include "xml/standard/internal/Uninterrupted.h"
 #include "xml/text/internal/LargePages.h"
 #include <cerrno>
 #include <cstring>
@@ -16,16 +17,6 @@
 namespace Xml {
 
 namespace {
-
-// The result of a system call that a signal may interrupt.
-template <class Call>
-auto uninterrupted(Call call) {
-    decltype(call()) result;
-    do {
-        result = call();
-    } while (result < 0 && errno == EINTR);
-    return result;
-}
 
 class Descriptor {
 public:

@@ -5,25 +5,13 @@
 
 #include "xml/standard/internal/FileCalls.h"
 
+#include "xml/standard/internal/Uninterrupted.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace Xml {
-
-namespace {
-
-template <class Call>
-auto uninterrupted(Call call) {
-    decltype(call()) result;
-    do {
-        result = call();
-    } while (result < 0 && errno == EINTR);
-    return result;
-}
-
-}  // namespace
 
 int FileCalls::open(const char* path, int flags, mode_t mode) {
     return uninterrupted([=] { return ::open(path, flags | O_CLOEXEC | O_NOCTTY, mode); });
