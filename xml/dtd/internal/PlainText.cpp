@@ -7,31 +7,16 @@
 #include "xml/text/internal/StandardNames.h"
 #include "xml/text/internal/Utf8.h"
 #include <algorithm>
-#include <charconv>
-#include <cstdint>
-#include <system_error>
 
 namespace Xml {
 
 namespace {
 
-// The character that a reference with that name ("#65", "#x41") stands for; 0 where it is none of XML's.
-char32_t characterOf(std::string_view name) {
-    name.remove_prefix(1);
-    const bool isHexadecimal = !name.empty() && name[0] == 'x';
-    if (isHexadecimal) name.remove_prefix(1);
-    std::uint32_t number = 0;
-    const char* const end = name.data() + name.size();
-    const auto [at, error] = std::from_chars(name.data(), end, number, isHexadecimal ? 16 : 10);
-    const bool isNumber = at == end && error == std::errc() && StandardNames::isChar(number);
-    return isNumber ? static_cast<char32_t>(number) : 0;
-}
-
 // Appends what a reference with that name stands for; false where that is nothing.
 bool appendReferenced(std::string& to, std::string_view name, const Dtd* dtd) {
     if (name.empty()) return false;
     if (name[0] == '#') {
-        const char32_t character = characterOf(name);
+        const char32_t character = StandardNames::referencedChar(name);
         if (character != 0) Utf8::append(to, character);
         return character != 0;
     }

@@ -1,7 +1,10 @@
 #include "xml/text/internal/StandardNames.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <iterator>
+#include <system_error>
 
 namespace Xml::StandardNames {
 
@@ -70,6 +73,16 @@ const char* charsEnd(const char* from, const char* to) {
         from += c.size;
     }
     return from;
+}
+
+char32_t referencedChar(std::string_view name) {
+    name.remove_prefix(1);
+    const bool isHexadecimal = !name.empty() && name[0] == 'x';
+    if (isHexadecimal) name.remove_prefix(1);
+    std::uint32_t number = 0;
+    const char* const end = name.data() + name.size();
+    const auto [at, error] = std::from_chars(name.data(), end, number, isHexadecimal ? 16 : 10);
+    return at == end && error == std::errc() && isChar(number) ? number : 0;
 }
 
 bool isName(std::string_view text) { return isWhole(nameEnd, text); }

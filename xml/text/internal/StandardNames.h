@@ -34,6 +34,9 @@ inline const char* nameEnd(const char* from, const char* to) {
 // The first character that is none of XML's, `to` where all are.
 const char* charsEnd(const char* from, const char* to);
 
+// The character that a reference of that name, "#65" or "#x41", stands for; 0 where it is none of XML's.
+char32_t referencedChar(std::string_view name);
+
 bool isName(std::string_view text);
 bool isNmtoken(std::string_view text);
 bool isNCName(std::string_view text);  // Namespaces [4] NCName: a Name without colon
