@@ -16,11 +16,7 @@ inline const char* whiteEnd(const char* from, const char* to) {
 
 // The same; sets `hasReturn` where there is a CR among the white space.
 inline const char* whiteEnd(const char* from, const char* to, bool& hasReturn) {
-    if (from == to || !isWhite(*from)) return from;
-    const char* const first = Scan::endOfAny<' ', '\t', '\n'>(from, to);
-    if (first == to || *first != '\r') return first;
-    hasReturn = true;
-    return Scan::endOfAny<' ', '\t', '\n', '\r'>(first, to);
+    return from == to || !isWhite(*from) ? from : Scan::endOfWhite(from, to, hasReturn);
 }
 
 inline const char* nameEnd(const char* from, const char* to) { return Scan::endOf<ByteClass::kNameChar>(from, to); }

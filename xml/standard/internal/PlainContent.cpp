@@ -12,18 +12,6 @@ using Syntax::viewOf;
 
 namespace {
 
-// Sets `hasReturn` where there is a CR among the white space.
-[[gnu::always_inline]] inline const char* whiteEnd(const char* from, const char* to, bool& hasReturn) {
-    constexpr unsigned kAll = (1U << Scan::kBlockSize) - 1;
-    for (; to - from >= Scan::kBlockSize; from += Scan::kBlockSize) {
-        const unsigned others = Scan::marksOf<' ', '\t', '\n', '\r'>(from) ^ kAll;
-        hasReturn |= (Scan::marksOf<'\r'>(from) & ~others & (others - 1)) != 0;
-        if (others != 0) return from + __builtin_ctz(others);
-    }
-    for (; from != to && isWhite(*from); ++from) hasReturn |= *from == '\r';
-    return from;
-}
-
 // The end of a value, or the first byte that is not just a part of it.
 [[gnu::always_inline]] inline const char* plainValueEnd(const char* from, const char* to, char quote) {
     return quote == '"' ? Runs::findInLine<'"', '<', '&', Runs::kRare>(from, to)
@@ -144,9 +132,9 @@ template <bool KeepsPlaces>
         if (*at == ' ') {
             ++at;
             if (at == end) return nullptr;
-            if (isWhite(*at)) at = whiteEnd(at, end, hasReturn);
+            if (isWhite(*at)) at = Scan::endOfWhite(at, end, hasReturn);
         } else if (isWhite(*at)) {
-            at = whiteEnd(at, end, hasReturn);
+            at = Scan::endOfWhite(at, end, hasReturn);
         } else if (*at != '/') {
             return nullptr;
         }
@@ -283,7 +271,7 @@ template <bool KeepsPlaces>
     isTextWhite = isWhite(*from);
     if (isTextWhite) {
         bool hasReturn = false;
-        const char* const to = whiteEnd(from, end, hasReturn);
+        const char* const to = Scan::endOfWhite(from, end, hasReturn);
         if (to == end) return nullptr;
         isTextWhite = *to == '<';
         if (isTextWhite) {

@@ -45,7 +45,15 @@ inline const char* endOfAny(const char* from, const char* to) {
     return findFirst<true, These...>(from, to);
 }
 
-// The same for what is not within the first bytes. What is further away is looked for with find().
+// The end of white space; sets `hasReturn` where there is a CR in it.
+inline const char* endOfWhite(const char* from, const char* to, bool& hasReturn) {
+    const char* const first = endOfAny<' ', '\t', '\n'>(from, to);
+    if (first == to || *first != '\r') return first;
+    hasReturn = true;
+    return endOfAny<' ', '\t', '\n', '\r'>(first, to);
+}
+
+// As findAny, for what is not within the first bytes. What is further away is looked for with find().
 template <char... These>
 [[gnu::noinline]] const char* findFurther(const char* from, const char* to) {
     constexpr std::ptrdiff_t kNear = 64;
@@ -60,7 +68,7 @@ template <char... These>
     return first;
 }
 
-// As findAny. Mostly it is within a few bytes: only these are looked at in line.
+// The same. Mostly it is within a few bytes: only these are looked at in line.
 template <char... These>
 [[gnu::always_inline]] inline const char* findNear(const char* from, const char* to) {
     if (to - from < 2 * kBlockSize) return findFurther<These...>(from, to);
