@@ -26,5 +26,17 @@ TEST(FewFirstTest, HoldsAnyNumberInTheirOrder) {
     }
 }
 
+TEST(FewFirstTest, EndsWhereItIsShortened) {
+    for (const int count : {1, 8, 9}) {
+        FewFirst<Given> all;
+        for (int i = 0; i < count; ++i) all.add(i);
+        all.endAt(all.begin() + count / 2);
+        EXPECT_EQ(all.size(), static_cast<std::size_t>(count / 2));
+        all.add(-1);
+        EXPECT_EQ(all.back().number, -1);
+        EXPECT_EQ(all.size(), static_cast<std::size_t>(count / 2 + 1));
+    }
+}
+
 }  // namespace
 }  // namespace Xml::test

@@ -27,6 +27,9 @@ public:
     Given& operator[](std::size_t place) { return first[place]; }
     Given& back() { return past[-1]; }
 
+    // Leaves those before there.
+    void endAt(Given* given) { past = given; }
+
     // Made in its place: what is copied there waits for the stores.
     template <class... Arguments>
     void add(const Arguments&... arguments) {

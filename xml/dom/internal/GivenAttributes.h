@@ -1,12 +1,12 @@
 #pragma once
 
 #include "xml/dom/Place.h"
+#include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace Xml {
 
@@ -41,14 +41,13 @@ public:
     GivenAttributes& operator=(const GivenAttributes&) = delete;
 
     void clear() {
-        next = first;
+        all.clear();
         last = 0;
         isSorted = true;
         padded = false;
     }
     void add(const SharedName& name, std::string_view value) {
-        if (next == limit) makeRoom();
-        *next++ = Given(name, value);
+        all.add(name, value);
         const Words::Word order = name.order();
         isSorted &= last < order;
         last = order;
@@ -62,19 +61,19 @@ public:
     static bool havePlaces() { return false; }
     static const Place* placeOf(const Given&) { return nullptr; }
 
-    bool empty() const { return next == first; }
-    std::size_t size() const { return static_cast<std::size_t>(next - first); }
-    Given& operator[](std::size_t place) { return first[place]; }
-    const Given* begin() const { return first; }
-    const Given* end() const { return next; }
+    bool empty() const { return all.empty(); }
+    std::size_t size() const { return all.size(); }
+    Given& operator[](std::size_t place) { return all[place]; }
+    const Given* begin() const { return all.begin(); }
+    const Given* end() const { return all.end(); }
 
     // Puts them in the byte order of their names. Of several with one name the last stays.
     void sort() {
         if (isSorted) return;
-        if (size() == 2 && first[1].name->isBefore(*first[0].name)) {
-            std::swap(first[0], first[1]);
+        if (size() == 2 && all[1].name->isBefore(*all[0].name)) {
+            std::swap(all[0], all[1]);
         } else {
-            sortByName(first, next);
+            sortByName(all.begin(), all.end());
             removeRepeated();
         }
         isSorted = true;
@@ -84,30 +83,16 @@ private:
     // Of those with one name, which stand together, all but the last.
     void removeRepeated() {
         const auto isRepeated = [](const Given& a, const Given& b) { return a.name == b.name; };
-        Given* kept = std::adjacent_find(first, next, isRepeated);
-        if (kept == next) return;
-        for (const Given* given = kept + 1; given != next; ++given) {
+        Given* kept = std::adjacent_find(all.begin(), all.end(), isRepeated);
+        if (kept == all.end()) return;
+        for (const Given* given = kept + 1; given != all.end(); ++given) {
             if (given->name != kept->name) ++kept;
             *kept = *given;
         }
-        next = kept + 1;
+        all.endAt(kept + 1);
     }
 
-    [[gnu::noinline]] void makeRoom() {
-        std::vector<Given> larger(2 * size());
-        next = std::copy(first, next, larger.data());
-        many = std::move(larger);
-        first = many.data();
-        limit = first + many.size();
-    }
-
-    static constexpr std::size_t kFew = 8;  // most tags have no more, and need no other memory
-
-    Given few[kFew];
-    std::vector<Given> many;
-    Given* first = few;
-    Given* next = few;
-    Given* limit = few + kFew;
+    FewFirst<Given> all;
     Words::Word last = 0;  // the order of the last one's name
     bool isSorted = true;  // for certain
     bool padded = false;
