@@ -1,5 +1,6 @@
 #include "standard/Documents.h"
 
+#include "xml/text/internal/Utf8.h"
 #include <algorithm>
 #include <vector>
 
@@ -337,6 +338,16 @@ std::string mutated(Dice& dice, std::string text) {
         case 2: text.replace(at, to - at, dice.any(kTokens)); break;
         default: text.insert(boundary(text, dice.below(text.size() + 1)), text.substr(at, to - at));
         }
+    }
+    return text;
+}
+
+std::string brokenDocument(Dice& dice) {
+    std::string text = randomDocument(dice);
+    if (dice.chance(40)) text = mutated(dice, text);
+    if (dice.chance(10)) {
+        text.resize(dice.below(text.size() + 1));
+        while (!text.empty() && !Utf8::isAscii(text.back())) text.pop_back();
     }
     return text;
 }

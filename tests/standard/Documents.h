@@ -11,4 +11,7 @@ std::string randomDocument(Dice& dice);
 // The document after some changes; valid UTF-8 as before.
 std::string mutated(Dice& dice, std::string text);
 
+// A random document, which may be changed, and may end within; between characters.
+std::string brokenDocument(Dice& dice);
+
 }  // namespace Xml::test

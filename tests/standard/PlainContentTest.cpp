@@ -224,12 +224,7 @@ TEST(PlainContentTest, GivesWhatEventsGiveForEverydayDocuments) {
 TEST(PlainContentTest, GivesWhatEventsGiveInRandomDocuments) {
     Dice dice(7);
     for (int round = rounds(20000); round > 0; --round) {
-        std::string text = randomDocument(dice);
-        if (dice.chance(40)) text = mutated(dice, text);
-        if (dice.chance(10)) {
-            text.resize(dice.below(text.size() + 1));
-            while (!text.empty() && !Utf8::isAscii(text.back())) text.pop_back();
-        }
+        const std::string text = brokenDocument(dice);
         ReadOptions options = optionsOf(static_cast<unsigned>(dice.below(kOptions)));
         options.maxDepth = dice.chance(20) ? 3 : 0;
         ASSERT_NO_FATAL_FAILURE(expectSame(text, options));
