@@ -22,13 +22,6 @@ constexpr Word wordOf(std::string_view text) {
     return word;
 }
 
-// Those at a place of a text; zeros from its end on.
-Word wordAt(const char* from, const char* end) {
-    const std::size_t left = static_cast<std::size_t>(end - from);
-    if (left < sizeof(Word)) return wordOf({from, left});
-    return Words::wordAt(from);
-}
-
 struct StandardReference {
     Word word;
     Word mask;  // of the bytes that it has
@@ -69,6 +62,7 @@ struct Usual {
 
 // "&#" and few digits, or "&#x" and few hexadecimal ones. No number out of range has so few.
 Usual usualCharReference(const char* from, const char* end) {
+    if (end - from <= 2 || from[1] != '#') return {from, 0};
     constexpr int kMostDigits = 8;
     const char* at = from + 2;
     const bool hexadecimal = at != end && *at == 'x';
@@ -82,14 +76,6 @@ Usual usualCharReference(const char* from, const char* end) {
     }
     if (at == end || *at != ';') return {from, 0};
     return {at + 1, static_cast<char>(static_cast<unsigned char>(code))};
-}
-
-Usual usualReference(const char* from, const char* end) {
-    const Word word = wordAt(from, end);
-    const StandardReference& standard = kStandardReferences[placeOf(word)];
-    if ((word & standard.mask) == standard.word) return {from + standard.size, standard.value};
-    if (end - from > 2 && from[1] == '#') return usualCharReference(from, end);
-    return {from, 0};
 }
 
 // --- Text with such references, a stretch at a time ---
@@ -124,17 +110,29 @@ public:
     explicit UsualText(std::string& itsResult) : result(itsResult) {}
 
     // Takes stretches of the text that ends at `end`, as long as they begin before `to`, up to a reference that is not
-    // of the usual forms. After the beginning of each kLook bytes may be looked at. Returns the end of what was taken.
+    // of the usual forms. After the beginning of each kLook bytes may be looked at, those from `end` on are zeros. Returns
+    // the end of what was taken.
     const char* take(const char* from, const char* to, const char* end) {
         while (from < to) {
-            if (block + kBlock - at < kLook) flush();
+            if (block + kBlock - filled < kLook) flush();
+            char* at = filled;  // a local one: bytes that are stored could be those of a field
             const char* const stretch = from;
             for (std::uint64_t marks = ampersandsIn(stretch); marks != 0; marks &= marks - 1) {
                 const char* const reference = stretch + __builtin_ctzll(marks);
                 at = copied(from, reference, at);
                 from = reference;
-                const auto [next, value] = usualReference(reference, end);
-                if (value == 0) return from;
+                const Word word = Words::wordAt(from);
+                const StandardReference& standard = kStandardReferences[placeOf(word)];
+                if ((word & standard.mask) == standard.word) {
+                    *at++ = standard.value;
+                    from += standard.size;
+                    continue;
+                }
+                const auto [next, value] = usualCharReference(from, end);
+                if (value == 0) {
+                    filled = at;
+                    return from;
+                }
                 *at++ = value;
                 from = next;
             }
@@ -143,13 +141,14 @@ public:
                 at = copied(from, stretchEnd, at);
                 from = stretchEnd;
             }
+            filled = at;
         }
         return from;
     }
 
     void flush() {
-        result.append(block, at);
-        at = block;
+        result.append(block, filled);
+        filled = block;
     }
 
 private:
@@ -157,7 +156,7 @@ private:
 
     std::string& result;
     char block[kBlock];
-    char* at = block;
+    char* filled = block;
 };
 
 }  // namespace
