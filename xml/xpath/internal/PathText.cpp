@@ -3,6 +3,7 @@
 #include "xml/xpath/internal/Operators.h"
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace Xml {
 
@@ -22,17 +23,20 @@ PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* m
       enclosed(memory),
       dropped(memory) {
     enclosed.reserve(kSome);
-    const bool hasWhiteSpace = findEnclosed();
+    const std::size_t white = findEnclosed();
     text = source;
-    if (hasWhiteSpace) removeWhiteSpace();
+    if (white != View::npos) removeWhiteSpace(white);
 }
 
-// Notes what is enclosed by its places in the source. Whether there is white space outside of literals.
-bool PathText::findEnclosed() {
-    bool hasWhiteSpace = false;
-    unsigned bits = 0;                                             // that any unit outside of literals has
-    constexpr std::size_t kOpen = 0;                               // the end of a bracket that is not closed yet
-    std::pmr::vector<std::size_t> open(enclosed.get_allocator());  // numbers of brackets
+// Notes what is enclosed by its places in the source. Returns the place of the first white space that may be dropped, npos
+// without any.
+std::size_t PathText::findEnclosed() {
+    // Brackets that are not closed yet are a chain: in the place of its end, each has the number of the one around it.
+    constexpr std::size_t kNone = View::npos;
+    std::size_t innermost = kNone;
+    std::size_t open = 0;
+    std::size_t white = kNone;
+    unsigned bits = 0;  // that any unit outside of literals has
     for (Unit at = source.data(), end = at + source.size(); at != end; ++at) {
         bits |= *at;
         if (isPlain(*at)) continue;
@@ -50,72 +54,72 @@ bool PathText::findEnclosed() {
             enclosed.push_back({place, close + 1});
             at = source.data() + close;
         } else if (unit == u'[') {
-            open.push_back(enclosed.size());
-            nesting_ = std::max(nesting_, open.size());
-            enclosed.push_back({place, kOpen});
-        } else if (unit == u']' && !open.empty()) {
-            enclosed[open.back()].end = place + 1;
-            open.pop_back();
+            nesting_ = std::max(nesting_, ++open);
+            enclosed.push_back({place, innermost});
+            innermost = enclosed.size() - 1;
+        } else if (unit == u']' && open > 0) {
+            --open;
+            innermost = std::exchange(enclosed[innermost].end, place + 1);
         } else {
-            hasWhiteSpace = hasWhiteSpace || IsWhiteSpace(unit);
+            if (white == kNone && IsWhiteSpace(unit)) white = place;
             mayHaveOperators_ = mayHaveOperators_ || mayBeginOperator(unit);
         }
     }
     isAscii_ = bits <= 0x7F;
     unclosed = source.size();
-    if (!open.empty()) {
-        unclosed = enclosed[open.front()].begin;
+    if (open > 0) {
+        constexpr std::size_t kOpen = 0;
+        while (innermost != kNone) {
+            unclosed = enclosed[innermost].begin;
+            innermost = std::exchange(enclosed[innermost].end, kOpen);
+        }
         const auto isOpen = [](const Enclosed& bracket) { return bracket.end == kOpen; };
         enclosed.erase(std::remove_if(enclosed.begin(), enclosed.end(), isOpen), enclosed.end());
     }
-    return hasWhiteSpace;
+    return white < unclosed ? white : kNone;
 }
 
-// Makes the text, and turns the places of what is enclosed into those in the text.
-void PathText::removeWhiteSpace() {
+// Makes the text, and turns the places of what is enclosed into those in the text. The first white space is at `white`.
+void PathText::removeWhiteSpace(std::size_t white) {
     shorter.resize(source.size());
     dropped.reserve(kSome);
+    OrvSys::uni16char* const begin = shorter.data();
+    OrvSys::uni16char* end = begin;
+    Unit run = source.data();  // from here on the text is as the source
     const Unit sourceEnd = source.data() + source.size();
-    std::size_t place = 0;  // in the text
-    const auto copy = [&](Unit from, Unit to) {
-        while (from != to) shorter[place++] = *from++;
-    };
-    auto next = enclosed.begin();
-    std::pmr::vector<Enclosed*> open(enclosed.get_allocator());
-    for (Unit at = source.data(); at != sourceEnd;) {
+    auto next = std::partition_point(enclosed.begin(), enclosed.end(),
+                                     [&](const Enclosed& each) { return each.begin < white; });
+    for (Unit at = source.data() + white; at != source.data() + unclosed;) {
         if (isPlain(*at)) {
-            shorter[place++] = *at++;
+            ++at;
             continue;
         }
-        const auto sourcePlace = static_cast<std::size_t>(at - source.data());
-        Unit after = at + 1;
-        if (IsBeginLiteral(*at)) {
-            const std::size_t begin = place;
-            after = source.data() + next->end;
-            copy(at, after);
-            *next++ = {begin, place};
-        } else if (IsWhiteSpace(*at) && sourcePlace < unclosed) {
-            Unit operatorEnd = at;
-            ExtractOperator(operatorEnd, sourceEnd);
-            copy(at, operatorEnd);
-            if (operatorEnd != at) {
-                after = operatorEnd;
-            } else {
-                dropped.push_back({place, sourcePlace + 1 - place});
-            }
+        Unit operatorEnd = at;
+        if (next != enclosed.end() && source.data() + next->begin == at) {
+            at = IsBeginLiteral(*at) ? source.data() + next->end : at + 1;
+            ++next;
+        } else if (!IsWhiteSpace(*at)) {
+            ++at;
+        } else if (ExtractOperator(operatorEnd, sourceEnd) != Operator::None) {
+            at = operatorEnd;
         } else {
-            shorter[place++] = *at;
-            if (next != enclosed.end() && next->begin == sourcePlace) {
-                next->begin = place - 1;
-                open.push_back(&*next++);
-            } else if (!open.empty() && open.back()->end == sourcePlace + 1) {
-                open.back()->end = place;
-                open.pop_back();
-            }
+            end = std::copy(run, at, end);
+            run = ++at;
+            const auto place = static_cast<std::size_t>(end - begin);
+            dropped.push_back({place, static_cast<std::size_t>(run - source.data()) - place});
         }
-        at = after;
     }
-    text = View(shorter.data(), place);
+    end = std::copy(run, sourceEnd, end);
+    text = View(begin, static_cast<std::size_t>(end - begin));
+    for (Enclosed& each : enclosed) each = {textPlaceOf(each.begin), textPlaceOf(each.end - 1) + 1};
+}
+
+// Of a place in the source that was not dropped.
+std::size_t PathText::textPlaceOf(std::size_t sourcePlace) const {
+    const auto after =
+        std::upper_bound(dropped.begin(), dropped.end(), sourcePlace,
+                         [](std::size_t wanted, const Dropped& each) { return wanted < each.from + each.units; });
+    return after != dropped.begin() ? sourcePlace - std::prev(after)->units : sourcePlace;
 }
 
 Unit PathText::afterEnclosed(Unit at) const {

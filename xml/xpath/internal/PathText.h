@@ -27,7 +27,7 @@ enum class PathUnits : std::uint8_t { Text, Bytes };
 // Most paths are short and have little of all that: a path without white space is its own text, and only literals and
 // brackets are noted.
 //
-// It costs O(length), whatever the nesting, and later O(log n) for each of n literals and brackets.
+// It costs O(length), whatever the nesting, and O(log n) for each of n literals and brackets.
 class PathText {
 public:
     // The path must stay. What is noted is put into `memory`.
@@ -79,8 +79,9 @@ private:
         std::size_t units;
     };
 
-    bool findEnclosed();
-    void removeWhiteSpace();
+    std::size_t findEnclosed();
+    void removeWhiteSpace(std::size_t white);
+    std::size_t textPlaceOf(std::size_t sourcePlace) const;
     Unit afterEnclosed(Unit at) const;
 
     const PathUnits units;
