@@ -16,8 +16,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -266,17 +266,17 @@ private:
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesForFull(count) : 0;
         const auto room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes, before);
         Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
-        char* texts = room.bytes + arrayBytes;
-        char* place = static_cast<char*>(room.node);
+        char *texts = room.bytes + arrayBytes, *place = static_cast<char*>(room.node);
+        const bool arePadded = all.arePadded();
         for (const auto& given : all) {
-            const std::string_view value = given.value();
-            internal::GivenText text{value, internal::TextPlace::Own, nullptr, all.arePadded()};
-            if (!isShort(value)) {
+            internal::GivenText text{given.value(), internal::TextPlace::Own, nullptr, arePadded};
+            if (const std::string_view value = text.bytes; !isShort(value)) {
                 Words::copyLong(texts, value.data(), value.size());
                 text = {{texts, value.size()}, internal::TextPlace::Lent};
                 texts += value.size();
             }
-            auto* const made = ::new (place + before) Attribute(&given.name->text, text, &element);
+            // Laundered: GCC does not join stores through a pointer that the loop itself counts up.
+            auto* const made = ::new (std::launder(place + before)) Attribute(&given.name->text, text, &element);
             noteTag(*made, all, given);
             *at++ = placed(made, all.placeOf(given)).release();
             place += size;
