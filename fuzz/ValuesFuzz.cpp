@@ -5,6 +5,7 @@
 #include "fuzz/Property.h"
 #include "fuzz/Target.h"
 #include "support/Messages.h"
+#include "support/Pattern.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Element.h"
 #include "xml/easy/Compare.h"
@@ -17,7 +18,6 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
-#include <regex>
 #include <string>
 
 namespace Xml::fuzz {
@@ -30,16 +30,15 @@ std::string trimmed(const std::string& text) {
 }
 
 // The text of a number without its plus; nothing where it is none.
-std::optional<std::string> numberIn(const std::string& text, const std::regex& form) {
-    std::smatch match;
-    const std::string inner = trimmed(text);
-    if (!std::regex_match(inner, match, form)) return {};
-    return match[1].str();
+std::optional<std::string> numberIn(const std::string& text, const test::Pattern& form) {
+    const test::Pattern::Groups parts = form.match(trimmed(text));
+    if (parts.empty()) return {};
+    return parts[1];
 }
 
 template <class Integer>
 std::optional<Integer> naiveInteger(const std::string& text) {
-    static const std::regex form("\\+?(-?[0-9]+)");
+    static const test::Pattern form("\\+?(-?[0-9]+)");
     const auto number = numberIn(text, form);
     if (!number || (trimmed(text)[0] == '+' && number->at(0) == '-')) return {};
     const bool isNegative = number->at(0) == '-';
@@ -58,7 +57,7 @@ std::optional<Integer> naiveInteger(const std::string& text) {
 }
 
 std::optional<double> naiveReal(const std::string& text) {
-    static const std::regex form("\\+?(-?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?)");
+    static const test::Pattern form("\\+?(-?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?)");
     const auto number = numberIn(text, form);
     if (!number || (trimmed(text)[0] == '+' && number->at(0) == '-')) return {};
     errno = 0;

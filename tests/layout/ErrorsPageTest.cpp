@@ -1,11 +1,11 @@
 #include "support/Messages.h"
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Trees.h"
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -28,13 +28,13 @@ std::vector<Row> tableBelow(const std::string& heading, const std::string& first
         if (line.rfind("| " + firstCell + " |", 0) == 0) inTable = true;
         if (line.empty() || line[0] != '|') inTable = false;
         if (!inTable) continue;
-        line = std::regex_replace(line, std::regex("\\\\\\|"), "\x01");
+        line = Pattern("\\\\\\|").replaceIn(line, "\x01");
         Row row;
         std::istringstream cells(line.substr(1));
         for (std::string cell; std::getline(cells, cell, '|');) {
             std::replace(cell.begin(), cell.end(), '\x01', '|');
-            std::smatch code;
-            row.push_back(std::regex_search(cell, code, std::regex("`([^`]*)`")) ? code[1].str() : cell);
+            const Pattern::Groups code = Pattern("`([^`]*)`").find(cell);
+            row.push_back(code.empty() ? cell : code[1]);
         }
         rows.push_back(row);
     }
@@ -44,9 +44,8 @@ std::vector<Row> tableBelow(const std::string& heading, const std::string& first
 
 // The message without its position in front and its class after.
 std::string plainText(const std::string& message) {
-    std::smatch parts;
-    return std::regex_match(message, parts, std::regex("\\(line = \\d+, column = \\d+\\) (.*) <\\w+>")) ? parts[1].str()
-                                                                                                        : message;
+    const Pattern::Groups parts = Pattern("\\(line = \\d+, column = \\d+\\) (.*) <\\w+>").match(message);
+    return parts.empty() ? message : parts[1];
 }
 
 TEST(ErrorsPageTest, NamesTheTextThatEachInputOfTheReaderTableGives) {
@@ -85,12 +84,11 @@ TEST(ErrorsPageTest, ListsTheDiagnosticsThatStandInTheSources) {
     for (const Row& row : tableBelow("Diagnostics", "text")) listed.insert(row[0]);
 
     std::set<std::string> found;
-    const std::regex literal("\"(<[A-Z][A-Za-z:]*::[A-Za-z]+> [^\"]*)\"");
+    const Pattern literal("\"(<[A-Z][A-Za-z:]*::[A-Za-z]+> [^\"]*)\"");
     for (const auto& entry : std::filesystem::recursive_directory_iterator(sourcePath("xml"))) {
         if (entry.path().extension() != ".cpp") continue;
         const std::string text = readFile(entry.path().string());
-        for (std::sregex_iterator at(text.begin(), text.end(), literal), end; at != end; ++at)
-            found.insert((*at)[1].str());
+        for (const Pattern::Groups& one : literal.findAll(text)) found.insert(one[1]);
     }
     EXPECT_EQ(listed, found);
 }

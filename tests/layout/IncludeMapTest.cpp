@@ -1,12 +1,12 @@
 // Who may include whom. A module's headers know only what stands below it; what a node or an entity asks of a document
 // type runs back up and stays in sources, behind forward declarations.
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -42,9 +42,9 @@ const std::set<std::string> kUserHeaders = {"xml/xml.h", "xml/standard.h", "xml/
 
 // The module of a path: its first folder, below xml its first two. The files of xml itself are in none.
 std::string moduleOf(const std::string& path) {
-    static const std::regex kModule("(orvsys|xml/[^/]+)/.+");
-    std::smatch match;
-    return std::regex_match(path, match, kModule) ? match[1].str() : std::string();
+    static const Xml::test::Pattern kModule("(orvsys|xml/[^/]+)/.+");
+    const auto parts = kModule.match(path);
+    return parts.empty() ? "" : parts[1];
 }
 
 bool isHeader(const std::string& path) { return fs::path(path).extension() == ".h"; }
@@ -86,14 +86,14 @@ std::string faultOf(const std::string& file, char bracket, const std::string& in
 
 // One line for each include of the text that is not allowed in the file of that path.
 std::vector<std::string> faultsOf(const std::string& file, std::istream& text) {
-    static const std::regex kInclude(R"(\s*#\s*include\s*([<"])([^>"]+)[>"].*)");
+    static const Xml::test::Pattern kInclude(R"(\s*#\s*include\s*([<"])([^>"]+)[>"].*)");
     std::vector<std::string> faults;
     std::string line;
-    std::smatch match;
     while (std::getline(text, line)) {
-        if (!std::regex_match(line, match, kInclude)) continue;
-        const std::string fault = faultOf(file, match[1].str()[0], match[2].str());
-        if (!fault.empty()) faults.push_back(file + " includes " + match[2].str() + ", which " + fault);
+        const auto parts = kInclude.match(line);
+        if (parts.empty()) continue;
+        const std::string fault = faultOf(file, parts[1][0], parts[2]);
+        if (!fault.empty()) faults.push_back(file + " includes " + parts[2] + ", which " + fault);
     }
     return faults;
 }

@@ -3,6 +3,7 @@
 #include "orvsys/Localization.h"
 #include "orvsys/Uni16.h"
 #include "support/Messages.h"
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Tables.h"
@@ -18,7 +19,6 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -110,9 +110,9 @@ const Page& page() {
 
 // The code that a cell begins with, without its quotes, repeated where the cell says how often: `[` 1,001 times.
 std::string codeIn(const std::string& cell) {
-    static const std::regex form("`([^`]+)`(?: ([0-9,]+) times)?.*");
-    std::smatch parts;
-    if (!std::regex_match(cell, parts, form)) throw std::runtime_error("no code in the cell: " + cell);
+    static const Pattern form("`([^`]+)`(?: ([0-9,]+) times)?.*");
+    const Pattern::Groups parts = form.match(cell);
+    if (parts.empty()) throw std::runtime_error("no code in the cell: " + cell);
     std::string times = parts[2];
     times.erase(std::remove(times.begin(), times.end(), ','), times.end());
     std::string code;
@@ -135,9 +135,9 @@ public:
 
 private:
     static std::int64_t limitIn(const std::string& cell) {
-        static const std::regex form(".* after `XPath::setWorkLimit\\(([0-9]+)\\)`");
-        std::smatch parts;
-        return std::regex_match(cell, parts, form) ? std::stoll(parts[1]) : 0;
+        static const Pattern form(".* after `XPath::setWorkLimit\\(([0-9]+)\\)`");
+        const Pattern::Groups parts = form.match(cell);
+        return !parts.empty() ? std::stoll(parts[1]) : 0;
     }
 
     const std::int64_t before;
@@ -288,17 +288,17 @@ TEST(PathsPageTest, ShowsEveryAxis) {
 }
 
 TEST(PathsPageTest, ShowsEveryKindTestAndNameTest) {
-    std::vector<std::pair<std::string, std::regex>> missing;
+    std::vector<std::pair<std::string, Pattern>> missing;
     for (const char* const test :
          {"[/:@]node\\(\\)", "[/:@]element\\(\\)", "[/:@]attribute\\(\\)", "[/:@]text\\(\\)",
           "[/:@]document-node\\(\\)", "[/:@]node\\(\\w+\\)", "[/:@]element\\(\\w+\\)", "[/:@]attribute\\(\\w+\\)",
           "/text$", "/\\*$", "/\\w+$", "/\\w+:\\w+$", "[/@]\\w+:\\*$", "/\\*:\\w+$"})
-        missing.emplace_back(test, test);
+        missing.emplace_back(test, Pattern(test));
     forEachPath([&](const Row& row, const std::string& path) {
         if (codeIn(row["result"]).rfind("error", 0) == 0) return;
-        missing.erase(std::remove_if(missing.begin(), missing.end(),
-                                     [&](const auto& test) { return std::regex_search(path, test.second); }),
-                      missing.end());
+        missing.erase(
+            std::remove_if(missing.begin(), missing.end(), [&](const auto& test) { return test.second.isIn(path); }),
+            missing.end());
     });
     for (const auto& test : missing) ADD_FAILURE() << test.first;
 }
@@ -321,7 +321,7 @@ TEST(PathsPageTest, ShowsEveryOperatorInItsRow) {
 // --- The program of the page ---
 
 // A line with single blanks and none at its ends.
-std::string squeezed(const std::string& line) { return trimmed(std::regex_replace(line, std::regex(" +"), " ")); }
+std::string squeezed(const std::string& line) { return trimmed(Pattern(" +").replaceIn(line, " ")); }
 
 TEST(PathsPageTest, TellsWhatItsProgramFinds) {
     Document* const document = garden();

@@ -1,9 +1,9 @@
 // Readers reach code of callers through Report alone, so that none forgets to give the window back first.
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <string>
 
 namespace {
@@ -13,12 +13,12 @@ namespace fs = std::filesystem;
 // What is a way around Report in a reader's source: issuing a diagnostic, calling Reader::message, giving the window
 // back on its own, declaring what may be a duplicate. Empty when the line is none.
 std::string wayAround(const std::string& line) {
-    static const std::regex kWay(R"((\bMessage\b|[.>]message\(|^\s*message\(|StreamAccess::release)"
-                                 R"(|(\.|->)(addAttDecl|addElementDecl|addName)\())");
-    static const std::regex kComment(R"(\s*//.*)");
-    std::smatch match;
-    if (std::regex_match(line, kComment) || line.find("Report::during(") != std::string::npos) return "";
-    return std::regex_search(line, match, kWay) ? match[0].str() : std::string();
+    static const Xml::test::Pattern kWay(R"((\bMessage\b|[.>]message\(|^\s*message\(|StreamAccess::release)"
+                                         R"(|(\.|->)(addAttDecl|addElementDecl|addName)\())");
+    static const Xml::test::Pattern kComment(R"(\s*//.*)");
+    if (kComment.fits(line) || line.find("Report::during(") != std::string::npos) return "";
+    const auto found = kWay.find(line);
+    return found.empty() ? "" : found[0];
 }
 
 TEST(ReportLayoutTest, TellsAWayAroundFromOthers) {

@@ -1,12 +1,12 @@
 // How the files of the checkout read: words that say where a rule comes from instead of what it is, lines and files
 // that are too long, and doors that headers leave open for tests.
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -15,22 +15,21 @@ namespace {
 namespace fs = std::filesystem;
 
 using Lines = std::vector<std::string>;
+using Xml::test::Pattern;
 
 constexpr std::size_t kMostColumns = 120;
 constexpr std::size_t kMostLines = 350;
 
 // A rule is stated as a rule; it is not told, intended or always so.
-const std::regex kWords(R"(\b(told|tells of|as always|intended|always have|has always|callers rely on|as ever)\b)",
-                        std::regex::icase);
-const std::regex kNames(R"([a-z](Told|Intended|AsAlways)(?![a-z]))");
-const std::regex kAllowed(R"(\b(told apart)\b)", std::regex::icase);
+const Pattern kWords(R"(\b(told|tells of|as always|intended|always have|has always|callers rely on|as ever)\b)",
+                     Pattern::Case::DoesNotMatter);
+const Pattern kNames(R"([a-z](Told|Intended|AsAlways)(?![a-z]))");
+const Pattern kAllowed(R"(\b(told apart)\b)", Pattern::Case::DoesNotMatter);
 
-const std::regex kTestFriend(R"(\bfriend\b[^;]*\w*Test)");
+const Pattern kTestFriend(R"(\bfriend\b[^;]*\w*Test)");
 
 // Whether the text has a word that it should not have. Where the words are spread over two lines they are not seen.
-bool hasWord(const std::string& line) {
-    return std::regex_search(std::regex_replace(line, kAllowed, ""), kWords) || std::regex_search(line, kNames);
-}
+bool hasWord(const std::string& line) { return kWords.isIn(kAllowed.replaceIn(line, "")) || kNames.isIn(line); }
 
 // Bytes of UTF-8 that begin a character.
 std::size_t columnsOf(const std::string& line) {
@@ -39,7 +38,7 @@ std::size_t columnsOf(const std::string& line) {
 
 bool isTooLong(const std::string& line) { return columnsOf(line) > kMostColumns; }
 
-bool hasTestFriend(const std::string& line) { return std::regex_search(line, kTestFriend); }
+bool hasTestFriend(const std::string& line) { return kTestFriend.isIn(line); }
 
 // Files below a folder of the checkout, or the file itself, as paths from the root. Inputs of fuzzers are no texts of
 // ours, and this file has the words that it looks for.

@@ -1,9 +1,9 @@
 #include "standard/ConstraintsPage.h"
 
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Tables.h"
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -23,19 +23,18 @@ struct DocumentCell {
 };
 
 std::optional<DocumentCell> documentIn(const std::string& cell) {
-    static const std::regex form("(.*?)(?: under `([^`]+)`)?");
+    static const Pattern form("(.*?)(?: under `([^`]+)`)?");
     if (cell == "-") return std::nullopt;
-    std::smatch parts;
-    std::regex_match(cell, parts, form);
+    const Pattern::Groups parts = form.match(cell);
     return DocumentCell{pageDocumentOf(parts[1]), parts[2]};
 }
 
 // --- Rows ---
 
 std::string nameIn(const std::string& cell) {
-    static const std::regex form("`([^`]+)`");
-    std::smatch parts;
-    if (!std::regex_match(cell, parts, form)) throw std::runtime_error("not the name of a rule: " + cell);
+    static const Pattern form("`([^`]+)`");
+    const Pattern::Groups parts = form.match(cell);
+    if (parts.empty()) throw std::runtime_error("not the name of a rule: " + cell);
     return parts[1];
 }
 

@@ -1,7 +1,7 @@
 #include "standard/PageDocument.h"
 
+#include "support/Pattern.h"
 #include <cstdint>
-#include <regex>
 #include <stdexcept>
 
 namespace Xml::test {
@@ -50,26 +50,25 @@ void append(std::string& bytes, std::uint32_t character, Encoding encoding) {
 
 // The bytes that the text means. Outside of escapes it is ASCII.
 std::string bytesOf(const std::string& text, Encoding encoding) {
-    static const std::regex escape(R"(\\(?:([nrt\\])|x([0-9A-F]{2})|u\{([0-9A-F]{1,6})\}))");
+    static const Pattern escape(R"(\\(?:([nrt\\])|x([0-9A-F]{2})|u\{([0-9A-F]{1,6})\}))");
     std::string bytes;
     for (auto at = text.cbegin(); at != text.cend();) {
-        std::smatch parts;
         if (*at != '\\') {
             if (*at < 0x20 || *at > 0x7E) throw std::runtime_error("a character that wants an escape in: " + text);
             append(bytes, static_cast<unsigned char>(*at++), encoding);
             continue;
         }
-        if (!std::regex_search(at, text.cend(), parts, escape, std::regex_constants::match_continuous))
-            throw std::runtime_error("an escape of no known kind in: " + text);
-        if (parts[1].matched) {
-            const char named = *parts[1].first;
+        const Pattern::Groups parts = escape.matchBeginOf({at, text.cend()});
+        if (parts.empty()) throw std::runtime_error("an escape of no known kind in: " + text);
+        if (!parts[1].empty()) {
+            const char named = parts[1][0];
             append(bytes, named == 'n' ? '\n' : named == 'r' ? '\r' : named == 't' ? '\t' : '\\', encoding);
-        } else if (parts[2].matched) {
+        } else if (!parts[2].empty()) {
             bytes += static_cast<char>(std::stoi(parts[2], nullptr, 16));
         } else {
             append(bytes, static_cast<std::uint32_t>(std::stoul(parts[3], nullptr, 16)), encoding);
         }
-        at = parts[0].second;
+        at += static_cast<std::ptrdiff_t>(parts[0].size());
     }
     return bytes;
 }
@@ -77,10 +76,10 @@ std::string bytesOf(const std::string& text, Encoding encoding) {
 }  // namespace
 
 PageDocument pageDocumentOf(const std::string& cell) {
-    static const std::regex form("`([^`]*)`(?: as (UTF-16LE|UTF-16BE))?");
-    std::smatch parts;
-    if (!std::regex_match(cell, parts, form)) throw std::runtime_error("not a document: " + cell);
-    const Encoding encoding = !parts[2].matched        ? Encoding::Utf8
+    static const Pattern form("`([^`]*)`(?: as (UTF-16LE|UTF-16BE))?");
+    const Pattern::Groups parts = form.match(cell);
+    if (parts.empty()) throw std::runtime_error("not a document: " + cell);
+    const Encoding encoding = parts[2].empty()         ? Encoding::Utf8
                               : parts[2] == "UTF-16LE" ? Encoding::Utf16LittleEndian
                                                        : Encoding::Utf16BigEndian;
     return {cell, bytesOf(parts[1], encoding)};

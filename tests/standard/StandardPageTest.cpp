@@ -2,6 +2,7 @@
 // what that column asks of the document, and blocks of code are parts of programs in examples/, which run as tests.
 #include "standard/Oracles.h"
 #include "standard/PageDocument.h"
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Tables.h"
@@ -20,7 +21,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -84,11 +84,11 @@ Page readPage(const std::string& file) {
 
 // Sets what a cell says: `maxBytes = 10`, several with commas between them.
 ReadOptions optionsIn(const std::string& cell) {
-    static const std::regex form("(\\w+) = ([^,`]+)");
+    static const Pattern form("(\\w+) = ([^,`]+)");
     ReadOptions options;
-    for (std::sregex_iterator each(cell.begin(), cell.end(), form), end; each != end; ++each) {
-        const std::string name = (*each)[1];
-        const std::string value = (*each)[2];
+    for (const Pattern::Groups& each : form.findAll(cell)) {
+        const std::string& name = each[1];
+        const std::string& value = each[2];
         if (name == "maxBytes") {
             options.maxBytes = std::stoll(value);
         } else if (name == "maxDepth") {
@@ -169,10 +169,10 @@ Question questionOf(const std::string& document) {
 // What the dialect makes of it: the tree, or its message without the place.
 std::string treeOfDialect(const std::string& document) {
     const Outcome outcome = readDocument(document);
-    static const std::regex wrapping("^\\(line = [0-9]+, column = -?[0-9]+\\) (.*) <[^<]*>$");
-    std::smatch parts;
+    static const Pattern wrapping("^\\(line = [0-9]+, column = -?[0-9]+\\) (.*) <[^<]*>$");
     if (outcome.ok) return dump(outcome.document.get());
-    return std::regex_match(outcome.error, parts, wrapping) ? "error: " + parts[1].str() : "error: " + outcome.error;
+    const Pattern::Groups parts = wrapping.match(outcome.error);
+    return "error: " + (parts.empty() ? outcome.error : parts[1]);
 }
 
 // What toStream makes of the whole, without the XML declaration and the last line end.
