@@ -110,8 +110,8 @@ public:
     explicit UsualText(std::string& itsResult) : result(itsResult) {}
 
     // Takes stretches of the text that ends at `end`, as long as they begin before `to`, up to a reference that is not
-    // of the usual forms. After the beginning of each kLook bytes may be looked at, those from `end` on are zeros. Returns
-    // the end of what was taken.
+    // of the usual forms. After the beginning of each kLook bytes may be looked at; those from `end` on are zeros.
+    // Returns the end of what was taken.
     const char* take(const char* from, const char* to, const char* end) {
         while (from < to) {
             if (block + kBlock - filled < kLook) flush();

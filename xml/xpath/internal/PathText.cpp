@@ -28,8 +28,8 @@ PathText::PathText(const OrvSys::Uni16String& path, std::pmr::memory_resource* m
     if (white != View::npos) removeWhiteSpace(white);
 }
 
-// Notes what is enclosed by its places in the source. Returns the place of the first white space that may be dropped, npos
-// without any.
+// Notes what is enclosed by its places in the source. Returns the place of the first white space that may be dropped,
+// npos without any.
 std::size_t PathText::findEnclosed() {
     // Brackets that are not closed yet are a chain: in the place of its end, each has the number of the one around it.
     constexpr std::size_t kNone = View::npos;
