@@ -1,11 +1,11 @@
 // Documents as they are met every day: feeds, drawings, pages, build files, books. Each is read beside libxml2, from
 // every kind of source, and a few things of it are known by hand.
 //
-// To add one: a file in everyday/, and a row of kKnown.
+// To add one: a file in everyday/, a row of kKnown, and one of the table of EverydaySaveTest.cpp.
 #include "standard/Encoded.h"
+#include "standard/Everyday.h"
 #include "standard/Streamed.h"
 #include "standard/WholeTree.h"
-#include "support/Places.h"
 #include "support/Texts.h"
 #include "xml/dom/Attribute.h"
 #include "xml/dom/CharData.h"
@@ -18,23 +18,13 @@
 #include "xml/standard/StreamReader.h"
 #include "xml/xpath/XPath.h"
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
 
 namespace Xml::test {
 namespace {
-
-std::string folder() { return sourceFolder() + "/tests/standard/everyday/"; }
-
-std::string bytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 ReadOptions withPlaces(ReadOptions options) {
     options.keepPlaces = true;
@@ -62,12 +52,6 @@ std::string textIn(const Element& element) {
     for (int i = 0; i < element.getChildCount(); ++i) {
         if (element.getChild(i)->isCharData()) text += element.getChild(i)->toCharData()->getData();
     }
-    return text;
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
     return text;
 }
 
@@ -103,9 +87,9 @@ void expectRead(const std::string& bytes, const std::string& path) {
 
 TEST(EverydayTest, DocumentsAreReadAsByLibxml2) {
     int read = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
-        SCOPED_TRACE(entry.path().string());
-        expectRead(bytesOf(entry.path().string()), entry.path().string());
+    for (const std::string& file : everydayFiles()) {
+        SCOPED_TRACE(file);
+        expectRead(everydayText(file), everydayPath(file));
         ++read;
     }
     EXPECT_GE(read, 30);
@@ -175,7 +159,7 @@ TEST(EverydayTest, DocumentsHaveWhatIsKnownOfThem) {
     for (const Known& known : kKnown) {
         SCOPED_TRACE(known.file);
         rows.insert(known.file);
-        const ReadResult result = readText(bytesOf(folder() + known.file), withPlaces({}));
+        const ReadResult result = readText(everydayText(known.file), withPlaces({}));
         ASSERT_TRUE(result) << result.message();
         const Element* const element = result->find(known.name);
         ASSERT_NE(element, nullptr);
@@ -187,14 +171,13 @@ TEST(EverydayTest, DocumentsHaveWhatIsKnownOfThem) {
         EXPECT_EQ(query.GetValues(wide(known.path)), known.count);
         EXPECT_EQ(narrow(query.GetValue(0, -1)), known.value);
     }
-    for (const auto& entry : std::filesystem::directory_iterator(folder()))
-        EXPECT_EQ(rows.count(entry.path().filename().string()), 1u) << entry.path();
+    for (const std::string& file : everydayFiles()) EXPECT_EQ(rows.count(file), 1u) << file;
 }
 
 // --- What stands around the root, defaults ---
 
 TEST(EverydayTest, WhatStandsAroundTheRootIsKept) {
-    const ReadResult drawing = readFile(folder() + "drawing.xml");
+    const ReadResult drawing = readFile(everydayPath("drawing.xml"));
     ASSERT_TRUE(drawing) << drawing.message();
     const Prolog& prolog = prologOf(static_cast<const Document&>(*drawing));
     EXPECT_TRUE(prolog.hasDeclaration);
@@ -206,7 +189,7 @@ TEST(EverydayTest, WhatStandsAroundTheRootIsKept) {
     ASSERT_EQ(prolog.beforeDoctype.size(), 1u);
     EXPECT_EQ(kindOf(*prolog.beforeDoctype[0]), NodeKind::Comment);
 
-    const ReadResult list = readFile(folder() + "package-list.xml");
+    const ReadResult list = readFile(everydayPath("package-list.xml"));
     ASSERT_TRUE(list) << list.message();
     const Prolog& around = prologOf(static_cast<const Document&>(*list));
     EXPECT_EQ(around.standalone, true);
@@ -216,7 +199,7 @@ TEST(EverydayTest, WhatStandsAroundTheRootIsKept) {
 }
 
 TEST(EverydayTest, DefaultsOfTheSubsetAreAttributes) {
-    const ReadResult drawing = readFile(folder() + "drawing.xml");
+    const ReadResult drawing = readFile(everydayPath("drawing.xml"));
     ASSERT_TRUE(drawing) << drawing.message();
     const Element& svg = *drawing->getRoot();
     EXPECT_EQ(svg.getAttributeValue("zoomAndPan"), "magnify");
@@ -224,7 +207,7 @@ TEST(EverydayTest, DefaultsOfTheSubsetAreAttributes) {
     EXPECT_EQ(svg.getAttributeValue("xmlns"), "http://www.w3.org/2000/svg");
     EXPECT_FALSE(isDefault(*svg.getAttribute("xmlns")));
 
-    const ReadResult book = readFile(folder() + "book.xml");
+    const ReadResult book = readFile(everydayPath("book.xml"));
     ASSERT_TRUE(book) << book.message();
     const Element& first = *book->find("chapter", 0);
     EXPECT_TRUE(isDefault(*first.getAttribute("role")));
@@ -246,12 +229,12 @@ const EncodingUnderTest& encodingNamed(const std::vector<EncodingUnderTest>& all
 }
 
 std::string bodyOf(const std::string& file) {
-    const std::string text = bytesOf(folder() + file);
+    const std::string text = everydayText(file);
     return text.substr(text.find("?>") + 3);
 }
 
 TEST(EverydayTest, AByteOrderMarkIsNoText) {
-    const std::string text = "\xEF\xBB\xBF" + bytesOf(folder() + "manifest.xml");
+    const std::string text = "\xEF\xBB\xBF" + everydayText("manifest.xml");
     expectRead(text, "");
     const ReadResult result = readText(text, withPlaces({}));
     ASSERT_TRUE(result) << result.message();
@@ -269,7 +252,7 @@ TEST(EverydayTest, Utf16OfEitherOrderIsRead) {
             const Encoded encoded = encode(text, encodingNamed(all, name), true);
             expectRead(encoded.bytes, "");
             const ReadResult wide = readText(encoded.bytes, everything());
-            const ReadResult narrow = readText(bytesOf(folder() + file), everything());
+            const ReadResult narrow = readText(everydayText(file), everything());
             ASSERT_TRUE(wide && narrow) << wide.message();
             EXPECT_EQ(wholeTree(*wide, AttributeOrder::OfTag, Sections::Nodes),
                       wholeTree(*narrow, AttributeOrder::OfTag, Sections::Nodes));
@@ -322,7 +305,7 @@ TEST(EverydayTest, LineEndsOfOtherSystemsAreTheSameTreeAndLines) {
     for (const char* const end : {"\r\n", "\r"}) {
         for (const Known& known : kKnown) {
             SCOPED_TRACE(known.file);
-            const std::string text = bytesOf(folder() + known.file);
+            const std::string text = everydayText(known.file);
             const std::string foreign = replaced(text, "\n", end);
             expectRead(foreign, "");
             const ReadResult result = readText(foreign, withPlaces({}));
