@@ -1,4 +1,5 @@
-// Short ways for daily work: reading, asking, changing and comparing trees, and going through a stream.
+// Short ways for daily work: reading, asking, changing, comparing and saving trees, and going through a stream.
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -8,12 +9,13 @@
 
 namespace {
 
-const char* const kMenu =
-    "<menu xmlns:v='urn:vegan' day='Monday'>\n"
-    "  <dish price='4.50' v:ok='true'>Soup</dish>\n"
-    "  <dish price='7'>Fish &amp; chips</dish>\n"
-    "  <grün price='3.20'>Salad</grün>\n"
-    "</menu>";
+const char* const kMenu = R"(<!-- by the cook -->
+<menu xmlns:v="urn:vegan" day="Monday">
+  <dish price="4.50" v:ok="true">Soup</dish>
+  <dish price="7">Fish &amp; chips</dish>
+  <grün price="3.20">Salad</grün>
+</menu>
+)";
 
 void readAndLook() {
     Xml::ReadResult menu = Xml::readText(kMenu);
@@ -65,6 +67,21 @@ void changeTheMenu() {
     }
 }
 
+void saveTheMenu() {
+    std::ofstream("menu.xml") << kMenu;
+
+    Xml::ReadResult menu = Xml::readFile("menu.xml", Xml::everything());
+    if (!menu) return void(std::cerr << menu.message() << '\n');
+    Xml::Element& soup = *Xml::elements(*menu->getRoot(), "dish").first();
+    Xml::setValue(soup, "price", 4.8);
+    if (const auto saved = Xml::saveFile(*menu, "menu.xml", Xml::asRead(*menu)); !saved)
+        return void(std::cerr << saved.message() << '\n');
+    std::cout << std::ifstream("menu.xml").rdbuf();
+
+    Xml::setText(soup, "Soup\x07");
+    std::cout << Xml::saveFile(*menu, "menu.xml", Xml::asRead(*menu)).message() << '\n';
+}
+
 void addUpAStream() {
     std::istringstream orders(
         "<orders><order n='2'><dish>Soup</dish></order><order n='3'><dish>Cake</dish></order></orders>");
@@ -87,5 +104,6 @@ int main() {
     readAndLook();
     askForDishes();
     changeTheMenu();
+    saveTheMenu();
     addUpAStream();
 }
