@@ -1,5 +1,5 @@
-// Reads docs/easy.md and asks the paths of its table. Its blocks of code are those of a program of examples/, which a
-// test of the pages of XML 1.0 compares.
+// Reads docs/easy.md and asks the paths of its table, and docs/coming-from.md, whose calls are those of a program. The
+// blocks of code are those of programs too, which a test of the pages of XML 1.0 compares.
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "support/Tables.h"
@@ -38,6 +38,27 @@ TEST(EasyPageTest, SaysOfEveryPathWhatIsWrongWithIt) {
         ++rows;
     }
     EXPECT_GE(rows, 17);
+}
+
+TEST(ComingFromPageTest, HasCallsOfThisLibraryThatCompile) {
+    const std::string program = readFile(sourceFolder() + "/examples/coming_from.cpp");
+    std::istringstream page(readFile(sourceFolder() + "/docs/coming-from.md"));
+    int calls = 0;
+    for (std::string line; std::getline(page, line);) {
+        if (line.rfind('|', 0) != 0 || line.rfind("|---", 0) == 0 || line.rfind("| task", 0) == 0) continue;
+        const std::vector<std::string> cells = cellsOf(line);
+        ASSERT_EQ(cells.size(), 5u) << line;
+        std::string rest = cells[4];
+        ASSERT_FALSE(codeIn(rest).empty()) << line;
+        for (std::string call = codeIn(rest); !call.empty(); call = codeIn(rest)) {
+            EXPECT_NE(program.find(call), std::string::npos) << call;
+            rest = trimmed(rest.substr(call.size() + 2));
+            if (rest.rfind(',', 0) == 0) rest = trimmed(rest.substr(1));
+            ++calls;
+        }
+        EXPECT_EQ(rest, "") << line;
+    }
+    EXPECT_GE(calls, 35);
 }
 
 }  // namespace
