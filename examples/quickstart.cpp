@@ -1,24 +1,26 @@
+// Changes a value in a file that somebody else wrote, and shows what is wrong with a document.
+#include <fstream>
 #include <iostream>
+#include <xml/easy.h>
 #include <xml/standard.h>
-#include <xml/xml.h>
 
 int main() {
-    Xml::ReadResult shelf = Xml::readText(
-        "<!DOCTYPE shelf [<!ELEMENT shelf (seed)*><!ELEMENT seed (name)><!ELEMENT name (#PCDATA)>"
-        "<!ATTLIST seed sow CDATA #REQUIRED packets CDATA '0'>]>\n"
-        "<shelf>\n"
-        "  <seed sow='3'><name>Early Marrow</name></seed>\n"
-        "  <seed sow='5' packets='2'><name><![CDATA[Snow & Sugar]]></name></seed>\n"
-        "</shelf>\n");
-    if (!shelf) return std::cerr << shelf.message() << '\n', 1;
+    std::ofstream("app.xml") << R"(<?xml version="1.0" encoding="ISO-8859-1"?>
+<app>
+  <!-- not for everybody -->
+  <server port="80" host="::1"><![CDATA[Tom & Ana]]></server>
+</app>
+)";
 
-    Xml::XPath query(shelf.get());
-    for (unsigned i = 0, n = query.GetValues(u"//seed[@sow > 4]/name"); i < n; ++i)
-        std::cout << OrvSys::Uni16CharToPlatformCString(query.GetValue(i, -1)) << " is sown after April\n\n";
+    Xml::ReadResult app = Xml::readFile("app.xml", Xml::everything());
+    if (!app) return std::cerr << app.message() << '\n', 1;
+    for (Xml::Element& server : Xml::descendants(*app->getRoot(), "server"))
+        Xml::setValue(server, "port", Xml::valueOr(server, "port", 80) + 8000);
+    const Xml::WriteResult saved = Xml::saveFile(*app, "app.xml", Xml::asRead(*app));
+    if (!saved) return std::cerr << saved.message() << '\n', 1;
+    std::cout << std::ifstream("app.xml").rdbuf();
 
-    shelf->find("seed")->setAttribute("packets", "12");
-    if (!shelf->validate()) return 1;
-
-    Xml::FileOutStream out(&std::cout);
-    shelf->toStream(out);
+    const Xml::ReadResult wrong = Xml::readText("<app>\n  <server><port>80</prot></server>\n</app>");
+    const Xml::Problem& problem = wrong.problems().front();
+    std::cout << problem.toString() << '\n' << problem.excerpt << '\n';
 }
