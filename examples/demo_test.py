@@ -1,6 +1,8 @@
-"""Runs the demo on files that are not right, with and without a terminal: demo_test.py PROGRAM DATA-FOLDER."""
+"""Runs the demo on files that are not right, with and without a terminal, and on files that it saves a copy of:
+demo_test.py PROGRAM DATA-FOLDER."""
 import os
 import pty
+import re
 import subprocess
 import sys
 import tempfile
@@ -43,6 +45,11 @@ def file(name, text):
     with open(name, "w", encoding="utf-8") as out:
         out.write(text)
     return name
+
+
+def bytes_of(name):
+    with open(name, "rb") as text:
+        return text.read()
 
 
 with tempfile.TemporaryDirectory() as folder:
@@ -90,6 +97,51 @@ with tempfile.TemporaryDirectory() as folder:
     expect("an everyday file", run(everyday)[::2], (0, ""))
     expect("a path", run(everyday, "/*"), (0, "<größe> <5> 'tis\n", ""))
     expect("what it wrote", os.path.exists("everyday-changed.xml"), True)
+
+    kept = "\n".join(
+        [
+            "<?xml version='1.0' encoding='utf-8'?>",
+            "<!-- ours -->",
+            "<server>",
+            "  <!-- not 8080 --><?reload?>",
+            '  <port z="1" a="2">80</port>',
+            "  <name><![CDATA[Tom & Ana]]></name>",
+            "  <a",
+            "     x = 'größe'></a>",
+            "</server>",
+            "",
+        ]
+    )
+    status, out, err = run(file("kept.xml", kept))
+    expect("a file that is saved as it was", (status, err), (0, ""))
+    expect(
+        "the lines that differ",
+        re.sub(r" in [0-9.e-]+ ms", "", out[out.index("\nChanged") :]),
+        """
+Changed one value, and saved all as it was to kept-saved.xml
+  /server[1]/port[1]: text "80" and text "80 & Co."
+  line 1
+  - <?xml version='1.0' encoding='utf-8'?>
+  + <?xml version="1.0" encoding="utf-8"?>
+  line 5
+  -   <port z="1" a="2">80</port>
+  +   <port z="1" a="2">80 &amp; Co.</port>
+  line 7
+  -   <a
+  -      x = 'größe'></a>
+  +   <a x="größe"/>
+  But for the value these are other ways to write the same: quotes and white space in tags,
+  references that are resolved. docs/standard.md names them all.
+""",
+    )
+    expect("the file itself", bytes_of("kept.xml"), kept.encode())
+    saved = kept.replace("'1.0' encoding='utf-8'", '"1.0" encoding="utf-8"').replace("80</port>", "80 &amp; Co.</port>")
+    expect("the copy", bytes_of("kept-saved.xml"), saved.replace("<a\n     x = 'größe'></a>", '<a x="größe"/>').encode())
+
+    long = "\n".join(["<list>", *(f"<n i='{i}' />" if i % 100 < 50 else f"<m>{i}</m>" for i in range(1000)), "</list>"])
+    out = run(file("long.xml", long))[1]
+    expect("a place of many lines", "  line 2\n  - <n i='0' />\n" in out and "\n  - and 48 more\n  + <n" in out, True)
+    expect("and many places", "\n  and in 7 more places\n" in out, True)
     expect("a path that finds nothing", run(everyday, "//b")[0], 1)
 
 if failures:
