@@ -99,6 +99,9 @@ TEST(AskTest, FindsWhatPathsDo) {
         {"''", "\"\""},
         {"\"say \"\"hi\"\"\"", "\"say \"hi\"\""},
         {"//pea[position() = 2]", "pea"},
+        {"//pea[or = and][ or/and - mod ][@or]", ""},
+        {"//pea[@n  div 2 = 'a or b' ]", ""},
+        {"/garden/or der", ""},
         {"//pea[last()]", "pea"},
         {"//pea[@n = //p:*/@n]", ""},
     };
@@ -113,6 +116,7 @@ TEST(AskTest, SaysWhereAPathIsWrong) {
     const std::string kName = "This is neither a valid name nor a valid node test: ";
     const std::string kNothing = "This is neither a step nor a literal nor a number";
     const std::string kMissing = "A step or an operand is missing";
+    const std::string kWord = "Words are operators as eq, ne, le, lt, ge, gt, div between blanks only";
     const std::string kConstant =
         "A predicate keeps the nodes that it asks something of, and this one asks nothing of them";
     const struct {
@@ -134,6 +138,13 @@ TEST(AskTest, SaysWhereAPathIsWrong) {
         {"//pea[@n = ]", "1:12: error: " + kMissing},
         {"$x", "1:1: error: " + kNothing},
         {"-5", "1:1: error: " + kNothing},
+        {"//pea[@n or @x]", "1:10: error: " + kWord},
+        {"//pea[@n and x]", "1:10: error: " + kWord},
+        {"//pea[ 2 mod @n ]", "1:10: error: " + kWord},
+        {"//pea[@n eq 2 or(@x)]", "1:15: error: " + kWord},
+        {"//pea[@n\tdiv 2 = 1]", "1:10: error: " + kWord},
+        {"//pea[. = 'a or b'][@n \n  or]", "2:3: error: " + kWord},
+        {"//gr\xC3\xBC and x", "1:7: error: " + kWord},
         {"//7up", "1:3: error: " + kNothing},
         {"/shed/7up", "1:7: error: " + kNothing},
         {"(//pea)[1]", "1:1: error: This is neither a step nor a literal nor a number"},

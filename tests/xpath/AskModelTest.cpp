@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,9 @@ class Naive {
 public:
     explicit Naive(const std::string& path) : text(path) {}
 
-    // Whether a literal or a bracket is not closed, text follows one, or a predicate asks for nothing of the node.
-    bool isRefused() { return !allClosed() || isExpressionRefused(dropped(), false); }
+    // Whether a literal or a bracket is not closed, text follows one, a word stands as an operator that is none, or a
+    // predicate asks for nothing of the node.
+    bool isRefused() { return !allClosed() || hasLostOperator() || isExpressionRefused(dropped(), false); }
 
 private:
     static constexpr const char* kOperators[] = {" eq ", " ne ", " le ", " lt ", " ge ", " gt ", " div ", " + ",
@@ -49,7 +51,8 @@ private:
         return open == 0;
     }
 
-    std::string dropped() const {
+    // The path with something instead of each piece of white space that is no operator's.
+    std::string withWhiteSpaceAs(const std::string& other) const {
         std::string all;
         for (std::size_t at = 0; at < text.size();) {
             std::size_t size = 1;
@@ -58,6 +61,7 @@ private:
             } else if (std::string(" \t\r\n").find(text[at]) != std::string::npos) {
                 size = operatorAt(text, at);
                 if (size == 0) {
+                    all += other;
                     ++at;
                     continue;
                 }
@@ -66,6 +70,20 @@ private:
             at += size;
         }
         return all;
+    }
+
+    std::string dropped() const { return withWhiteSpaceAs(""); }
+
+    // A word after a name and white space, and before anything but a name. A tilde stands in no path.
+    bool hasLostOperator() const {
+        static const std::regex literal("'[^']*'|\"[^\"]*\"");
+        static const std::regex lost("[\\w.-]~+(and|or|mod|div|eq|ne|le|lt|ge|gt)(?![\\w.-])");
+        std::string all = std::regex_replace(withWhiteSpaceAs("~"), literal, "''");
+        for (const char* const each : kOperators) {
+            for (std::size_t at = all.find(each); at != std::string::npos; at = all.find(each))
+                all.replace(at, std::string(each).size(), "$");
+        }
+        return std::regex_search(all, lost);
     }
 
     // What is enclosed there: the place after it.

@@ -3,8 +3,10 @@
 #include "xml/text/internal/StandardNames.h"
 #include "xml/text/internal/Utf8.h"
 #include "xml/xpath/internal/ByteUnits.h"
+#include "xml/xpath/internal/Operators.h"
 #include "xml/xpath/internal/SyntaxWalk.h"
 #include <algorithm>
+#include <iterator>
 #include <variant>
 #include <vector>
 
@@ -34,6 +36,36 @@ bool takeLiteral(std::string_view path, std::size_t& at, OrvSys::Uni16String& un
     }
     ++at;
     return true;
+}
+
+bool isOperatorWord(Unit from, Unit to) {
+    constexpr const char* kWords[] = {"and", "or", "mod", "div", "eq", "ne", "le", "lt", "ge", "gt"};
+    return std::any_of(std::begin(kWords), std::end(kWords), [&](const char* word) { return equals(from, to, word); });
+}
+
+// A word that is meant as an operator and is none, since there is no such operator or it has no blank on each side. It
+// would go on the name before it, as white space is dropped: `@n or @x` is `@nor@x`. The end where there is none.
+Unit lostOperator(Unit at, Unit end) {
+    bool isAfterName = false, isAfterWhite = false;
+    while (at != end) {
+        Unit next = at + 1;
+        if (isNCChar(*at)) {
+            next = afterNCChars(at, end);
+            if (isAfterName && isAfterWhite && isOperatorWord(at, next)) return at;
+            isAfterName = true;
+            isAfterWhite = false;
+        } else if (IsWhiteSpace(*at)) {
+            next = at;
+            isAfterName = ExtractOperator(next, end) == Operator::None && isAfterName;
+            next = std::max(next, at + 1);
+            isAfterWhite = true;
+        } else {
+            if (IsBeginLiteral(*at)) next = std::find(at + 1, end, *at) + 1;
+            isAfterName = false;
+        }
+        at = next;
+    }
+    return end;
 }
 
 // The name of a node test: a name, what stands before its colon with that, or what stands after it.
@@ -127,7 +159,11 @@ std::optional<SyntaxFault> toByteUnits(std::string_view path, OrvSys::Uni16Strin
         units[at++] = static_cast<unsigned char>(c);
     }
     if (!open.empty()) return faultAt(open.front(), "The closing bracket of a predicate is missing");
-    return {};
+    const Unit unitsEnd = units.data() + units.size();
+    const Unit lost = lostOperator(units.data(), unitsEnd);
+    if (lost == unitsEnd) return {};
+    return faultAt(static_cast<std::size_t>(lost - units.data()),
+                   "Words are operators as eq, ne, le, lt, ge, gt, div between blanks only");
 }
 
 std::optional<SyntaxFault> checkStrictly(Expression& query, Expressions& expressions) {

@@ -17,8 +17,8 @@ struct SyntaxFault {
     std::string text;
 };
 
-// A path in UTF-8 as ByteUnits, if its literals and brackets are closed, and what is not ASCII is in literals or
-// belongs to names. In literals a quote that is written twice is one.
+// A path in UTF-8 as ByteUnits, if its literals and brackets are closed, what is not ASCII is in literals or belongs to
+// names, and no word would be an operator elsewhere. In literals a quote that is written twice is one.
 std::optional<SyntaxFault> toByteUnits(std::string_view path, OrvSys::Uni16String& units);
 
 // What checkSyntax finds wrong, and beside that: text after a literal, names that XML does not have, predicates that
