@@ -254,6 +254,20 @@ TEST(UnwritableTest, WhatXmlCannotSayIsAProblemAndNothingIsWritten) {
 }
 
 // What reads as it was is no problem, however odd.
+TEST(UnwritableTest, ALoopOverTheProblemsOfACallKeepsThem) {
+    const Comment comment("--");
+    int count = 0;
+    for (const Problem& problem : writeText(comment).problems()) {
+        EXPECT_EQ(problem.kind, Problem::Kind::Unwritable);
+        ++count;
+    }
+    for (const Problem& problem : readText("<a>").problems()) {
+        EXPECT_EQ(problem.kind, Problem::Kind::Malformed);
+        ++count;
+    }
+    EXPECT_EQ(count, 2);
+}
+
 TEST(UnwritableTest, WhatXmlCanSayIsWritten) {
     const MessageCollector quiet;
     const Change kCases[] = {

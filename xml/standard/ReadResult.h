@@ -4,6 +4,7 @@
 #include "xml/standard/Problem.h"
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Xml {
@@ -40,7 +41,8 @@ public:
 
     std::unique_ptr<Document> take();
 
-    const std::vector<Problem>& problems() const { return all; }
+    const std::vector<Problem>& problems() const& { return all; }
+    std::vector<Problem> problems()&& { return std::move(all); }  // so that a loop may go over them
 
     // Every problem's toString, a line each; never empty when false.
     std::string message() const;

@@ -20,7 +20,8 @@ public:
     const std::string& text() const& { return bytes; }
     std::string text()&& { return std::move(bytes); }
 
-    const std::vector<Problem>& problems() const { return all; }
+    const std::vector<Problem>& problems() const& { return all; }
+    std::vector<Problem> problems()&& { return std::move(all); }  // so that a loop may go over them
 
     // Every problem's toString, a line each; never empty when false.
     std::string message() const;
