@@ -79,7 +79,8 @@ void saveTheMenu() {
     std::cout << std::ifstream("menu.xml").rdbuf();
 
     Xml::setText(soup, "Soup\x07");
-    std::cout << Xml::saveFile(*menu, "menu.xml", Xml::asRead(*menu)).message() << '\n';
+    for (const Xml::Problem& problem : Xml::saveFile(*menu, "menu.xml", Xml::asRead(*menu)).problems())
+        std::cout << problem.toString() << " in " << problem.path << '\n';
 }
 
 void addUpAStream() {

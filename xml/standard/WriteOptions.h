@@ -14,7 +14,7 @@ struct WriteOptions {
     std::string indent = "\t";
     std::string newline = "\n";      // each line end: LF, CR LF or CR
     std::string encoding = "UTF-8";  // empty: UTF-8 too, and the declaration does not name it
-    bool declaration = true;         // of a document
+    bool declaration = true;         // of a document; where there is none readers take what has no mark for UTF-8
     bool doctype = true;             // of a document
     bool mark = false;               // a byte order mark; UTF-16 and UTF-32 by these names have one anyway
     bool shortEmptyTags = true;      // <a/>
