@@ -13,6 +13,7 @@
 #include "xml/dom/Place.h"
 #include "xml/dom/Prolog.h"
 #include "xml/dtd/Dtd.h"
+#include "xml/standard/FilesBelow.h"
 #include "xml/standard/Problem.h"
 #include "xml/standard/Read.h"
 #include "xml/standard/ReadOptions.h"

@@ -7,6 +7,7 @@
 #include "xml/dom/Element.h"
 #include "xml/dom/Place.h"
 #include "xml/dom/Prolog.h"
+#include "xml/standard/FilesBelow.h"
 #include "xml/standard/Read.h"
 #include <filesystem>
 #include <fstream>
@@ -148,6 +149,21 @@ TEST(StandardMemoryTest, ReadingFilesAndStreamsGivesBadAllocAndLeaksNothing) {
     ReadOptions unsupported;
     unsupported.validate = true;
     expectBadAlloc([&](std::optional<ReadResult>& result) { result.emplace(readText(text, unsupported)); });
+}
+
+TEST(StandardMemoryTest, LookingForFilesOfAFolderGivesBadAlloc) {
+    const std::string text = "a text that is longer than what a string holds in itself";
+    const std::filesystem::path folder = std::filesystem::path(scratchFolder()) / "StandardMemory-a-folder";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "declarations.dtd") << text;
+    const std::string base = (folder / "declarations.dtd").string();
+    forEachFailingAllocation([&](Attempt& attempt) {
+        std::optional<Resolved> found;
+        const auto find = [&] { found = filesBelow(folder)("", "./a/../declarations%2Edtd", base); };
+        if (!attempt(find)) find();
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->text, text);
+    });
 }
 
 // Attributes beyond those that fit into the memory of a tree as one block, and texts beyond those of a slab.

@@ -38,7 +38,7 @@ struct ReadOptions {
     bool keepPlaces = false;               // placeOf knows every node
     bool validate = false;                 // not supported
     const Dtd* dtd = nullptr;              // not supported
-    Resolver resolver;                     // not supported
+    Resolver resolver;                     // not supported; filesBelow makes one
     std::int64_t maxBytes = 0;             // of the source; 0: no limit
     int maxDepth = 0;                      // 0: no limit, and none is needed for safety
     std::int64_t entityGrowth = 64 << 20;  // bytes that the document type makes, by references, nested ones too, and by
