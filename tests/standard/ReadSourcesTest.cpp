@@ -226,6 +226,9 @@ TEST(ReadSourcesTest, RefusesOptionsThatNothingHeeds) {
 static_assert(!std::is_reference_v<decltype(std::declval<ReadResult>().problems())>,
               "a loop over the problems of what a call gives keeps them");
 static_assert(!std::is_convertible_v<ReadResult, bool>, "only where a condition is asked for");
+static_assert(!std::is_constructible_v<ReadResult, std::unique_ptr<Document>> &&
+                  !std::is_constructible_v<ReadResult, std::vector<Problem>>,
+              "only reading makes one");
 static_assert(std::is_nothrow_move_constructible_v<ReadResult> && !std::is_copy_constructible_v<ReadResult>);
 
 TEST(ReadSourcesTest, StaysWellFormedWhenTheDocumentIsTaken) {

@@ -19,9 +19,13 @@
 #include <sstream>
 #include <streambuf>
 #include <string>
+#include <type_traits>
 
 namespace Xml::test {
 namespace {
+
+static_assert(!std::is_constructible_v<WriteResult, std::string> && !std::is_constructible_v<WriteResult, Problem>,
+              "only writing makes one");
 
 WriteOptions bare() {
     WriteOptions options;

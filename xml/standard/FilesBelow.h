@@ -10,9 +10,9 @@ namespace Xml {
 //
 // The system identifier is a relative reference to a file: from the folder of `base` where that is a file in here,
 // otherwise from the folder itself. "%20" and the like stand for their bytes. It must not lead out of the folder, and
-// the file that it names must not either once links are followed; only a regular file is opened. For anything else there
-// is no answer: an absolute name, one with a scheme, a query or a fragment, a device, a file that is missing or cannot
-// be read. The public identifier does not count.
+// the file that it names must not either once links are followed; only a regular file is opened. For anything else
+// there is no answer: an absolute name, one with a scheme, a query or a fragment, a device, a file that is missing or
+// cannot be read. The public identifier does not count.
 //
 // Resolved::name is the path of the file, absolute and without links. The folder is found from where the process stands
 // when this is called. Who may change it while a name is looked up may lead that elsewhere.

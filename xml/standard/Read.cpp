@@ -1,8 +1,8 @@
 #include "xml/standard/Read.h"
 
-#include "xml/dom/Document.h"
 #include "xml/standard/internal/FileBytes.h"
 #include "xml/standard/internal/OptionProblems.h"
+#include "xml/standard/internal/ResultAccess.h"
 #include "xml/standard/internal/SourceText.h"
 #include "xml/standard/internal/StreamBytes.h"
 #include "xml/standard/internal/TreeReader.h"
@@ -13,24 +13,19 @@ namespace Xml {
 
 namespace {
 
-ReadResult failed(Problem problem) {
-    std::vector<Problem> problems;
-    problems.push_back(std::move(problem));
-    return ReadResult(std::move(problems));
-}
-
 std::optional<ReadResult> refuse(const ReadOptions& options, const std::string& source) {
     std::vector<Problem> problems = unsupported(options, source);
     if (problems.empty()) return std::nullopt;
-    return ReadResult(std::move(problems));
+    return ResultAccess::notRead(std::move(problems));
 }
 
 ReadResult readBytes(std::string_view bytes, const ReadOptions& options, const std::string& source) {
     SourceText text(bytes, options.encoding);
     Problem problem;
-    if (std::unique_ptr<Document> document = readTree(text, options, problem)) return ReadResult(std::move(document));
+    if (std::unique_ptr<Document> document = readTree(text, options, problem))
+        return ResultAccess::read(std::move(document));
     problem.source = source;
-    return failed(std::move(problem));
+    return ResultAccess::notRead(std::move(problem));
 }
 
 }  // namespace
@@ -40,12 +35,12 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
     if (auto refused = refuse(options, source)) return std::move(*refused);
     FileBytes file;
     const auto problem = [&](Problem::Kind kind) {
-        return failed(problemOf(source, kind, "the file cannot be read: " + file.reason()));
+        return ResultAccess::notRead(problemOf(source, kind, "the file cannot be read: " + file.reason()));
     };
     switch (file.read(source, options.maxBytes)) {
     case FileBytes::Ending::NotFound: return problem(Problem::Kind::NotFound);
     case FileBytes::Ending::Unreadable: return problem(Problem::Kind::Unreadable);
-    case FileBytes::Ending::TooLong: return failed(tooLong(options, source));
+    case FileBytes::Ending::TooLong: return ResultAccess::notRead(tooLong(options, source));
     case FileBytes::Ending::Whole: break;
     }
     return readBytes(file.bytes(), options, source);
@@ -54,7 +49,7 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
 ReadResult readText(std::string_view text, const ReadOptions& options) {
     if (auto refused = refuse(options, options.source)) return std::move(*refused);
     if (options.maxBytes > 0 && text.size() > static_cast<std::uint64_t>(options.maxBytes))
-        return failed(tooLong(options, options.source));
+        return ResultAccess::notRead(tooLong(options, options.source));
     return readBytes(text, options, options.source);
 }
 
@@ -66,12 +61,13 @@ ReadResult readStream(std::istream& in, const ReadOptions& options) {
     for (;;) {
         const StreamBytes::Ending ending = stream.read(piece);
         if (ending == StreamBytes::Ending::Unreadable) {
-            return failed(problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
+            return ResultAccess::notRead(
+                problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
         }
         if (ending == StreamBytes::Ending::End) break;
         bytes += piece;
         if (options.maxBytes > 0 && bytes.size() > static_cast<std::uint64_t>(options.maxBytes))
-            return failed(tooLong(options, options.source));
+            return ResultAccess::notRead(tooLong(options, options.source));
     }
     return readBytes(bytes, options, options.source);
 }

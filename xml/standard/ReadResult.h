@@ -10,15 +10,11 @@
 namespace Xml {
 
 class Document;
+struct ResultAccess;
 
 // What was read: a document, or what is wrong with the source. Of one that was moved from nothing may be asked.
 class [[nodiscard, gnu::visibility("default")]] ReadResult {
 public:
-    explicit ReadResult(std::unique_ptr<Document> read);
-
-    // At least one.
-    explicit ReadResult(std::vector<Problem> found);
-
     ReadResult(ReadResult && other) noexcept;
     ReadResult& operator=(ReadResult&& other) noexcept;
     ~ReadResult();
@@ -48,6 +44,11 @@ public:
     std::string message() const;
 
 private:
+    friend struct ResultAccess;
+
+    ORVXML_LOCAL explicit ReadResult(std::unique_ptr<Document> read);
+    ORVXML_LOCAL explicit ReadResult(std::vector<Problem> found);
+
     std::unique_ptr<Document> document;
     std::vector<Problem> all;
 };

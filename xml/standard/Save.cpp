@@ -3,6 +3,7 @@
 #include "xml/standard/internal/FileCalls.h"
 #include "xml/standard/internal/FileReplacement.h"
 #include "xml/standard/internal/NodeText.h"
+#include "xml/standard/internal/ResultAccess.h"
 #include <string>
 #include <utility>
 
@@ -13,10 +14,10 @@ WriteResult saveFile(const Object& node, const std::filesystem::path& path, cons
     Problem problem;
     if (makeText(node, options, text, problem)) {
         FileCalls calls;
-        if (FileReplacement(calls).replace(path.string(), text, problem)) return WriteResult(std::string());
+        if (FileReplacement(calls).replace(path.string(), text, problem)) return ResultAccess::written();
     }
     problem.source = path.string();
-    return WriteResult(std::move(problem));
+    return ResultAccess::notWritten(std::move(problem));
 }
 
 }  // namespace Xml

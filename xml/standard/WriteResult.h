@@ -8,12 +8,11 @@
 
 namespace Xml {
 
+struct ResultAccess;
+
 // Whether something was written, whole; else why nothing was.
 class [[nodiscard, gnu::visibility("default")]] WriteResult {
 public:
-    explicit WriteResult(std::string written);
-    explicit WriteResult(Problem found);
-
     explicit operator bool() const { return all.empty(); }
 
     // What writeText wrote; empty of others, and after a problem.
@@ -27,6 +26,11 @@ public:
     std::string message() const;
 
 private:
+    friend struct ResultAccess;
+
+    ORVXML_LOCAL explicit WriteResult(std::string written);
+    ORVXML_LOCAL explicit WriteResult(Problem found);
+
     std::string bytes;
     std::vector<Problem> all;
 };
