@@ -115,7 +115,7 @@ TEST(HostileWriteTest, WhatIsWrongIsFoundHoweverDeep) {
              const WriteResult written = writeText(*read);
              return written.problems().at(0).rule + " " + std::to_string(written.problems()[0].path.size());
          },
-         "Char " + std::to_string(5 * kMany), kLarge},
+         "Char " + std::to_string(std::string("/a[1]").size() * 32 + std::string("/...").size()), kLarge},
         {"after siblings",
          [] {
              ReadResult read = readText("<r>" + repeated("<a/>", kMillion) + "</r>");

@@ -163,15 +163,16 @@ public:
         }
     }
 
-    // The innermost element, or one that is about to begin in it: /a[1]/b[2], where b is its second child of that name.
-    std::string path(std::string_view beginning = {}) const {
-        std::string result;
-        if (isOpen()) result = "/" + NodeAccess::name(*outermost) + "[1]";
-        for (std::size_t i = 0; i < inner.size(); ++i) appendStep(result, i, NodeAccess::name(*inner[i].element));
-        if (beginning.empty()) return result;
-        if (!isOpen()) return "/" + std::string(beginning) + "[1]";
-        appendStep(result, inner.size(), beginning);
-        return result;
+    // Gives take(name, number) each open element from the outermost one on, with its number among its namesakes, which
+    // is 1 for the first of a name; and then one of that name that is about to begin.
+    template <class Take>
+    void forEachStep(std::string_view beginning, Take take) const {
+        if (isOpen()) take(std::string_view(NodeAccess::name(*outermost)), std::size_t{1});
+        for (std::size_t i = 0; i < inner.size(); ++i) {
+            const std::string_view name = NodeAccess::name(*inner[i].element);
+            take(name, numberOf(i, name));
+        }
+        if (!beginning.empty()) take(beginning, isOpen() ? numberOf(inner.size(), beginning) : 1);
     }
 
     // Ends the innermost element.
@@ -204,7 +205,7 @@ private:
     }
 
     // An element of that name within the outermost one and so many others: after those children that have ended.
-    void appendStep(std::string& path, std::size_t depth, std::string_view name) const {
+    std::size_t numberOf(std::size_t depth, std::string_view name) const {
         std::size_t number = 1;
         const auto count = [&](const Object& child) {
             if (isExactly<Element>(child) && NodeAccess::name(static_cast<const Element&>(child)) == name) ++number;
@@ -215,7 +216,7 @@ private:
             const std::size_t last = depth < inner.size() ? inner[depth].firstChild : finished.size();
             for (std::size_t i = inner[depth - 1].firstChild; i < last; ++i) count(finished[i]);
         }
-        path.append("/").append(name).append("[").append(std::to_string(number)).append("]");
+        return number;
     }
 
     // Those of the innermost element.

@@ -1,5 +1,6 @@
 #include "xml/standard/internal/ContentBuilder.h"
 
+#include "xml/standard/internal/ElementPath.h"
 #include "xml/stream/internal/Scan.h"
 #include "xml/text/internal/Escape.h"
 #include <utility>
@@ -97,6 +98,12 @@ void ContentBuilder::end() {
     if (std::exchange(hasEnded, false)) return;
     white.end();
     tree.end();
+}
+
+std::string ContentBuilder::path(std::string_view beginning) const {
+    ElementPath result(tree.depth() + (beginning.empty() ? 0 : 1));
+    tree.forEachStep(beginning, [&](std::string_view name, std::size_t number) { result.add(name, number); });
+    return result.text();
 }
 
 // --- Leaves ---

@@ -42,8 +42,8 @@ public:
     // Takes what comes next without events, as far as it is ordinary. Between any two events.
     void takePlain();
 
-    // As TreeBuilder has it.
-    std::string path(std::string_view beginning) const { return tree.path(beginning); }
+    // Of the innermost element, or of one that is about to begin in it.
+    std::string path(std::string_view beginning) const;
 
     // Of the event at hand; null where places are not kept. Good until the next one; asked in rising order.
     const Place* place() { return placeAt(lexer.offset()); }

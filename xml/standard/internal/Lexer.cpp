@@ -1,6 +1,7 @@
 #include "xml/standard/internal/Lexer.h"
 
 #include "xml/standard/internal/DtdParser.h"
+#include "xml/standard/internal/ElementPath.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Syntax.h"
 #include "xml/text/internal/StandardNames.h"
@@ -130,10 +131,10 @@ bool Lexer::readSection(Event& event) {
 // --- Tags ---
 
 std::string Lexer::path(std::string_view last) const {
-    std::string result;
-    for (const Open& element : open) result.append("/").append(element.name);
-    if (!last.empty()) result.append("/").append(last);
-    return result;
+    ElementPath result(open.size() + (last.empty() ? 0 : 1));
+    for (const Open& element : open) result.add(element.name);
+    if (!last.empty()) result.add(last);
+    return result.text();
 }
 
 std::string Lexer::beganAtInnermost() const {

@@ -119,8 +119,8 @@ public:
     // Open elements, the one whose Start or End is at hand included.
     std::size_t depth() const { return open.size(); }
 
-    // The names of the open elements, and then that of one whose start tag is being read: /a/b. What is between them is
-    // not counted.
+    // Of the open elements, and then of one whose start tag is being read: /a/b. They are not counted among their
+    // namesakes: that takes memory for each name that an open element has in it.
     std::string path(std::string_view last) const;
 
     const Namespaces& namespaces() const { return tags.scopes(); }

@@ -2,7 +2,7 @@
 
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/NodeClasses.h"
-#include "xml/standard/internal/Excerpt.h"
+#include "xml/standard/internal/ElementPath.h"
 #include <cstddef>
 #include <vector>
 
@@ -28,13 +28,13 @@ std::string pathOf(const Object& node) {
     for (const Object* at = &node; at != nullptr; at = at->getParent()) {
         if (isElement(*at)) steps.push_back(static_cast<const Element*>(at));
     }
-    std::string path;
+    ElementPath path(steps.size());
     for (std::size_t i = steps.size(); i-- > 0;) {
         const bool isTop = i + 1 == steps.size();
         const std::size_t number = isTop ? 1 : numberAmongNamesakes(*steps[i], *steps[i + 1]);
-        path += '/' + messageLine(NodeAccess::name(*steps[i])) + '[' + std::to_string(number) + ']';
+        path.add(NodeAccess::name(*steps[i]), number);
     }
-    return path;
+    return path.text();
 }
 
 }  // namespace Xml

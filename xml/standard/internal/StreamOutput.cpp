@@ -2,6 +2,7 @@
 
 #include "xml/dom/NodeKind.h"
 #include "xml/standard/StreamReader.h"
+#include "xml/standard/internal/ElementPath.h"
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/OptionProblems.h"
 #include "xml/standard/internal/PrologWriter.h"
@@ -62,12 +63,12 @@ void StreamOutput::report() {
 
 // The names of the open elements, which are not counted: /a/b.
 std::string StreamOutput::path() const {
-    std::string path;
+    ElementPath path(open.size());
     for (std::size_t i = 0; i < open.size(); ++i) {
         const std::size_t end = i + 1 < open.size() ? open[i + 1].nameBegin : names.size();
-        path.append("/").append(names, open[i].nameBegin, end - open[i].nameBegin);
+        path.add(std::string_view(names).substr(open[i].nameBegin, end - open[i].nameBegin));
     }
-    return path;
+    return path.text();
 }
 
 // --- Around the pieces ---
