@@ -28,7 +28,7 @@ struct ORVXML_API Prolog {
     std::string newline = "\n";      // the first line end
     std::string readAs;              // the encoding that it was read in, with its order of bytes: UTF-16LE
 
-    // Of the document type declaration, names and text as written; empty without.
+    // Of the document type declaration, as written; empty without. Line ends of the identifiers are LF.
     std::string doctype, publicId, systemId, internalSubset;
 
     // Comments and instructions, which have no parent. None is null.

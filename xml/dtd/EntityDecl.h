@@ -5,7 +5,8 @@
 
 namespace Xml {
 
-// What XML 1.0 declares about an entity, general or parameter. Identifiers are as they were written, empty without.
+// What XML 1.0 declares about an entity, general or parameter. Identifiers are as they were written, with line ends as
+// LF, and empty without.
 struct EntityDecl {
     enum class Kind : std::uint8_t { Internal, External, Unparsed };
 

@@ -147,8 +147,8 @@ bool DtdParser::readEntityDeclaration() {
         if (!values.readEntity(entity.text)) return false;
     } else {
         entity.kind = DeclaredEntity::Kind::External;
-        entity.publicId = id.publicId;
-        entity.systemId = id.systemId;
+        entity.publicId = std::move(id.publicId);
+        entity.systemId = std::move(id.systemId);
         if (!entity.isParameter && !readUnparsed(entity)) return false;
     }
     if (!readEnd(rule)) return false;
@@ -185,7 +185,7 @@ bool DtdParser::readNotation() {
     if (!Syntax::readExternalId(in, id, true)) return false;
     if (!id.isPresent) return expected(StandardRules::kNotationDecl, "SYSTEM or PUBLIC");
     if (!readEnd(StandardRules::kNotationDecl)) return false;
-    declared.notations.emplace(name, NotationDecl{std::string(id.publicId), std::string(id.systemId)});
+    declared.notations.emplace(name, NotationDecl{std::move(id.publicId), std::move(id.systemId)});
     return true;
 }
 

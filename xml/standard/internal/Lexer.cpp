@@ -5,6 +5,7 @@
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Syntax.h"
 #include "xml/text/internal/StandardNames.h"
+#include <utility>
 
 namespace Xml {
 
@@ -236,7 +237,7 @@ bool Lexer::readDoctypeParts() {
     if (!Syntax::readExternalId(in, id, false)) return false;
     declared.hasExternalSubset = id.isPresent;
     Syntax::skipWhite(in);
-    itsDoctype = {id.publicId, id.systemId, {}};
+    itsDoctype = {std::move(id.publicId), std::move(id.systemId), {}};
     if (in.at != in.end && *in.at == '[') {
         const char* const from = ++in.at;
         if (!DtdParser(in, declared, options.namespaces).readSubset()) return false;

@@ -125,9 +125,10 @@ public:
 
     const Namespaces& namespaces() const { return tags.scopes(); }
 
-    // Of a Doctype, as written.
+    // Of a Doctype. Line ends of the identifiers are LF; the subset is as it was written.
     struct Doctype {
-        std::string_view publicId, systemId, subset;
+        std::string publicId, systemId;
+        std::string_view subset;
     };
     const Doctype& doctype() const { return itsDoctype; }
 

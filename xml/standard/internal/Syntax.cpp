@@ -21,6 +21,18 @@ bool readQuote(EntityStack& in, char& quote, const char* rule) {
     return true;
 }
 
+// Up to the closing quote. In an entity a CR is no line end: it came there by a reference.
+void takeLiteral(EntityStack& in, const char* to, std::string& text) {
+    const std::string_view literal = viewOf(in.at, to);
+    in.at = to + 1;
+    text.clear();
+    if (in.isInEntity()) {
+        text = literal;
+    } else {
+        appendLines(text, literal);
+    }
+}
+
 int digitOf(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -79,7 +91,7 @@ bool failAtCharacter(EntityStack& in, const char* where) {
     return in.fail(where, StandardRules::kChar, "a character that is not allowed: " + in.describe(where));
 }
 
-bool readSystemLiteral(EntityStack& in, std::string_view& text) {
+bool readSystemLiteral(EntityStack& in, std::string& text) {
     const char* const from = in.at;
     char quote = 0;
     if (!readQuote(in, quote, StandardRules::kSystemLiteral)) return false;
@@ -87,12 +99,11 @@ bool readSystemLiteral(EntityStack& in, std::string_view& text) {
     if (to == in.end)
         return in.endsEarly(from, StandardRules::kSystemLiteral, "the literal that begins here does not end");
     if (*to != quote) return failAtCharacter(in, to);
-    text = viewOf(in.at, to);
-    in.at = to + 1;
+    takeLiteral(in, to, text);
     return true;
 }
 
-bool readPubidLiteral(EntityStack& in, std::string_view& text) {
+bool readPubidLiteral(EntityStack& in, std::string& text) {
     const char* const from = in.at;
     char quote = 0;
     if (!readQuote(in, quote, StandardRules::kPubidLiteral)) return false;
@@ -102,8 +113,7 @@ bool readPubidLiteral(EntityStack& in, std::string_view& text) {
     if (*to != quote) {
         return in.expected(to, StandardRules::kPubidChar, "a character of a public identifier");
     }
-    text = viewOf(in.at, to);
-    in.at = to + 1;
+    takeLiteral(in, to, text);
     return true;
 }
 

@@ -55,14 +55,14 @@ bool checkQName(EntityStack& in, std::string_view name, const char* colon);
 // The run up to there is of allowed characters, and the one there is not.
 bool failAtCharacter(EntityStack& in, const char* where);
 
-// A literal in quotes, of characters.
-bool readSystemLiteral(EntityStack& in, std::string_view& text);
-bool readPubidLiteral(EntityStack& in, std::string_view& text);
+// A literal in quotes, of characters. Line ends are LF.
+bool readSystemLiteral(EntityStack& in, std::string& text);
+bool readPubidLiteral(EntityStack& in, std::string& text);
 
 // What ExternalID stands for; with `isNotation` the system literal may be missing. `found` says whether one was there.
 struct ExternalId {
     bool isPresent = false;
-    std::string_view publicId, systemId;
+    std::string publicId, systemId;
 };
 bool readExternalId(EntityStack& in, ExternalId& id, bool isNotation);
 
