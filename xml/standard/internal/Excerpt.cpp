@@ -49,7 +49,10 @@ void appendWord(std::string& to, std::string_view word) {
 
 }  // namespace
 
-bool isControl(char32_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029; }
+bool isControl(char32_t c) {
+    const auto isAmong = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
+    return c < 0x20 || isAmong(0x7F, 0x9F) || isAmong(0x2028, 0x202E) || isAmong(0x2066, 0x2069);
+}
 
 std::string visible(std::string_view text) {
     std::string result;

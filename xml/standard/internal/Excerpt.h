@@ -7,7 +7,8 @@
 // What a message shows of a document: nothing that would move the cursor of a terminal, and nothing endless.
 namespace Xml {
 
-// Control characters, and those that separate lines and paragraphs.
+// Control characters, those that separate lines and paragraphs, and those that change the direction of what stands
+// after them: a line that has one may be read as another one.
 bool isControl(char32_t c);
 
 // The text with U+FFFD in the place of each control character, and of each byte that is no UTF-8.
