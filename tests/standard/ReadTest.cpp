@@ -4,7 +4,12 @@
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
+#include "xml/dom/Prolog.h"
+#include "xml/dtd/Dtd.h"
+#include "xml/standard/StreamReader.h"
+#include "xml/standard/Write.h"
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 
 namespace Xml::test {
@@ -125,6 +130,64 @@ TEST(ReadTest, NamesTheElementWhoseStartTagIsWrong) {
     EXPECT_EQ(problemOf("<a><b/><b x='1' x='2'/></a>").path, "/a[1]/b[2]");
     EXPECT_EQ(problemOf("<a x='1' x='2'/>").path, "/a[1]");
     EXPECT_EQ(problemOf("x").path, "");
+}
+
+TEST(ReadTest, SaysWhatToDo) {
+    const struct {
+        std::string text;
+        const char* rule;
+        const char* message;
+    } kCases[] = {
+        {"<!doctype html><html/>", "prolog", "1:1: error: \"<!\" begins neither a comment nor <!DOCTYPE, in capitals"},
+        {"<!DOCTYPE a><!doctype a><a/>", "prolog",
+         "1:13: error: \"<!\" begins neither a comment nor <!DOCTYPE, in capitals"},
+        {"<!DOCTYPE a [<!element a ANY>]><a/>", "markupdecl",
+         "1:14: error: \"<!\" begins neither a comment nor <!ELEMENT, <!ATTLIST, <!ENTITY or <!NOTATION, in capitals"},
+        {"<a><![cdata[x]]></a>", "CDStart", "1:4: error: \"<!\" begins neither a comment nor <![CDATA[, in capitals"},
+        {"</a>", "prolog", "1:1: error: an element expected, found an end tag"},
+        {"<a/></a>", "document",
+         "1:5: error: nothing may follow the root but comments and instructions, found an end tag"},
+        {std::string("<a/>\0", 5), "Char",
+         "1:5: error: nothing may follow the root but comments and instructions, found U+0000"},
+        {"<a/>\xEF\xBF\xBF", "Char",
+         "1:5: error: nothing may follow the root but comments and instructions, found U+FFFF"},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        const Problem problem = problemOf(c.text);
+        EXPECT_EQ(problem.rule, c.rule);
+        EXPECT_EQ(problem.toString(), c.message);
+        std::istringstream in(c.text);
+        StreamReader reader(in);
+        while (reader.next() != StreamReader::Event::Failed) {}
+        EXPECT_EQ(reader.problems().at(0).toString(), c.message);
+    }
+}
+
+TEST(ReadTest, ShowsNothingThatTurnsTheRestOfALineRound) {
+    const Problem problem = problemOf("<a>\xE2\x80\xAE<!-- \xE2\x81\xA6 --></b>");
+    EXPECT_EQ(problem.excerpt, "<a>\xEF\xBF\xBD<!-- \xEF\xBF\xBD --></b>\n              ^");
+    EXPECT_EQ(problemOf("<a \xE2\x80\xAE/>").text, "the name of an attribute, \">\" or \"/>\" expected, found U+202E");
+}
+
+// XML 2.11: line ends are LF before anything else is looked at.
+TEST(ReadTest, GivesIdentifiersWithLineEndsAsLF) {
+    const ReadResult result = readText(
+        "<!DOCTYPE a PUBLIC 'p\r\nq\rr' 's\r\nt' [<!ENTITY e SYSTEM 'x\ry'><!ENTITY % p PUBLIC '\r\n' 'u\r\n'>\r\n"
+        "<!NOTATION n PUBLIC 'm\rn'><!ENTITY % q '<!ENTITY f SYSTEM \"c&#13;d\">'>%q;]><a/>");
+    ASSERT_TRUE(result) << result.message();
+    const Prolog& prolog = prologOf(*result);
+    EXPECT_EQ(prolog.publicId, "p\nq\nr");
+    EXPECT_EQ(prolog.systemId, "s\nt");
+    EXPECT_EQ(prolog.internalSubset.substr(0, 23), "<!ENTITY e SYSTEM 'x\ry'") << "as written";
+    const Dtd& dtd = *result->getDtd();
+    EXPECT_EQ(dtd.getEntityDecls().at("e").systemId, "x\ny");
+    EXPECT_EQ(dtd.getParameterEntityDecls().at("p").publicId, "\n");
+    EXPECT_EQ(dtd.getParameterEntityDecls().at("p").systemId, "u\n");
+    EXPECT_EQ(dtd.getNotationDecls().at("n").publicId, "m\nn");
+    EXPECT_EQ(dtd.getEntityDecls().at("f").systemId, "c\rd") << "that one came by a reference";
+    const ReadResult again = readText(writeText(*result, asRead(*result)).text());
+    EXPECT_EQ(prologOf(*again).systemId, "s\nt");
 }
 
 TEST(ReadTest, NamesTheEntityThatAProblemIsIn) {

@@ -62,7 +62,9 @@ bool DtdParser::readMarkup() {
                                     "a conditional section, which stands in external entities only");
     }
     if (startsWith(in, "<!"))
-        return in.failUnlessKeyword(in.at, StandardRules::kMarkupdecl, "no declaration begins so");
+        return in.failUnlessKeyword(
+            in.at, StandardRules::kMarkupdecl,
+            "\"<!\" begins neither a comment nor <!ELEMENT, <!ATTLIST, <!ENTITY or <!NOTATION, in capitals");
     return failBetween();
 }
 

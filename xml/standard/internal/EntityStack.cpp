@@ -102,9 +102,12 @@ bool EntityStack::endsEarly(const char* where, const char* rule, std::string tex
 
 bool EntityStack::expected(const char* where, const char* rule, const std::string& what) {
     const std::string text = what + " expected, found " + describe(where);
-    if (where == end) return endsEarly(where, rule, text);
+    return where == end ? endsEarly(where, rule, text) : unexpected(where, rule, text);
+}
+
+bool EntityStack::unexpected(const char* where, const char* rule, std::string text) {
     const bool isCharacter = StandardNames::isChar(Utf8::at(where).value);
-    return failUnlessKeyword(where, isCharacter ? rule : StandardRules::kChar, text);
+    return failUnlessKeyword(where, isCharacter ? rule : StandardRules::kChar, std::move(text));
 }
 
 bool EntityStack::fail(const char* where, const char* rule, std::string text, Problem::Kind kind) {

@@ -81,6 +81,9 @@ public:
     // Fails where something else was expected, and says what is there.
     bool expected(const char* where, const char* rule, const std::string& what);
 
+    // failUnlessKeyword; the rule is Char where the character there is one that no document may have.
+    bool unexpected(const char* where, const char* rule, std::string text);
+
     // --- Places ---
 
     // Of a pointer into the innermost entity: where that is in the document.

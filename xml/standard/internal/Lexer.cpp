@@ -50,16 +50,21 @@ bool Lexer::readMisc(Event& event) {
     }
     if (startsWith(in, "<!--")) return readComment(event);
     if (startsWith(in, "<?")) return readInstruction(event);
+    const auto found = [this] { return startsWith(in, "</") ? std::string("an end tag") : in.describe(in.at); };
     if (isAfter) {
-        return in.failUnlessKeyword(
-            in.at, StandardRules::kDocument,
-            "nothing may follow the root but comments and instructions, found " + in.describe(in.at));
+        return in.unexpected(in.at, StandardRules::kDocument,
+                             "nothing may follow the root but comments and instructions, found " + found());
     }
     if (startsWith(in, "<!DOCTYPE")) {
         if (part == Part::BeforeDoctype) return readDoctype(event);
         return in.fail(in.at, StandardRules::kProlog, "a document has one document type");
     }
-    if (*in.at != '<' || startsWith(in, "<!")) return in.expected(in.at, StandardRules::kProlog, "an element");
+    if (startsWith(in, "<!")) {
+        return in.failUnlessKeyword(in.at, StandardRules::kProlog,
+                                    "\"<!\" begins neither a comment nor <!DOCTYPE, in capitals");
+    }
+    if (*in.at != '<' || startsWith(in, "</"))
+        return in.unexpected(in.at, StandardRules::kProlog, "an element expected, found " + found());
     return readStart(event);
 }
 
@@ -82,7 +87,7 @@ bool Lexer::readMisc(Event& event) {
         if (startsWith(in, "<!--")) return readComment(event);
         if (startsWith(in, "<![CDATA[")) return readSection(event);
         return in.failUnlessKeyword(in.at, startsWith(in, "<![") ? StandardRules::kCDStart : StandardRules::kContent,
-                                    "\"<!\" begins neither a comment nor a section");
+                                    "\"<!\" begins neither a comment nor <![CDATA[, in capitals");
     default: return readStart(event);
     }
 }
