@@ -3,6 +3,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <ios>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
@@ -95,6 +96,47 @@ TEST(StreamBytesTest, CannotReadWhatIsNotGood) {
     std::istream without(nullptr);
     EXPECT_EQ(readAll(without, ending), "");
     EXPECT_EQ(ending, Ending::Unreadable);
+}
+
+TEST(StreamBytesTest, SaysWhyItCannotRead) {
+    const auto reasonOf = [](std::istream& in) {
+        StreamBytes bytes(in);
+        std::string piece;
+        while (bytes.read(piece) == Ending::More) {}
+        return std::string(bytes.reason());
+    };
+    std::ifstream none("/nowhere/at/all");
+    EXPECT_EQ(reasonOf(none), "it has failed before");
+    std::istringstream fine("x");
+    EXPECT_EQ(reasonOf(fine), "");
+    EXPECT_EQ(reasonOf(fine), "it has come to its end before");
+    fine.setstate(std::ios_base::badbit);
+    EXPECT_EQ(reasonOf(fine), "it has failed before");
+    std::istream without(nullptr);
+    EXPECT_EQ(reasonOf(without), "it has no buffer");
+    PieceBuffer buffer({"ab"}, true);
+    std::istream broken(&buffer);
+    EXPECT_EQ(reasonOf(broken), "its buffer has failed");
+}
+
+TEST(StreamBytesTest, LetsMemoryThatRunsOutInTheBufferOut) {
+    struct Exhausted : std::streambuf {
+        int_type underflow() override { throw std::bad_alloc(); }
+    };
+    struct ExhaustedLater : std::stringbuf {
+        ExhaustedLater() : std::stringbuf("x") {}
+        std::streamsize xsgetn(char*, std::streamsize) override { throw std::bad_alloc(); }
+    };
+    Exhausted exhausted;
+    ExhaustedLater later;
+    for (std::streambuf* const buffer :
+         {static_cast<std::streambuf*>(&exhausted), static_cast<std::streambuf*>(&later)}) {
+        std::istream in(buffer);
+        StreamBytes bytes(in);
+        std::string piece;
+        EXPECT_THROW(bytes.read(piece), std::bad_alloc);
+        EXPECT_TRUE(in.good());
+    }
 }
 
 TEST(StreamBytesTest, LetsNoExceptionOut) {

@@ -16,11 +16,17 @@ public:
     explicit StreamBytes(std::istream& in) : stream(in) {}
 
     // Puts the next bytes in the place of `piece`, at least one where there is one. Unreadable: the stream was not
-    // good, or its buffer has thrown something.
+    // good, or its buffer has thrown something; but memory that runs out there is std::bad_alloc here.
     Ending read(std::string& piece);
 
+    // Of Unreadable: why, in a few words.
+    const char* reason() const { return why; }
+
 private:
+    Ending fail(const char* reason);
+
     std::istream& stream;
+    const char* why = "";
     Ending ending = Ending::More;
 };
 

@@ -4,6 +4,7 @@
 #include <cxxabi.h>
 #include <ios>
 #include <locale>
+#include <new>
 #include <streambuf>
 
 // Calls of standard streams whose failures show in the stream's state and nowhere else. Where the exceptions of a
@@ -18,6 +19,21 @@ void withoutExceptions(Operation operation) {
     } catch (const abi::__forced_unwind&) {
         throw;  // the end of a cancelled thread is no exception and must go on
     } catch (...) {}
+}
+
+// The same where memory that runs out reaches the caller; whether nothing was thrown.
+template <class Operation>
+bool withoutOtherExceptions(Operation operation) {
+    try {
+        operation();
+        return true;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+        return false;
+    }
 }
 
 // For opening a file: only the stream's own failures stay inside, memory that runs out reaches the caller.
