@@ -2,6 +2,7 @@
 #include "Encoded.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
+#include "xml/standard/internal/Converter.h"
 #include "xml/standard/internal/Decoder.h"
 #include "xml/standard/internal/SourceText.h"
 #include <cctype>
@@ -68,6 +69,22 @@ TEST(DecoderTest, GivesTheSameTextAndPlacesFromEveryEncoding) {
         }
         EXPECT_FALSE(decodeWhole(encode(text, encoding).bytes).hasMark);
         if (testing::Test::HasFailure()) return;
+    }
+}
+
+// What looks like text in a document is text: an encoding that can hide markup is taken from outside only.
+TEST(DecoderTest, TakesNoDeclaredEncodingThatHidesMarkup) {
+    for (const char* const name : {"UTF-7", "utf-7", "UNICODE-1-1-UTF-7"}) {
+        if (Xml::Converter::makeForeign(name) == nullptr) continue;
+        const Decoded decoded = decodeWhole(declared(name, "<a>+ADw-</a>"));
+        ASSERT_TRUE(decoded.hasFailed) << name;
+        EXPECT_EQ(decoded.failure.kind, Kind::UnknownEncoding);
+        EXPECT_EQ(decoded.failure.text,
+                  "the encoding " + std::string(name) + " is not supported: it can write ASCII in other bytes");
+        EXPECT_EQ(decodeWhole("<a>+ADw-</a>", name).text, "<a><</a>");
+    }
+    for (const char* const name : {"ISO-2022-JP", "Shift_JIS", "EUC-JP", "GB18030", "Big5", "EUC-KR", "KOI8-R"}) {
+        EXPECT_FALSE(decodeWhole(declared(name, "<a>+ADw-</a>")).hasFailed) << name;
     }
 }
 

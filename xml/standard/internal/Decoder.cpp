@@ -28,13 +28,18 @@ std::string shortened(const std::string& name) {
     return name.size() > kMost ? name.substr(0, kMost) + "..." : name;
 }
 
-// Whether a declaration that was read as ASCII is the same in the other encoding.
-bool isAsciiIn(const std::string& encoding) {
-    constexpr std::string_view kBegin = "<?xml version=\"1.0\" encoding='";
+// Whether ASCII is the same in the other encoding.
+bool isSameIn(const std::string& encoding, std::string_view ascii) {
     const auto converter = Converter::makeForeign(encoding);
     std::string text;
-    return converter != nullptr && converter->convert(kBegin, text).taken == kBegin.size() && text == kBegin;
+    return converter != nullptr && converter->convert(ascii, text).taken == ascii.size() && text == ascii;
 }
+
+// A declaration is read as ASCII.
+constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding='";
+
+// A "<" in UTF-7. Whoever looks at the bytes of a document before it is read must see the same markup in them.
+constexpr std::string_view kHiddenMarkup = "+ADw-";
 
 }  // namespace
 
@@ -173,8 +178,11 @@ bool Decoder::switchTo(const std::string& name) {
     converter = Converter::makeForeign(name);
     if (converter == nullptr)
         return failDeclared(Kind::UnknownEncoding, "the encoding " + shortened(name) + " is not known");
-    if (!isAsciiIn(name))
+    if (!isSameIn(name, kDeclaration))
         return failDeclared(Kind::OtherEncoding, "the declaration names " + shortened(name) + ", but is not in it");
+    if (!isSameIn(name, kHiddenMarkup))
+        return failDeclared(Kind::UnknownEncoding,
+                            "the encoding " + shortened(name) + " is not supported: it can write ASCII in other bytes");
     encoding = Encoding::Other;
     foreignName = name;
     map.beginForeign(name, textGiven, sourceTaken);
