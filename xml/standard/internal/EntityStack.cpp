@@ -88,16 +88,16 @@ bool EntityStack::failUnlessKeyword(const char* where, const char* rule, std::st
     return fail(where, rule, std::move(text));
 }
 
+// What a parameter entity contains is declarations, whole.
 bool EntityStack::endsEarly(const char* where, const char* rule, std::string text) {
-    if (isGrowing()) {
-        now = State::Cut;
-        return false;
-    }
-    // What a parameter entity contains is declarations, whole.
-    const bool isInDeclarations =
-        !frames.empty() && frames.back().entity->isParameter && std::string_view(rule) != StandardRules::kPEReference;
-    return fail(where, isInDeclarations ? StandardRules::kPEBetweenDeclarations : rule, std::move(text),
-                Problem::Kind::Malformed);
+    const bool isInDeclarations = !frames.empty() && frames.back().entity->isParameter;
+    return isCutOff(where, isInDeclarations ? StandardRules::kPEBetweenDeclarations : rule, std::move(text));
+}
+
+bool EntityStack::isCutOff(const char* where, const char* rule, std::string text) {
+    if (!isGrowing()) return fail(where, rule, std::move(text));
+    now = State::Cut;
+    return false;
 }
 
 bool EntityStack::expected(const char* where, const char* rule, const std::string& what) {

@@ -75,14 +75,17 @@ public:
     bool failUnlessKeyword(const char* where, const char* rule, std::string text);
     bool endsEarly(const char* where, const char* rule, std::string text);
 
+    // endsEarly, but for the name of the rule: in a parameter entity that is not that of what such an entity contains.
+    bool isCutOff(const char* where, const char* rule, std::string text);
+
     // The element in whose start tag the fault is.
     void setElement(std::string_view name) { found.element = name; }
 
-    // Fails where something else was expected, and says what is there.
-    bool expected(const char* where, const char* rule, const std::string& what);
-
     // failUnlessKeyword; the rule is Char where the character there is one that no document may have.
     bool unexpected(const char* where, const char* rule, std::string text);
+
+    // Fails where something else was expected, and says what is there.
+    bool expected(const char* where, const char* rule, const std::string& what);
 
     // --- Places ---
 

@@ -92,7 +92,6 @@ bool Lexer::readReference() {
         in.fail(from, StandardRules::kIncludedIfValidating, "&" + std::string(name) + "; is external, and is not read",
                 Problem::Kind::Refused);
     }
-    if (in.state() == EntityStack::State::Cut) in.at = from;
     return false;
 }
 

@@ -164,16 +164,16 @@ bool readCharacterReference(EntityStack& in, std::string& to) {
 
 bool readReferenceName(EntityStack& in, std::string_view& name, bool hasNamespaces) {
     const char* const from = in.at;
-    const char* const rule = *from == '%' ? StandardRules::kPEReference : StandardRules::kEntityRef;
+    const bool isParameter = *from == '%';
+    const char* const rule = isParameter ? StandardRules::kPEReference : StandardRules::kEntityRef;
     const char* const to = StandardNames::nameEnd(from + 1, in.end);
     if (to == in.end) {
-        const bool hasName = to != from + 1;
-        return in.endsEarly(from, hasName || *from == '%' ? rule : StandardRules::kReference,
-                            "the reference does not end");
+        constexpr const char* kText = "the reference does not end";
+        if (isParameter) return in.isCutOff(from, rule, kText);
+        return in.endsEarly(from, to != from + 1 ? rule : StandardRules::kReference, kText);
     }
     if (to == from + 1) {
-        return in.expected(to, *from == '%' ? StandardRules::kName : StandardRules::kReference,
-                           "the name of an entity");
+        return in.expected(to, isParameter ? StandardRules::kName : StandardRules::kReference, "the name of an entity");
     }
     if (*to != ';') return in.expected(to, rule, "\";\" after " + std::string(from, to));
     name = viewOf(from + 1, to);
