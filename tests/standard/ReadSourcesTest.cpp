@@ -156,7 +156,10 @@ TEST(ReadSourcesTest, SaysThatAStreamCannotBeRead) {
     std::ifstream missing(inScratch("missing.xml"));
     const Problem problem = problemOf(readStream(missing, options));
     EXPECT_EQ(problem.kind, Kind::Unreadable);
-    EXPECT_EQ(problem.toString(), "input: error: the stream cannot be read");
+    EXPECT_EQ(problem.toString(), "input: error: the stream cannot be read: it has failed before");
+    std::istringstream atEnd("<a/>");
+    ASSERT_TRUE(readStream(atEnd));
+    EXPECT_EQ(problemOf(readStream(atEnd)).text, "the stream cannot be read: it has come to its end before");
 
     struct Throwing : std::stringbuf {
         int_type underflow() override { throw 1; }
@@ -190,6 +193,53 @@ TEST(ReadSourcesTest, RefusesMoreBytesThanAsked) {
     ReadOptions options;
     options.maxBytes = 10;
     EXPECT_EQ(problemOf(readFile("/proc/self/stat", options)).kind, Kind::Limit);
+}
+
+TEST(ReadSourcesTest, SaysWhereTheLimitOfBytesIs) {
+    const std::string kUmlaut = "<a>\n\t\xC3\xB6\xC3\xB6</a>";
+    const struct {
+        std::string text;
+        std::int64_t most;
+        int line, column;
+        const char* excerpt;
+    } kCases[] = {
+        {"<a>\n<b/></a>", 6, 2, 3, "<b\n  ^"},
+        {"<a>\n<b/></a>", 4, 2, 1, "\n^"},
+        {kUmlaut, 7, 2, 3, "\t\xC3\xB6\n\t ^"},
+        {kUmlaut, 8, 2, 3, "\t\xC3\xB6\n\t ^"},
+        {std::string("\xFF\xFE<\0a\0\n\0/\0>\0", 12), 9, 2, 1, "\n^"},
+        {"<?xml version='1.0' encoding='latin1'?><a>\xE4</a>", 43, 1, 44,
+         "<?xml version='1.0' encoding='latin1'?><a>\xC3\xA4\n                                           ^"},
+        {"<a>\xFF</a>", 6, 0, 0, ""},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.text);
+        ReadOptions options;
+        options.maxBytes = c.most;
+        std::istringstream in(c.text);
+        StreamReader events(c.text, options);
+        EXPECT_EQ(events.next(), StreamReader::Event::Failed);
+        const Problem problems[] = {problemOf(readFile(fileOf("limit.xml", c.text), options)),
+                                    problemOf(readText(c.text, options)), problemOf(readStream(in, options)),
+                                    events.problems().at(0)};
+        for (const Problem& problem : problems) {
+            EXPECT_EQ(problem.rule, "maxBytes");
+            EXPECT_EQ(problem.place.offset, c.most);
+            EXPECT_EQ(problem.place.line, c.line);
+            EXPECT_EQ(problem.place.column, c.column);
+            EXPECT_EQ(problem.excerpt, c.excerpt);
+        }
+        if (c.line == 0) continue;
+        std::istringstream again(c.text);
+        StreamReader reader(again, options);
+        while (reader.next() != StreamReader::Event::Failed) {}
+        const Problem& problem = reader.problems().at(0);
+        EXPECT_EQ(problem.rule, "maxBytes") << problem.toString();
+        EXPECT_EQ(problem.place.offset, c.most);
+        EXPECT_EQ(problem.place.line, c.line);
+        EXPECT_EQ(problem.place.column, c.column);
+        EXPECT_EQ(problem.excerpt, c.excerpt);
+    }
 }
 
 TEST(ReadSourcesTest, RefusesOptionsThatNothingHeeds) {

@@ -28,6 +28,14 @@ ReadResult readBytes(std::string_view bytes, const ReadOptions& options, const s
     return ResultAccess::notRead(std::move(problem));
 }
 
+bool isTooLong(std::string_view bytes, const ReadOptions& options) {
+    return options.maxBytes > 0 && bytes.size() > static_cast<std::uint64_t>(options.maxBytes);
+}
+
+std::string_view withinLimit(std::string_view bytes, const ReadOptions& options) {
+    return bytes.substr(0, static_cast<std::size_t>(options.maxBytes));
+}
+
 }  // namespace
 
 ReadResult readFile(const std::filesystem::path& path, const ReadOptions& options) {
@@ -40,7 +48,7 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
     switch (file.read(source, options.maxBytes)) {
     case FileBytes::Ending::NotFound: return problem(Problem::Kind::NotFound);
     case FileBytes::Ending::Unreadable: return problem(Problem::Kind::Unreadable);
-    case FileBytes::Ending::TooLong: return ResultAccess::notRead(tooLong(options, source));
+    case FileBytes::Ending::TooLong: return ResultAccess::notRead(tooLong(options, source, file.bytes()));
     case FileBytes::Ending::Whole: break;
     }
     return readBytes(file.bytes(), options, source);
@@ -48,8 +56,8 @@ ReadResult readFile(const std::filesystem::path& path, const ReadOptions& option
 
 ReadResult readText(std::string_view text, const ReadOptions& options) {
     if (auto refused = refuse(options, options.source)) return std::move(*refused);
-    if (options.maxBytes > 0 && text.size() > static_cast<std::uint64_t>(options.maxBytes))
-        return ResultAccess::notRead(tooLong(options, options.source));
+    if (isTooLong(text, options))
+        return ResultAccess::notRead(tooLong(options, options.source, withinLimit(text, options)));
     return readBytes(text, options, options.source);
 }
 
@@ -61,13 +69,12 @@ ReadResult readStream(std::istream& in, const ReadOptions& options) {
     for (;;) {
         const StreamBytes::Ending ending = stream.read(piece);
         if (ending == StreamBytes::Ending::Unreadable) {
-            return ResultAccess::notRead(
-                problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
+            return ResultAccess::notRead(unreadable(options.source, stream.reason()));
         }
         if (ending == StreamBytes::Ending::End) break;
         bytes += piece;
-        if (options.maxBytes > 0 && bytes.size() > static_cast<std::uint64_t>(options.maxBytes))
-            return ResultAccess::notRead(tooLong(options, options.source));
+        if (isTooLong(bytes, options))
+            return ResultAccess::notRead(tooLong(options, options.source, withinLimit(bytes, options)));
     }
     return readBytes(bytes, options, options.source);
 }

@@ -49,11 +49,11 @@ bool Decoder::decode(std::string_view bytes, std::string& to) { return take(byte
 
 bool Decoder::finish(std::string& to) { return take({}, to, true); }
 
-std::string_view Decoder::textWithin(std::string_view source) {
+std::string_view Decoder::textWithin(std::string_view source, bool isWhole) {
     rest.clear();
     const std::string_view bytes = source.substr(static_cast<std::size_t>(sourceTaken));
     const std::size_t size = check(bytes);
-    if (!failed && size != bytes.size()) failAt(bytes.substr(size), true);
+    if (isWhole && !failed && size != bytes.size()) failAt(bytes.substr(size), true);
     return source.substr(markSize, static_cast<std::size_t>(textGiven));
 }
 

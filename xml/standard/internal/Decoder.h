@@ -66,9 +66,9 @@ public:
     std::string encodingName() const { return encoding == Encoding::Other ? foreignName : nameOf(encoding); }
 
     // For a source that is settled, in UTF-8, and in memory from its first byte to its last: checks what has not been
-    // decoded, and returns all that is text, where it stands. It takes the place of what is left of decode() and
-    // finish().
-    std::string_view textWithin(std::string_view source);
+    // decoded, and returns all that is text, where it stands. It takes the place of what is left of decode() and, where
+    // it ends as a whole, of finish().
+    std::string_view textWithin(std::string_view source, bool isWhole);
 
     bool hasMark() const { return markSize != 0; }
 

@@ -7,6 +7,7 @@
 
 #include "xml/standard/internal/Uninterrupted.h"
 #include "xml/text/internal/LargePages.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -45,8 +46,8 @@ FileBytes::Ending FileBytes::readOpen(int descriptor, std::int64_t most) {
     if (S_ISDIR(info.st_mode)) return fail(EISDIR);
     // Files that the system makes up have no size.
     if (S_ISREG(info.st_mode) && info.st_size > 0) {
-        if (most > 0 && info.st_size > most) return Ending::TooLong;
-        reserve(static_cast<std::size_t>(info.st_size) + 1);  // so that the end is found without more room
+        const std::int64_t wanted = most > 0 ? std::min<std::int64_t>(info.st_size, most) : info.st_size;
+        reserve(static_cast<std::size_t>(wanted) + 1);  // so that the end is found without more room
     }
     return readRest(descriptor, most);
 }
@@ -59,7 +60,10 @@ FileBytes::Ending FileBytes::readRest(int descriptor, std::int64_t most) {
         if (count < 0) return fail(errno);
         if (count == 0) return Ending::Whole;
         size += static_cast<std::size_t>(count);
-        if (most > 0 && size > static_cast<std::size_t>(most)) return Ending::TooLong;
+        if (most > 0 && size > static_cast<std::size_t>(most)) {
+            size = static_cast<std::size_t>(most);
+            return Ending::TooLong;
+        }
     }
 }
 

@@ -13,7 +13,7 @@ class FileBytes {
 public:
     enum class Ending : unsigned char { Whole, NotFound, Unreadable, TooLong };
 
-    // `most`: how many bytes it may have; 0: no limit. Once.
+    // `most`: how many bytes it may have; 0: no limit. Of one that has more these are read. Once.
     Ending read(const std::string& path, std::int64_t most);
 
     std::string_view bytes() const { return {memory.get(), size}; }

@@ -1,6 +1,9 @@
 #include "xml/standard/internal/OptionProblems.h"
 
+#include "xml/standard/internal/Excerpt.h"
+#include "xml/standard/internal/Places.h"
 #include "xml/standard/internal/Rules.h"
+#include "xml/standard/internal/SourceText.h"
 
 namespace Xml {
 
@@ -35,10 +38,36 @@ std::string messageOf(const std::vector<Problem>& problems) {
     return result;
 }
 
+Problem unreadable(const std::string& source, const char* reason) {
+    return problemOf(source, Problem::Kind::Unreadable, "the stream cannot be read: " + std::string(reason));
+}
+
 Problem tooLong(const ReadOptions& options, const std::string& source) {
-    return problemOf(source, Problem::Kind::Limit,
-                     "the source has more than " + std::to_string(options.maxBytes) + " bytes",
-                     StandardRules::kMaxBytes);
+    Problem problem =
+        problemOf(source, Problem::Kind::Limit,
+                  "the source has more than " + std::to_string(options.maxBytes) + " bytes", StandardRules::kMaxBytes);
+    problem.place.offset = options.maxBytes;
+    return problem;
+}
+
+// Of bytes that are no text only the offset is known.
+Problem tooLong(const ReadOptions& options, const std::string& name, std::string_view bytes) {
+    Problem problem = tooLong(options, name);
+    const SourceText source(bytes, options.encoding, SourceText::Extent::Part);
+    if (source.decoder().failure()) return problem;
+    const std::string_view text = source.text();
+    Places places;
+    problem.place = placeAt(options.maxBytes, places.at(static_cast<std::int64_t>(text.size()), text));
+    problem.excerpt = excerptOf(text, text.size());
+    return problem;
+}
+
+Problem undecodable(const DecodingFailure& failure, const std::string& source) {
+    const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
+    Problem problem = problemOf(source, isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed,
+                                messageLine(failure.text), StandardRules::kCharacterEncodingInEntities);
+    problem.place.offset = failure.offset;
+    return problem;
 }
 
 }  // namespace Xml

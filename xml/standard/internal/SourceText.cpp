@@ -11,7 +11,7 @@ constexpr std::size_t kAtOnce = std::size_t{64} << 10;
 
 }  // namespace
 
-SourceText::SourceText(std::string_view source, std::string_view encoding) : decoding(encoding) {
+SourceText::SourceText(std::string_view source, std::string_view encoding, Extent extent) : decoding(encoding) {
     decoding.keepSource(source);
     std::string_view left = source;
     const auto decode = [&](std::size_t size) {
@@ -24,14 +24,14 @@ SourceText::SourceText(std::string_view source, std::string_view encoding) : dec
     }
     if (decoding.isSettled() && decoding.isUtf8()) {
         isOwn = false;
-        within = decoding.textWithin(source);
+        within = decoding.textWithin(source, extent == Extent::Whole);
         return;
     }
     own.reserve(source.size());
     while (!left.empty()) {
         if (!decode(kAtOnce)) return;
     }
-    decoding.finish(own);
+    if (extent == Extent::Whole) decoding.finish(own);
 }
 
 }  // namespace Xml

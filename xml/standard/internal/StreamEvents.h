@@ -86,6 +86,8 @@ private:
     void fail(Lexer::Event event);
     void failByFault();
     void fail(const DecodingFailure& failure);
+    void failAtLimit();
+    std::int64_t windowEnd() const;
     void locate(Problem& problem, std::int64_t offset);
 
     const ReadOptions options;

@@ -53,10 +53,22 @@ void StreamEvents::fail(Lexer::Event event) {
     }
     if (event == Lexer::Event::Failed) return failByFault();
     if (windows->ending() == Ending::TooLong) {
-        found.push_back(tooLong(options, options.source));
+        failAtLimit();
     } else {
-        found.push_back(problemOf(options.source, Problem::Kind::Unreadable, "the stream cannot be read"));
+        found.push_back(unreadable(options.source, windows->reason()));
     }
+}
+
+// A text that is too long was not read at all, a stream up to the limit.
+void StreamEvents::failAtLimit() {
+    if (lexer.window().data() == nullptr) {
+        found.push_back(tooLong(options, options.source, windows->withinLimit()));
+        return;
+    }
+    Problem problem = tooLong(options, options.source);
+    problem.path = lexer.path(lexer.cutTag());
+    locate(problem, windowEnd());
+    found.push_back(std::move(problem));
 }
 
 void StreamEvents::failByFault() {
@@ -68,21 +80,23 @@ void StreamEvents::failByFault() {
 }
 
 void StreamEvents::fail(const DecodingFailure& failure) {
-    const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
-    Problem problem = problemOf(options.source, isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed,
-                                messageLine(failure.text), StandardRules::kCharacterEncodingInEntities);
+    Problem problem = undecodable(failure, options.source);
     problem.path = lexer.path(lexer.cutTag());
-    const std::int64_t end = lexer.windowBegin() + static_cast<std::int64_t>(lexer.window().size());
-    locate(problem, std::clamp(failure.textOffset, lexer.windowBegin(), end));
-    problem.place.offset = failure.offset;
+    locate(problem, std::clamp(failure.textOffset, lexer.windowBegin(), windowEnd()));
     found.push_back(std::move(problem));
 }
 
-// The window is the end of what is held.
+std::int64_t StreamEvents::windowEnd() const {
+    return lexer.windowBegin() + static_cast<std::int64_t>(lexer.window().size());
+}
+
+// An offset in the source that is known already stays. The window is the end of what is held.
 void StreamEvents::locate(Problem& problem, std::int64_t offset) {
     const std::string_view held = windows->held();
     const std::size_t begin = held.size() - lexer.window().size();
+    const std::int64_t known = problem.place.offset;
     problem.place = of(offset);
+    if (known >= 0) problem.place.offset = known;
     problem.excerpt = excerptOf(held, begin + static_cast<std::size_t>(offset - lexer.windowBegin()));
 }
 

@@ -28,6 +28,12 @@ public:
     // How the source ends, once that was seen.
     Ending ending() const { return how; }
 
+    // The bytes before the limit, where the source is known to be too long before anything of it is read.
+    virtual std::string_view withinLimit() const { return {}; }
+
+    // Why it is unreadable, in a few words.
+    virtual const char* reason() const { return ""; }
+
     // Once the lexer has a window.
     virtual Decoder& decoder() = 0;
 
@@ -49,6 +55,7 @@ public:
         : source(itsSource), encoding(std::move(itsEncoding)), limit(maxBytes) {}
 
     bool advance(Lexer& lexer) override;
+    std::string_view withinLimit() const override { return source.substr(0, static_cast<std::size_t>(limit)); }
     Decoder& decoder() override { return text->decoder(); }
     std::string_view held() const override { return text ? text->text() : std::string_view(); }
     const char* newline() override;
@@ -74,6 +81,7 @@ public:
         : bytes(in), decoding(encoding), limit(maxBytes) {}
 
     bool advance(Lexer& lexer) override;
+    const char* reason() const override { return bytes.reason(); }
     Decoder& decoder() override { return decoding; }
     std::string_view held() const override { return text; }
     const char* newline() override { return lineEnd.text(); }

@@ -7,8 +7,8 @@
 #include "xml/standard/internal/Excerpt.h"
 #include "xml/standard/internal/FirstLineEnd.h"
 #include "xml/standard/internal/Lexer.h"
+#include "xml/standard/internal/OptionProblems.h"
 #include "xml/standard/internal/PrologParts.h"
-#include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/SourcePlaces.h"
 #include <algorithm>
 #include <string>
@@ -144,14 +144,11 @@ void TreeReader::report(Problem& problem) {
 
 // The bytes are no text from some place on.
 void TreeReader::report(const DecodingFailure& failure, Problem& problem) {
-    const bool isUnknown = failure.kind == DecodingFailure::Kind::UnknownEncoding;
     const std::string_view text = source.text();
     const auto offset = std::min(static_cast<std::size_t>(failure.textOffset), text.size());
-    problem.kind = isUnknown ? Problem::Kind::Unsupported : Problem::Kind::Malformed;
+    problem = undecodable(failure, {});
     problem.place = places.of(static_cast<std::int64_t>(offset));
     problem.place.offset = failure.offset;
-    problem.text = messageLine(failure.text);
-    problem.rule = StandardRules::kCharacterEncodingInEntities;
     problem.path = content.path(lexer.cutTag());
     problem.excerpt = excerptOf(text, offset);
 }
