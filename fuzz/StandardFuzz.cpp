@@ -68,14 +68,17 @@ Setting settingOf(Decisions& decisions) {
 
 // --- Problems ---
 
-// `size` is that of the source.
-void checkProblem(const Problem& problem, std::size_t size) {
+// `size` is that of the source. Where bytes before a limit are no text, the limit has no line.
+void checkProblem(const Problem& problem, std::size_t size, std::int64_t most) {
     const std::string shown = problem.toString() + "\n" + problem.rule + "\n" + problem.excerpt;
     expectTrue("a problem has a text", !problem.text.empty(), shown);
     expectTrue("a problem has a rule", !problem.rule.empty(), shown);
     expectTrue("a text is one line", problem.text.find('\n') == std::string::npos, shown);
-    if (problem.rule == "maxBytes") return;  // known before anything was read
     const Place& place = problem.place;
+    if (problem.rule == "maxBytes") {
+        expectTrue("a limit is where it is set", place.offset == most, shown + std::to_string(place.offset));
+        if (place.line == 0) return;
+    }
     expectTrue("a place is within the source", place.offset >= 0 && static_cast<std::size_t>(place.offset) <= size,
                shown + std::to_string(place.offset));
     expectTrue("a place has line and column", place.line >= 1 && place.column >= 1, shown);
@@ -224,7 +227,7 @@ void check(const std::string& input) {
     const ReadResult result = readText(document, setting.options);
     expectTrue("there is a document or a problem", static_cast<bool>(result) == (result.get() != nullptr), "");
     expectTrue("a refusal says why", static_cast<bool>(result) == result.message().empty(), result.message());
-    for (const Problem& problem : result.problems()) checkProblem(problem, document.size());
+    for (const Problem& problem : result.problems()) checkProblem(problem, document.size(), setting.options.maxBytes);
     checkStreamed(result, document, setting);
     if (result) {
         checkTree(*result);
