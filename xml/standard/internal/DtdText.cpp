@@ -112,8 +112,8 @@ void addElements(std::string& text, const Dtd& dtd) {
         if (list.definitions.empty()) continue;
         text += "<!ATTLIST " + element;
         for (const auto& [attribute, definition] : list.definitions) {
-            text += "\n\t" + attribute + ' ' + ownText([&](OutStream& out) { definition->typeToStream(out); }) + ' ' +
-                    ruleOf(*definition);
+            text += "\n\t" + attribute + ' ' + ownText([&of = *definition](OutStream& out) { of.typeToStream(out); }) +
+                    ' ' + ruleOf(*definition);
         }
         text += ">\n";
     }
