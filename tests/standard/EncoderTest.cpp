@@ -69,6 +69,19 @@ TEST(EncoderTest, KnowsWhichCharactersComeBack) {
     }
 }
 
+TEST(EncoderTest, SaysAllOfAscii) {
+    for (const char* const name : {"GB18030", "Big5", "EUC-JP", "windows-1252", "KOI8-R", "ISO-8859-15"}) {
+        const auto encoder = Encoder::make(name);
+        if (encoder == nullptr) continue;  // not on this platform
+        SCOPED_TRACE(name);
+        EXPECT_TRUE(encoder->hasAscii());
+        std::string text = "\t\n\r";
+        for (char c = ' '; c < 0x7F; ++c) text += c;
+        text += '\x7F';
+        EXPECT_EQ(encoder->sayableEnd(text.data(), text.data() + text.size()), text.data() + text.size());
+    }
+}
+
 // Whatever it says that it can say comes back as what it was.
 TEST(EncoderTest, WhatItCanSayComesBack) {
     for (const char* const name : {"US-ASCII", "ISO-8859-1", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE",

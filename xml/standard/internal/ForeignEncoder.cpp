@@ -34,9 +34,10 @@ public:
     bool open(const std::string& itsName) {
         name = itsName;
         if (!open(conversion) || !open(trial)) return false;
-        for (char c = '\t'; c < 0x7F; ++c) {
-            ascii[static_cast<unsigned char>(c)] = comesBack({&c, 1});
-            hasWholeAscii &= ascii[static_cast<unsigned char>(c)] || c < ' ';
+        for (std::size_t i = '\t'; i < ascii.size(); ++i) {
+            const auto c = static_cast<char>(i);
+            ascii[i] = comesBack({&c, 1});
+            hasWholeAscii &= ascii[i] || c < ' ';
         }
         constexpr std::string_view kMarkup =
             "\t\n\r !\"#%&'()*+,-./0123456789:;<=>?ABCDEFGHIJKLMNOPQRSTUVWXYZ[]_abcdefghijklmnopqrstuvwxyz|";
