@@ -3,39 +3,64 @@
 #include "standard/Events.h"
 #include "standard/Streamed.h"
 #include "standard/WithoutPlain.h"
+#include "stream/TextBuffer.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Element.h"
 #include "xml/standard/Read.h"
-#include "xml/standard/internal/Lexer.h"
+#include "xml/standard/StreamReader.h"
 #include <gtest/gtest.h>
 #include <string>
 
 namespace Xml::test {
 namespace {
 
-std::string shown(const Lexed& lexed) {
-    const Fault& fault = lexed.fault;
-    return lexed.events + (lexed.isAccepted ? "accepted" : fault.rule) + " " + std::to_string(fault.offset) + " " +
-           fault.text + " " + fault.element;
+std::string shown(const Problem& problem) {
+    return std::to_string(static_cast<int>(problem.kind)) + "|" + std::to_string(problem.place.offset) + "|" +
+           problem.toString() + "|" + problem.rule + "|" + problem.path + "|" + problem.excerpt;
 }
 
-void expectSame(const std::string& text, const Lexer::Options& options, std::size_t chunk) {
-    const std::string plain = shown(lex(text, options, chunk));
-    const WithoutPlain without;
-    ASSERT_EQ(plain, shown(lex(text, options, chunk))) << text;
+// What each event says, what is read as a tree and what is passed over, as the dice has it; the problem.
+std::string walked(StreamReader& reader, unsigned seed) {
+    using Event = StreamReader::Event;
+    Dice dice(seed);
+    std::string lines;
+    for (Event event = reader.next();; event = reader.next()) {
+        lines += lineOf(reader, event) + std::string(reader.localName()) + " of " + std::string(reader.namespaceUri());
+        if (event == Event::Finished) return lines;
+        if (event == Event::Failed) return lines + shown(reader.problems().at(0));
+        if (event != Event::Start || seed == 0) continue;
+        if (dice.chance(20)) {
+            const auto element = reader.readElement();
+            lines += element ? nodesOf(*element) : "none";
+        } else if (dice.chance(20)) {
+            reader.skipElement();
+        } else {
+            lines += std::string(reader.attribute("x").value_or("none"));
+            continue;
+        }
+        lines += lineOf(reader, reader.problems().empty() ? Event::End : Event::Failed);
+    }
 }
 
-// With the place, the depth and all that each event says.
-void expectSameStream(const std::string& text, const ReadOptions& options) {
-    const auto lines = [&] {
+// From a text, or from a stream that gives so many bytes at a time.
+std::string walkedBy(const std::string& text, const ReadOptions& options, std::size_t chunk, unsigned seed) {
+    if (chunk == 0) {
         StreamReader reader(text, options);
-        return linesOf(reader);
-    };
-    const std::string plain = lines();
+        return walked(reader, seed);
+    }
+    BufferHabits habits;
+    habits.chunk = chunk;
+    TextStream stream(text, habits);
+    StreamReader reader(stream, options);
+    return walked(reader, seed);
+}
+
+void expectSameStream(const std::string& text, const ReadOptions& options, std::size_t chunk, unsigned seed) {
+    const std::string plain = walkedBy(text, options, chunk, seed);
     const WithoutPlain without;
-    ASSERT_EQ(plain, lines()) << text;
+    ASSERT_EQ(plain, walkedBy(text, options, chunk, seed)) << text;
 }
 
 // All nodes with their places, or the problem.
@@ -111,13 +136,20 @@ TEST(PlainPiecesTest, GiveWhatOtherPiecesGive) {
                                          "<!DOCTYPE a [<!ATTLIST b x NMTOKEN ' 7  8 ' y CDATA '9'>]><a>"}) {
             for (const std::string after : {"</a>", "<b>some</b> text</c></a>", ""}) {
                 const std::string text = before + piece + after;
-                Lexer::Options options;
-                for (options.maxDepth = 0; options.maxDepth < 4; ++options.maxDepth) {
-                    options.namespaces = options.maxDepth != 1;
-                    for (std::size_t chunk = 0; chunk < 8; ++chunk)
-                        ASSERT_NO_FATAL_FAILURE(expectSame(text, options, chunk));
+                for (int way = 0; way < 8; ++way) {
+                    ReadOptions options;
+                    options.keepPlaces = true;
+                    options.maxDepth = way % 4;
+                    options.namespaces = way != 1;
+                    options.space = way < 3 ? Space::All : way < 5 ? Space::Dropped : Space::Content;
+                    options.keepComments = way % 2 == 0;
+                    options.keepCData = way % 2 == 0;
+                    options.keepInstructions = way % 2 == 0;
+                    for (const std::size_t chunk : {0, 1, 7, way + 2}) {
+                        ASSERT_NO_FATAL_FAILURE(expectSameStream(text, options, chunk, 0));
+                        ASSERT_NO_FATAL_FAILURE(expectSameStream(text, options, chunk, 5));
+                    }
                 }
-                ASSERT_NO_FATAL_FAILURE(expectSameStream(text, {}));
                 ASSERT_NO_FATAL_FAILURE(expectSameTrees(text, {}));
             }
         }
@@ -129,16 +161,17 @@ TEST(PlainPiecesTest, GiveWhatOtherPiecesGiveInRandomDocuments) {
     int accepted = 0;
     for (int round = rounds(20000); round > 0; --round) {
         const std::string text = brokenDocument(dice);
-        Lexer::Options options;
-        options.namespaces = dice.chance(70);
-        options.maxDepth = dice.chance(20) ? 3 : 0;
-        ASSERT_NO_FATAL_FAILURE(expectSame(text, options, dice.chance(50) ? 0 : 1 + dice.below(40)));
         ReadOptions reading;
+        reading.keepPlaces = dice.chance(50);
+        reading.namespaces = dice.chance(70);
+        reading.maxDepth = dice.chance(20) ? 3 : 0;
         reading.keepComments = dice.chance(50);
         reading.keepInstructions = dice.chance(50);
         reading.keepCData = dice.chance(50);
-        reading.space = dice.chance(70) ? Space::Content : Space::Dropped;
-        ASSERT_NO_FATAL_FAILURE(expectSameStream(text, reading));
+        reading.space = dice.chance(40) ? Space::Content : dice.chance(50) ? Space::All : Space::Dropped;
+        const std::size_t chunk = dice.chance(50) ? 0 : 1 + dice.below(40);
+        ASSERT_NO_FATAL_FAILURE(
+            expectSameStream(text, reading, chunk, dice.chance(50) ? 0 : 1 + static_cast<unsigned>(dice.below(100))));
         ASSERT_NO_FATAL_FAILURE(expectSameTrees(text, reading));
         if (lex(text).isAccepted) ++accepted;
     }

@@ -25,7 +25,9 @@ public:
     const Given* begin() const { return first; }
     const Given* end() const { return past; }
     Given& operator[](std::size_t place) { return first[place]; }
+    const Given& operator[](std::size_t place) const { return first[place]; }
     Given& back() { return past[-1]; }
+    const Given& back() const { return past[-1]; }
 
     // Leaves those before there.
     void endAt(Given* given) { past = given; }

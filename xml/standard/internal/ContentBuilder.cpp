@@ -67,7 +67,6 @@ void ContentBuilder::beginOutermost() {
 // Those of the tag, the place of which was found last. Returns the value of xml:space.
 std::string_view ContentBuilder::takeAttributes() {
     attributes.clear();
-    if (isPadded()) attributes.setPadded();
     const Place ofTag = here;
     std::string_view space;
     for (const TagAttribute& attribute : lexer.attributes()) {
@@ -135,8 +134,7 @@ void ContentBuilder::addText() {
     const bool isOtherText = lexer.hasReference() || !WhiteSpace::isWhite(text);
     if (!pending.empty() || !(keepsEach || lexer.isBeforeTag())) return addPart(text, isOtherText);
     if (isOtherText) {
-        const bool isPlain = lexer.isPlain();
-        white.addOther(isPlain ? text : escaped(text), placeAt(lexer.offset()), isPadded());
+        white.addOther(escaped(text), placeAt(lexer.offset()));
     } else {
         white.addWhite(text, placeAt(lexer.offset()));
     }

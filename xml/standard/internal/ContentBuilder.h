@@ -52,7 +52,6 @@ private:
     void beginOutermost();
     std::string_view takeAttributes();
     void addEmpty(const SharedName& name, const Place* place);
-    bool isPadded() const { return lexer.isPlain() && lexer.ahead().size() >= internal::kShortText; }
     void addPart(std::string_view text, bool isOther);
     void flush();
     std::string_view escaped(std::string_view text);

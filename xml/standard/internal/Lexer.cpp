@@ -5,12 +5,44 @@
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Syntax.h"
 #include "xml/text/internal/StandardNames.h"
+#include <algorithm>
 #include <utility>
 
 namespace Xml {
 
 using Syntax::startsWith;
 using Syntax::viewOf;
+
+bool Lexer::isPlainEnabled = true;
+
+bool Lexer::setPlainEnabled(bool on) { return std::exchange(isPlainEnabled, on); }
+
+std::string_view Lexer::plainAhead() {
+    forgetEnded();
+    return mayBePlain() && !isEnding ? ahead() : std::string_view();
+}
+
+std::size_t Lexer::plainFloor() const {
+    const std::size_t ended = hasEnded ? 1 : 0;
+    const std::size_t scopes = ended > 0 ? open.back().scopes : tags.scopes().mark();
+    const auto* const firstWithout =
+        std::partition_point(open.begin(), open.end() - ended, [&](const Open& one) { return one.scopes < scopes; });
+    const auto declaring = static_cast<std::size_t>(firstWithout - open.begin());
+    return std::max({std::size_t{1}, kept.size(), declaring});
+}
+
+// A construct that is cut off is read again, but for texts: what is in the buffer stays there.
+Lexer::Event Lexer::next() {
+    if (part == Part::Finished) return Event::Finished;
+    if (part == Part::Failed) return Event::Failed;
+    forgetEnded();
+    in.goOn();
+    Event event = Event::Failed;
+    if (read(event)) return event;
+    if (in.state() == EntityStack::State::Cut) return Event::More;
+    part = Part::Failed;
+    return Event::Failed;
+}
 
 // The elements whose start tags are in the window are the last ones.
 std::size_t Lexer::release() {
@@ -68,7 +100,7 @@ bool Lexer::readMisc(Event& event) {
     return readStart(event);
 }
 
-[[gnu::always_inline]] inline bool Lexer::readContent(Event& event) {
+bool Lexer::readContent(Event& event) {
     if (isEnding) return endElement(event);
     if (isInText || in.at == in.end || *in.at != '<') {
         if (!readText()) return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dom/internal/FewFirst.h"
 #include "xml/standard/internal/Declarations.h"
 #include "xml/standard/internal/EntityStack.h"
 #include "xml/standard/internal/Tags.h"
@@ -72,16 +73,28 @@ public:
     // Whether some of the text came by a reference.
     bool hasReference() const { return textHasReference; }
 
-    // Whether a text or the values of a tag stand in the window as they are. Such a text has no '<', '>' and '&'.
-    bool isPlain() const { return isPlainPiece; }
-
     // Whether a tag follows, and not what a reader may drop.
     bool isBeforeTag() const { return in.end - in.at > 1 && *in.at == '<' && in.at[1] != '!' && in.at[1] != '?'; }
 
     // What follows, as far as the window goes; in an entity what is left of that.
     std::string_view ahead() const { return {in.at, static_cast<std::size_t>(in.end - in.at)}; }
 
-    // --- Ordinary pieces of content that are read without events, by what knows their rules (see PlainContent) ---
+    // --- Ordinary pieces of content that are read without this, by what knows their rules (see PlainContent and
+    // PlainEvents) ---
+
+    // Whether the next piece may be read so; it stays so until the outermost element ends or an event is asked for.
+    bool mayBePlain() const {
+        const bool isAtEnd = hasEnded && open.size() == 1;
+        return part == Part::Content && !isAtEnd && !isInText && isPlainEnabled && !in.isInEntity();
+    }
+
+    // Before that: no event is at hand any more.
+    void forgetEnded() {
+        if (!hasEnded) return;
+        hasEnded = false;
+        closeInnermost();
+        if (open.empty()) part = Part::AfterRoot;
+    }
 
     // The window from the next piece on; empty where that may not be read so. No event is at hand then.
     std::string_view plainAhead();
@@ -90,9 +103,33 @@ public:
 
     // An element that declares no prefixes begins, with that name in the window; the innermost one ends.
     [[gnu::always_inline]] void beginPlain(std::string_view name) {
-        open.emplace_back(name, tags.scopes().mark(), in.offsetOf(name.data() - 1));
+        open.add(name, tags.scopes().mark(), in.offsetOf(name.data() - 1));
     }
     void endPlain() { closeInnermost(); }
+
+    // The same where the Start is at hand then, with the attributes that were put there.
+    TagAttributeList& attributesToFill() { return tags.attributesToFill(); }
+    [[gnu::always_inline]] void beginShown(std::string_view name, std::int64_t offset, bool isEmptyTag) {
+        open.add(name, tags.scopes().mark(), offset);
+        itsName = name;
+        itsOffset = offset;
+        tags.setEmpty(isEmptyTag);
+        isEnding = isEmptyTag;
+    }
+    void endShown() { open.endAt(&open.back()); }
+
+    // Whether the innermost element is an empty tag, the End of which is next; that is at hand.
+    bool isInEmptyTag() const { return isEnding; }
+    void leaveEmptyTag() { isEnding = false; }
+
+    std::string_view innermostName() const { return open.back().name; }
+
+    // As long as more elements are open than that the innermost one ends with its end tag, and nothing else does: it is
+    // not the outermost one, declares no prefixes, and its start tag is in the window.
+    std::size_t plainFloor() const;
+
+    // Whether the document type says something of attributes.
+    bool hasAttributeRules() const { return !declared.elements.empty(); }
 
     // Whether no more elements may be open.
     bool isFull() const { return options.maxDepth > 0 && open.size() >= static_cast<std::size_t>(options.maxDepth); }
@@ -101,7 +138,7 @@ public:
     std::string_view cutTag() const;
 
     // Of a Start: in the order of the tag, and then those that the document type supplies.
-    const std::vector<TagAttribute>& attributes() const { return tags.attributes(); }
+    const TagAttributeList& attributes() const { return tags.attributes(); }
     bool isEmptyTag() const { return tags.isEmpty(); }
 
     // Where the event began in the document; in an entity that is its outermost reference.
@@ -148,6 +185,8 @@ private:
     // An element that has begun. Its name stands where it was read, until the window moves on; what is kept of it then
     // is the name, and the place for messages.
     struct Open {
+        Open() {}  // to be assigned
+
         // Made in its place: what is copied there waits for the stores.
         Open(std::string_view itsName, std::size_t itsScopes, std::int64_t itsOffset)
             : name(itsName), scopes(itsScopes), offset(itsOffset) {}
@@ -161,10 +200,6 @@ private:
         Place place;
     };
 
-    bool takePlain(Event& event);
-    bool takePlainText(Event& event);
-    bool takePlainEnd(Event& event);
-    const char* afterPlainEnd(const char* from) const;
     bool read(Event& event);
     bool readMisc(Event& event);
     bool readContent(Event& event);
@@ -176,7 +211,7 @@ private:
 
     // The tag that was read; the innermost element, whose name and prefixes stay as long as the event is at hand.
     void beginElement(std::string_view name, std::size_t scopes, std::int64_t offset) {
-        open.emplace_back(name, scopes, offset);
+        open.add(name, scopes, offset);
         itsName = name;
         itsOffset = offset;
         isEnding = tags.isEmpty();
@@ -197,11 +232,10 @@ private:
     bool leaveEntity();
     bool growByNode(const char* where);
     void takeText(std::string_view text, bool hasReturn);
-    void forgetEnded();
     void closeInnermost() {
         const std::size_t scopes = open.back().scopes;
         if (tags.scopes().mark() != scopes) tags.scopes().goBack(scopes);
-        open.pop_back();
+        open.endAt(&open.back());
         if (kept.size() > open.size()) kept.pop_back();
     }
 
@@ -216,14 +250,13 @@ private:
     XmlDeclaration itsDeclaration;
     Part part = Part::Beginning;
 
-    std::vector<Open> open;
+    FewFirst<Open> open;
     std::vector<std::unique_ptr<const Kept>> kept;  // of the first of them
     bool hasEnded = false;                          // the innermost one, with the event at hand
     bool isEnding = false;                          // the innermost one, which was an empty tag
 
     bool isInText = false;  // some of a text is in the buffer
     bool textHasReference = false;
-    bool isPlainPiece = false;
     std::string buffer;
 
     std::string_view itsName, itsText;

@@ -20,18 +20,26 @@ inline bool isNoncharacter(const char* at) {
     return *at == kRare && at[1] == '\xBF' && static_cast<unsigned char>(at[2]) >= 0xBE;
 }
 
+#ifdef __SSE2__
+// Which of sixteen bytes are one of these, a control character or kRare: a bit for each, the first in the lowest place.
+template <char... Stops>
+inline unsigned marksOf(const char* block) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+    const __m128i low = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+    __m128i found = _mm_andnot_si128(_mm_or_si128(are('\t'), are('\n')), low);
+    found = _mm_or_si128(found, are(kRare));
+    ((found = _mm_or_si128(found, are(Stops))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#endif
+
 // The first byte that is one of these, a control character or kRare; `to` without one. A CR counts as a control.
 template <char... Stops>
 inline const char* find(const char* from, const char* to) {
 #ifdef __SSE2__
     for (; to - from >= Words::kBlockSize; from += Words::kBlockSize) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
-        const __m128i low = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
-        __m128i found = _mm_andnot_si128(_mm_or_si128(are('\t'), are('\n')), low);
-        found = _mm_or_si128(found, are(kRare));
-        ((found = _mm_or_si128(found, are(Stops))), ...);
-        const auto marks = static_cast<unsigned>(_mm_movemask_epi8(found));
+        const unsigned marks = marksOf<Stops...>(from);
         if (marks != 0) return from + __builtin_ctz(marks);
     }
 #endif
@@ -40,20 +48,51 @@ inline const char* find(const char* from, const char* to) {
 }
 
 // The same where tabs and line ends are looked for as well: one comparison finds them all.
+#ifdef __SSE2__
+template <char... Stops>
+inline unsigned marksInLine(const char* block) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+    __m128i found = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+    ((found = _mm_or_si128(found, are(Stops))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#endif
+
 template <char... Stops>
 inline const char* findInLine(const char* from, const char* to) {
 #ifdef __SSE2__
     for (; to - from >= Words::kBlockSize; from += Words::kBlockSize) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-        const auto are = [&bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
-        __m128i found = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
-        ((found = _mm_or_si128(found, are(Stops))), ...);
-        const auto marks = static_cast<unsigned>(_mm_movemask_epi8(found));
+        const unsigned marks = marksInLine<Stops...>(from);
         if (marks != 0) return from + __builtin_ctz(marks);
     }
 #endif
     while (from != to && static_cast<unsigned char>(*from) >= 0x20 && ((*from != Stops) && ...)) ++from;
     return from;
+}
+
+// The same as both of them, for what mostly ends within a few bytes.
+template <char... Stops>
+[[gnu::always_inline]] inline const char* findNear(const char* from, const char* to) {
+#ifdef __SSE2__
+    if (to - from >= Words::kBlockSize) {
+        const unsigned marks = marksOf<Stops...>(from);
+        if (marks != 0) return from + static_cast<unsigned>(__builtin_ctz(marks));
+        from += Words::kBlockSize;
+    }
+#endif
+    return find<Stops...>(from, to);
+}
+template <char... Stops>
+[[gnu::always_inline]] inline const char* findNearInLine(const char* from, const char* to) {
+#ifdef __SSE2__
+    if (to - from >= Words::kBlockSize) {
+        const unsigned marks = marksInLine<Stops...>(from);
+        if (marks != 0) return from + static_cast<unsigned>(__builtin_ctz(marks));
+        from += Words::kBlockSize;
+    }
+#endif
+    return findInLine<Stops...>(from, to);
 }
 
 struct Run {

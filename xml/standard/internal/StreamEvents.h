@@ -4,6 +4,7 @@
 #include "xml/standard/StreamReader.h"
 #include "xml/standard/internal/Lexer.h"
 #include "xml/standard/internal/PlaceSource.h"
+#include "xml/standard/internal/PlainEvents.h"
 #include "xml/standard/internal/TextWindows.h"
 #include <cstddef>
 #include <cstdint>
@@ -27,7 +28,8 @@ struct StreamReaderAccess {
 //
 // They differ in texts. A run of text is one event, and what is not kept within it does not part it. Mostly it is one
 // event of the lexer, and what follows shows that it ends there; then it stays where it is. Otherwise the parts are put
-// together, until the lexer has an event that is kept: that one waits.
+// together, until the lexer has an event that is kept: that one waits. Most events are ordinary, and taken without the
+// lexer (see PlainEvents).
 class StreamEvents final : private PlaceSource {
 public:
     using Event = StreamReader::Event;
@@ -40,14 +42,14 @@ public:
     // As StreamReader has them.
     Event next();
     std::optional<Event> event() const { return now; }  // the one at hand; none before the first
-    std::string_view name() const { return itsName; }
-    std::string_view text() const { return itsText; }
+    std::string_view name() const { return shown.name; }
+    std::string_view text() const { return shown.text; }
     std::string_view localName() const;
     std::string_view namespaceUri() const;
-    std::size_t attributeCount() const { return itsAttributes->size(); }
-    const TagAttribute& attributeAt(std::size_t i) const { return (*itsAttributes)[i]; }
+    std::size_t attributeCount() const { return shown.attributeCount; }
+    const TagAttribute& attributeAt(std::size_t i) const { return shown.attributes[i]; }
     std::optional<std::string_view> attribute(std::string_view name);
-    std::size_t depth() const { return itsDepth; }
+    std::size_t depth() const { return shown.depth; }
     Place place();
     std::unique_ptr<Element> readElement();
     void skipElement();
@@ -61,18 +63,23 @@ private:
         bool isPreserved;
     };
 
+    Event readStart();
+    Event readNext();
+    Event readByLexer();
+    bool goOnPlain();
     Event read();
     Event readAfterText();
     Event readRun(Lexer::Event event);
     Lexer::Event pull();
     Event show(Lexer::Event event);
-    void clear();
 
     bool isPart(Lexer::Event event) const;
     bool isPassedOver(Lexer::Event event) const;
     bool isBeforeKept() const;
     bool addPart(Lexer::Event event);
     bool isDropped() const { return options.space == Space::Dropped && !isOther; }
+
+    bool skipPlain(std::size_t outer);
 
     void noteStart();
     void noteEnd();
@@ -93,15 +100,12 @@ private:
     const ReadOptions options;
     const std::unique_ptr<TextWindows> windows;
     Lexer lexer;
+    PlainEvents plain;
     std::optional<Event> now;
+    bool isPlain = false;                 // the next event may be taken without the lexer
     std::optional<Lexer::Event> waiting;  // of the lexer, after a text that turned out to end before it
 
-    // The event at hand.
-    std::string_view itsName, itsText;
-    const std::vector<TagAttribute>* itsAttributes;
-    std::size_t itsDepth = 0;
-    std::int64_t itsOffset = -1;
-
+    EventAtHand shown;
     std::string run;       // a text of several parts
     bool isOther = false;  // some of it is not white space, or came by a reference
 

@@ -19,7 +19,7 @@ Place StreamEvents::find(std::int64_t offset) {
 
 // The window moves on: that of a text that has begun is found while its bytes are there.
 void StreamEvents::keepPlace() {
-    const std::int64_t offset = itsText.empty() ? lexer.offset() : itsOffset;
+    const std::int64_t offset = shown.text.empty() ? lexer.offset() : shown.offset;
     if (offset == keptOffset || offset < lexer.windowBegin() || lexer.window().empty()) return;
     kept = of(offset);
     keptOffset = offset;
@@ -27,7 +27,7 @@ void StreamEvents::keepPlace() {
 
 Place StreamEvents::place() {
     if (now == Event::Failed) return found.empty() ? Place() : found.front().place;
-    return itsOffset >= 0 ? of(itsOffset) : Place();
+    return shown.offset >= 0 ? of(shown.offset) : Place();
 }
 
 // --- The document ---

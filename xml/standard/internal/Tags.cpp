@@ -75,7 +75,7 @@ inline bool Tags::readPlainAttribute() {
     if (end == in.end || *end != '"') return false;
     const std::string_view name = viewOf(from, at);
     declaresPrefixes |= name == "xmlns";
-    all.push_back({name, viewOf(value, end), false});
+    all.add(name, viewOf(value, end), false);
     in.at = end + 1;
     return true;
 }
@@ -105,7 +105,7 @@ bool Tags::readAttribute() {
     bool isPlain = false;
     if (!values.readAttribute(plain, isPlain, buffer)) return false;
     if (!isPlain) buffered.push_back({all.size(), begin, buffer.size() - begin});
-    all.emplace_back(name, plain, false);
+    all.add(name, plain, false);
     return true;
 }
 
@@ -141,7 +141,7 @@ bool Tags::applyRules() {
             prefixed.emplace_back(static_cast<std::uint32_t>(all.size()), static_cast<std::uint32_t>(colon));
         }
         declaresPrefixes |= name.substr(0, 5) == "xmlns";
-        all.emplace_back(name, rule->value, true);
+        all.add(name, rule->value, true);
     }
     return true;
 }
@@ -156,8 +156,17 @@ bool Tags::failTwice(const TagAttribute& second) {
 
 bool Tags::checkUnique() {
     if (all.size() > kFew) return checkUniqueOfMany();
-    const TagAttribute* const second = findTwice();
+    const TagAttribute* const second = findTwice(all);
     return second == nullptr || failTwice(*second);
+}
+
+const TagAttribute* Tags::findTwice(const TagAttributeList& attributes) {
+    for (std::size_t i = 1; i < attributes.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (attributes[i].name == attributes[j].name) return &attributes[i];
+        }
+    }
+    return nullptr;
 }
 
 // The first one that was there before: sorted, it follows one of the same name.

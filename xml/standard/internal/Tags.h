@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/dom/internal/FewFirst.h"
 #include "xml/standard/internal/Declarations.h"
 #include "xml/standard/internal/EntityStack.h"
 #include "xml/standard/internal/Namespaces.h"
@@ -15,6 +16,8 @@ namespace Xml {
 
 // An attribute of a tag, its value normalised.
 struct TagAttribute {
+    TagAttribute() {}  // to be assigned
+
     // Made in its place: what is copied there waits for the stores.
     TagAttribute(std::string_view itsName, std::string_view itsValue, bool isSupplied)
         : name(itsName), value(itsValue), isDefault(isSupplied) {}
@@ -22,6 +25,7 @@ struct TagAttribute {
     std::string_view name, value;
     bool isDefault;  // supplied by the document type
 };
+using TagAttributeList = FewFirst<TagAttribute>;
 
 // Reads start tags. Names and values are good until the next tag is read, or the window moves.
 class Tags {
@@ -32,14 +36,17 @@ public:
     // From '<' on, which a name follows. Prefixes that the tag declares are in scope then.
     bool read();
 
-    // The same for an ordinary tag: one that ends in the window, with names of ASCII without prefixes, values that
-    // stand there as they are, and no declarations of the element's attributes or of prefixes. False: it is none, or
-    // something is wrong with it, and `at` is where it was.
-    bool readPlain();
-
     std::string_view name() const { return itsName; }
     bool isEmpty() const { return empty; }
-    const std::vector<TagAttribute>& attributes() const { return all; }
+    const TagAttributeList& attributes() const { return all; }
+
+    // For a tag that is read without this: its attributes, to be filled in its order, and whether it is an empty one.
+    TagAttributeList& attributesToFill() { return all; }
+    void setEmpty(bool isEmptyTag) { empty = isEmptyTag; }
+
+    // The first one that was there before; null without one. For few attributes: each is compared with each.
+    static const TagAttribute* findTwice(const TagAttributeList& attributes);
+    static constexpr std::size_t kFew = 16;
 
     // As Values::find, for references in content.
     DeclaredEntity* findEntity(std::string_view& name, const char* reference) { return values.find(name, reference); }
@@ -53,7 +60,6 @@ private:
         std::size_t attribute, from, size;
     };
     using Order = std::vector<std::uint32_t>;
-    static constexpr std::size_t kFew = 16;  // attributes, of which each is compared with each
 
     bool readParts();
     bool readAttribute();
@@ -62,7 +68,6 @@ private:
     bool applyRules();
     bool checkUnique();
     bool checkUniqueOfMany();
-    const TagAttribute* findTwice() const;
     bool failTwice(const TagAttribute& second);
 
     // Namespaces.
@@ -86,7 +91,7 @@ private:
     std::size_t nameColon = std::string_view::npos;
     bool empty = false;
     bool declaresPrefixes = false;
-    std::vector<TagAttribute> all;
+    TagAttributeList all;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> prefixed;  // the places of those, and of their colons
     std::vector<Buffered> buffered;
     std::string buffer;
