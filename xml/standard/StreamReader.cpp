@@ -6,10 +6,10 @@
 namespace Xml {
 
 StreamReader::StreamReader(std::istream& in, const ReadOptions& options)
-    : events(std::make_unique<StreamEvents>(in, options)) {}
+    : events(std::make_unique<StreamEvents>(in, options)), shown(&events->atHand()) {}
 
 StreamReader::StreamReader(std::string_view text, const ReadOptions& options)
-    : events(std::make_unique<StreamEvents>(text, options)) {}
+    : events(std::make_unique<StreamEvents>(text, options)), shown(&events->atHand()) {}
 
 StreamReader::StreamReader(StreamReader&& other) noexcept = default;
 
@@ -19,27 +19,11 @@ StreamReader::~StreamReader() = default;
 
 StreamReader::Event StreamReader::next() { return events->next(); }
 
-std::string_view StreamReader::name() const { return events->name(); }
-
-std::string_view StreamReader::text() const { return events->text(); }
-
 std::string_view StreamReader::localName() const { return events->localName(); }
 
 std::string_view StreamReader::namespaceUri() const { return events->namespaceUri(); }
 
-int StreamReader::attributeCount() const { return static_cast<int>(events->attributeCount()); }
-
-std::string_view StreamReader::attributeName(int i) const {
-    return events->attributeAt(static_cast<std::size_t>(i)).name;
-}
-
-std::string_view StreamReader::attributeValue(int i) const {
-    return events->attributeAt(static_cast<std::size_t>(i)).value;
-}
-
 std::optional<std::string_view> StreamReader::attribute(std::string_view name) const { return events->attribute(name); }
-
-int StreamReader::depth() const { return static_cast<int>(events->depth()); }
 
 Place StreamReader::place() const { return events->place(); }
 

@@ -2,6 +2,7 @@
 
 #include "xml/Export.h"
 #include "xml/dom/Place.h"
+#include "xml/standard/EventAtHand.h"
 #include "xml/standard/Problem.h"
 #include "xml/standard/ReadOptions.h"
 #include <cstdint>
@@ -74,10 +75,10 @@ public:
     // that are named they are empty ---
 
     // Of a Start and an End the element's, of an Instruction its target, of a Doctype that of the root.
-    std::string_view name() const;
+    std::string_view name() const { return shown->name; }
 
     // Of a Text, a CData, a Comment, an Instruction. Line ends are LF.
-    std::string_view text() const;
+    std::string_view text() const { return shown->text; }
 
     // Of a Start and an End: what stands after the prefix, and the namespace. Without the option `namespaces` that is
     // the name, and none. O(log n) in the prefixes in scope.
@@ -86,15 +87,15 @@ public:
 
     // Of a Start: in the order of the tag, after them those that the document type supplies; declarations of namespaces
     // too. `i` is less than the count.
-    int attributeCount() const;
-    std::string_view attributeName(int i) const;
-    std::string_view attributeValue(int i) const;
+    int attributeCount() const { return static_cast<int>(shown->attributeCount); }
+    std::string_view attributeName(int i) const { return shown->attributes[i].name; }
+    std::string_view attributeValue(int i) const { return shown->attributes[i].value; }
 
     // The value of that one. Of many attributes O(log n), once they were sorted.
     std::optional<std::string_view> attribute(std::string_view name) const;
 
     // How many elements are open, the one whose Start or End is at hand included.
-    int depth() const;
+    int depth() const { return static_cast<int>(shown->depth); }
 
     // Where it begins; what comes from an entity has the place of the outermost reference. Asked at each event, it
     // costs a look at all bytes in all.
@@ -122,6 +123,7 @@ private:
     friend struct StreamReaderAccess;
 
     std::unique_ptr<StreamEvents> events;
+    const internal::EventAtHand* shown;  // of those
 };
 
 }  // namespace Xml

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/standard/EventAtHand.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/internal/Lexer.h"
 #include "xml/standard/internal/PlainNames.h"
@@ -16,20 +17,7 @@
 
 namespace Xml {
 
-// An event as a reader shows it; all views are good until the next one.
-struct EventAtHand {
-    void clear() {
-        name = {};  // one by one: what is copied on waits for the store
-        text = {};
-        attributeCount = 0;
-    }
-
-    std::string_view name, text;
-    const TagAttribute* attributes = nullptr;
-    std::size_t attributeCount = 0;
-    std::size_t depth = 0;
-    std::int64_t offset = -1;
-};
+using internal::EventAtHand;
 
 // Reads ordinary pieces of content as events of a stream, straight from the window of the lexer: start tags with their
 // attributes, end tags, texts that are one event.
@@ -88,27 +76,16 @@ public:
         if (!takesTags || depth >= limit || !PlainNames::is(*name, PlainNames::kStart)) return false;
         const char* const nameEnd = PlainNames::endAfterStart(name, end);
         if (nameEnd == end) return false;
-        TagAttributeList& attributes = lexer.attributesToFill();
-        attributes.clear();
-        const char* to = nameEnd + 1;
-        if (*nameEnd != '>') {
-            to = readAttributes(nameEnd, attributes);
-            if (to == nullptr) return false;
-        }
-        const std::string_view nameOfTag = Syntax::viewOf(name, nameEnd);
-        lexer.beginShown(nameOfTag, offsetOf(from), to[-2] == '/');
-        event.name = nameOfTag;
-        event.text = {};
-        event.attributes = attributes.begin();
-        event.attributeCount = attributes.size();
-        event.depth = ++depth;
-        finish(event, from, to);
+        lexer.attributesToFill().clear();
+        if (*nameEnd != '>') return takeStartWithMore(from, nameEnd, event);
+        event.attributeCount = 0;
+        finishStart(event, from, nameEnd, nameEnd + 1, false);
         return true;
     }
 
 private:
     static constexpr std::ptrdiff_t kLeast = 3;  // bytes that show what it is
-    static constexpr std::ptrdiff_t kRoom = 2 * Words::kBlockSize;
+    static constexpr std::ptrdiff_t kRoom = 64;  // for what is looked at in take(), and kLeast after that
     static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
     [[gnu::always_inline]] void finish(EventAtHand& event, const char* from, const char* to) const {
@@ -119,9 +96,10 @@ private:
 
     // --- Texts ---
 
+    // A short one; there is room.
     [[gnu::always_inline]] Lexer::Event takeText(const char* from, EventAtHand& event) const {
-        const char* const to = Runs::findNear<'<', '&', ']'>(from, end);
-        const bool isPlain = end - to >= kLeast && *to == '<' && endsText(to);
+        const char* const to = Runs::findShort<'<', '&', ']'>(from);
+        const bool isPlain = *to == '<' && endsText(to);
         return isPlain ? finishText(event, Syntax::viewOf(from, to), from, to) : Lexer::Event::More;
     }
 
@@ -198,7 +176,7 @@ private:
         using Words::wordAt;
         const char* const other = name.data();
         const std::size_t size = name.size();
-        if (size <= sizeof(Words::Word)) return ((wordAt(at) ^ wordAt(other)) & Words::maskOf(size)) == 0;
+        if (size <= sizeof(Words::Word)) return (wordAt(at) ^ wordAt(other)) << 8 * (sizeof(Words::Word) - size) == 0;
         const std::size_t last = size - sizeof(Words::Word);
         if (wordAt(at + last) != wordAt(other + last)) return false;
         for (std::size_t i = 0; i < last; i += sizeof(Words::Word)) {
@@ -219,6 +197,25 @@ private:
         event.depth = depth--;
         lexer.endShown();
         return Lexer::Event::End;
+    }
+
+    [[gnu::noinline]] bool takeStartWithMore(const char* from, const char* nameEnd, EventAtHand& event) {
+        TagAttributeList& attributes = lexer.attributesToFill();
+        const char* const to = readAttributes(nameEnd, attributes);
+        if (to == nullptr) return false;
+        event.attributes = attributes.begin();
+        event.attributeCount = attributes.size();
+        finishStart(event, from, nameEnd, to, to[-2] == '/');
+        return true;
+    }
+
+    [[gnu::always_inline]] void finishStart(EventAtHand& event, const char* from, const char* nameEnd, const char* to,
+                                            bool isEmptyTag) {
+        event.name = Syntax::viewOf(from + 1, nameEnd);
+        event.text = {};
+        event.depth = ++depth;
+        finish(event, from, to);
+        lexer.beginShown(event.name, event.offset, isEmptyTag);
     }
 
     // From after the name of the tag on. Its end; null where it is not ordinary.

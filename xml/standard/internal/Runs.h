@@ -71,18 +71,22 @@ inline const char* findInLine(const char* from, const char* to) {
     return from;
 }
 
-// The same as both of them, for what mostly ends within a few bytes.
+// The first one among 32 bytes, or where they end.
 template <char... Stops>
-[[gnu::always_inline]] inline const char* findNear(const char* from, const char* to) {
+[[gnu::always_inline]] inline const char* findShort(const char* from) {
 #ifdef __SSE2__
-    if (to - from >= Words::kBlockSize) {
-        const unsigned marks = marksOf<Stops...>(from);
-        if (marks != 0) return from + static_cast<unsigned>(__builtin_ctz(marks));
+    unsigned marks = marksOf<Stops...>(from);
+    if (marks == 0) {
         from += Words::kBlockSize;
+        marks = marksOf<Stops...>(from) | 1U << Words::kBlockSize;
     }
+    return from + static_cast<unsigned>(__builtin_ctz(marks));
+#else
+    return find<Stops...>(from, from + 32);
 #endif
-    return find<Stops...>(from, to);
 }
+
+// As findInLine, for what mostly ends within a few bytes.
 template <char... Stops>
 [[gnu::always_inline]] inline const char* findNearInLine(const char* from, const char* to) {
 #ifdef __SSE2__

@@ -43,12 +43,16 @@ StreamEvents::Event StreamEvents::next() {
 }
 
 StreamEvents::Event StreamEvents::readStart() {
-    now = Event::Failed;
-    isPlain = false;
-    shown.clear();
     sorted.clear();
-    if (!plain.takeStart(shown)) return readByLexer();
-    isPlain = true;
+    try {
+        isPlain = plain.takeStart(shown);
+    } catch (...) {
+        isPlain = false;
+        now = Event::Failed;
+        shown.clear();
+        throw;
+    }
+    if (!isPlain) return readByLexer();
     now = Event::Start;
     return Event::Start;
 }
@@ -74,6 +78,7 @@ StreamEvents::Event StreamEvents::readNext() {
 }
 
 StreamEvents::Event StreamEvents::readByLexer() {
+    now = Event::Failed;
     try {
         now = read();
     } catch (...) {

@@ -41,15 +41,11 @@ public:
 
     // As StreamReader has them.
     Event next();
-    std::optional<Event> event() const { return now; }  // the one at hand; none before the first
-    std::string_view name() const { return shown.name; }
-    std::string_view text() const { return shown.text; }
+    std::optional<Event> event() const { return now; }   // the one at hand; none before the first
+    const EventAtHand& atHand() const { return shown; }  // it stays where it is
     std::string_view localName() const;
     std::string_view namespaceUri() const;
-    std::size_t attributeCount() const { return shown.attributeCount; }
-    const TagAttribute& attributeAt(std::size_t i) const { return shown.attributes[i]; }
     std::optional<std::string_view> attribute(std::string_view name);
-    std::size_t depth() const { return shown.depth; }
     Place place();
     std::unique_ptr<Element> readElement();
     void skipElement();

@@ -258,9 +258,9 @@ bool StreamOutput::copy(const StreamReader& at) {
 
 bool StreamOutput::copyStart(const StreamReader& at) {
     if (!start(at.name())) return false;
-    const StreamEvents& events = StreamReaderAccess::events(at);
-    for (std::size_t i = 0; i < events.attributeCount(); ++i) {
-        const TagAttribute& one = events.attributeAt(i);
+    const EventAtHand& event = StreamReaderAccess::events(at).atHand();
+    for (std::size_t i = 0; i < event.attributeCount; ++i) {
+        const TagAttribute& one = event.attributes[i];
         if (one.isDefault && hasDoctype && !options.defaults) continue;
         if (!attribute(one.name, one.value)) return false;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/internal/FewFirst.h"
+#include "xml/standard/EventAtHand.h"
 #include "xml/standard/internal/Declarations.h"
 #include "xml/standard/internal/EntityStack.h"
 #include "xml/standard/internal/Namespaces.h"
@@ -14,17 +15,7 @@
 
 namespace Xml {
 
-// An attribute of a tag, its value normalised.
-struct TagAttribute {
-    TagAttribute() {}  // to be assigned
-
-    // Made in its place: what is copied there waits for the stores.
-    TagAttribute(std::string_view itsName, std::string_view itsValue, bool isSupplied)
-        : name(itsName), value(itsValue), isDefault(isSupplied) {}
-
-    std::string_view name, value;
-    bool isDefault;  // supplied by the document type
-};
+using internal::TagAttribute;
 using TagAttributeList = FewFirst<TagAttribute>;
 
 // Reads start tags. Names and values are good until the next tag is read, or the window moves.
