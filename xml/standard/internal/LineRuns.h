@@ -39,7 +39,7 @@ public:
 
 private:
     void pass(std::int64_t offset);
-    bool passCharacters(const char* from, std::ptrdiff_t count);
+    std::ptrdiff_t passCharacters(const char* from, std::ptrdiff_t count);
     void lookAhead();
 
     static constexpr std::int64_t kMost = std::numeric_limits<int>::max();

@@ -11,13 +11,15 @@ class PlaceSource {
 public:
     // The place of an offset in the text, where a character begins or the text ends. Rising offsets cost what lies
     // between them.
-    Place of(std::int64_t offset) { return run.has(offset) ? run.placeOf(offset) : find(offset); }
+    Place of(std::int64_t offset) { return run->has(offset) ? run->placeOf(offset) : find(offset); }
 
 protected:
     ~PlaceSource() = default;
     virtual Place find(std::int64_t offset) = 0;
 
-    LineRun run;  // of places that need not be found
+    // Where places need not be found; none at first.
+    static constexpr LineRun kNone{};
+    const LineRun* run = &kNone;
 };
 
 }  // namespace Xml

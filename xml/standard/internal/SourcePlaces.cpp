@@ -7,8 +7,8 @@ SourcePlaces::SourcePlaces(SourceText& itsSource)
 
 Place SourcePlaces::find(std::int64_t offset) {
     if (source.decoder().isUtf8()) {
-        run = runs.run(offset);
-        return run.placeOf(offset);
+        run = &runs.run(offset);
+        return run->placeOf(offset);
     }
     const TextPosition& place = places.at(offset, source.text());
     return placeAt(source.decoder().sourceOffset(place), place);
