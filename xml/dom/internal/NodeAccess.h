@@ -93,8 +93,8 @@ struct NodeAccess {
         return placed(::new (room) Element(&name.text, parent), place...);
     }
     template <class... At>
-    static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text, Object* parent, bool isPadded,
-                                              At... place) {
+    [[gnu::always_inline]] static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text,
+                                                                     Object* parent, bool isPadded, At... place) {
         return makeLeaf<CharData>(memory, text, parent, isPadded, place...);
     }
     // A CharData, a CDataSection or a Comment. The text is as the node holds it.

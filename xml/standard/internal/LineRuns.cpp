@@ -51,16 +51,21 @@ LineRuns::LineRuns(std::string_view itsText, std::int64_t shift) : text(itsText)
 }
 
 // What ends the run, as far as the offset: the next one begins after it. Between CR and LF it is still the same line.
-[[gnu::always_inline]] inline void LineRuns::pass(std::int64_t offset) {
+void LineRuns::passOther(std::int64_t offset) {
     const char* const at = text.data() + now.to;
-    if (*at == '\n' || (*at == '\r' && (at + 1 == text.data() + text.size() || at[1] != '\n'))) {
-        now.from = now.lineBegin = now.to + 1;
-        now.line = static_cast<int>(std::min(++lines, kMost));
-    } else if (*at == '\r') {
+    if (*at != '\r') {
+        now.from = now.to + passCharacters(at, offset - now.to);
+    } else if (at + 1 != text.data() + text.size() && at[1] == '\n') {
         now.from = now.to + 1;
     } else {
-        now.from = now.to + passCharacters(at, offset - now.to);
+        beginLine();
     }
+}
+
+// After the byte that ends the run.
+[[gnu::always_inline]] inline void LineRuns::beginLine() {
+    now.from = now.lineBegin = now.to + 1;
+    if (now.line < kMost) ++now.line;
 }
 
 // How many of so many bytes stand before the end of the line; those of one character count as one in it.
@@ -97,10 +102,14 @@ LineRuns::LineRuns(std::string_view itsText, std::int64_t shift) : text(itsText)
 const LineRun& LineRuns::run(std::int64_t offset) {
     if (offset < now.from) {
         now.from = now.to = now.lineBegin = 0;
-        lines = now.line = 1;
+        now.line = 1;
     }
     while (now.to < offset) {
-        pass(offset);
+        if (text[static_cast<std::size_t>(now.to)] == '\n') {
+            beginLine();
+        } else {
+            passOther(offset);
+        }
         lookAhead();
     }
     return now;

@@ -38,7 +38,8 @@ public:
     const LineRun& run(std::int64_t offset);
 
 private:
-    void pass(std::int64_t offset);
+    [[gnu::noinline]] void passOther(std::int64_t offset);
+    void beginLine();
     std::ptrdiff_t passCharacters(const char* from, std::ptrdiff_t count);
     void lookAhead();
 
@@ -46,7 +47,6 @@ private:
 
     std::string_view text;
     LineRun now;
-    std::int64_t lines = 1;
 };
 
 }  // namespace Xml

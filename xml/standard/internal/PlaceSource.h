@@ -11,13 +11,19 @@ class PlaceSource {
 public:
     // The place of an offset in the text, where a character begins or the text ends. Rising offsets cost what lies
     // between them.
-    Place of(std::int64_t offset) { return run->has(offset) ? run->placeOf(offset) : find(offset); }
+    Place of(std::int64_t offset) {
+        if (run->has(offset)) return run->placeOf(offset);
+        return runs != nullptr ? (run = &runs->run(offset))->placeOf(offset) : find(offset);
+    }
 
 protected:
     ~PlaceSource() = default;
     virtual Place find(std::int64_t offset) = 0;
 
-    // Where places need not be found; none at first.
+    // Where a place of the text is one of the source: places need not be found. Null otherwise.
+    LineRuns* runs = nullptr;
+
+private:
     static constexpr LineRun kNone{};
     const LineRun* run = &kNone;
 };

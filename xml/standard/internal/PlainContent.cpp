@@ -37,6 +37,7 @@ PlainContent::PlainContent(Lexer& itsLexer, const ReadOptions& itsOptions, TreeB
       keepsComments(itsOptions.keepComments),
       keepsEach(itsOptions.keepComments && itsOptions.keepInstructions && itsOptions.keepCData),
       dropsWhite(itsOptions.space == Space::Dropped),
+      keepsWhite(itsOptions.space == Space::All),
       names(itsLexer.declarations(), itsLexer.namespaces(), itsOptions.namespaces) {}
 
 void PlainContent::take() {
@@ -253,12 +254,11 @@ template <bool KeepsPlaces>
 
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::takeText(const char* from) {
-    if constexpr (!KeepsPlaces) {
-        const char* const again = white.endOfAgain(from, end);
-        if (again != nullptr && mayEndText(again)) {
-            white.addAgain();
-            return again;
-        }
+    const char* const again = white.endOfAgain(from, end);
+    if (again != nullptr && mayEndText(again)) {
+        const Place place = KeepsPlaces ? placeAt(from) : Place();
+        white.addAgain(KeepsPlaces ? &place : nullptr);
+        return again;
     }
     const char* const to = readText(from);
     if (to == nullptr || !mayEndText(to)) return nullptr;
@@ -310,10 +310,14 @@ template <bool KeepsPlaces>
 [[gnu::always_inline]] inline void PlainContent::addText(const char* from, bool isLast) {
     const Place place = KeepsPlaces ? placeAt(from) : Place();
     const Place* const known = KeepsPlaces ? &place : nullptr;
-    if (isTextWhite) {
-        white.addWhite(text, known, isLast);
-    } else {
+    if (!isTextWhite) {
         white.addOther(text, known, isTextPadded);
+    } else if (!keepsWhite) {
+        white.addWhite(text, known, isLast);
+    } else if constexpr (KeepsPlaces) {
+        tree.addText(text, isTextPadded, known);
+    } else {
+        tree.addText(text, isTextPadded);
     }
 }
 

@@ -75,6 +75,7 @@ private:
     const bool keepsComments;
     const bool keepsEach;  // whatever ends a text makes a node
     const bool dropsWhite;
+    const bool keepsWhite;
     OrdinaryNames names;
 
     // The window from the first piece on, and the offset of that.

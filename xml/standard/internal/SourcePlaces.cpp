@@ -3,13 +3,11 @@
 namespace Xml {
 
 SourcePlaces::SourcePlaces(SourceText& itsSource)
-    : source(itsSource), runs(itsSource.text(), itsSource.decoder().sourceOffset({})) {}
+    : source(itsSource), lines(itsSource.text(), itsSource.decoder().sourceOffset({})) {
+    if (source.decoder().isUtf8()) runs = &lines;
+}
 
 Place SourcePlaces::find(std::int64_t offset) {
-    if (source.decoder().isUtf8()) {
-        run = &runs.run(offset);
-        return run->placeOf(offset);
-    }
     const TextPosition& place = places.at(offset, source.text());
     return placeAt(source.decoder().sourceOffset(place), place);
 }

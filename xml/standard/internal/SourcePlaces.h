@@ -18,7 +18,7 @@ private:
     Place find(std::int64_t offset) override;
 
     SourceText& source;
-    LineRuns runs;  // of a source that is the text
+    LineRuns lines;  // of a source that is the text
     Places places;
 };
 

@@ -24,9 +24,9 @@ void WhiteSpace::addWhite(std::string_view text, const Place* place, bool isLast
                         (text.front() != '\n' && Scan::findAny<'\n', '\r'>(text.data(), end) == end);
     if (isKept) return addText(text, place);
     if (isLast && level.hasElements) return;
-    Held& last = held.emplace_back(tree.childCount(), text, bytes.size());
-    if (place != nullptr) last.place = *place;
-    if (!last.isShort()) bytes += text;
+    if (place != nullptr) places.push_back(*place);
+    const std::size_t firstPlace = places.size() - (place != nullptr ? 1 : 0);
+    if (!held.emplace_back(tree.childCount(), text, bytes.size(), firstPlace).isShort()) bytes += text;
 }
 
 void WhiteSpace::addOther(std::string_view text, const Place* place, bool isPadded) {
@@ -52,9 +52,9 @@ void WhiteSpace::keepHeld() {
     const std::size_t first = levels.back().firstHeld;
     std::vector<TreeBuilder::TextBefore> texts;
     for (std::size_t i = first; i < held.size(); ++i) {
-        const Place& place = held[i].place;
+        const Place* const place = places.empty() ? nullptr : &places[held[i].firstPlace];
         for (std::size_t j = 0; j < held[i].count; ++j)
-            texts.push_back({held[i].child + j, viewOf(held[i]), place.line > 0 ? &place : nullptr});
+            texts.push_back({held[i].child + j, viewOf(held[i]), place != nullptr ? place + j : nullptr});
     }
     tree.insertTexts(texts);
     dropHeld();
@@ -64,6 +64,7 @@ void WhiteSpace::keepHeld() {
 void WhiteSpace::dropHeld() {
     const std::size_t first = levels.back().firstHeld;
     if (bytes.size() > held[first].from) bytes.resize(held[first].from);
+    places.resize(held[first].firstPlace);
     held.erase(held.begin() + static_cast<std::ptrdiff_t>(first), held.end());
 }
 

@@ -46,8 +46,8 @@ public:
     void addOther(std::string_view text, const Place* place, bool isPadded = false);
 
     // Between the children of one element white space is mostly the same. Where the bytes that wait as the last text
-    // are there again, and '<' after them: the place of that. They may be added then, without a place.
-    const char* endOfAgain(const char* from, const char* to) {
+    // are there again, and '<' after them: the place of that. They may be added then, with their place or null.
+    [[gnu::always_inline]] const char* endOfAgain(const char* from, const char* to) {
         if (held.empty() || held.size() == levels.back().firstHeld) return nullptr;
         const Held& last = held.back();
         if (last.child + last.count != tree.childCount()) return nullptr;
@@ -57,7 +57,10 @@ public:
         const char* const end = from + text.size();
         return end != to && *end == '<' ? end : nullptr;
     }
-    void addAgain() { ++held.back().count; }
+    void addAgain(const Place* place) {
+        if (place != nullptr) places.push_back(*place);
+        ++held.back().count;
+    }
 
     // Other text within it that is a node of another kind.
     void noteOther();
@@ -79,17 +82,16 @@ private:
     };
     // Texts of the same bytes, one before each of so many children.
     struct Held {
-        Held(std::size_t itsChild, std::string_view text, std::size_t itsFrom)
-            : child(itsChild), from(itsFrom), size(text.size()) {
+        Held(std::size_t itsChild, std::string_view text, std::size_t itsFrom, std::size_t itsFirstPlace)
+            : child(itsChild), from(itsFrom), size(text.size()), firstPlace(itsFirstPlace) {
             if (isShort()) text.copy(few, kFew);
         }
         bool isShort() const { return size <= kFew; }
 
         static constexpr std::size_t kFew = 16;
 
-        std::size_t child, from, size;
+        std::size_t child, from, size, firstPlace;
         std::size_t count = 1;
-        Place place;
         char few[kFew];  // all bytes of a short one
     };
 
@@ -108,7 +110,8 @@ private:
     bool isPreservedAround;
     std::vector<Level> levels;
     std::vector<Held> held;
-    std::string bytes;  // of those that are not short, in the same order
+    std::string bytes;          // of those that are not short, in the same order
+    std::vector<Place> places;  // where they are kept, of each text that waits
 };
 
 }  // namespace Xml
