@@ -201,11 +201,11 @@ TEST(StandardGrowthTest, WritingIsLinearInWhateverATreeHasManyOf) {
                 auto read = std::make_shared<ReadResult>(readText(c.text(n), everything()));
                 return [read] { EXPECT_TRUE(writeText(**read)); };
             },
-            AllocatedBytes, 10'000 / kScale);
+            AllocatedBytes, 10'000);
         expectAtMostLinear(
             std::string(c.name) + ", copied",
             [&](int n) { return [text = c.text(n)] { EXPECT_TRUE(copyEvents(text, "US-ASCII")); }; }, AllocatedBytes,
-            10'000 / kScale);
+            10'000);
     }
 }
 
