@@ -3,6 +3,7 @@
 // and the table has each place of a document that it is about, before and after.
 #include "standard/Encoded.h"
 #include "standard/Everyday.h"
+#include "support/Pattern.h"
 #include "support/Places.h"
 #include "support/Sources.h"
 #include "xml/dom/Attribute.h"
@@ -15,7 +16,6 @@
 #include "xml/standard/Save.h"
 #include "xml/standard/Write.h"
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -277,11 +277,11 @@ TEST(EverydaySaveTest, OnlyTheChangedValueDiffersButForWhatThePageNames) {
 
 // With another name for the encoding, where it is declared.
 std::string declaredAs(const std::string& text, const std::string& encoding) {
-    static const std::regex form("^(<\\?xml[^?]*encoding=)(\"[^\"]*\"|'[^']*')");
-    std::smatch parts;
-    if (!std::regex_search(text, parts, form)) return text;
-    const std::string quote = parts[2].str().substr(0, 1);
-    return parts[1].str() + quote + encoding + quote + parts.suffix().str();
+    static const Pattern form("(<\\?xml[^?]*encoding=)(\"[^\"]*\"|'[^']*')");
+    const Pattern::Groups parts = form.matchBeginOf(text);
+    if (parts.empty()) return text;
+    const std::string quote = parts[2].substr(0, 1);
+    return parts[1] + quote + encoding + quote + text.substr(parts[0].size());
 }
 
 TEST(EverydaySaveTest, SoItIsInOtherEncodingsAndWithOtherLineEnds) {

@@ -1,5 +1,6 @@
 // Paths that are asked in UTF-8 beside those of XPath: random ones find the same, and are refused where XPath refuses
 // them, or where a naive reading finds what is refused beside that.
+#include "support/Pattern.h"
 #include "support/Rounds.h"
 #include "support/Texts.h"
 #include "xml/dom/Document.h"
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -76,14 +76,14 @@ private:
 
     // A word after a name and white space, and before anything but a name. A tilde stands in no path.
     bool hasLostOperator() const {
-        static const std::regex literal("'[^']*'|\"[^\"]*\"");
-        static const std::regex lost("[\\w.-]~+(and|or|mod|div|eq|ne|le|lt|ge|gt)(?![\\w.-])");
-        std::string all = std::regex_replace(withWhiteSpaceAs("~"), literal, "''");
+        static const Pattern literal("'[^']*'|\"[^\"]*\"");
+        static const Pattern lost("[\\w.-]~+(and|or|mod|div|eq|ne|le|lt|ge|gt)(?![\\w.-])");
+        std::string all = literal.replaceIn(withWhiteSpaceAs("~"), "''");
         for (const char* const each : kOperators) {
             for (std::size_t at = all.find(each); at != std::string::npos; at = all.find(each))
                 all.replace(at, std::string(each).size(), "$");
         }
-        return std::regex_search(all, lost);
+        return lost.isIn(all);
     }
 
     // What is enclosed there: the place after it.
