@@ -129,18 +129,31 @@ TEST(PlainEventsTest, LeaveTagsOfWhichTheDocumentTypeSaysSomething) {
     EXPECT_EQ(taken("t<a/>", {}, true, "<!DOCTYPE r [<!ATTLIST a x CDATA '1'>]><r>"), "42 1 't'\n<a/>");
 }
 
-TEST(PlainEventsTest, LeaveTheEndOfWhatDeclaresPrefixes) {
-    const std::string text = "<r><a xmlns='u'><b/></a></r>";
-    Lexer lexer({});
-    lexer.setWindow(text, true);
-    lexer.next();
-    lexer.next();
-    PlainEvents plain(lexer, {});
+// After the start tags of the first two elements of a text, which stays.
+struct InTwoElements {
+    explicit InTwoElements(std::string_view text) {
+        lexer.setWindow(text, true);
+        lexer.next();
+        lexer.next();
+    }
+
+    // With so many open elements, or fewer, the innermost one is not to end.
+    void takeEmptyElement(std::size_t outer) {
+        ASSERT_TRUE(plain.goOn(outer));
+        ASSERT_EQ(plain.takeLessUsual(event), Event::Start);
+        ASSERT_TRUE(plain.takeStart(event));
+        ASSERT_EQ(plain.takeLessUsual(event), Event::End);
+    }
+
+    Lexer lexer{{}};
+    PlainEvents plain{lexer, {}};
     EventAtHand event;
-    ASSERT_TRUE(plain.goOn(0));
-    ASSERT_EQ(plain.takeLessUsual(event), Event::Start);
-    ASSERT_TRUE(plain.takeStart(event));
-    ASSERT_EQ(plain.takeLessUsual(event), Event::End);
+};
+
+TEST(PlainEventsTest, LeaveTheEndOfWhatDeclaresPrefixes) {
+    InTwoElements in("<r><a xmlns='u'><b/></a></r>");
+    auto& [lexer, plain, event] = in;
+    ASSERT_NO_FATAL_FAILURE(in.takeEmptyElement(0));
     EXPECT_EQ(event.depth, 3U);
     EXPECT_EQ(plain.takeLessUsual(event), Event::More);
     ASSERT_EQ(lexer.next(), Event::End);
@@ -150,18 +163,9 @@ TEST(PlainEventsTest, LeaveTheEndOfWhatDeclaresPrefixes) {
 }
 
 TEST(PlainEventsTest, LeaveEndsThatAreAskedFor) {
-    const std::string text = "<r><a><b/></a></r>";
-    Lexer lexer({});
-    lexer.setWindow(text, true);
-    lexer.next();
-    lexer.next();
-    PlainEvents plain(lexer, {});
-    EventAtHand event;
-    ASSERT_TRUE(plain.goOn(2));
-    ASSERT_EQ(plain.takeLessUsual(event), Event::Start);
-    ASSERT_TRUE(plain.takeStart(event));
-    ASSERT_EQ(plain.takeLessUsual(event), Event::End);
-    EXPECT_EQ(plain.takeLessUsual(event), Event::More);
+    InTwoElements in("<r><a><b/></a></r>");
+    ASSERT_NO_FATAL_FAILURE(in.takeEmptyElement(2));
+    EXPECT_EQ(in.plain.takeLessUsual(in.event), Event::More);
 }
 
 }  // namespace
