@@ -65,7 +65,7 @@ Usual usualCharReference(const char* from, const char* end) {
     if (end - from <= 2 || from[1] != '#') return {from, 0};
     constexpr int kMostDigits = 8;
     const char* at = from + 2;
-    const bool hexadecimal = at != end && *at == 'x';
+    const bool hexadecimal = *at == 'x';
     if (hexadecimal) ++at;
     const unsigned base = hexadecimal ? 16 : 10;
     unsigned code = 0;
