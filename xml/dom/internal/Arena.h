@@ -201,16 +201,22 @@ public:
     void noteWide(Element& element);
 
     // A name that lives as long as anything of the arena, with its head.
-    [[gnu::always_inline]] SharedName& takeName(std::string_view name, Words::Word head) {
+    SharedName& takeName(std::string_view name, Words::Word head) {
+        SharedName* const taken = takeNameAtHand(name, head);
+        return taken != nullptr ? *taken : takeNameElsewhere(name, head);
+    }
+
+    // The same where there is room for it at hand, null elsewhere.
+    [[gnu::always_inline]] SharedName* takeNameAtHand(std::string_view name, Words::Word head) {
         constexpr std::size_t kSize = sizeof(SharedName) + alignof(SharedName);
         constexpr std::uint32_t kFew = 16;  // small trees have no more, and should need no other memory
-        if (slabCount != 1 || nameCount == kFew || nodes.left() < kSize) return takeNameElsewhere(name, head);
+        if (slabCount != 1 || nameCount == kFew || nodes.left() < kSize) return nullptr;
         ++nameCount;
         char* const end = nodes.high - sizeof(SharedName);
         nodes.high = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(nodes.high, sizeof(SharedName));
         arena->names = ::new (nodes.high) SharedName(name, head, arena->names);
-        return *arena->names;
+        return arena->names;
     }
 
     // A string that is kept as long.

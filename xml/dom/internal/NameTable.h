@@ -46,7 +46,7 @@ public:
 private:
     static constexpr std::size_t kRecents = 128;
     static constexpr std::size_t kFew = 16;  // are looked through one by one
-    static constexpr std::uint32_t kFewContexts = 64;
+    static constexpr std::uint32_t kFewContexts = 32;
     static constexpr std::uint32_t kContexts = 256;
 
     static std::size_t placeOf(std::string_view name) {
@@ -60,16 +60,28 @@ private:
         return name;
     }
 
-    // A name that is not the expected one.
+    // A name that is not the expected one. A small document has mostly new and short ones: those are found or made
+    // without a call.
     template <std::uint8_t Classes>
     [[gnu::noinline]] const SharedName* readOther(const char*& at, const char* to, NodeMemory& memory) {
         const char* const from = at;
         at = Scan::endOf<Classes>(from + 1, to);
         if (at == to) return nullptr;
         const std::string_view name(from, static_cast<std::size_t>(at - from));
+        if (name.size() <= sizeof(Words::Word) && to - from >= Scan::kWordSize && areFew()) {
+            const Words::Word head = Scan::wordAt(from) & Words::maskOf(name.size());
+            SharedName* kept = newest;
+            while (kept != nullptr && !kept->is(name, head)) kept = kept->next;
+            if (kept == nullptr) kept = addQuickly(name, head, memory);
+            if (kept != nullptr) return &take(*(followers[context] = kept));
+        }
+        return &takeOther(name, memory);
+    }
+
+    [[gnu::noinline]] const SharedName& takeOther(std::string_view name, NodeMemory& memory) {
         SharedName*& next = followers[context];
         next = &findElsewhere(name, memory);
-        return &take(*next);
+        return take(*next);
     }
 
     [[gnu::noinline]] SharedName& findOther(std::string_view name, NodeMemory& memory) {
@@ -91,13 +103,21 @@ private:
         return *recent;
     }
 
+    // Whether one more is no reason to look for them in another way.
+    bool areFew() const { return newest == nullptr || newest->number + 1 < kFew; }
     bool areMany() const { return newest != nullptr && newest->number >= kFew; }
 
-    // In line: a small document has mostly new names.
-    [[gnu::always_inline]] SharedName& add(std::string_view name, Words::Word head, NodeMemory& memory) {
+    SharedName& add(std::string_view name, Words::Word head, NodeMemory& memory) {
         newest = &memory.takeName(name, head);
         if (areMany()) noteMany();
         return *newest;
+    }
+
+    // One more of a few; null where there is no room for it at hand.
+    SharedName* addQuickly(std::string_view name, Words::Word head, NodeMemory& memory) {
+        SharedName* const made = memory.takeNameAtHand(name, head);
+        if (made != nullptr) newest = made;
+        return made;
     }
 
     [[gnu::noinline]] void noteMany() {
