@@ -14,7 +14,7 @@ void internal::giveBackLent(void* memory) noexcept { Slab::giveBack(memory, 0); 
 Arena::~Arena() {
     KeptText* text = kept.load(std::memory_order_acquire);
     while (text != nullptr) delete std::exchange(text, text->next);
-    while (SharedName* const name = names) {
+    while (SharedName* const name = namesHaveMemory ? names : nullptr) {
         names = name->next;
         if (Slab::of(this).contains(name)) {
             name->~SharedName();
@@ -109,6 +109,7 @@ SharedName& NodeMemory::takeNameElsewhere(std::string_view name, Words::Word hea
         return takeName(name, head);  // there is room for it
     }
     arena->names = new SharedName(name, head, arena->names);
+    arena->namesHaveMemory = true;
     return *arena->names;
 }
 

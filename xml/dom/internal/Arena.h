@@ -41,6 +41,9 @@ struct SharedName {
           head(itsHead),
           headMask(Words::maskOf(name.size())) {}
 
+    // Whether it has to be destroyed where it lies in memory that goes: of a short text nothing lies elsewhere.
+    bool hasMemory() const { return text.size() > std::string().capacity(); }
+
     // The first bytes of a name, as `head` has them.
     static Words::Word headOf(std::string_view name) { return Words::wordOf(name.data(), name.size()); }
 
@@ -139,6 +142,7 @@ private:
     const Element* top = nullptr;
     std::atomic<KeptText*> kept{nullptr};
     SharedName* names = nullptr;
+    bool namesHaveMemory = false;  // that one of the names does not go with the slab
     WideElement* wide = nullptr;
 };
 
@@ -216,6 +220,7 @@ public:
         nodes.high = end - reinterpret_cast<std::uintptr_t>(end) % alignof(SharedName);
         Slab::allow(nodes.high, sizeof(SharedName));
         arena->names = ::new (nodes.high) SharedName(name, head, arena->names);
+        if (arena->names->hasMemory()) arena->namesHaveMemory = true;
         return arena->names;
     }
 
