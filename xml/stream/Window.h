@@ -12,7 +12,7 @@ struct Window {
         TooFew,   // none either, and those lent last were too few to go on
         Never,    // and the source is not asked again
         ForNow,   // once given back, the bytes may change
-        ForGood,  // the bytes never change
+        ForGood,  // the bytes never change, and end where the data does
     };
 
     bool isLent() const { return loan >= Loan::ForNow; }

@@ -7,6 +7,7 @@ namespace Xml {
 
 bool Cursor::fetch(InStream& in, char& c) {
     if (in.window.loan == Window::Loan::Never) return in.getChar(c);
+    if (in.window.loan == Window::Loan::ForGood) return false;
     in.releaseWindow();
     if (!in.lendBytes(in.window)) return in.getChar(c);
     c = *in.window.cursor++;

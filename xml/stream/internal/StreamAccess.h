@@ -59,7 +59,10 @@ struct StreamAccess {
     static void release(const InStream& in) { in.releaseWindow(); }
 
     // InStream::eof, without giving the window back where it shows that there is more.
-    static bool atEnd(InStream& in) { return in.window.cursor == in.window.end && in.eof(); }
+    static bool atEnd(InStream& in) {
+        if (in.window.cursor != in.window.end) return false;
+        return in.window.loan == Window::Loan::ForGood || in.eof();
+    }
 
     static int tell(const InStream& in) { return Cursor::positionIn(in); }
     static void seek(InStream& in, int position) { Cursor(in).seek(position); }
