@@ -90,10 +90,10 @@ public:
 
 private:
     void note(char c) {
-        if (c != '\r' && c != '\n') {
-            in.lineBreaks.noteOthers();
-        } else {
+        if (c == '\r' || (c == '\n' && in.lineBreaks.isAfterReturn())) {
             noteBreakByte(in, c);
+        } else {
+            in.lineBreaks.noteOthers();
         }
     }
 
