@@ -23,11 +23,12 @@ inline void reserve(std::string& text, std::size_t size) {
     if (size >= kBytes) ask(text.data(), size);
 }
 
-// Makes room in an empty string for so many bytes, which all come.
+// Makes room in an empty string for so many bytes, which all come at once: where they are few, they make it themselves.
 inline void reserveAll(std::string& text, std::size_t size) {
     constexpr std::size_t kMany = std::size_t{256} << 10;
+    if (size < kMany) return;
     text.reserve(size);
-    if (size >= kMany) askForAll(text.data(), size);
+    askForAll(text.data(), size);
 }
 
 // One large page of the caller's own; null where the system has none to give.
