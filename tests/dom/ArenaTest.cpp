@@ -86,6 +86,20 @@ TEST_F(ArenaTest, HoldsAllNodesBelowTheTopElement) {
     EXPECT_EQ(slabsMade, 1U);
 }
 
+TEST_F(ArenaTest, SaysHowManyBytesATreeHas) {
+    const std::unique_ptr<Element> root = wide(3);
+    EXPECT_EQ(Arena::bytesBelow(*root), Slab::kBytes);
+    EXPECT_EQ(Arena::bytesBelow(*root->getChild(0)->toElement()), 0U);
+    EXPECT_EQ(Arena::bytesBelow(Element("heap")), 0U);
+    slabsMade = 0;
+    const std::unique_ptr<Element> large = wide(3000);
+    EXPECT_GT(slabsMade, 1U);
+    EXPECT_EQ(Arena::bytesBelow(*large), slabsMade * Slab::kBytes);
+    Element other("other");
+    other.addChild(large->extractChild(0));
+    EXPECT_EQ(Arena::bytesBelow(other), 0U);
+}
+
 // An element with so many of each kind of leaf, short and long ones.
 std::unique_ptr<Element> ofLeaves(int leaves) {
     std::unique_ptr<Element> root;

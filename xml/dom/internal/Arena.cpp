@@ -40,6 +40,13 @@ Arena* Arena::wholeBelow(const Element& top) {
     return arena.top == &top && !arena.changed.load(std::memory_order_relaxed) ? &arena : nullptr;
 }
 
+std::size_t Arena::bytesBelow(const Element& top) {
+    const NodeSpan children = NodeAccess::children(top);
+    if (children.empty() || !NodeAccess::marks(*children[0]).isInSlab()) return 0;
+    const Arena& arena = of(children[0]);
+    return arena.top == &top ? arena.slabs.load(std::memory_order_relaxed) * Slab::kBytes : 0;
+}
+
 void Arena::drop() {
     for (const WideElement* one = wide; one != nullptr; one = one->next) NodeAccess::dropNodes(*one->element);
     SlabStock::Return toStock;

@@ -114,6 +114,9 @@ public:
     // The arena that all below the element is in, and nothing else; null without one.
     static Arena* wholeBelow(const Element& top);
 
+    // The bytes of the arena of a tree that is below the element since it was made, with all that is in them; else 0.
+    static std::size_t bytesBelow(const Element& top);
+
     // Gives back the memory of everything in it at once.
     void drop();
 

@@ -3,6 +3,7 @@
 #include "xml/dom/Document.h"
 #include "xml/dom/NodeKind.h"
 #include "xml/dom/Prolog.h"
+#include "xml/dom/internal/Arena.h"
 #include "xml/dtd/Dtd.h"
 #include "xml/standard/internal/NodePath.h"
 #include "xml/standard/internal/OptionProblems.h"
@@ -86,6 +87,14 @@ private:
     const Object* failed = nullptr;
 };
 
+// Room that is enough for what a node is written as, mostly: a tree has two to seven times as many bytes, but for very
+// long texts. 0 where little is known.
+std::size_t expectedSize(const Object& node) {
+    const Object* const top = kindOf(node) == NodeKind::Document ? static_cast<const Document&>(node).getRoot() : &node;
+    if (top == nullptr || kindOf(*top) != NodeKind::Element) return 0;
+    return Arena::bytesBelow(static_cast<const Element&>(*top)) / 2;
+}
+
 }  // namespace
 
 // First with a look at the whole only. Where something is wrong, the pieces are looked at one by one, and so it is
@@ -95,7 +104,7 @@ bool makeText(const Object& node, const WriteOptions& options, std::string& to, 
     if (!form.set(options, problem)) return false;
     const auto make = [&](Markup::Check check) {
         to.clear();
-        EncodedText sink(to, form.encoder.get(), check);
+        EncodedText sink(to, form.encoder.get(), check, expectedSize(node));
         WriteBuffer out(sink);
         Markup markup(out, form.encoder.get(), form.name, options.newline, check);
         problem = {};

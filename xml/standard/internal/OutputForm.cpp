@@ -57,11 +57,17 @@ bool hasOnlyChars(std::string_view text) {
 
 }  // namespace
 
+// Room for all of it is made at once, as what has been put would be copied whenever there is no more room; but only
+// when some of it is there, as a short text needs little.
 void EncodedText::take(std::string_view text) {
+    constexpr std::size_t kSome = WriteBuffer::kRoom;
     if (!isRight) return;
     if (check == Markup::Check::Whole && !hasOnlyChars(text)) {
         isRight = false;
-    } else if (encoder == nullptr) {
+        return;
+    }
+    if (bytes.size() >= kSome && bytes.capacity() < expected) bytes.reserve(expected);
+    if (encoder == nullptr) {
         bytes.append(text);
     } else {
         isRight = encoder->encode(text, bytes);

@@ -5,6 +5,7 @@
 #include "xml/standard/internal/Encoder.h"
 #include "xml/standard/internal/Markup.h"
 #include "xml/standard/internal/WriteBuffer.h"
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,9 +33,9 @@ std::string declaredEncoding(const WriteOptions& options, const Prolog* prolog);
 // known at the end.
 class EncodedText final : public WriteSink {
 public:
-    // The encoder may be null.
-    EncodedText(std::string& to, Encoder* itsEncoder, Markup::Check itsCheck)
-        : bytes(to), encoder(itsEncoder), check(itsCheck) {}
+    // The encoder may be null. The text is expected to have about so many bytes.
+    EncodedText(std::string& to, Encoder* itsEncoder, Markup::Check itsCheck, std::size_t itsExpected)
+        : bytes(to), encoder(itsEncoder), check(itsCheck), expected(itsExpected) {}
 
     void take(std::string_view text) override;
 
@@ -45,6 +46,7 @@ private:
     std::string& bytes;
     Encoder* encoder;
     Markup::Check check;
+    std::size_t expected;
     bool isRight = true;
 };
 
