@@ -7,6 +7,7 @@
 namespace {
 
 namespace PlainRuns = Xml::PlainRuns;
+namespace ShortRuns = Xml::ShortRuns;
 using PlainRuns::Beyond;
 using PlainRuns::Kind;
 
@@ -48,6 +49,14 @@ void expectFound(const std::string& marks, const std::string& plainControls) {
                     << byte << " at " << place << " of " << size;
                 if (!isSpecial) {
                     ASSERT_EQ(to.view(), text);
+                }
+                const Exact padded(text + std::string(ShortRuns::kPadded, '&'));
+                const Exact more(std::string(size + ShortRuns::kPadded, '-'));
+                const std::string_view run = padded.view().substr(0, size);
+                const char* const paddedEnd = PlainRuns::copyPadded<Of, Others>(more.bytes.get(), run);
+                ASSERT_EQ(paddedEnd, isSpecial ? nullptr : more.bytes.get() + size);
+                if (!isSpecial) {
+                    ASSERT_EQ(more.view().substr(0, size), text);
                 }
                 const char* const begin = from.bytes.get();
                 const char* const found = PlainRuns::end<Of, Others>(begin, begin + size);

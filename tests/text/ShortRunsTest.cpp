@@ -37,6 +37,17 @@ TEST(ShortRunsTest, CopiesAllOfARunAndNothingElse) {
     }
 }
 
+// What is after a padded run is of no account, nor what is written after its copy.
+TEST(ShortRunsTest, CopiesPaddedRunsAndNoMoreThanTheirPadding) {
+    for (std::size_t size = 0; size < 100; ++size) {
+        const std::size_t most = std::max(size, ShortRuns::kPadded);
+        const Exact from(letters(most));
+        const Exact to(std::string(most, '-'));
+        EXPECT_EQ(ShortRuns::copyPadded(to.bytes.get(), from.view().substr(0, size)), to.bytes.get() + size);
+        EXPECT_EQ(to.view().substr(0, size), letters(size));
+    }
+}
+
 TEST(ShortRunsTest, FindsEachByteThatIsNotOrdinary) {
     for (int byte = 0; byte < 256; ++byte) {
         const bool special = std::string("&<>\"'\n").find(static_cast<char>(byte)) != std::string::npos;

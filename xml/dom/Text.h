@@ -59,7 +59,7 @@ public:
         }
     }
 
-    // The bytes; good until the text changes.
+    // The bytes; good until the text changes. There are more than kShortText of them, or they are in a string.
     std::string_view view(const Marks& marks) const {
         if (marks.textPlace() == TextPlace::Own) return own;
         const KeptText* const kept = lent.string.load(std::memory_order_acquire);

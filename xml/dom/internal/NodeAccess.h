@@ -65,7 +65,7 @@ struct NodeAccess {
     static void setSupplied(Attribute& attribute, bool is) { attribute.marks.setSupplied(is); }
     static void copyTag(const Attribute& from, Attribute& to) { to.marks.copyTag(from.marks); }
 
-    // --- Texts: bytes, which are good until the text changes ---
+    // --- Texts: bytes, good until the text changes; kShortText of them and one more may be read, however short ---
 
     static std::string_view text(const CharData& node) { return node.held.view(node.marks); }
     static std::string_view text(const Attribute& node) { return node.value.view(node.marks); }

@@ -124,4 +124,20 @@ inline char* copy(char* to, std::string_view run) {
     return ShortRuns::copy(to, run);
 }
 
+// The same for a padded run.
+template <Kind Of, Beyond Others>
+inline char* copyPadded(char* to, std::string_view run) {
+#ifdef __SSE2__
+    static_assert(sizeof(__m128i) == ShortRuns::kPadded);
+    if (run.size() <= ShortRuns::kPadded) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.data()));
+        const unsigned after = ~0U << run.size();
+        if ((specialsAmong<Of, Others>(bytes) & ~after) != 0) return nullptr;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+        return to + run.size();
+    }
+#endif
+    return copy<Of, Others>(to, run);
+}
+
 }  // namespace Xml::PlainRuns

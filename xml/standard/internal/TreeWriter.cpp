@@ -58,8 +58,9 @@ bool TreeWriter::isPreservedAround(const Element& element) {
 
 // The value of xml:space.
 std::string_view TreeWriter::spaceOf(const Element& element) {
+    constexpr std::string_view kName = "xml:space";
     for (const Attribute* const attribute : NodeAccess::attributes(element)) {
-        if (NodeAccess::name(*attribute) == "xml:space") return NodeAccess::text(*attribute);
+        if (NodeAccess::name(*attribute) == kName) return NodeAccess::text(*attribute);
     }
     return {};
 }
@@ -106,7 +107,7 @@ bool TreeWriter::enter(const Element& element, bool isIndented) {
     } else {
         at = out.more(at, name.size() + 1);
         *at++ = '<';
-        at = ShortRuns::copy(at, name);
+        at = ShortRuns::copyPadded(at, name);
     }
     if (!NodeAccess::attributes(element).empty()) {
         at = putAttributes(at, element);
@@ -144,7 +145,7 @@ bool TreeWriter::end(const Element& element, bool isIndented) {
     char* at = ShortRuns::copy(out.room(size), start);
     *at++ = '<';
     *at++ = '/';
-    at = ShortRuns::copy(at, name);
+    at = ShortRuns::copyPadded(at, name);
     *at++ = '>';
     out.tookTo(at);
     return true;
@@ -168,48 +169,43 @@ bool TreeWriter::mayIndent(const Element& element) {
 // --- Attributes ---
 
 // Null where one cannot be written.
-char* TreeWriter::putAttributes(char* at, const Element& element) {
-    const AttributeSpan attributes = NodeAccess::attributes(element);
-    if (attributes.size() == 1 || inOrderOfTag(attributes)) {
-        for (const Attribute* const attribute : attributes) {
-            at = putAttribute(at, *attribute);
-            if (at == nullptr) return nullptr;
-        }
-        return at;
-    }
-    for (const Attribute* const attribute : tag) {
-        at = putAttribute(at, *attribute);
-        if (at == nullptr) return nullptr;
-    }
+template <class Pointer>
+char* TreeWriter::putEach(char* at, Pointer first, Pointer end) {
+    for (; first != end && at != nullptr; ++first) at = putAttribute(at, **first);
     return at;
 }
 
-// Whether they are in the order of the tag as they are; else `tag` has them in that order. Those that were read have
-// numbers from 0 on.
-bool TreeWriter::inOrderOfTag(AttributeSpan attributes) {
-    std::uint64_t last = 0;
-    bool isSorted = true;
+char* TreeWriter::putAttributes(char* at, const Element& element) {
+    const AttributeSpan attributes = NodeAccess::attributes(element);
+    if (attributes.size() == 1) return putAttribute(at, *attributes[0]);
+    if (placeByNumber(attributes)) return putEach(at, fewInTag.data(), fewInTag.data() + attributes.size());
+    if (sortByNumber(attributes)) return putEach(at, manyInTag.begin(), manyInTag.end());
+    return putEach(at, attributes.begin(), attributes.end());
+}
+
+// Whether they are few and have all numbers from 0 on, as those that were read.
+bool TreeWriter::placeByNumber(AttributeSpan attributes) {
+    const std::size_t count = attributes.size();
+    if (count > fewInTag.size()) return false;
+    std::uint64_t seen = 0;
     for (const Attribute* const attribute : attributes) {
         const std::uint64_t order = NodeAccess::order(*attribute);
-        isSorted &= order >= last;
-        last = order;
+        if (order >= count) return false;
+        fewInTag[order] = attribute;
+        seen |= std::uint64_t{1} << order;
     }
-    if (isSorted) return true;
-    tag.resize(attributes.size());
-    std::fill(tag.begin(), tag.end(), nullptr);
-    for (const Attribute* const attribute : attributes) {
-        const std::uint64_t order = NodeAccess::order(*attribute);
-        if (order < tag.size() && tag[order] == nullptr) {
-            tag[order] = attribute;
-            continue;
-        }
-        tag.assign(attributes.begin(), attributes.end());
-        std::stable_sort(tag.begin(), tag.end(), [](const Attribute* a, const Attribute* b) {
-            return NodeAccess::order(*a) < NodeAccess::order(*b);
-        });
-        break;
-    }
-    return false;
+    return seen == ~std::uint64_t{0} >> (fewInTag.size() - count);
+}
+
+// False where they are in the order of the tag as they are.
+bool TreeWriter::sortByNumber(AttributeSpan attributes) {
+    const auto isBefore = [](const Attribute* a, const Attribute* b) {
+        return NodeAccess::order(*a) < NodeAccess::order(*b);
+    };
+    if (std::is_sorted(attributes.begin(), attributes.end(), isBefore)) return false;
+    manyInTag.assign(attributes.begin(), attributes.end());
+    std::stable_sort(manyInTag.begin(), manyInTag.end(), isBefore);
+    return true;
 }
 
 char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
@@ -222,10 +218,10 @@ char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
         at = out.more(at, size);
         char* to = at;
         *to++ = ' ';
-        to = ShortRuns::copy(to, name);
+        to = ShortRuns::copyPadded(to, name);
         *to++ = '=';
         *to++ = '"';
-        to = PlainRuns::copy<Kind::Value, Beyond::Trusted>(to, value);
+        to = PlainRuns::copyPadded<Kind::Value, Beyond::Trusted>(to, value);
         if (to != nullptr) {
             *to++ = '"';
             return to;
@@ -254,8 +250,8 @@ bool TreeWriter::writeText(const CharData& text) {
     const std::string_view held = NodeAccess::text(text);
     if (isTrusting && held.size() <= WriteBuffer::kRoom) {
         char* const at = out.room(held.size());
-        char* const end = markup.keepsLineFeeds() ? PlainRuns::copy<Kind::Text, Beyond::Trusted>(at, held)
-                                                  : PlainRuns::copy<Kind::Lines, Beyond::Trusted>(at, held);
+        char* const end = markup.keepsLineFeeds() ? PlainRuns::copyPadded<Kind::Text, Beyond::Trusted>(at, held)
+                                                  : PlainRuns::copyPadded<Kind::Lines, Beyond::Trusted>(at, held);
         if (end != nullptr && (held.empty() || !Utf8::goesOn(held.front()))) {
             out.tookTo(end);
             return true;

@@ -3,6 +3,7 @@
 #include "xml/dom/internal/Preorder.h"
 #include "xml/standard/internal/FoundRight.h"
 #include "xml/standard/internal/Markup.h"
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -49,9 +50,12 @@ private:
     bool writeText(const CharData& text);
 
     char* putAttributes(char* at, const Element& element);
+    template <class Pointer>
+    char* putEach(char* at, Pointer first, Pointer end);
     char* putAttribute(char* at, const Attribute& attribute);
     char* putAttributeSlowly(char* at, const Attribute& attribute);
-    bool inOrderOfTag(AttributeSpan attributes);
+    bool placeByNumber(AttributeSpan attributes);
+    bool sortByNumber(AttributeSpan attributes);
 
     bool checkName(const std::string& name, const Object& node, const char* of) {
         return rightNames.has(name) || checkNewName(name, node, of);
@@ -77,7 +81,8 @@ private:
     Preorder<const Element, Note> walk;
     std::size_t level;  // open elements, those around the node too
     FoundRight rightNames;
-    std::vector<const Attribute*> tag;  // the attributes of one, in its order
+    std::array<const Attribute*, 64> fewInTag;  // the attributes of a tag, in its order
+    std::vector<const Attribute*> manyInTag;
     const Object* failed = nullptr;
 };
 

@@ -25,11 +25,14 @@ protected:
 //     at = ...                        // put at most so many bytes there
 //     at = out.more(at, size);        // and then so many more
 //     out.tookTo(at);
+//
+// After what was asked for, ShortRuns::kPadded bytes more may be written, which are of no account.
 class WriteBuffer {
 public:
     static constexpr std::size_t kRoom = 4096;
 
-    explicit WriteBuffer(WriteSink& itsSink) : sink(itsSink), bytes(new char[kBlock]), used(bytes.get()) {}
+    explicit WriteBuffer(WriteSink& itsSink)
+        : sink(itsSink), bytes(new char[kBlock + ShortRuns::kPadded]), used(bytes.get()) {}
 
     char* room(std::size_t size) { return more(used, size); }
     char* more(char* at, std::size_t size) { return size <= left(at) ? at : flushTo(at); }

@@ -46,6 +46,19 @@ inline char* copy(char* to, std::string_view run) {
     return to + size;
 }
 
+// So many bytes of a padded run may be read from its beginning on, and written from where the copy of it begins,
+// however short it is. A std::string of fewer bytes is one, as it has room for that many: its own or more.
+inline constexpr std::size_t kPadded = 16;
+
+inline char* copyPadded(char* to, std::string_view run) {
+    if (run.size() > kPadded) {
+        std::memcpy(to, run.data(), run.size());
+    } else {
+        std::memcpy(to, run.data(), kPadded);
+    }
+    return to + run.size();
+}
+
 // The same for a run that has no byte that findSpecial looks for. Null where it has one; what has been copied is of no
 // use then.
 inline char* copyOrdinary(char* to, std::string_view run) {
