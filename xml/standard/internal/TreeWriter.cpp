@@ -77,7 +77,7 @@ bool TreeWriter::writeContent() {
             if (!end(element, isIndented)) return false;
             continue;
         }
-        if (isIndented) out.put(lineStart());
+        if (isIndented) out.putPadded(lineStart());
         if (exactClassOf(*child) == NodeClass::Element) {
             if (!enter(static_cast<const Element&>(*child), isIndented)) return false;
         } else if (!writeOther(*child)) {
@@ -133,7 +133,7 @@ bool TreeWriter::enter(const Element& element, bool isIndented) {
 
 bool TreeWriter::end(const Element& element, bool isIndented) {
     const std::string& name = NodeAccess::name(element);
-    const std::string_view start = isIndented ? lineStart() : std::string_view();
+    const std::string_view start = isIndented ? lineStart() : std::string_view(starts.data(), 0);
     const std::size_t size = start.size() + name.size() + 3;
     if (size > WriteBuffer::kRoom) {
         out.put(start);
@@ -142,7 +142,7 @@ bool TreeWriter::end(const Element& element, bool isIndented) {
         out.put(">");
         return true;
     }
-    char* at = ShortRuns::copy(out.room(size), start);
+    char* at = ShortRuns::copyPadded(out.room(size), start);
     *at++ = '<';
     *at++ = '/';
     at = ShortRuns::copyPadded(at, name);
@@ -168,19 +168,41 @@ bool TreeWriter::mayIndent(const Element& element) {
 
 // --- Attributes ---
 
-// Null where one cannot be written.
-template <class Pointer>
-char* TreeWriter::putEach(char* at, Pointer first, Pointer end) {
-    for (; first != end && at != nullptr; ++first) at = putAttribute(at, **first);
-    return at;
+// Null where it cannot be written.
+[[gnu::always_inline]] inline char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
+    if (!layout.defaults && NodeAccess::isSupplied(attribute)) return at;
+    const std::string& name = NodeAccess::name(attribute);
+    if (!checkName(name, attribute, "an attribute")) return nullptr;
+    const std::string_view value = NodeAccess::text(attribute);
+    constexpr std::size_t kMarks = std::string_view(" =\"\"").size();
+    if (const std::size_t size = name.size() + value.size() + kMarks; isTrusting && size <= WriteBuffer::kRoom) {
+        at = out.more(at, size);
+        char* to = at;
+        *to++ = ' ';
+        to = ShortRuns::copyPadded(to, name);
+        *to++ = '=';
+        *to++ = '"';
+        to = PlainRuns::copyPadded<Kind::Value, Beyond::Trusted>(to, value);
+        if (to != nullptr) {
+            *to++ = '"';
+            return to;
+        }
+    }
+    return putAttributeSlowly(at, attribute);
 }
 
 char* TreeWriter::putAttributes(char* at, const Element& element) {
     const AttributeSpan attributes = NodeAccess::attributes(element);
-    if (attributes.size() == 1) return putAttribute(at, *attributes[0]);
-    if (placeByNumber(attributes)) return putEach(at, fewInTag.data(), fewInTag.data() + attributes.size());
-    if (sortByNumber(attributes)) return putEach(at, manyInTag.begin(), manyInTag.end());
-    return putEach(at, attributes.begin(), attributes.end());
+    const Attribute* const* first = attributes.begin();
+    if (attributes.size() > 1) {
+        if (placeByNumber(attributes)) {
+            first = fewInTag.data();
+        } else if (sortByNumber(attributes)) {
+            first = manyInTag.data();
+        }
+    }
+    for (std::size_t i = 0; i < attributes.size() && at != nullptr; ++i) at = putAttribute(at, *first[i]);
+    return at;
 }
 
 // Whether they are few and have all numbers from 0 on, as those that were read.
@@ -206,28 +228,6 @@ bool TreeWriter::sortByNumber(AttributeSpan attributes) {
     manyInTag.assign(attributes.begin(), attributes.end());
     std::stable_sort(manyInTag.begin(), manyInTag.end(), isBefore);
     return true;
-}
-
-char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
-    if (!layout.defaults && NodeAccess::isSupplied(attribute)) return at;
-    const std::string& name = NodeAccess::name(attribute);
-    if (!checkName(name, attribute, "an attribute")) return nullptr;
-    const std::string_view value = NodeAccess::text(attribute);
-    constexpr std::size_t kMarks = std::string_view(" =\"\"").size();
-    if (const std::size_t size = name.size() + value.size() + kMarks; isTrusting && size <= WriteBuffer::kRoom) {
-        at = out.more(at, size);
-        char* to = at;
-        *to++ = ' ';
-        to = ShortRuns::copyPadded(to, name);
-        *to++ = '=';
-        *to++ = '"';
-        to = PlainRuns::copyPadded<Kind::Value, Beyond::Trusted>(to, value);
-        if (to != nullptr) {
-            *to++ = '"';
-            return to;
-        }
-    }
-    return putAttributeSlowly(at, attribute);
 }
 
 char* TreeWriter::putAttributeSlowly(char* at, const Attribute& attribute) {

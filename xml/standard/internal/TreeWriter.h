@@ -50,8 +50,6 @@ private:
     bool writeText(const CharData& text);
 
     char* putAttributes(char* at, const Element& element);
-    template <class Pointer>
-    char* putEach(char* at, Pointer first, Pointer end);
     char* putAttribute(char* at, const Attribute& attribute);
     char* putAttributeSlowly(char* at, const Attribute& attribute);
     bool placeByNumber(AttributeSpan attributes);
@@ -66,6 +64,7 @@ private:
     static bool mayIndent(const Element& element);
     static bool isPreservedAround(const Element& element);
     static std::string_view spaceOf(const Element& element);
+    // Padded.
     std::string_view lineStart() const {
         const std::size_t depth = level < kDeepest ? level : kDeepest;
         return {starts.data(), lineEndSize + depth * indentSize};

@@ -43,6 +43,12 @@ public:
         used = ShortRuns::copy(used, text);
     }
 
+    // The same of a padded run.
+    void putPadded(std::string_view text) {
+        if (text.size() > left(used) && !makeRoom(text)) return;
+        used = ShortRuns::copyPadded(used, text);
+    }
+
     void flush() { used = flushTo(used); }
 
     // What is in the block, and leaves so many bytes of it.
