@@ -9,7 +9,7 @@ import rows
 
 COLOURS = {
     "orvxml": "#0060a8", "pugixml": "#d55e00", "libxml2": "#009e73", "tinyxml2": "#cc79a7", "xerces-c": "#a67c00",
-    "rapidxml": "#56b4e9", "expat": "#777777",
+    "rapidxml": "#56b4e9", "expat": "#777777", "in-place": "#e69f00",
 }
 INK, FAINT, BAR = "#222222", "#dddddd", "#b00020"
 

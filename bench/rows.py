@@ -29,6 +29,8 @@ ROWS = [
     Row("standard-first", "XML 1.0 (`readText`): first parse in a fresh process", 1.1, None),
     Row("standard-write", "XML 1.0 (`writeText`): write with indentation to memory", 0.85, 1.1),
     Row("standard-write-raw", "XML 1.0 (`writeText`), as it was read: write to memory", 0.85, 1.1),
+    Row("standard-save", "XML 1.0 (`saveFile`): write, sync, replace, against the same text written in place and synced",
+        1.2, None, "in-place"),
     Row("events", "XML 1.0 (`StreamReader`): each event looked at, against Expat", 0.15, 0.25, "expat"),
 ]
 
@@ -41,6 +43,7 @@ KEYS = [row.key for row in ROWS] + GROWTH
 NAMES = {
     "orvxml": "libOrvXml", "pugixml": "pugixml", "libxml2": "libxml2", "tinyxml2": "tinyxml2",
     "xerces-c": "Xerces-C", "rapidxml": "RapidXML", "expat": "Expat",
+    "in-place": "a file written in place",
 }
 
 # What is left out on a document under a name of its own: this library's reading of XML 1.0.

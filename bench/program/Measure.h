@@ -1,6 +1,7 @@
 // How a time is taken. A case is one work on one document; its contenders, one for each library, take turns, so that
 // what else the machine does meets them all alike.
 #pragma once
+#include <chrono>
 #include <cstddef>
 #include <ctime>
 #include <functional>
@@ -36,7 +37,7 @@ struct Plan {
 void measure(const Case& work, const Plan& plan);
 
 // Seconds of processor time that the process has taken, in its own code and in the system's on its account. What other
-// programs take meanwhile is not in it. The works neither wait nor have threads of their own.
+// programs take meanwhile is not in it. Most works neither wait nor have threads of their own.
 inline double processorSeconds() {
     std::timespec time{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
@@ -56,6 +57,16 @@ std::function<double(int)> timed(Operation operation) {
         const double start = processorSeconds();
         for (int i = 0; i < times; ++i) operation();
         return processorSeconds() - start;
+    };
+}
+
+// The same in time that passes, for what waits for a disk.
+template <class Operation>
+std::function<double(int)> timedWithWaiting(Operation operation) {
+    return [operation](int times) {
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < times; ++i) operation();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     };
 }
 

@@ -4,8 +4,12 @@
 #include "Validation.h"
 #include "libraries/Libraries.h"
 #include <cmath>
+#include <filesystem>
 #include <map>
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 
 namespace bench {
 
@@ -182,6 +186,39 @@ std::vector<Case> writeStandardRaw(const std::vector<Document>& documents, const
     });
 }
 
+// A file of its own beside the program, as long as it is used.
+class ScratchFile {
+public:
+    ScratchFile()
+        : name(std::filesystem::read_symlink("/proc/self/exe").string() + ".saved" + std::to_string(count++)) {}
+    ~ScratchFile() {
+        std::error_code ignored;
+        std::filesystem::remove(name, ignored);
+    }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string& path() const { return name; }
+
+private:
+    static inline int count = 0;
+    const std::string name;
+};
+
+// Not in a folder of temporary files, which may lie in memory.
+std::vector<Case> saveStandard(const std::vector<Document>& documents, const Plan&) {
+    return onStandard("standard-save", documents, [](const Document& document) {
+        const auto saver = [&](auto library) {
+            using Library = decltype(library);
+            return Contender{Library::kName, timedWithWaiting([tree = sharedTree<Library>(document.text),
+                                                               file = std::make_shared<ScratchFile>()] {
+                                 Library::save(*tree, file->path());
+                             })};
+        };
+        return Contenders{saver(StandardSaved()), saver(StandardInPlace())};
+    });
+}
+
 std::vector<Case> readEvents([[maybe_unused]] const std::vector<Document>& documents, const Plan&) {
 #ifdef ORVXML_BENCH_EXPAT
     return onStandard("events", documents, [](const Document& document) {
@@ -327,6 +364,7 @@ const std::map<std::string, Row> kRows = {
     {"standard-all", parseStandardAll},
     {"standard-write", writeStandard},
     {"standard-write-raw", writeStandardRaw},
+    {"standard-save", saveStandard},
     {"events", readEvents},
 };
 

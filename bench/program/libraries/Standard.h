@@ -5,8 +5,12 @@
 #include "libraries/Seen.h"
 #include "libraries/Unreadable.h"
 #include "xml/standard.h"
+#include <cstddef>
+#include <fcntl.h>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace bench {
 
@@ -35,6 +39,34 @@ struct StandardAll : Standard {
 struct StandardRaw : Standard {
     static Tree parse(const std::string& text) { return parseAs(text, Xml::everything()); }
     static std::size_t write(const Tree& tree) { return Xml::writeText(*tree, Xml::asRead(*tree)).text().size(); }
+};
+
+// The same into a file that is replaced.
+struct StandardSaved : StandardRaw {
+    static void save(const Tree& tree, const std::string& path) {
+        const Xml::WriteResult result = Xml::saveFile(*tree, path, Xml::asRead(*tree));
+        if (!result) throw std::runtime_error(result.message());
+    }
+};
+
+// The same text written over what is in the file, which is lost when that fails: what a safe save is compared with.
+struct StandardInPlace : StandardRaw {
+    static constexpr char kName[] = "in-place";
+
+    static void save(const Tree& tree, const std::string& path) {
+        const Xml::WriteResult result = Xml::writeText(*tree, Xml::asRead(*tree));
+        const std::string& text = result.text();
+        const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        std::size_t written = 0;
+        while (file >= 0 && written < text.size()) {
+            const ssize_t count = ::write(file, text.data() + written, text.size() - written);
+            if (count <= 0) break;
+            written += static_cast<std::size_t>(count);
+        }
+        const bool isSaved = file >= 0 && written == text.size() && ::fsync(file) == 0;
+        if (file >= 0) ::close(file);
+        if (!isSaved) throw std::runtime_error("cannot write " + path);
+    }
 };
 
 // Event by event.
