@@ -3,6 +3,7 @@
 #include "xml/dom/Marks.h"
 #include "xml/dom/internal/Rewriting.h"
 #include "xml/dtd/Dtd.h"
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -48,6 +49,32 @@ TEST(MarksTest, TouchingTakesTheLinkAndLeavesTheRecord) {
     EXPECT_EQ(marks.dtd(), nullptr);
     EXPECT_EQ(marks.writeStart(), 1);
     EXPECT_EQ(marks.writeEnd(), 3);
+}
+
+TEST(MarksTest, AnOffsetIsNoRecordAndGivesWayToOne) {
+    for (const std::int64_t offset : {std::int64_t{0}, std::int64_t{1} << 31, (std::int64_t{5} << 32) + 0xFFFFFFFF}) {
+        SCOPED_TRACE(offset);
+        Marks marks;
+        EXPECT_FALSE(marks.holdsOffset());
+        marks.holdOffset(offset);
+        EXPECT_TRUE(marks.holdsOffset());
+        EXPECT_EQ(marks.offset(), offset);
+        EXPECT_EQ(marks.writeStart(), -1);
+        EXPECT_EQ(marks.writeEnd(), -1);
+        EXPECT_FALSE(Marks(marks).holdsOffset());
+
+        marks.setPlaceAside();
+        EXPECT_FALSE(marks.holdsOffset());
+        EXPECT_TRUE(marks.isPlaceAside());
+        EXPECT_TRUE(marks.isAside());
+        EXPECT_TRUE(marks.isDirty());
+        EXPECT_EQ(marks.writeStart(), -1);
+        marks.record(3, 4);
+        marks.setPlaceAside();
+        EXPECT_EQ(marks.writeStart(), 3);
+        EXPECT_EQ(marks.writeEnd(), 4);
+        EXPECT_FALSE(Marks(marks).isPlaceAside());
+    }
 }
 
 TEST(MarksTest, TheRuleOfRewriting) {

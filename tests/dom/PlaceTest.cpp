@@ -1,5 +1,7 @@
 #include "xml/dom/Place.h"
 
+#include "dom/Sinks.h"
+#include "support/NodeTestAccess.h"
 #include "support/Trees.h"
 #include "xml/dom/Document.h"
 #include "xml/dom/Prolog.h"
@@ -35,17 +37,19 @@ std::string allOf(const Object& node) {
     return places;
 }
 
+class CountedPlaces final : public PlaceTable {
+public:
+    Place of(std::int64_t offset) const override { return at(offset); }
+};
+
 // A tree with every kind of node, short texts and long ones, each with a place.
 std::unique_ptr<Element> placedTree(int repeated = 1) {
     std::unique_ptr<Element> root;
     TreeBuilder tree(root);
-    std::int64_t next = 0;
-    Place place;
-    const auto here = [&]() -> const Place* {
-        place = at(next++);
-        return &place;
-    };
-    tree.begin("r", here());
+    std::int64_t next = 1;
+    const auto here = [&] { return next++; };
+    tree.begin("r");
+    NodeAccess::keepPlace(*root, at(0));
     for (int i = 0; i < repeated; ++i) {
         for (const std::size_t size : {1U, 100U, 2000U}) {
             const std::string content(size, 'x');
@@ -59,14 +63,14 @@ std::unique_ptr<Element> placedTree(int repeated = 1) {
             tree.addComment(content, here());
             tree.addSection(content, here());
             tree.addInstruction("go", content, here());
-            const Place textPlace = at(next + 1);
             TagAttributes none;
-            tree.addLeaf(tree.name("leaf"), none, content, false, here(), &textPlace);
-            ++next;
+            const std::int64_t ofLeaf = here();
+            tree.addLeaf(tree.name("leaf"), none, content, false, ofLeaf, here());
             tree.addElement(tree.name("empty"), none, here());
             tree.end();
         }
     }
+    tree.keepPlaces(std::make_unique<CountedPlaces>());
     tree.end();
     return root;
 }
@@ -133,6 +137,41 @@ TEST(PlaceTest, StaysWithChangesAndTexts) {
     EXPECT_EQ(allOf(*root), before);
     a.setAttribute("x", "anew");
     EXPECT_EQ(shown(*a.getAttribute("x")), "-") << "another node";
+}
+
+// A record of that takes the room in which the node has its offset.
+TEST(PlaceTest, StaysWhenTheNodeIsWritten) {
+    for (const int repeated : {1, 300}) {
+        SCOPED_TRACE(repeated);
+        std::unique_ptr<Element> root = placedTree(repeated);
+        const std::string before = allOf(*root);
+        EXPECT_EQ(NodeTestAccess::writeStart(*root->getElement(0)), -1);
+        EXPECT_EQ(NodeTestAccess::writeEnd(*root->getElement(0)), -1);
+        BareOutStream out;
+        root->toStream(out);
+        EXPECT_EQ(allOf(*root), before);
+        EXPECT_GT(NodeTestAccess::writeStart(*root->getElement(0)), 0);
+
+        const std::unique_ptr<Object> taken(root->extractChild(1));
+        const std::string ofTaken = allOf(*taken);
+        root.reset();
+        taken->toElement()->getAttribute(0)->toStream(out);
+        taken->toStream(out);
+        EXPECT_EQ(allOf(*taken), ofTaken);
+    }
+}
+
+// It is not the place of another node that comes to lie there.
+TEST(PlaceTest, GoesWithANodeThatWasWritten) {
+    for (int i = 0; i < 3; ++i) {
+        std::unique_ptr<Element> root = placedTree();
+        EXPECT_EQ(allOf(*root), expected());
+        BareOutStream out;
+        root->toStream(out);
+        EXPECT_EQ(allOf(*root), expected());
+        root = readElement("<r><a z='1'>text<!-- --></a></r>");
+        EXPECT_EQ(allOf(*root), "-, -, @-, -");
+    }
 }
 
 TEST(PlaceTest, CopiesHaveNone) {

@@ -18,10 +18,10 @@ TEST(TagAttributesTest, AreNodesInTheOrderOfNamesThatKnowTheirPlaceInTheTag) {
         tree.begin("r");
         tree.begin("a");
         TagAttributes attributes;
-        attributes.add(tree.name("c"), "1", nullptr);
-        attributes.add(tree.name("a"), "2", nullptr);
-        for (int i = 0; i < more; ++i) attributes.add(tree.name("m" + std::to_string(i)), "m", nullptr);
-        attributes.addDefault(tree.name("b"), "3", nullptr);
+        attributes.add(tree.name("c"), "1");
+        attributes.add(tree.name("a"), "2");
+        for (int i = 0; i < more; ++i) attributes.add(tree.name("m" + std::to_string(i)), "m");
+        attributes.addDefault(tree.name("b"), "3", Marks::kNoOffset);
         attributes.sort();
         EXPECT_EQ(attributes.findRepeated(), nullptr);
         tree.setAttributes(attributes);
@@ -46,7 +46,7 @@ TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
     TreeBuilder tree(root);
     tree.begin("r");
     TagAttributes attributes;
-    for (const char* const name : {"b", "a", "c", "b"}) attributes.add(tree.name(name), name, nullptr);
+    for (const char* const name : {"b", "a", "c", "b"}) attributes.add(tree.name(name), name);
     attributes.sort();
     const TagAttributes::Given* const again = attributes.findRepeated();
     ASSERT_NE(again, nullptr);
@@ -55,8 +55,8 @@ TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
     attributes.clear();
     EXPECT_TRUE(attributes.empty());
     EXPECT_EQ(attributes.findRepeated(), nullptr);
-    attributes.add(tree.name("a"), "", nullptr);
-    attributes.add(tree.name("a"), "", nullptr);
+    attributes.add(tree.name("a"), "");
+    attributes.add(tree.name("a"), "");
     attributes.sort();
     EXPECT_NE(attributes.findRepeated(), nullptr) << "side by side";
 }

@@ -1,5 +1,6 @@
 // Building, editing, copying, searching and writing trees while memory runs out.
 #include "dom/Settings.h"
+#include "dom/Sinks.h"
 #include "memory/Failing.h"
 #include "memory/Usable.h"
 #include "models/Snapshot.h"
@@ -320,18 +321,28 @@ TEST(DomMemoryTest, AnElementThatCouldNotBeWrittenIsIndentedAsBeforeTheNextTime)
     });
 }
 
+class OnePlace final : public PlaceTable {
+public:
+    explicit OnePlace(const Place& itsPlace) : place(itsPlace) {}
+    Place of(std::int64_t) const override { return place; }
+
+private:
+    Place place;
+};
+
 // With comments, instructions and sections, in content and around the root, and with places.
 TEST(DomMemoryTest, ATreeWithEveryKindOfLeafIsMadeChangedAndCopiedWholeOrNotAtAll) {
     forEachFailingAllocation([](Attempt& attempt) {
         std::unique_ptr<Document> document;
         std::unique_ptr<Object> copy;
-        std::string text;
+        std::string text, written;
+        const Place place{1, 1, 2};
         const bool made = attempt([&] {
             std::unique_ptr<Element> root;
             TreeBuilder tree(root);
-            Place place{1, 1, 2};
-            const Place* const at = &place;
-            tree.begin("garden-of-a-long-name", at);
+            const std::int64_t at = place.offset;
+            tree.begin("garden-of-a-long-name");
+            NodeAccess::keepPlace(*root, place);
             for (int i = 0; i < 50; ++i) {
                 tree.addComment(kLong, at);
                 tree.addInstruction("a-target-of-a-long-name", kLong, at);
@@ -340,6 +351,7 @@ TEST(DomMemoryTest, ATreeWithEveryKindOfLeafIsMadeChangedAndCopiedWholeOrNotAtAl
                 attributes.add(tree.name("place-of-a-long-name"), kLong, at);
                 tree.addElement(tree.name("bed"), attributes, at);
             }
+            tree.keepPlaces(std::make_unique<OnePlace>(place));
             tree.end();
             document = NodeAccess::makeDocument(std::move(root));
             Prolog& prolog = prologOf(*document);
@@ -350,11 +362,16 @@ TEST(DomMemoryTest, ATreeWithEveryKindOfLeafIsMadeChangedAndCopiedWholeOrNotAtAl
             static_cast<Comment*>(document->getRoot()->getChild(0))->setText(kLong + kLong);
             static_cast<Instruction*>(document->getRoot()->getChild(1))->setContent(kLong + kLong);
             text = document->getRoot()->getChild(1)->toString();
+            BareOutStream out;
+            document->getRoot()->toStream(out);
+            written = out.bytes;
             copy.reset(document->clone());
         });
         if (made) {
             EXPECT_EQ(textOf(*copy), textOf(*document));
             EXPECT_EQ(text, "a-target-of-a-long-name " + kLong + kLong);
+            EXPECT_EQ(written, textOf(*document->getRoot()));
+            EXPECT_EQ(placeOf(*document->getRoot()->getChild(1)).column, place.column);
         } else if (document != nullptr) {
             EXPECT_EQ(textOf(Document(*document)), textOf(*document));
         }

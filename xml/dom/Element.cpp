@@ -48,6 +48,12 @@ Element::Element(const Element& other) : Element() {
 
 Element::~Element() { NodeAccess::deleteChildren(*this); }
 
+// What is aside has to be taken away when the node goes.
+void NodeAccess::putPlaceAside(const Object& node) {
+    Arena::noteChange(node);
+    keepPlace(node, place(node));
+}
+
 void NodeAccess::dropWhole(Element& top) {
     Arena* const arena = Arena::wholeBelow(top);
     if (arena == nullptr) return;

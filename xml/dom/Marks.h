@@ -47,12 +47,26 @@ public:
         link = nullptr;
     }
 
-    // The positions of the last record of where the node was written; -1 without one.
-    int writeStart() const { return start; }
-    int writeEnd() const { return end; }
+    // The positions of the last record of where the node was written; -1 without one. None may be made while it holds
+    // an offset.
+    int writeStart() const { return holdsOffset() ? -1 : start; }
+    int writeEnd() const { return holdsOffset() ? -1 : end; }
     void record(int from, int to) const {
         start = from;
         end = to;
+    }
+
+    // Until it is first written a node in a slab has the offset at which it was read in the place of the record.
+    static constexpr std::int64_t kNoOffset = -1;
+    bool holdsOffset() const { return (noted & kHoldsOffset) != 0; }
+    std::int64_t offset() const {
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(static_cast<std::uint32_t>(end)) << 32 |
+                                         static_cast<std::uint32_t>(start));
+    }
+    void holdOffset(std::int64_t offset) {
+        start = static_cast<std::int32_t>(offset);
+        end = static_cast<std::int32_t>(offset >> 32);
+        put(noted, kHoldsOffset, true);
     }
 
     TextPlace textPlace() const { return (fixed & kLent) != 0 ? TextPlace::Lent : TextPlace::Own; }
@@ -61,9 +75,12 @@ public:
     bool isAside() const { return (noted & kAside) != 0; }
     void setAside() const { put(noted, kAside, true); }
 
-    // Whether it is known where the node was read.
-    bool isPlaced() const { return (fixed & kPlaced) != 0; }
-    void setPlaced() { put(fixed, kPlaced, true); }
+    // Whether that is the place where it was read, and the node holds no offset then.
+    bool isPlaceAside() const { return (noted & kPlaceAside) != 0; }
+    void setPlaceAside() const {
+        if (holdsOffset()) record(-1, -1);
+        noted = static_cast<Flags>((noted & ~kHoldsOffset) | kPlaceAside | kAside);
+    }
 
     // A number of 40 bits: of an element the affair of validation, of an attribute the order in its tag.
     static constexpr std::uint64_t kMostNumber = (std::uint64_t{1} << 40) - 1;
@@ -104,10 +121,9 @@ public:
 
 private:
     using Flags = std::uint8_t;
-    static constexpr Flags kDirty = 1, kAside = 2;  // of `noted`
-    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4, kSupplied = 8,
-                           kPlaced = 16;           // of `fixed`; the text is what is lent
-    static constexpr unsigned kLeafKindShift = 6;  // its upper bits are the kind of a leaf
+    static constexpr Flags kDirty = 1, kAside = 2, kHoldsOffset = 4, kPlaceAside = 8;  // of `noted`
+    static constexpr Flags kEdited = 1, kLent = 2, kInSlab = 4, kSupplied = 8;  // of `fixed`; the text is what is lent
+    static constexpr unsigned kLeafKindShift = 6;                               // its upper bits are the kind of a leaf
     static constexpr Flags kPassedOver = static_cast<unsigned>(LeafKind::Comment) << kLeafKindShift;
     static_assert((static_cast<unsigned>(LeafKind::Instruction) & static_cast<unsigned>(LeafKind::Comment)) != 0,
                   "one bit of the kind says comment or instruction");

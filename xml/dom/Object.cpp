@@ -116,6 +116,7 @@ void Object::touch() {
 void Object::toStream(OutStream& out) const {
     const OutStreamAccess::Counting counting(out);
     const OutStreamAccess::Writing writing(out);
+    NodeAccess::makeRoomForRecord(*this);
     if (!beginWriting(marks, out)) return;
     write(out);
     if (!writesBytesOnly(*this)) OutStreamAccess::resume(out);

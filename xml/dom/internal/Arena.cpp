@@ -128,6 +128,10 @@ KeptText& NodeMemory::takeText(std::string_view text) {
     return arena->keep(std::move(made));
 }
 
+void NodeMemory::keepPlaces(std::unique_ptr<const PlaceTable> places) {
+    if (arena != nullptr) arena->places = std::move(places);
+}
+
 void NodeMemory::finish(const Element& top) {
     if (arena == nullptr) return;
     arena->top = &top;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/Object.h"
+#include "xml/dom/internal/PlaceTable.h"
 #include "xml/dom/internal/Slab.h"
 #include "xml/dom/internal/SlabStock.h"
 #include "xml/stream/internal/Scan.h"
@@ -120,6 +121,9 @@ public:
     // Gives back the memory of everything in it at once.
     void drop();
 
+    // Where a node in it was read that holds that offset.
+    Place placeOf(std::int64_t offset) const { return places->of(offset); }
+
     // Keeps a string until the arena goes. Any thread may do so.
     KeptText& keep(std::unique_ptr<KeptText> text);
 
@@ -147,6 +151,7 @@ private:
     SharedName* names = nullptr;
     bool namesHaveMemory = false;  // that one of the names does not go with the slab
     WideElement* wide = nullptr;
+    std::unique_ptr<const PlaceTable> places;  // where nodes hold offsets
 };
 
 // The one way to put nodes into an arena: what reads or copies a tree has one and lets it go at the end. Memory is
@@ -161,31 +166,30 @@ public:
     // The most bytes that belong to one thing in a slab, so that little is left over at its end.
     static constexpr std::size_t kMostBytes = 1024;
 
-    // Room for a node, and in the same slab for bytes of it, at most kMostBytes; and right before the node for as many
-    // more, a multiple of 16.
+    // Room for a node, and in the same slab for bytes of it, at most kMostBytes.
     struct Room {
         void* node;
         char* bytes;
     };
     template <class Node>
-    Room takeNode(std::size_t byteCount = 0, std::size_t before = 0) {
+    Room takeNode(std::size_t byteCount = 0) {
         constexpr std::size_t size = (sizeof(Node) + 15) / 16 * 16;  // the next node has to be at 8 modulo 16 again
         Part& part = partFor<Node>();
-        if (part.left() < before + size + byteCount) addSlab(part);
-        Room room{part.low + before, part.high - byteCount};
-        part.low += before + size;
+        if (part.left() < size + byteCount) addSlab(part);
+        Room room{part.low, part.high - byteCount};
+        part.low += size;
         part.high -= byteCount;
         ++part.count;
-        Slab::allow(part.low - size - before, before + size);
+        Slab::allow(room.node, size);
         Slab::allow(room.bytes, byteCount);
         return room;
     }
 
-    // Room for several nodes side by side, each with as many bytes before it, and for bytes of theirs, aligned for
-    // pointers; those count as `arrays` nodes more. At most kMostBytes in all.
+    // Room for several nodes side by side, and for bytes of theirs, aligned for pointers; those count as `arrays` nodes
+    // more. At most kMostBytes in all.
     template <class Node>
-    Room takeNodes(std::size_t count, std::size_t arrays, std::size_t byteCount, std::size_t before = 0) {
-        const std::size_t size = count * (sizeof(Node) + before);
+    Room takeNodes(std::size_t count, std::size_t arrays, std::size_t byteCount) {
+        const std::size_t size = count * sizeof(Node);
         Part& part = partFor<Node>();
         if (part.left() < size + byteCount + alignof(void*)) addSlab(part);
         char* const bytes = part.high - byteCount;
@@ -229,6 +233,9 @@ public:
 
     // A string that is kept as long.
     KeptText& takeText(std::string_view text);
+
+    // Where the nodes in the arena that hold offsets were read.
+    void keepPlaces(std::unique_ptr<const PlaceTable> places);
 
     // All that is in the arena is below this element, which is in the heap, and will be: its end may drop all at once.
     void finish(const Element& top);

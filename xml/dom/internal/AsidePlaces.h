@@ -4,8 +4,8 @@
 
 namespace Xml {
 
-// Where nodes in the heap were read. Nodes in the memory of a tree have theirs right before them (see NodeAccess); in
-// the heap is the root of a tree, and what stands around it.
+// Where nodes in the heap were read: the root of a tree, and what stands around it. Nodes in the memory of a tree hold
+// their offsets, until a record of where they are written needs the room (see NodeAccess); then theirs are here.
 struct AsidePlaces {
     // The place of the node, unknown at first.
     static Place& of(const Object& node);

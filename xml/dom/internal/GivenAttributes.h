@@ -1,10 +1,11 @@
 #pragma once
 
-#include "xml/dom/Place.h"
+#include "xml/dom/Marks.h"
 #include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -57,9 +58,8 @@ public:
     bool arePadded() const { return padded; }
     void setPadded() { padded = true; }
 
-    // They have none in the source, as TagAttributes may.
-    static bool havePlaces() { return false; }
-    static const Place* placeOf(const Given&) { return nullptr; }
+    // Where they are in the source is not known, as it may be of TagAttributes.
+    static constexpr std::int64_t offsetOf(const Given&) { return internal::Marks::kNoOffset; }
 
     bool empty() const { return all.empty(); }
     std::size_t size() const { return all.size(); }

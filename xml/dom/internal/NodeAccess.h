@@ -31,7 +31,6 @@ struct Prolog;
 // What the parse of large documents costs is the memory that it fills.
 static_assert(sizeof(Element) == 64 && sizeof(CharData) == 80 && sizeof(Attribute) == 80, "nodes have grown");
 static_assert(sizeof(CDataSection) == 80 && sizeof(Comment) <= 80 && sizeof(Instruction) == 80, "nodes have grown");
-static_assert(sizeof(Place) == 16, "a node after it is at 8 modulo 16");
 
 using internal::AttributeSpan;
 using internal::ExactClass;
@@ -84,51 +83,55 @@ struct NodeAccess {
     // changed already. A shared name stays as long as the memory. A text is padded where kShortText bytes may be read
     // from its beginning on. ---
 
-    // The last argument is the place where the node was read, or null, or left out.
+    // The last argument is the offset at which the node was read.
 
-    template <class... At>
     static std::unique_ptr<Element> makeElement(NodeMemory& memory, const SharedName& name, Object* parent,
-                                                At... place) {
-        void* const room = memory.takeNode<Element>(0, bytesFor(place...)).node;
-        return placed(::new (room) Element(&name.text, parent), place...);
+                                                std::int64_t offset = Marks::kNoOffset) {
+        void* const room = memory.takeNode<Element>().node;
+        return placed(::new (room) Element(&name.text, parent), offset);
     }
-    template <class... At>
     [[gnu::always_inline]] static std::unique_ptr<CharData> makeText(NodeMemory& memory, std::string_view text,
-                                                                     Object* parent, bool isPadded, At... place) {
-        return makeLeaf<CharData>(memory, text, parent, isPadded, place...);
+                                                                     Object* parent, bool isPadded,
+                                                                     std::int64_t offset = Marks::kNoOffset) {
+        return makeLeaf<CharData>(memory, text, parent, isPadded, offset);
     }
     // A CharData, a CDataSection or a Comment. The text is as the node holds it.
-    template <class Node, class... At>
+    template <class Node>
     [[gnu::always_inline]] static std::unique_ptr<Node> makeLeaf(NodeMemory& memory, std::string_view text,
-                                                                 Object* parent, bool isPadded, At... place) {
-        if (!isShort(text)) return makeLongLeaf<Node>(memory, text, parent, place...);
-        void* const room = memory.takeNode<Node>(0, bytesFor(place...)).node;
+                                                                 Object* parent, bool isPadded,
+                                                                 std::int64_t offset = Marks::kNoOffset) {
+        if (!isShort(text)) return makeLongLeaf<Node>(memory, text, parent, offset);
+        void* const room = memory.takeNode<Node>().node;
         const internal::GivenText given{text, internal::TextPlace::Own, nullptr, isPadded};
-        return placed(::new (room) Node(given, parent), place...);
+        return placed(::new (room) Node(given, parent), offset);
     }
-    template <class... At>
     static std::unique_ptr<Instruction> makeInstruction(NodeMemory& memory, const SharedName& target,
-                                                        std::string_view content, Object* parent, At... place) {
-        const auto [room, given] = roomFor<Instruction>(memory, content, false, place...);
-        return placed(::new (room) Instruction(&target.text, given, parent), place...);
+                                                        std::string_view content, Object* parent,
+                                                        std::int64_t offset = Marks::kNoOffset) {
+        const auto [room, given] = roomFor<Instruction>(memory, content, false);
+        return placed(::new (room) Instruction(&target.text, given, parent), offset);
     }
-    template <class... At>
     static std::unique_ptr<Attribute> makeAttribute(NodeMemory& memory, const SharedName& name, std::string_view value,
-                                                    Object* parent, bool isPadded, At... place) {
-        const auto [room, given] = roomFor<Attribute>(memory, value, isPadded, place...);
-        return placed(::new (room) Attribute(&name.text, given, parent), place...);
+                                                    Object* parent, bool isPadded,
+                                                    std::int64_t offset = Marks::kNoOffset) {
+        const auto [room, given] = roomFor<Attribute>(memory, value, isPadded);
+        return placed(::new (room) Attribute(&name.text, given, parent), offset);
     }
 
-    // Where a node was read. In the memory of a tree that is said when it is made, and lies right before the node; for
-    // one in the heap it is kept aside, which may need memory.
+    // Where a node was read. One in the memory of a tree holds its offset, and the tree has a table for the rest; of
+    // any other it is kept aside, which may need memory.
     static Place place(const Object& node) {
-        if (!node.marks.isPlaced()) return {};
-        return node.marks.isInSlab() ? reinterpret_cast<const Place*>(&node)[-1] : AsidePlaces::of(node);
+        if (node.marks.holdsOffset()) return Arena::of(&node).placeOf(node.marks.offset());
+        return node.marks.isPlaceAside() ? AsidePlaces::of(node) : Place();
     }
-    static void keepPlace(Object& nodeInHeap, const Place& place) {
-        AsidePlaces::of(nodeInHeap) = place;
-        nodeInHeap.marks.setAside();
-        nodeInHeap.marks.setPlaced();
+    static void keepPlace(const Object& node, const Place& place) {
+        AsidePlaces::of(node) = place;
+        node.marks.setPlaceAside();
+    }
+
+    // The node is about to be written, and to have a record of that in the place of its offset.
+    static void makeRoomForRecord(const Object& node) {
+        if (node.marks.holdsOffset()) putPlaceAside(node);
     }
 
     // Appends a child. Neither what is below it nor what is above it is walked: links and marks are what addChild would
@@ -177,7 +180,7 @@ struct NodeAccess {
         internal::Attributes::Filling filling = element.attributes.fill();
         for (const auto& given : all) {
             std::unique_ptr<Attribute> made =
-                makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.placeOf(given));
+                makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.offsetOf(given));
             noteTag(*made, all, given);
             filling.put(made.release());
         }
@@ -248,6 +251,8 @@ private:
     // Drops what is below the element, if that is the memory of a tree as it was made.
     static void dropWhole(Element& top);
 
+    static void putPlaceAside(const Object& node);
+
     static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
     static void noteTag(Attribute&, const GivenAttributes&, const GivenAttributes::Given&) {}
     static void noteTag(Attribute& attribute, const TagAttributes& all, const TagAttributes::Given& given) {
@@ -260,11 +265,11 @@ private:
     static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
         std::size_t textBytes = 0;
         for (const auto& given : all) textBytes += isShort(given.value()) ? 0 : given.value().size();
-        const std::size_t before = all.havePlaces() ? sizeof(Place) : 0, size = before + sizeof(Attribute);
         const std::size_t count = all.size();
-        if (textBytes + count * (size + sizeof(Attribute*)) >= NodeMemory::kMostBytes - sizeof(void*)) return false;
+        if (textBytes + count * (sizeof(Attribute) + sizeof(Attribute*)) >= NodeMemory::kMostBytes - sizeof(void*))
+            return false;
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesForFull(count) : 0;
-        const auto room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes, before);
+        const auto room = memory.takeNodes<Attribute>(count, count > 1 ? 1 : 0, arrayBytes + textBytes);
         Attribute** at = count > 1 ? element.attributes.lendFull(room.bytes, count) : element.attributes.extend(count);
         char *texts = room.bytes + arrayBytes, *place = static_cast<char*>(room.node);
         const bool arePadded = all.arePadded();
@@ -276,10 +281,10 @@ private:
                 texts += value.size();
             }
             // Laundered: GCC does not join stores through a pointer that the loop itself counts up.
-            auto* const made = ::new (std::launder(place + before)) Attribute(&given.name->text, text, &element);
+            auto* const made = ::new (std::launder(place)) Attribute(&given.name->text, text, &element);
             noteTag(*made, all, given);
-            *at++ = placed(made, all.placeOf(given)).release();
-            place += size;
+            *at++ = placed(made, all.offsetOf(given)).release();
+            place += sizeof(Attribute);
         }
         return true;
     }
@@ -289,40 +294,29 @@ private:
         void* node;
         internal::GivenText text;
     };
-    static constexpr std::size_t bytesFor() { return 0; }
-    static std::size_t bytesFor(const Place* place) { return place != nullptr ? sizeof(Place) : 0; }
 
-    // A node with room before it for the place, where there is one.
+    // A node that holds the offset, where there is one.
     template <class Node>
-    static std::unique_ptr<Node> placed(Node* node) {
-        return std::unique_ptr<Node>(node);
-    }
-    template <class Node>
-    static std::unique_ptr<Node> placed(Node* node, const Place* place) {
-        if (place != nullptr) {
-            ::new (static_cast<void*>(reinterpret_cast<Place*>(node) - 1)) Place(*place);
-            node->marks.setPlaced();
-        }
+    static std::unique_ptr<Node> placed(Node* node, std::int64_t offset) {
+        if (offset != Marks::kNoOffset) node->marks.holdOffset(offset);
         return std::unique_ptr<Node>(node);
     }
 
-    template <class Node, class... At>
+    template <class Node>
     [[gnu::noinline]] static std::unique_ptr<Node> makeLongLeaf(NodeMemory& memory, std::string_view text,
-                                                                Object* parent, At... place) {
-        const auto [room, given] = roomFor<Node>(memory, text, false, place...);
-        return placed(::new (room) Node(given, parent), place...);
+                                                                Object* parent, std::int64_t offset) {
+        const auto [room, given] = roomFor<Node>(memory, text, false);
+        return placed(::new (room) Node(given, parent), offset);
     }
 
-    template <class Node, class... At>
-    static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded, At... place) {
-        if (isShort(text))
-            return {memory.takeNode<Node>(0, bytesFor(place...)).node,
-                    {text, internal::TextPlace::Own, nullptr, isPadded}};
+    template <class Node>
+    static NodeRoom roomFor(NodeMemory& memory, std::string_view text, bool isPadded) {
+        if (isShort(text)) return {memory.takeNode<Node>().node, {text, internal::TextPlace::Own, nullptr, isPadded}};
         if (text.size() > NodeMemory::kMostBytes) {
             KeptText& kept = memory.takeText(text);
-            return {memory.takeNode<Node>(0, bytesFor(place...)).node, {{}, internal::TextPlace::Lent, &kept}};
+            return {memory.takeNode<Node>().node, {{}, internal::TextPlace::Lent, &kept}};
         }
-        const NodeMemory::Room room = memory.takeNode<Node>(text.size(), bytesFor(place...));
+        const NodeMemory::Room room = memory.takeNode<Node>(text.size());
         Words::copyLong(room.bytes, text.data(), text.size());
         return {room.node, {{room.bytes, text.size()}, internal::TextPlace::Lent}};
     }

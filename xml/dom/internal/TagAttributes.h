@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/dom/Place.h"
+#include "xml/dom/Marks.h"
 #include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <cstddef>
@@ -15,8 +15,8 @@ namespace Xml {
 // in the tag and in the source, and whether the document type supplied it.
 //
 //     TagAttributes attributes;
-//     attributes.add(tree.name("b"), "1", &place);
-//     attributes.addDefault(tree.name("a"), "2", nullptr);
+//     attributes.add(tree.name("b"), "1", 7);
+//     attributes.addDefault(tree.name("a"), "2", 3);
 //     attributes.sort();
 //     if (const TagAttributes::Given* again = attributes.findRepeated()) ...
 //     tree.setAttributes(attributes);
@@ -44,7 +44,7 @@ public:
 
     void clear() {
         all.clear();
-        if (!places.empty()) places.clear();
+        if (!offsets.empty()) offsets.clear();
         isSorted = true;
         areNumbered = false;
         padded = false;
@@ -54,20 +54,20 @@ public:
     bool arePadded() const { return padded; }
     void setPadded() { padded = true; }
 
-    // In the order of the tag; of all or of none the place.
-    void add(const SharedName& name, std::string_view value, const Place* place) { add(name, value, place, false); }
+    // In the order of the tag; of all or of none the offset in the source, which is Marks::kNoOffset else.
+    void add(const SharedName& name, std::string_view value, std::int64_t offset) { add(name, value, offset, false); }
 
     // One that the document type supplies; after those of the tag.
-    void addDefault(const SharedName& name, std::string_view value, const Place* place) {
-        add(name, value, place, true);
+    void addDefault(const SharedName& name, std::string_view value, std::int64_t offset) {
+        add(name, value, offset, true);
     }
 
-    // The same without the place; that may be given after all of them, in the order of the tag.
+    // The same without the offset; that may be given after all of them, in the order of the tag.
     void add(const SharedName& name, std::string_view value) {
         if (!all.empty()) isSorted &= all.back().name->isBefore(name);
         all.add(name, value);
     }
-    void addPlace(const Place& place) { places.push_back(place); }
+    void addOffset(std::int64_t offset) { offsets.push_back(offset); }
 
     bool empty() const { return all.empty(); }
     std::size_t size() const { return all.size(); }
@@ -75,10 +75,10 @@ public:
     const Given* end() const { return all.end(); }
     Given& operator[](std::size_t number) { return all[number]; }
 
-    bool havePlaces() const { return !places.empty(); }
-
-    // Its place in the source; null where none was given.
-    const Place* placeOf(const Given& given) const { return places.empty() ? nullptr : &places[orderOf(given)]; }
+    // Its offset in the source, where that was given.
+    std::int64_t offsetOf(const Given& given) const {
+        return offsets.empty() ? internal::Marks::kNoOffset : offsets[orderOf(given)];
+    }
 
     // Where it stands in the tag, from 0 on.
     std::size_t orderOf(const Given& given) const {
@@ -114,14 +114,14 @@ public:
     }
 
 private:
-    void add(const SharedName& name, std::string_view value, const Place* place, bool isSupplied) {
+    void add(const SharedName& name, std::string_view value, std::int64_t offset, bool isSupplied) {
         add(name, value);
         all.back().isSupplied = isSupplied;
-        if (place != nullptr) places.push_back(*place);
+        if (offset != internal::Marks::kNoOffset) offsets.push_back(offset);
     }
 
     FewFirst<Given> all;
-    std::vector<Place> places;  // in the order of the tag
+    std::vector<std::int64_t> offsets;  // in the order of the tag
     bool isSorted = true;
     bool areNumbered = false;
     bool padded = false;

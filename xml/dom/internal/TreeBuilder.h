@@ -21,8 +21,9 @@ namespace Xml {
 // stops the building. Links and marks are those that setAttribute and addChild leave, but nothing is walked for them:
 // nothing links to a Dtd yet, and everything is marked as changed already.
 //
-// Where a place may be given it is that of the node in the source (see placeOf), or null; of all nodes or of none.
-// Attributes are GivenAttributes or TagAttributes.
+// Where an offset may be given it is that of the node in the source, or Marks::kNoOffset; of all nodes or of none, but
+// for the outermost one, which is in the heap. The table for them is given before that ends. Attributes are
+// GivenAttributes or TagAttributes.
 //
 //     TreeBuilder tree(root);
 //     tree.begin("a");
@@ -58,21 +59,18 @@ public:
     }
 
     // Begins an element within the innermost one. The name has been checked.
-    template <class... At>
-    void begin(std::string_view name, At... place) {
+    void begin(std::string_view name, std::int64_t offset = Marks::kNoOffset) {
         if (!isOpen()) {
             root = NodeAccess::makeElement(name);
-            (keepPlaceOfRoot(place), ...);
             here = outermost = root.get();
         } else {
-            begin(names.find(name, memory), place...);
+            begin(names.find(name, memory), offset);
         }
     }
 
     // The same for an element that is not the outermost one.
-    template <class... At>
-    void begin(const SharedName& name, At... place) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place...);
+    void begin(const SharedName& name, std::int64_t offset = Marks::kNoOffset) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, offset);
         Element* const begun = element.get();
         inner.push_back({std::move(element), &name, finished.size()});
         here = begun;
@@ -85,27 +83,20 @@ public:
     }
 
     // An element without children, within the innermost one.
-    template <class Attributes, class... At>
-    void addElement(const SharedName& name, Attributes& attributes, At... place) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place...);
+    template <class Attributes>
+    void addElement(const SharedName& name, Attributes& attributes, std::int64_t offset = Marks::kNoOffset) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, offset);
         give(*element, attributes);
         finish(std::move(element));
     }
 
     // An element with this text alone as its child, within the innermost one.
     template <class Attributes>
-    void addLeaf(const SharedName& name, Attributes& attributes, std::string_view text, bool isPadded) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here);
-        give(*element, attributes);
-        NodeAccess::setChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded));
-        finish(std::move(element));
-    }
-    template <class Attributes>
     void addLeaf(const SharedName& name, Attributes& attributes, std::string_view text, bool isPadded,
-                 const Place* place, const Place* textPlace) {
-        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, place);
+                 std::int64_t offset = Marks::kNoOffset, std::int64_t textOffset = Marks::kNoOffset) {
+        std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, offset);
         give(*element, attributes);
-        NodeAccess::appendChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded, textPlace));
+        NodeAccess::setChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded, textOffset));
         finish(std::move(element));
     }
 
@@ -121,20 +112,19 @@ public:
     void takeExpectedName() { names.takeExpected(); }
 
     // Padded: as GivenText has it.
-    template <class... At>
-    void addText(std::string_view text, bool isPadded = false, At... place) {
-        finish(NodeAccess::makeText(memory, text, here, isPadded, place...));
+    void addText(std::string_view text, bool isPadded = false, std::int64_t offset = Marks::kNoOffset) {
+        finish(NodeAccess::makeText(memory, text, here, isPadded, offset));
     }
 
     // Leaves that stand beside text: what is in a section, as CharData holds it; what is in a comment; an instruction.
-    void addSection(std::string_view text, const Place* place = nullptr) {
-        finish(NodeAccess::makeLeaf<CDataSection>(memory, text, here, false, place));
+    void addSection(std::string_view text, std::int64_t offset = Marks::kNoOffset) {
+        finish(NodeAccess::makeLeaf<CDataSection>(memory, text, here, false, offset));
     }
-    void addComment(std::string_view text, const Place* place = nullptr) {
-        finish(NodeAccess::makeLeaf<Comment>(memory, text, here, false, place));
+    void addComment(std::string_view text, std::int64_t offset = Marks::kNoOffset) {
+        finish(NodeAccess::makeLeaf<Comment>(memory, text, here, false, offset));
     }
-    void addInstruction(std::string_view target, std::string_view content, const Place* place = nullptr) {
-        finish(NodeAccess::makeInstruction(memory, name(target), content, here, place));
+    void addInstruction(std::string_view target, std::string_view content, std::int64_t offset = Marks::kNoOffset) {
+        finish(NodeAccess::makeInstruction(memory, name(target), content, here, offset));
     }
 
     // How many children the innermost element has.
@@ -146,19 +136,13 @@ public:
     struct TextBefore {
         std::size_t child;
         std::string_view text;
-        const Place* place = nullptr;
+        std::int64_t offset = Marks::kNoOffset;
     };
     void insertTexts(const std::vector<TextBefore>& texts) {
         std::vector<std::unique_ptr<Object>> children = takeChildren();
         auto next = texts.begin();
         for (std::size_t i = 0; i <= children.size(); ++i) {
-            for (; next != texts.end() && next->child == i; ++next) {
-                if (next->place != nullptr) {
-                    addText(next->text, false, next->place);
-                } else {
-                    addText(next->text);
-                }
-            }
+            for (; next != texts.end() && next->child == i; ++next) addText(next->text, false, next->offset);
             if (i < children.size()) finish(std::move(children[i]));
         }
     }
@@ -174,6 +158,9 @@ public:
         }
         if (!beginning.empty()) take(beginning, isOpen() ? numberOf(inner.size(), beginning) : 1);
     }
+
+    // What the offsets of nodes mean.
+    void keepPlaces(std::unique_ptr<const PlaceTable> places) { memory.keepPlaces(std::move(places)); }
 
     // Ends the innermost element.
     void end() {
@@ -199,10 +186,6 @@ private:
         const SharedName* name;
         std::size_t firstChild;
     };
-
-    void keepPlaceOfRoot(const Place* place) {
-        if (place != nullptr) NodeAccess::keepPlace(*root, *place);
-    }
 
     // An element of that name within the outermost one and so many others: after those children that have ended.
     std::size_t numberOf(std::size_t depth, std::string_view name) const {

@@ -94,7 +94,7 @@ private:
         }
         if (exactly == NodeClass::CharData) return writeText(static_cast<const CharData&>(child));
         const Marks& marks = NodeAccess::marks(child);
-        if (!beginNode(marks)) return;
+        if (!beginNode(child)) return;
         if (const auto& element = static_cast<const Element&>(child); begin(element)) {
             walk.enter(element, {isMixed(element), true});
         } else {
@@ -104,13 +104,15 @@ private:
 
     void writeText(const CharData& text) {
         const Marks& marks = NodeAccess::marks(text);
-        if (!beginNode(marks)) return;
+        if (!beginNode(text)) return;
         run.putAsIs(NodeAccess::text(text));
         endRecord(marks, run.position());
     }
 
     // As beginWriting. Only with the optimisation on may the stream move past a node, and has to stand where it should.
-    bool beginNode(const Marks& marks) {
+    bool beginNode(const Object& node) {
+        const Marks& marks = NodeAccess::marks(node);
+        NodeAccess::makeRoomForRecord(node);
         if (Object::useRWOptimization) {
             run.flush();
             return beginWriting(marks, out);

@@ -18,11 +18,12 @@ Lexer::Options lexerOptions(const ReadOptions& options) {
 ContentBuilder::ContentBuilder(Lexer& itsLexer, const ReadOptions& itsOptions, PlaceSource* itsPlaces, bool isPreserved)
     : lexer(itsLexer),
       options(itsOptions),
-      places(itsPlaces),
+      source(itsPlaces),
       keepsEach(options.keepComments && options.keepInstructions && options.keepCData),
       tree(root),
       white(tree, itsOptions.space, isPreserved),
-      plain(lexer, itsOptions, tree, white, itsPlaces) {}
+      places(itsPlaces != nullptr ? std::optional<NodePlaces>(*itsPlaces) : std::nullopt),
+      plain(lexer, itsOptions, tree, white, places ? &*places : nullptr) {}
 
 // A text that waits goes on, but for a tag.
 void ContentBuilder::takePlain() {
@@ -35,46 +36,32 @@ void ContentBuilder::begin() {
     flush();
     if (!tree.isOpen()) return beginOutermost();
     const SharedName& name = tree.name(lexer.name());
-    Place ofTag;
-    const Place* place = nullptr;
-    if (placeAt(lexer.offset()) != nullptr) {
-        ofTag = here;
-        place = &ofTag;
-    }
-    const std::string_view space = takeAttributes();
-    if (lexer.isEmptyTag()) return addEmpty(name, place);
-    if (place != nullptr) {
-        tree.begin(name, place);
-    } else {
-        tree.begin(name);
-    }
+    const std::int64_t offset = noteNode();
+    const std::string_view space = takeAttributes(offset);
+    if (lexer.isEmptyTag()) return addEmpty(name, offset);
+    tree.begin(name, offset);
     tree.setAttributes(attributes);
     white.begin(space);
 }
 
 void ContentBuilder::beginOutermost() {
-    const Place* const place = placeAt(lexer.offset());
-    if (place != nullptr) {
-        tree.begin(lexer.name(), place);
-    } else {
-        tree.begin(lexer.name());
-    }
-    const std::string_view space = takeAttributes();
+    tree.begin(lexer.name());
+    if (source != nullptr) NodeAccess::keepPlace(*root, source->of(lexer.offset()));
+    const std::string_view space = takeAttributes(noteNode());
     tree.setAttributes(attributes);
     white.begin(space);
 }
 
-// Those of the tag, the place of which was found last. Returns the value of xml:space.
-std::string_view ContentBuilder::takeAttributes() {
+// Those of the tag, which has that offset. Returns the value of xml:space.
+std::string_view ContentBuilder::takeAttributes(std::int64_t ofTag) {
     attributes.clear();
-    const Place ofTag = here;
     std::string_view space;
     for (const TagAttribute& attribute : lexer.attributes()) {
         const SharedName& name = tree.name(attribute.name);
         if (attribute.isDefault) {
-            attributes.addDefault(name, attribute.value, places != nullptr ? &ofTag : nullptr);
+            attributes.addDefault(name, attribute.value, ofTag);
         } else {
-            attributes.add(name, attribute.value, placeAt(lexer.offsetOf(attribute)));
+            attributes.add(name, attribute.value, noteNode(lexer.offsetOf(attribute)));
         }
         if (attribute.name == "xml:space") space = attribute.value;
     }
@@ -82,13 +69,9 @@ std::string_view ContentBuilder::takeAttributes() {
 }
 
 // An element without content is not open until its end.
-void ContentBuilder::addEmpty(const SharedName& name, const Place* place) {
+void ContentBuilder::addEmpty(const SharedName& name, std::int64_t offset) {
     white.noteElement();
-    if (place != nullptr) {
-        tree.addElement(name, attributes, place);
-    } else {
-        tree.addElement(name, attributes);
-    }
+    tree.addElement(name, attributes, offset);
     hasEnded = true;
 }
 
@@ -96,6 +79,7 @@ void ContentBuilder::end() {
     flush();
     if (std::exchange(hasEnded, false)) return;
     white.end();
+    if (places && tree.depth() == 1) tree.keepPlaces(places->take());
     tree.end();
 }
 
@@ -110,20 +94,20 @@ std::string ContentBuilder::path(std::string_view beginning) const {
 void ContentBuilder::addComment() {
     if (!options.keepComments) return;
     flush();
-    tree.addComment(lexer.text(), place());
+    tree.addComment(lexer.text(), noteNode());
 }
 
 void ContentBuilder::addInstruction() {
     if (!options.keepInstructions) return;
     flush();
-    tree.addInstruction(lexer.name(), lexer.text(), place());
+    tree.addInstruction(lexer.name(), lexer.text(), noteNode());
 }
 
 void ContentBuilder::addSection() {
     if (!options.keepCData) return addPart(lexer.text(), true);
     flush();
     if (!lexer.text().empty()) white.noteOther();
-    tree.addSection(escaped(lexer.text()), placeAt(lexer.offset()));
+    tree.addSection(escaped(lexer.text()), noteNode());
 }
 
 // --- Texts ---
@@ -134,26 +118,25 @@ void ContentBuilder::addText() {
     const bool isOtherText = lexer.hasReference() || !WhiteSpace::isWhite(text);
     if (!pending.empty() || !(keepsEach || lexer.isBeforeTag())) return addPart(text, isOtherText);
     if (isOtherText) {
-        white.addOther(escaped(text), placeAt(lexer.offset()));
+        white.addOther(escaped(text), noteNode());
     } else {
-        white.addWhite(text, placeAt(lexer.offset()));
+        white.addWhite(text, noteNode());
     }
 }
 
 void ContentBuilder::addPart(std::string_view text, bool isOtherText) {
     if (text.empty()) return;
-    if (const Place* const place = pending.empty() ? placeAt(lexer.offset()) : nullptr) pendingPlace = *place;
+    if (pending.empty()) pendingOffset = noteNode();
     pending += escaped(text);
     isOther |= isOtherText;
 }
 
 void ContentBuilder::flush() {
     if (pending.empty()) return;
-    const Place* const place = places != nullptr ? &pendingPlace : nullptr;
     if (isOther) {
-        white.addOther(pending, place);
+        white.addOther(pending, pendingOffset);
     } else {
-        white.addWhite(pending, place);
+        white.addWhite(pending, pendingOffset);
     }
     pending.clear();
     isOther = false;
@@ -175,10 +158,7 @@ std::string_view ContentBuilder::escaped(std::string_view text) {
     return buffer;
 }
 
-const Place* ContentBuilder::placeAt(std::int64_t offset) {
-    if (places == nullptr) return nullptr;
-    here = places->of(offset);
-    return &here;
-}
+// A node begins there; its offset in the source, where that is kept.
+std::int64_t ContentBuilder::noteNode(std::int64_t offset) { return places ? places->note(offset) : Marks::kNoOffset; }
 
 }  // namespace Xml

@@ -4,11 +4,13 @@
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/internal/Lexer.h"
+#include "xml/standard/internal/NodePlaces.h"
 #include "xml/standard/internal/PlaceSource.h"
 #include "xml/standard/internal/PlainContent.h"
 #include "xml/standard/internal/WhiteSpace.h"
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,34 +47,32 @@ public:
     // Of the innermost element, or of one that is about to begin in it.
     std::string path(std::string_view beginning) const;
 
-    // Of the event at hand; null where places are not kept. Good until the next one; asked in rising order.
-    const Place* place() { return placeAt(lexer.offset()); }
-
 private:
     void beginOutermost();
-    std::string_view takeAttributes();
-    void addEmpty(const SharedName& name, const Place* place);
+    std::string_view takeAttributes(std::int64_t ofTag);
+    void addEmpty(const SharedName& name, std::int64_t offset);
     void addPart(std::string_view text, bool isOther);
     void flush();
     std::string_view escaped(std::string_view text);
-    const Place* placeAt(std::int64_t offset);
+    std::int64_t noteNode() { return noteNode(lexer.offset()); }
+    std::int64_t noteNode(std::int64_t offset);
 
     Lexer& lexer;
     const ReadOptions& options;
-    PlaceSource* const places;
+    PlaceSource* const source;  // of places; null where they are not kept
     const bool keepsEach;
 
     std::unique_ptr<Element> root;
     TreeBuilder tree;
     WhiteSpace white;
+    std::optional<NodePlaces> places;
     PlainContent plain;
     TagAttributes attributes;
     bool hasEnded = false;  // the element whose end comes next: it is in the tree
-    Place here;
 
-    std::string pending;   // parts of a text that may go on, escaped
-    Place pendingPlace;    // of the first of them
-    bool isOther = false;  // some of it is not white space, or came by a reference
+    std::string pending;                            // parts of a text that may go on, escaped
+    std::int64_t pendingOffset = Marks::kNoOffset;  // of the first of them
+    bool isOther = false;                           // some of it is not white space, or came by a reference
     std::string buffer;
 };
 

@@ -34,6 +34,9 @@ class LineRuns {
 public:
     LineRuns(std::string_view itsText, std::int64_t shift);
 
+    std::string_view whole() const { return text; }
+    std::int64_t shift() const { return now.shift; }
+
     // The one that has the offset, where a character begins or the text ends.
     const LineRun& run(std::int64_t offset);
 

@@ -2,6 +2,7 @@
 
 #include "xml/dom/Place.h"
 #include "xml/standard/internal/LineRuns.h"
+#include "xml/standard/internal/LineTable.h"
 #include <cstdint>
 
 namespace Xml {
@@ -14,6 +15,11 @@ public:
     Place of(std::int64_t offset) {
         if (run->has(offset)) return run->placeOf(offset);
         return runs != nullptr ? (run = &runs->run(offset))->placeOf(offset) : find(offset);
+    }
+
+    // The text, where a place of it is one of the source and it is not too long for a LineTable; null otherwise.
+    const LineRuns* lines() const {
+        return runs != nullptr && runs->whole().size() <= LineTable::kMostBytes ? runs : nullptr;
     }
 
 protected:

@@ -29,7 +29,7 @@ const char* quoteAfterEqual(const char* at, const char* to) {
 }  // namespace
 
 PlainContent::PlainContent(Lexer& itsLexer, const ReadOptions& itsOptions, TreeBuilder& builder, WhiteSpace& whiteSpace,
-                           PlaceSource* itsPlaces)
+                           NodePlaces* itsPlaces)
     : lexer(itsLexer),
       tree(builder),
       white(whiteSpace),
@@ -81,15 +81,15 @@ template <bool KeepsPlaces>
     const char* content = at + 1;
     if (*at != '>') content = readAttributes<KeepsPlaces>(at);
     if (content == nullptr) return nullptr;
-    Place place;
+    std::int64_t here = Marks::kNoOffset;
     if constexpr (KeepsPlaces) {
-        place = placeAt(from);
+        here = noteNode(from);
         if (!attributes.empty()) {
-            for (const char* const nameBegin : nameBegins) attributes.addPlace(placeAt(nameBegin));
+            for (const char* const nameBegin : nameBegins) attributes.addOffset(noteNode(nameBegin));
         }
     }
     if (content[-2] == '/') {
-        addElement<KeepsPlaces>(*name, place);
+        addElement(*name, here);
         return content;
     }
 
@@ -98,18 +98,14 @@ template <bool KeepsPlaces>
     if (content != end && *content != '<') to = readText(content);
     if (to != nullptr && isEndOf(*name, to)) {
         if (to == content || (isTextWhite && dropsWhite)) {
-            addElement<KeepsPlaces>(*name, place);
+            addElement(*name, here);
         } else {
-            addLeaf<KeepsPlaces>(*name, place, content);
+            addLeaf<KeepsPlaces>(*name, here, content);
         }
         return to + 3 + name->text.size();
     }
     lexer.beginPlain(viewOf(from + 1, at));
-    if constexpr (KeepsPlaces) {
-        tree.begin(*name, &place);
-    } else {
-        tree.begin(*name);
-    }
+    tree.begin(*name, here);
     tree.setAttributes(attributes);
     white.begin(attributes.empty() ? std::string_view() : space);
     if (to == nullptr || to == content || !mayEndText(to)) return content;
@@ -206,27 +202,17 @@ void PlainContent::takeDecoded() {
     }
 }
 
-template <bool KeepsPlaces>
-[[gnu::always_inline]] inline void PlainContent::addElement(const SharedName& name, const Place& place) {
+[[gnu::always_inline]] inline void PlainContent::addElement(const SharedName& name, std::int64_t at) {
     white.noteElement();
-    if constexpr (KeepsPlaces) {
-        tree.addElement(name, attributes, &place);
-    } else {
-        tree.addElement(name, attributes);
-    }
+    tree.addElement(name, attributes, at);
 }
 
 // With the text at hand, which begins there.
 template <bool KeepsPlaces>
-[[gnu::always_inline]] inline void PlainContent::addLeaf(const SharedName& name, const Place& place,
+[[gnu::always_inline]] inline void PlainContent::addLeaf(const SharedName& name, std::int64_t at,
                                                          const char* textBegin) {
     white.noteElement();
-    if constexpr (KeepsPlaces) {
-        const Place ofText = placeAt(textBegin);
-        tree.addLeaf(name, attributes, text, isTextPadded, &place, &ofText);
-    } else {
-        tree.addLeaf(name, attributes, text, isTextPadded);
-    }
+    tree.addLeaf(name, attributes, text, isTextPadded, at, KeepsPlaces ? noteNode(textBegin) : Marks::kNoOffset);
 }
 
 // Whether the end tag of such an element stands there, from "</" on.
@@ -256,8 +242,7 @@ template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::takeText(const char* from) {
     const char* const again = white.endOfAgain(from, end);
     if (again != nullptr && mayEndText(again)) {
-        const Place place = KeepsPlaces ? placeAt(from) : Place();
-        white.addAgain(KeepsPlaces ? &place : nullptr);
+        white.addAgain(KeepsPlaces ? noteNode(from) : Marks::kNoOffset);
         return again;
     }
     const char* const to = readText(from);
@@ -308,16 +293,13 @@ const char* PlainContent::readRareWhite(const char* from, const char* to) {
 // The one at hand, which begins there.
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline void PlainContent::addText(const char* from, bool isLast) {
-    const Place place = KeepsPlaces ? placeAt(from) : Place();
-    const Place* const known = KeepsPlaces ? &place : nullptr;
+    const std::int64_t at = KeepsPlaces ? noteNode(from) : Marks::kNoOffset;
     if (!isTextWhite) {
-        white.addOther(text, known, isTextPadded);
+        white.addOther(text, at, isTextPadded);
     } else if (!keepsWhite) {
-        white.addWhite(text, known, isLast);
-    } else if constexpr (KeepsPlaces) {
-        tree.addText(text, isTextPadded, known);
+        white.addWhite(text, at, isLast);
     } else {
-        tree.addText(text, isTextPadded);
+        tree.addText(text, isTextPadded, at);
     }
 }
 
@@ -332,8 +314,7 @@ const char* PlainContent::takeComment(const char* from) {
         if (*at != '-') continue;
         if (at[1] != '>') return nullptr;
         if (!keepsComments) return at + 2;
-        const Place place = places != nullptr ? placeAt(from) : Place();
-        tree.addComment(viewOf(begins, run.end), places != nullptr ? &place : nullptr);
+        tree.addComment(viewOf(begins, run.end), places != nullptr ? noteNode(from) : Marks::kNoOffset);
         return at + 2;
     }
 }

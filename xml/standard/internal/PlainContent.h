@@ -4,8 +4,8 @@
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/standard/internal/Lexer.h"
+#include "xml/standard/internal/NodePlaces.h"
 #include "xml/standard/internal/OrdinaryNames.h"
-#include "xml/standard/internal/PlaceSource.h"
 #include "xml/standard/internal/WhiteSpace.h"
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +26,7 @@ class PlainContent {
 public:
     // All of them must stay. Without places nodes have none.
     PlainContent(Lexer& itsLexer, const ReadOptions& itsOptions, TreeBuilder& builder, WhiteSpace& whiteSpace,
-                 PlaceSource* itsPlaces);
+                 NodePlaces* itsPlaces);
     PlainContent(const PlainContent&) = delete;
     PlainContent& operator=(const PlainContent&) = delete;
 
@@ -49,10 +49,9 @@ private:
     bool finishAttributes(const char* to);
     [[gnu::noinline]] const char* readRareValue(const char* from, char quote);
     [[gnu::noinline]] void takeDecoded();
+    void addElement(const SharedName& name, std::int64_t at);
     template <bool KeepsPlaces>
-    void addElement(const SharedName& name, const Place& place);
-    template <bool KeepsPlaces>
-    void addLeaf(const SharedName& name, const Place& place, const char* textBegin);
+    void addLeaf(const SharedName& name, std::int64_t at, const char* textBegin);
 
     const char* readText(const char* from);
     [[gnu::noinline]] const char* readRareText(const char* from);
@@ -66,12 +65,13 @@ private:
     bool isEndOf(const SharedName& name, const char* from) const;
     bool mayEndText(const char* markup) const;
     bool isPadded(const char* to) const { return end - to >= static_cast<std::ptrdiff_t>(internal::kShortText); }
-    Place placeAt(const char* where) const { return places->of(offset + (where - begin)); }
+    // The offset in the source of a node that begins there.
+    std::int64_t noteNode(const char* where) const { return places->note(offset + (where - begin)); }
 
     Lexer& lexer;
     TreeBuilder& tree;
     WhiteSpace& white;
-    PlaceSource* const places;
+    NodePlaces* const places;
     const bool keepsComments;
     const bool keepsEach;  // whatever ends a text makes a node
     const bool dropsWhite;

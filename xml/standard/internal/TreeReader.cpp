@@ -89,7 +89,7 @@ void TreeReader::end() {
 void TreeReader::noteDoctype() {
     PrologParts::takeDoctype(*prolog, lexer);
     around = &prolog->beforeRoot;
-    if (const Place* const place = content.place()) doctypePlace = *place;
+    if (options.keepPlaces) doctypePlace = places.of(lexer.offset());
 }
 
 std::unique_ptr<Document> TreeReader::finish() {
@@ -123,7 +123,7 @@ void TreeReader::addInstruction() {
 
 template <class Node>
 void TreeReader::addAround(std::unique_ptr<Node> node) {
-    if (const Place* const place = content.place()) NodeAccess::keepPlace(*node, *place);
+    if (options.keepPlaces) NodeAccess::keepPlace(*node, places.of(lexer.offset()));
     around->push_back(std::move(node));
 }
 

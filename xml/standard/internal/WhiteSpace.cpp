@@ -16,22 +16,22 @@ void WhiteSpace::endHeld() {
 }
 
 // What waits at the end of an element with others in it is dropped then.
-void WhiteSpace::addWhite(std::string_view text, const Place* place, bool isLast) {
+void WhiteSpace::addWhite(std::string_view text, std::int64_t offset, bool isLast) {
     const Level& level = levels.back();
     if (space == Space::Dropped) return;
     const char* const end = text.data() + text.size();
     const bool isKept = space == Space::All || level.isPreserved || level.hasText ||
                         (text.front() != '\n' && Scan::findAny<'\n', '\r'>(text.data(), end) == end);
-    if (isKept) return addText(text, place);
+    if (isKept) return tree.addText(text, false, offset);
     if (isLast && level.hasElements) return;
-    if (place != nullptr) places.push_back(*place);
-    const std::size_t firstPlace = places.size() - (place != nullptr ? 1 : 0);
-    if (!held.emplace_back(tree.childCount(), text, bytes.size(), firstPlace).isShort()) bytes += text;
+    const std::size_t firstOffset = offsets.size();
+    if (offset != Marks::kNoOffset) offsets.push_back(offset);
+    if (!held.emplace_back(tree.childCount(), text, bytes.size(), firstOffset).isShort()) bytes += text;
 }
 
-void WhiteSpace::addOther(std::string_view text, const Place* place, bool isPadded) {
+void WhiteSpace::addOther(std::string_view text, std::int64_t offset, bool isPadded) {
     noteOther();
-    addText(text, place, isPadded);
+    tree.addText(text, isPadded, offset);
 }
 
 void WhiteSpace::noteOther() {
@@ -40,21 +40,14 @@ void WhiteSpace::noteOther() {
     if (held.size() > level.firstHeld) keepHeld();
 }
 
-void WhiteSpace::addText(std::string_view text, const Place* place, bool isPadded) {
-    if (place != nullptr) {
-        tree.addText(text, isPadded, place);
-    } else {
-        tree.addText(text, isPadded);
-    }
-}
-
 void WhiteSpace::keepHeld() {
     const std::size_t first = levels.back().firstHeld;
     std::vector<TreeBuilder::TextBefore> texts;
     for (std::size_t i = first; i < held.size(); ++i) {
-        const Place* const place = places.empty() ? nullptr : &places[held[i].firstPlace];
-        for (std::size_t j = 0; j < held[i].count; ++j)
-            texts.push_back({held[i].child + j, viewOf(held[i]), place != nullptr ? place + j : nullptr});
+        for (std::size_t j = 0; j < held[i].count; ++j) {
+            const std::int64_t offset = offsets.empty() ? Marks::kNoOffset : offsets[held[i].firstOffset + j];
+            texts.push_back({held[i].child + j, viewOf(held[i]), offset});
+        }
     }
     tree.insertTexts(texts);
     dropHeld();
@@ -64,7 +57,7 @@ void WhiteSpace::keepHeld() {
 void WhiteSpace::dropHeld() {
     const std::size_t first = levels.back().firstHeld;
     if (bytes.size() > held[first].from) bytes.resize(held[first].from);
-    places.resize(held[first].firstPlace);
+    offsets.resize(held[first].firstOffset);
     held.erase(held.begin() + static_cast<std::ptrdiff_t>(first), held.end());
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "xml/dom/Place.h"
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/standard/ReadOptions.h"
 #include "xml/stream/internal/Scan.h"
@@ -40,13 +39,13 @@ public:
     // An element within it has begun and ended.
     void noteElement() { levels.back().hasElements = true; }
 
-    // A text within it, with its place or null; other is all that is not white space, or came by a reference. Where the
-    // element ends after white space, it may be the last. Padded: as TreeBuilder has it.
-    void addWhite(std::string_view text, const Place* place, bool isLast = false);
-    void addOther(std::string_view text, const Place* place, bool isPadded = false);
+    // A text within it, with its offset as TreeBuilder has it; other is all that is not white space, or came by a
+    // reference. Where the element ends after white space, it may be the last. Padded: as TreeBuilder has it.
+    void addWhite(std::string_view text, std::int64_t offset, bool isLast = false);
+    void addOther(std::string_view text, std::int64_t offset, bool isPadded = false);
 
     // Between the children of one element white space is mostly the same. Where the bytes that wait as the last text
-    // are there again, and '<' after them: the place of that. They may be added then, with their place or null.
+    // are there again, and '<' after them: the place of that. They may be added then, with their offset.
     [[gnu::always_inline]] const char* endOfAgain(const char* from, const char* to) {
         if (held.empty() || held.size() == levels.back().firstHeld) return nullptr;
         const Held& last = held.back();
@@ -57,8 +56,8 @@ public:
         const char* const end = from + text.size();
         return end != to && *end == '<' ? end : nullptr;
     }
-    void addAgain(const Place* place) {
-        if (place != nullptr) places.push_back(*place);
+    void addAgain(std::int64_t offset) {
+        if (offset != Marks::kNoOffset) offsets.push_back(offset);
         ++held.back().count;
     }
 
@@ -82,15 +81,15 @@ private:
     };
     // Texts of the same bytes, one before each of so many children.
     struct Held {
-        Held(std::size_t itsChild, std::string_view text, std::size_t itsFrom, std::size_t itsFirstPlace)
-            : child(itsChild), from(itsFrom), size(text.size()), firstPlace(itsFirstPlace) {
+        Held(std::size_t itsChild, std::string_view text, std::size_t itsFrom, std::size_t itsFirstOffset)
+            : child(itsChild), from(itsFrom), size(text.size()), firstOffset(itsFirstOffset) {
             if (isShort()) text.copy(few, kFew);
         }
         bool isShort() const { return size <= kFew; }
 
         static constexpr std::size_t kFew = 16;
 
-        std::size_t child, from, size, firstPlace;
+        std::size_t child, from, size, firstOffset;
         std::size_t count = 1;
         char few[kFew];  // all bytes of a short one
     };
@@ -100,7 +99,6 @@ private:
     }
 
     static bool isAllWhite(std::string_view text);
-    void addText(std::string_view text, const Place* place, bool isPadded = false);
     void endHeld();
     void keepHeld();
     void dropHeld();
@@ -110,8 +108,8 @@ private:
     bool isPreservedAround;
     std::vector<Level> levels;
     std::vector<Held> held;
-    std::string bytes;          // of those that are not short, in the same order
-    std::vector<Place> places;  // where they are kept, of each text that waits
+    std::string bytes;                  // of those that are not short, in the same order
+    std::vector<std::int64_t> offsets;  // where they are kept, of each text that waits
 };
 
 }  // namespace Xml
