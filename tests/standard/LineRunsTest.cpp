@@ -1,31 +1,20 @@
 #include "xml/standard/internal/LineRuns.h"
 
+#include "standard/Lines.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/standard/internal/Places.h"
 #include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace Xml::test {
 namespace {
 
+// Long lines of single bytes among them.
 std::string randomText(Dice& dice) {
-    const char* const kPieces[] = {"a",
-                                   "bcdefghijklmnopq",
-                                   "\n",
-                                   "\r",
-                                   "\r\n",
-                                   "\n\r",
-                                   "\t",
-                                   "\xC3\xA4",
-                                   "\xE2\x82\xAC",
-                                   "\xF0\x9F\x98\x80",
-                                   "0123456789012345"};
-    std::string text;
-    for (auto left = dice.below(30); left > 0; --left) text += kPieces[dice.below(std::size(kPieces))];
+    std::string text = randomLines(dice, 30);
     if (dice.chance(10)) text.insert(0, std::string(dice.below(3000), 'x'));
     return text;
 }

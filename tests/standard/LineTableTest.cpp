@@ -1,39 +1,21 @@
 #include "xml/standard/internal/LineTable.h"
 
+#include "standard/Lines.h"
 #include "support/Dice.h"
 #include "support/Rounds.h"
 #include "xml/standard/internal/Places.h"
 #include "xml/text/internal/Utf8.h"
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 
 namespace Xml::test {
 namespace {
 
-std::string randomText(Dice& dice) {
-    const char* const kPieces[] = {"a",
-                                   "bcdefghijklmnopq",
-                                   "\n",
-                                   "\r",
-                                   "\r\n",
-                                   "\n\r",
-                                   "\t",
-                                   "\xC3\xA4",
-                                   "\xE2\x82\xAC",
-                                   "\xF0\x9F\x98\x80",
-                                   "0123456789012345678901234567890123456789012345678901234567890123456789"};
-    std::string text;
-    const auto kinds = 1 + dice.below(std::size(kPieces));
-    for (auto left = dice.below(dice.chance(10) ? 300 : 40); left > 0; --left) text += kPieces[dice.below(kinds)];
-    return text;
-}
-
 // As those that Places counts.
 TEST(LineTableTest, HasThePlacesOfAText) {
     Dice dice(11);
     for (int round = rounds(3000); round > 0; --round) {
-        const std::string text = randomText(dice);
+        const std::string text = randomLines(dice, dice.chance(10) ? 300 : 40);
         SCOPED_TRACE(testing::PrintToString(text));
         const LineTable table(text, 3);
         Places places;
