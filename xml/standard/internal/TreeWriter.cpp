@@ -9,6 +9,9 @@ namespace Xml {
 
 namespace {
 
+// Texts of nodes are padded runs, and so are the strings that names are in.
+static_assert(ShortRuns::kPadded == internal::kShortText + 1);
+
 using PlainRuns::Beyond;
 using PlainRuns::Kind;
 
