@@ -70,8 +70,7 @@ private:
         const std::string_view name(from, static_cast<std::size_t>(at - from));
         if (name.size() <= sizeof(Words::Word) && to - from >= Scan::kWordSize && areFew()) {
             const Words::Word head = Scan::wordAt(from) & Words::maskOf(name.size());
-            SharedName* kept = newest;
-            while (kept != nullptr && !kept->is(name, head)) kept = kept->next;
+            SharedName* kept = findAmongFew(name, head);
             if (kept == nullptr) kept = addQuickly(name, head, memory);
             if (kept != nullptr) return &take(*(followers[context] = kept));
         }
@@ -91,9 +90,8 @@ private:
     [[gnu::always_inline]] SharedName& findElsewhere(std::string_view name, NodeMemory& memory) {
         const Words::Word head = SharedName::headOf(name);
         if (!areMany()) {
-            for (SharedName* kept = newest; kept != nullptr; kept = kept->next)
-                if (kept->is(name, head)) return *kept;
-            return add(name, head, memory);
+            SharedName* const kept = findAmongFew(name, head);
+            return kept != nullptr ? *kept : add(name, head, memory);
         }
         SharedName*& recent = recents[placeOf(name)];
         if (recent == nullptr || !recent->is(name, head)) {
@@ -101,6 +99,13 @@ private:
             recent = found != all.end() ? found->second : &add(name, head, memory);
         }
         return *recent;
+    }
+
+    // Looks through all of them; null where it is none.
+    [[gnu::always_inline]] SharedName* findAmongFew(std::string_view name, Words::Word head) const {
+        SharedName* kept = newest;
+        while (kept != nullptr && !kept->is(name, head)) kept = kept->next;
+        return kept;
     }
 
     // Whether one more is no reason to look for them in another way.
