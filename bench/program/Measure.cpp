@@ -9,12 +9,25 @@ namespace {
 struct Samples {
     int times = 1;  // how often the work is done in one sample
     std::vector<double> seconds;
+
+    // Whether the middle half of them is close together. A machine that is disturbed for a while is so for all.
+    bool areSettled() const {
+        constexpr double kWidest = 1.2;
+        std::vector<double> sorted = seconds;
+        std::sort(sorted.begin(), sorted.end());
+        return sorted[sorted.size() * 3 / 4] <= kWidest * sorted[sorted.size() / 4];
+    }
 };
+
+bool areAllSettled(const std::vector<Samples>& samples) {
+    return std::all_of(samples.begin(), samples.end(), [](const Samples& one) { return one.areSettled(); });
+}
 
 }  // namespace
 
 void measure(const Case& work, const Plan& plan) {
     constexpr double kMostTimes = 1e6;
+    constexpr int kMostRounds = 3;
     const std::vector<Contender> contenders = work.contenders();
     std::vector<Samples> samples(contenders.size());
     for (std::size_t i = 0; i < contenders.size(); ++i) {
@@ -23,7 +36,9 @@ void measure(const Case& work, const Plan& plan) {
     }
     // Each repetition begins with another library, so that none always runs after the same one. What the one before has
     // done to caches and heap is no part of a sample of warm work: that begins with a run that does not count.
-    for (int repetition = 0; repetition < plan.repetitions; ++repetition) {
+    const int most = plan.secondsPerSample > 0 ? kMostRounds * plan.repetitions : plan.repetitions;
+    for (int repetition = 0; repetition < most; ++repetition) {
+        if (repetition > 0 && repetition % plan.repetitions == 0 && areAllSettled(samples)) break;
         for (std::size_t turn = 0; turn < contenders.size(); ++turn) {
             const std::size_t i = (turn + static_cast<std::size_t>(repetition)) % contenders.size();
             if (plan.secondsPerSample > 0) contenders[i].run(1);

@@ -33,7 +33,7 @@ struct Plan {
 };
 
 // Writes a line "row, document, part, size, library, seconds..." for each contender, split by tabs: a sample for each
-// repetition.
+// repetition. Where those of some library are far apart there are up to three times as many, of all.
 void measure(const Case& work, const Plan& plan);
 
 // Seconds of processor time that the process has taken, in its own code and in the system's on its account. What other
