@@ -12,8 +12,11 @@
 namespace Xml {
 
 // The names that the nodes of one arena share: each is kept once. A tree has few names, and they mostly follow each
-// other as they did before: the name that came last after the same names is tried first, then the recent ones. O(log n)
+// other as they did before: the name that came last after the same ones is tried first, then the recent ones. O(log n)
 // for the others, whatever names a document chooses.
+//
+// Which ones those are follows from the tree: in a tag its name and the last attributes, after an element its name and
+// that of the one around it. What stood before does not count, so that what has been seen once is expected.
 class NameTable {
 public:
     NameTable() { std::fill_n(followers.begin(), kFewContexts, nullptr); }
@@ -43,11 +46,20 @@ public:
     const SharedName* expected() const { return followers[context]; }
     void takeExpected() { take(*followers[context]); }
 
+    // The name that came last is that of an element. Odd factors keep apart what the few contexts of a small tree can.
+    void begin(const SharedName& name) { context = (name.number * 5 + 9) & lastContext; }
+
+    // The next name comes after the end of an element, within another one; of the outermost one it may be null.
+    void end(const SharedName& name, const SharedName* around) {
+        const std::uint32_t outer = around != nullptr ? around->number : 0;
+        context = (outer * 5 + name.number * 3 + 1) & lastContext;
+    }
+
 private:
     static constexpr std::size_t kRecents = 128;
     static constexpr std::size_t kFew = 16;  // are looked through one by one
     static constexpr std::uint32_t kFewContexts = 32;
-    static constexpr std::uint32_t kContexts = 256;
+    static constexpr std::uint32_t kContexts = 512;
 
     static std::size_t placeOf(std::string_view name) {
         if (name.empty()) return 0;
@@ -56,7 +68,7 @@ private:
     }
 
     const SharedName& take(const SharedName& name) {
-        context = (context << 2 ^ name.number) & lastContext;
+        context = (context << 3 ^ name.number) & lastContext;
         return name;
     }
 

@@ -64,7 +64,7 @@ public:
             root = NodeAccess::makeElement(name);
             here = outermost = root.get();
         } else {
-            begin(names.find(name, memory), offset);
+            begin(elementName(name), offset);
         }
     }
 
@@ -87,7 +87,7 @@ public:
     void addElement(const SharedName& name, Attributes& attributes, std::int64_t offset = Marks::kNoOffset) {
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, offset);
         give(*element, attributes);
-        finish(std::move(element));
+        finish(name, std::move(element));
     }
 
     // An element with this text alone as its child, within the innermost one.
@@ -97,7 +97,7 @@ public:
         std::unique_ptr<Element> element = NodeAccess::makeElement(memory, name, here, offset);
         give(*element, attributes);
         NodeAccess::setChild(*element, NodeAccess::makeText(memory, text, element.get(), isPadded, textOffset));
-        finish(std::move(element));
+        finish(name, std::move(element));
     }
 
     // A name for what is in the tree below the outermost element; the same, read from a run of bytes (see NameTable).
@@ -105,6 +105,19 @@ public:
     template <std::uint8_t Classes>
     const SharedName* readName(const char*& at, const char* to) {
         return names.read<Classes>(at, to, memory);
+    }
+
+    // The name of an element that comes next.
+    const SharedName& elementName(std::string_view text) {
+        const SharedName& found = names.find(text, memory);
+        names.begin(found);
+        return found;
+    }
+    template <std::uint8_t Classes>
+    const SharedName* readElementName(const char*& at, const char* to) {
+        const SharedName* const read = names.read<Classes>(at, to, memory);
+        if (read != nullptr) names.begin(*read);
+        return read;
     }
 
     // The name that is likely to be the next one, null without one; and that it is.
@@ -174,9 +187,10 @@ public:
         NodeAccess::setChildren(*here, memory, finished.from(first), finished.size() - first);
         finished.leave(first);
         std::unique_ptr<Element> ended = std::move(inner.back().element);
+        const SharedName& name = *inner.back().name;
         inner.pop_back();
         here = inner.empty() ? outermost : inner.back().element.get();
-        finish(std::move(ended));
+        finish(name, std::move(ended));
     }
 
 private:
@@ -227,6 +241,12 @@ private:
         } else {
             finished.push(std::move(child));
         }
+    }
+
+    // The same for an element of that name.
+    [[gnu::always_inline]] void finish(const SharedName& name, std::unique_ptr<Element> element) {
+        names.end(name, inner.empty() ? nullptr : inner.back().name);
+        finish(std::move(element));
     }
 
     std::unique_ptr<Element>& root;

@@ -132,7 +132,7 @@ bool Pieces::takeStartTag(const char* name) {
     if (isOutermost) {
         at = nameEnd(name + 1, end);  // its name is its own
     } else {
-        shared = readName(at);
+        shared = tree.readElementName<ByteClass::kNameChar>(at, end);
         if (shared == nullptr) return false;
     }
     const std::string_view itsName = viewOf(name, at);

@@ -35,7 +35,7 @@ void ContentBuilder::takePlain() {
 void ContentBuilder::begin() {
     flush();
     if (!tree.isOpen()) return beginOutermost();
-    const SharedName& name = tree.name(lexer.name());
+    const SharedName& name = tree.elementName(lexer.name());
     const std::int64_t offset = noteNode();
     const std::string_view space = takeAttributes(offset);
     if (lexer.isEmptyTag()) return addEmpty(name, offset);

@@ -75,7 +75,7 @@ const char* PlainContent::takePieces() {
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::takeStart(const char* from) {
     const char* at = from + 1;
-    const SharedName* const name = readName(at);
+    const SharedName* const name = readElementName(at);
     if (name == nullptr || !names.isElement(*name) || lexer.isFull()) return nullptr;
     if (!attributes.empty()) attributes.clear();
     const char* content = at + 1;

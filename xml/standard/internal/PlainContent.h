@@ -59,8 +59,10 @@ private:
     template <bool KeepsPlaces>
     void addText(const char* from, bool isLast);
 
-    [[gnu::always_inline]] const SharedName* readName(const char*& at) {
-        return tree.readName<ByteClass::kNameChar | ByteClass::kBeyondAscii>(at, end);
+    static constexpr std::uint8_t kInName = ByteClass::kNameChar | ByteClass::kBeyondAscii;
+    [[gnu::always_inline]] const SharedName* readName(const char*& at) { return tree.readName<kInName>(at, end); }
+    [[gnu::always_inline]] const SharedName* readElementName(const char*& at) {
+        return tree.readElementName<kInName>(at, end);
     }
     bool isEndOf(const SharedName& name, const char* from) const;
     bool mayEndText(const char* markup) const;
