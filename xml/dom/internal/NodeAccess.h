@@ -175,15 +175,7 @@ struct NodeAccess {
     template <class Attributes>
     static void setAttributes(Element& element, NodeMemory& memory, Attributes& all) {
         all.sort();
-        if (setTogether(element, memory, all)) return;
-        reserveAttributes(element, &memory, all.size());
-        internal::Attributes::Filling filling = element.attributes.fill();
-        for (const auto& given : all) {
-            std::unique_ptr<Attribute> made =
-                makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.offsetOf(given));
-            noteTag(*made, all, given);
-            filling.put(made.release());
-        }
+        if (!setTogether(element, memory, all)) setOneByOne(element, memory, all);
     }
 
     // Room for as many, for an element that has none. One in a slab needs its memory; for any other it may be null.
@@ -262,7 +254,7 @@ private:
 
     // Room is taken once for all of them, their array and those texts that are not short; false where that is too much.
     template <class Given>
-    static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
+    [[gnu::always_inline]] static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
         std::size_t textBytes = 0;
         for (const auto& given : all) textBytes += isShort(given.value()) ? 0 : given.value().size();
         const std::size_t count = all.size();
@@ -287,6 +279,18 @@ private:
             place += sizeof(Attribute);
         }
         return true;
+    }
+
+    template <class Given>
+    [[gnu::noinline]] static void setOneByOne(Element& element, NodeMemory& memory, const Given& all) {
+        reserveAttributes(element, &memory, all.size());
+        internal::Attributes::Filling filling = element.attributes.fill();
+        for (const auto& given : all) {
+            std::unique_ptr<Attribute> made =
+                makeAttribute(memory, *given.name, given.value(), &element, all.arePadded(), all.offsetOf(given));
+            noteTag(*made, all, given);
+            filling.put(made.release());
+        }
     }
 
     // Room for a node, and its text there or elsewhere in the memory.
