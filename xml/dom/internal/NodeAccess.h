@@ -247,8 +247,8 @@ private:
 
     static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
     static void noteTag(Attribute&, const GivenAttributes&, const GivenAttributes::Given&) {}
-    static void noteTag(Attribute& attribute, const TagAttributes& all, const TagAttributes::Given& given) {
-        setOrder(attribute, all.orderOf(given));
+    static void noteTag(Attribute& attribute, const TagAttributes&, const TagAttributes::Given& given) {
+        setOrder(attribute, given.order);
         if (given.isSupplied) setSupplied(attribute, true);
     }
 

@@ -26,8 +26,8 @@ public:
         Given() {}  // to be assigned
 
         // Made in its place: what is copied there waits for the stores.
-        Given(const SharedName& itsName, std::string_view itsValue)
-            : name(&itsName), bytes(itsValue.data()), size(itsValue.size()) {}
+        Given(const SharedName& itsName, std::string_view itsValue, std::uint32_t itsOrder)
+            : name(&itsName), bytes(itsValue.data()), size(itsValue.size()), order(itsOrder) {}
 
         std::string_view value() const { return {bytes, size}; }
         void setValue(std::string_view value) {
@@ -38,15 +38,16 @@ public:
         const SharedName* name;  // of the NameTable of the tree
         const char* bytes;       // of the value
         std::size_t size;
-        std::uint32_t order = 0;  // once they are sorted, where that is not their order anyhow
+        std::uint32_t order;  // where it stands in the tag, from 0 on
         bool isSupplied = false;
     };
 
     void clear() {
         all.clear();
         if (!offsets.empty()) offsets.clear();
+        count = 0;
+        last = 0;
         isSorted = true;
-        areNumbered = false;
         padded = false;
     }
 
@@ -64,8 +65,10 @@ public:
 
     // The same without the offset; that may be given after all of them, in the order of the tag.
     void add(const SharedName& name, std::string_view value) {
-        if (!all.empty()) isSorted &= all.back().name->isBefore(name);
-        all.add(name, value);
+        all.add(name, value, count++);
+        const Words::Word order = name.order();
+        isSorted &= last < order;
+        last = order;
     }
     void addOffset(std::int64_t offset) { offsets.push_back(offset); }
 
@@ -77,24 +80,16 @@ public:
 
     // Its offset in the source, where that was given.
     std::int64_t offsetOf(const Given& given) const {
-        return offsets.empty() ? internal::Marks::kNoOffset : offsets[orderOf(given)];
+        return offsets.empty() ? internal::Marks::kNoOffset : offsets[given.order];
     }
 
-    // Where it stands in the tag, from 0 on.
-    std::size_t orderOf(const Given& given) const {
-        return areNumbered ? given.order : static_cast<std::size_t>(&given - all.begin());
-    }
-
-    // Whether they are in the byte order of their names, each of another name.
+    // Whether they are in the byte order of their names, each of another name, for certain.
     bool areSorted() const { return isSorted; }
 
     // Puts them in that order.
     void sort() {
         if (isSorted) return;
-        std::uint32_t order = 0;
-        for (Given& given : all) given.order = order++;
-        areNumbered = true;
-        if (all.size() == 2 && all[0].name != all[1].name) {
+        if (all.size() == 2 && all[1].name->isBefore(*all[0].name)) {
             std::swap(all[0], all[1]);
         } else {
             sortByName(all.begin(), all.end());
@@ -122,8 +117,9 @@ private:
 
     FewFirst<Given> all;
     std::vector<std::int64_t> offsets;  // in the order of the tag
-    bool isSorted = true;
-    bool areNumbered = false;
+    std::uint32_t count = 0;            // of those that were given
+    Words::Word last = 0;               // the order of the last one's name
+    bool isSorted = true;               // for certain
     bool padded = false;
 };
 
