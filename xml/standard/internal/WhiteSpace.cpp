@@ -15,8 +15,7 @@ void WhiteSpace::endHeld() {
     }
 }
 
-// What waits at the end of an element with others in it is dropped then.
-void WhiteSpace::addWhite(std::string_view text, std::int64_t offset, bool isLast) {
+void WhiteSpace::addOtherWhite(std::string_view text, std::int64_t offset, bool isLast) {
     const Level& level = levels.back();
     if (space == Space::Dropped) return;
     const char* const end = text.data() + text.size();

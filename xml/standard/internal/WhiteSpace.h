@@ -41,7 +41,14 @@ public:
 
     // A text within it, with its offset as TreeBuilder has it; other is all that is not white space, or came by a
     // reference. Where the element ends after white space, it may be the last. Padded: as TreeBuilder has it.
-    void addWhite(std::string_view text, std::int64_t offset, bool isLast = false);
+    //
+    // What waits at the end of an element with others in it is dropped then: mostly it is one line end and what indents
+    // the end tag.
+    void addWhite(std::string_view text, std::int64_t offset, bool isLast = false) {
+        const Level& level = levels.back();
+        const bool mayBeKept = space != Space::Content || text.front() != '\n' || level.isPreserved || level.hasText;
+        if (mayBeKept || !isLast || !level.hasElements) addOtherWhite(text, offset, isLast);
+    }
     void addOther(std::string_view text, std::int64_t offset, bool isPadded = false);
 
     // Between the children of one element white space is mostly the same. Where the bytes that wait as the last text
@@ -99,6 +106,7 @@ private:
     }
 
     static bool isAllWhite(std::string_view text);
+    [[gnu::noinline]] void addOtherWhite(std::string_view text, std::int64_t offset, bool isLast);
     void endHeld();
     void keepHeld();
     void dropHeld();
