@@ -121,6 +121,7 @@ template <bool KeepsPlaces>
     if constexpr (KeepsPlaces) nameBegins.clear();
     bool hasReturn = false;
     for (const char* at = from;;) {
+        at = readExpected<KeepsPlaces>(at);
         if (at == end) return nullptr;
         if (*at == '>') {
             from = at + 1;
@@ -166,6 +167,27 @@ template <bool KeepsPlaces>
         at = valueEnd + 1;
     }
     if (!attributes.empty() && !finishAttributes(from)) return nullptr;
+    return from;
+}
+
+// Those that are written as most are: a space, the name that is expected, an equal sign, and a plain value in double
+// quotes. Returns where something else begins.
+template <bool KeepsPlaces>
+[[gnu::always_inline]] inline const char* PlainContent::readExpected(const char* from) {
+    static constexpr char kBeforeValue[] = {'=', '"'};
+    while (from != end && *from == ' ') {
+        const SharedName* const name = tree.expectedName();
+        if (name == nullptr || !OrdinaryNames::isPlain(*name) || !name->begins(from + 1, end)) break;
+        const char* const sign = from + 1 + name->text.size();
+        if (end - sign < 2 || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
+        const char* const value = sign + sizeof kBeforeValue;
+        const char* const valueEnd = plainValueEnd(value, end, '"');
+        if (valueEnd == end || *valueEnd != '"') break;
+        tree.takeExpectedName();
+        if constexpr (KeepsPlaces) nameBegins.push_back(from + 1);
+        attributes.add(*name, viewOf(value, valueEnd));
+        from = valueEnd + 1;
+    }
     return from;
 }
 

@@ -46,6 +46,8 @@ private:
 
     template <bool KeepsPlaces>
     const char* readAttributes(const char* from);
+    template <bool KeepsPlaces>
+    const char* readExpected(const char* from);
     bool finishAttributes(const char* to);
     [[gnu::noinline]] const char* readRareValue(const char* from, char quote);
     [[gnu::noinline]] void takeDecoded();
