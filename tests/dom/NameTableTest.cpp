@@ -71,6 +71,43 @@ TEST(NameTableTest, ReadsTheNameThatBeginsARun) {
     }
 }
 
+// What stood before an element makes no difference to what is expected in it and after it.
+TEST(NameTableTest, ExpectsWhatCameInSuchATagAndAfterSuchAnElement) {
+    for (const int others : {0, 30}) {
+        NodeMemory memory;
+        NameTable names;
+        const auto find = [&](const char* name) -> const SharedName& { return names.find(name, memory); };
+        const SharedName &list = find("list"), &item = find("item"), &sku = find("sku"), &count = find("count");
+        for (int i = 0; i < others; ++i) find(("other-" + std::to_string(i)).c_str());
+
+        names.begin(find("item"));
+        find("sku");
+        find("count");
+        names.end(item, &list);
+        find("note");
+
+        find("unrelated");
+        names.begin(find("item"));
+        EXPECT_EQ(names.expected(), &sku);
+        names.takeExpected();
+        EXPECT_EQ(names.expected(), &count);
+        names.takeExpected();
+        names.end(item, &list);
+        ASSERT_NE(names.expected(), nullptr);
+        EXPECT_EQ(names.expected()->text, "note");
+
+        names.end(item, &sku);
+        EXPECT_EQ(names.expected(), nullptr) << "nothing came after an item in such an element";
+        find("more");
+        names.end(item, &list);
+        EXPECT_EQ(names.expected()->text, "note");
+        names.end(item, &sku);
+        EXPECT_EQ(names.expected()->text, "more");
+        names.begin(item);
+        EXPECT_EQ(names.expected(), &sku);
+    }
+}
+
 TEST(SharedNameTest, IsComparedAsItsText) {
     std::vector<std::string> texts = {"",
                                       "a",

@@ -46,13 +46,13 @@ public:
     const SharedName* expected() const { return followers[context]; }
     void takeExpected() { take(*followers[context]); }
 
-    // The name that came last is that of an element. Odd factors keep apart what the few contexts of a small tree can.
-    void begin(const SharedName& name) { context = (name.number * 5 + 9) & lastContext; }
+    // The name that came last is that of an element.
+    void begin(const SharedName& name) { context = name.number * 3 & lastInTag; }
 
     // The next name comes after the end of an element, within another one; of the outermost one it may be null.
     void end(const SharedName& name, const SharedName* around) {
         const std::uint32_t outer = around != nullptr ? around->number : 0;
-        context = (outer * 5 + name.number * 3 + 1) & lastContext;
+        context = ((outer * 5 + name.number) & lastInTag) + lastInTag + 1;
     }
 
 private:
@@ -68,7 +68,7 @@ private:
     }
 
     const SharedName& take(const SharedName& name) {
-        context = (context << 3 ^ name.number) & lastContext;
+        context = (context << 3 ^ name.number) & lastInTag;
         return name;
     }
 
@@ -144,12 +144,14 @@ private:
 
     void prepareForMany() {
         std::fill(followers.begin() + kFewContexts, followers.end(), nullptr);
-        lastContext = kContexts - 1;
+        lastInTag = kContexts / 2 - 1;
         recents.fill(nullptr);
     }
 
-    std::uint32_t context = 0;  // made of the last few names
-    std::uint32_t lastContext = kFewContexts - 1;
+    // Made of the names that count, so that some fall together; in the lower half within tags, in the upper half after
+    // elements.
+    std::uint32_t context = 0;
+    std::uint32_t lastInTag = kFewContexts / 2 - 1;
     SharedName* newest = nullptr;  // from there on all of them
 
     // What came last in each context. A small document should not wait until all of it is empty: only as much is used
