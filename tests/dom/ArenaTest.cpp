@@ -409,6 +409,27 @@ TEST_F(ArenaTest, HoldsTextsOfEveryLength) {
     }
 }
 
+// Many names take turns, some of them changed since the tree was made, some parts from other trees.
+TEST_F(ArenaTest, CopiesTreesOfManyNames) {
+    std::mt19937 random(1);
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("root");
+    const auto anyName = [&random] { return "name-" + std::to_string(random() % 300); };
+    for (int i = 0; i < 2000; ++i) {
+        tree.begin(anyName());
+        giveAttributes(tree, {{anyName(), "1"}});
+        tree.end();
+    }
+    tree.end();
+    for (int i = 0; i < root->getChildCount(); i += 7) root->getElement(i)->setName("renamed");
+    for (int i = 0; i < 50; ++i) root->addChild(wide(3).release());
+
+    const Element copy(*root);
+    EXPECT_EQ(dump(&copy), dump(root.get()));
+    EXPECT_TRUE(NodeAccess::sharesName(*copy.getElement(0)));
+}
+
 // Members, bases and locals lie wherever the caller has them.
 TEST_F(ArenaTest, LeavesNodesElsewhereThanInTheHeapAlone) {
     struct alignas(16) Holder {

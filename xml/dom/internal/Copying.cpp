@@ -4,6 +4,9 @@
 #include "xml/dom/internal/NodeAccess.h"
 #include "xml/dom/internal/NodeClasses.h"
 #include "xml/dom/internal/Preorder.h"
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,6 +31,29 @@ bool isWorthASlab(const Element& top) {
     }
     return true;
 }
+
+// The memory of a copy and its names. Those that nodes share are told apart by their addresses: what is copied stays
+// meanwhile.
+struct CopyMemory {
+    template <class Node>
+    const SharedName& nameOf(const Node& from) {
+        const std::string& name = NodeAccess::name(from);
+        if (!NodeAccess::sharesName(from)) return find(name);
+        Known& last = known[reinterpret_cast<std::uintptr_t>(&name) / sizeof(SharedName) % std::size(known)];
+        if (last.from != &name) last = {&name, &find(name)};
+        return *last.copy;
+    }
+    const SharedName& find(const std::string& name) { return names.find(name, nodes); }
+
+    struct Known {
+        const std::string* from = nullptr;
+        const SharedName* copy = nullptr;
+    };
+
+    NodeMemory nodes;
+    NameTable names;
+    Known known[64];
+};
 
 // Goes through what is to be copied in the order of the document. Nodes of the library's own classes are copied in the
 // loop, any other gets its clone called. What is large is copied into one memory of its own.
@@ -55,10 +81,6 @@ public:
 private:
     struct Copy {
         Element* element;
-    };
-    struct Memory {
-        NodeMemory nodes;
-        NameTable names;
     };
 
     // Copies the attributes, and makes room for the children.
@@ -101,9 +123,8 @@ private:
 
     // Nodes that have neither links nor children nor attributes yet.
     std::unique_ptr<Element> copyOf(const Element& from) {
-        const std::string& name = NodeAccess::name(from);
-        if (!memory) return NodeAccess::makeElement(name);
-        return NodeAccess::makeElement(memory->nodes, sharedName(name), nullptr);
+        if (!memory) return NodeAccess::makeElement(NodeAccess::name(from));
+        return NodeAccess::makeElement(memory->nodes, memory->nameOf(from), nullptr);
     }
     std::unique_ptr<CharData> copyOf(const CharData& from) {
         if (!memory) return NodeAccess::exactly(NodeClass::CharData, new CharData(from));
@@ -122,18 +143,17 @@ private:
             return NodeAccess::makeLeaf<CDataSection>(memory->nodes, NodeAccess::text(section), nullptr, false);
         }
         const auto& instruction = static_cast<const Instruction&>(from);
-        return NodeAccess::makeInstruction(memory->nodes, sharedName(instruction.getTarget()),
+        return NodeAccess::makeInstruction(memory->nodes, memory->find(instruction.getTarget()),
                                            NodeAccess::text(instruction), nullptr);
     }
 
     std::unique_ptr<Attribute> copyOf(const Attribute& from) {
         if (!memory) return std::make_unique<Attribute>(from);
-        std::unique_ptr<Attribute> made = NodeAccess::makeAttribute(memory->nodes, sharedName(NodeAccess::name(from)),
-                                                                    NodeAccess::text(from), nullptr, false);
+        std::unique_ptr<Attribute> made =
+            NodeAccess::makeAttribute(memory->nodes, memory->nameOf(from), NodeAccess::text(from), nullptr, false);
         NodeAccess::copyTag(from, *made);
         return made;
     }
-    const SharedName& sharedName(const std::string& name) { return memory->names.find(name, memory->nodes); }
 
     void keepLink(const Object& from, Object& to) {
         const Dtd* const dtd = NodeAccess::dtd(from);
@@ -141,7 +161,7 @@ private:
         if (dtd != nullptr) unlinked = false;
     }
 
-    std::optional<Memory> memory;
+    std::optional<CopyMemory> memory;
     Preorder<const Element, Copy> walk;
     bool unlinked = true;
 };
