@@ -217,12 +217,8 @@ def run_notice(about):
 def machine_section(data):
     about = data["about"]
     machine = about["machine"]
-    repetitions = about["repetitions"]
-    most = max((len(one["values"]) for one in data["measurements"]), default=repetitions)
-    if most > repetitions:
-        repetitions = f"{repetitions}, up to {most} where they were far apart"
     lines = [
-        f"- {about['date']}; repetitions: {repetitions}",
+        f"- {about['date']}; repetitions: {about['repetitions']}",
         f"- processors that other programs took meanwhile: {about['others']:.2f}",
         f"- {machine['processor']}, {machine['processors']} processors, {machine['memory']} of memory",
         f"- {machine['system']}",

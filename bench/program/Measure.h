@@ -32,9 +32,11 @@ struct Plan {
     double scale = 1;  // of the documents that are generated
 };
 
-// Writes a line "row, document, part, size, library, seconds..." for each contender, split by tabs: a sample for each
-// repetition. Where those of some library are far apart there are up to three times as many, of all.
-void measure(const Case& work, const Plan& plan);
+// Writes a line "row, document, part, size, library, seconds..." for each contender of each case, split by tabs: a
+// sample for each repetition. A case of which some library's samples are far apart is measured again after all others,
+// up to three times, as something has disturbed the machine for a while; that measurement counts whose samples are
+// closest together.
+void measureAll(const std::vector<Case>& cases, const Plan& plan);
 
 // Seconds of processor time that the process has taken, in its own code and in the system's on its account. What other
 // programs take meanwhile is not in it. Most works neither wait nor have threads of their own.

@@ -30,7 +30,7 @@ void run(const Arguments& arguments) {
     }
     std::printf("cases\t%zu\n", cases.size());
     std::fflush(stdout);
-    for (const bench::Case& work : cases) bench::measure(work, plan);
+    bench::measureAll(cases, plan);
 }
 
 void listLibraries() {
