@@ -46,7 +46,12 @@ TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
     TreeBuilder tree(root);
     tree.begin("r");
     TagAttributes attributes;
-    for (const char* const name : {"b", "a", "c", "b"}) attributes.add(tree.name(name), name);
+    const std::string value = "a value that is not short", other = "another one that is not";
+    for (const char* const name : {"b", "a", "c", "b"}) attributes.add(tree.name(name), value);
+    attributes.setValue(1, other);
+    attributes.setValue(2, "short");
+    EXPECT_EQ(attributes[1].value(), other);
+    EXPECT_EQ(attributes.longBytes(), 2 * value.size() + other.size());
     attributes.sort();
     const TagAttributes::Given* const again = attributes.findRepeated();
     ASSERT_NE(again, nullptr);
@@ -54,6 +59,7 @@ TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
     EXPECT_EQ(again->order, 3U);
     attributes.clear();
     EXPECT_TRUE(attributes.empty());
+    EXPECT_EQ(attributes.longBytes(), 0U);
     EXPECT_EQ(attributes.findRepeated(), nullptr);
     attributes.add(tree.name("a"), "");
     attributes.add(tree.name("a"), "");

@@ -55,7 +55,11 @@ struct SharedName {
 
     // Whether the run of bytes begins with the name.
     [[gnu::always_inline]] bool begins(const char* from, const char* to) const {
-        if (to - from < Scan::kWordSize) return beginsInSteps(from, to);
+        return to - from < Scan::kWordSize ? beginsInSteps(from, to) : beginsWithin(from, to);
+    }
+
+    // The same where that has at least as many bytes as a word.
+    [[gnu::always_inline]] bool beginsWithin(const char* from, const char* to) const {
         if (((Scan::wordAt(from) ^ head) & headMask) != 0) return false;
         return text.size() <= sizeof head || continues(from, to);
     }

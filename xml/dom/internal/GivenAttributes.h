@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/Marks.h"
+#include "xml/dom/Text.h"
 #include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <algorithm>
@@ -44,15 +45,27 @@ public:
     void clear() {
         all.clear();
         last = 0;
+        longSize = 0;
         isSorted = true;
         padded = false;
     }
     void add(const SharedName& name, std::string_view value) {
         all.add(name, value);
+        longSize += longSizeOf(value);
         const Words::Word order = name.order();
         isSorted &= last < order;
         last = order;
     }
+
+    // Another value for one of them.
+    void setValue(std::size_t place, std::string_view value) {
+        Given& given = all[place];
+        longSize += longSizeOf(value) - longSizeOf(given.value());
+        given = Given(*given.name, value);
+    }
+
+    // The bytes of all values that are not short.
+    std::size_t longBytes() const { return longSize; }
 
     // Whether each value is padded (see GivenText); not at first.
     bool arePadded() const { return padded; }
@@ -63,7 +76,7 @@ public:
 
     bool empty() const { return all.empty(); }
     std::size_t size() const { return all.size(); }
-    Given& operator[](std::size_t place) { return all[place]; }
+    const Given& operator[](std::size_t place) const { return all[place]; }
     const Given* begin() const { return all.begin(); }
     const Given* end() const { return all.end(); }
 
@@ -80,13 +93,21 @@ public:
     }
 
 private:
+    static std::size_t longSizeOf(std::string_view value) {
+        return value.size() > internal::kShortText ? value.size() : 0;
+    }
+
     // Of those with one name, which stand together, all but the last.
     void removeRepeated() {
         const auto isRepeated = [](const Given& a, const Given& b) { return a.name == b.name; };
         Given* kept = std::adjacent_find(all.begin(), all.end(), isRepeated);
         if (kept == all.end()) return;
         for (const Given* given = kept + 1; given != all.end(); ++given) {
-            if (given->name != kept->name) ++kept;
+            if (given->name != kept->name) {
+                ++kept;
+            } else {
+                longSize -= longSizeOf(kept->value());
+            }
             *kept = *given;
         }
         all.endAt(kept + 1);
@@ -94,6 +115,7 @@ private:
 
     FewFirst<Given> all;
     Words::Word last = 0;  // the order of the last one's name
+    std::size_t longSize = 0;
     bool isSorted = true;  // for certain
     bool padded = false;
 };

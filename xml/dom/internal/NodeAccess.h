@@ -255,9 +255,7 @@ private:
     // Room is taken once for all of them, their array and those texts that are not short; false where that is too much.
     template <class Given>
     [[gnu::always_inline]] static bool setTogether(Element& element, NodeMemory& memory, const Given& all) {
-        std::size_t textBytes = 0;
-        for (const auto& given : all) textBytes += isShort(given.value()) ? 0 : given.value().size();
-        const std::size_t count = all.size();
+        const std::size_t count = all.size(), textBytes = all.longBytes();
         if (textBytes + count * (sizeof(Attribute) + sizeof(Attribute*)) >= NodeMemory::kMostBytes - sizeof(void*))
             return false;
         const std::size_t arrayBytes = count > 1 ? internal::Attributes::bytesForFull(count) : 0;

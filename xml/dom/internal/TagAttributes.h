@@ -1,6 +1,7 @@
 #pragma once
 
 #include "xml/dom/Marks.h"
+#include "xml/dom/Text.h"
 #include "xml/dom/internal/FewFirst.h"
 #include "xml/dom/internal/SortByName.h"
 #include <cstddef>
@@ -30,10 +31,6 @@ public:
             : name(&itsName), bytes(itsValue.data()), size(itsValue.size()), order(itsOrder) {}
 
         std::string_view value() const { return {bytes, size}; }
-        void setValue(std::string_view value) {
-            bytes = value.data();
-            size = value.size();
-        }
 
         const SharedName* name;  // of the NameTable of the tree
         const char* bytes;       // of the value
@@ -47,6 +44,7 @@ public:
         if (!offsets.empty()) offsets.clear();
         count = 0;
         last = 0;
+        longSize = 0;
         isSorted = true;
         padded = false;
     }
@@ -66,6 +64,7 @@ public:
     // The same without the offset; that may be given after all of them, in the order of the tag.
     void add(const SharedName& name, std::string_view value) {
         all.add(name, value, count++);
+        longSize += longSizeOf(value);
         const Words::Word order = name.order();
         isSorted &= last < order;
         last = order;
@@ -76,7 +75,18 @@ public:
     std::size_t size() const { return all.size(); }
     const Given* begin() const { return all.begin(); }
     const Given* end() const { return all.end(); }
-    Given& operator[](std::size_t number) { return all[number]; }
+    const Given& operator[](std::size_t number) const { return all[number]; }
+
+    // Another value for one of them.
+    void setValue(std::size_t number, std::string_view value) {
+        Given& given = all[number];
+        longSize += longSizeOf(value) - longSizeOf(given.value());
+        given.bytes = value.data();
+        given.size = value.size();
+    }
+
+    // The bytes of all values that are not short.
+    std::size_t longBytes() const { return longSize; }
 
     // Its offset in the source, where that was given.
     std::int64_t offsetOf(const Given& given) const {
@@ -109,6 +119,10 @@ public:
     }
 
 private:
+    static std::size_t longSizeOf(std::string_view value) {
+        return value.size() > internal::kShortText ? value.size() : 0;
+    }
+
     void add(const SharedName& name, std::string_view value, std::int64_t offset, bool isSupplied) {
         add(name, value);
         all.back().isSupplied = isSupplied;
@@ -118,8 +132,9 @@ private:
     FewFirst<Given> all;
     std::vector<std::int64_t> offsets;  // in the order of the tag
     std::uint32_t count = 0;            // of those that were given
-    Words::Word last = 0;               // the order of the last one's name
-    bool isSorted = true;               // for certain
+    std::size_t longSize = 0;
+    Words::Word last = 0;  // the order of the last one's name
+    bool isSorted = true;  // for certain
     bool padded = false;
 };
 

@@ -213,9 +213,9 @@ const char* Pieces::collectAttributes(const char* from) {
 [[gnu::always_inline]] inline const char* Pieces::collectExpected(const char* from) {
     static constexpr char kBeforeValue[] = {'=', '"'};
     constexpr std::ptrdiff_t kAfterName = sizeof kBeforeValue + Scan::kBlockSize;
-    while (from != end && *from == ' ') {
+    while (end - from > kAfterName && *from == ' ') {
         const SharedName* const name = tree.expectedName();
-        if (name == nullptr || !name->begins(from + 1, end)) break;
+        if (name == nullptr || !name->beginsWithin(from + 1, end)) break;
         const char* const sign = from + 1 + name->text.size();
         if (end - sign < kAfterName || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
         const char* const value = sign + sizeof kBeforeValue;
@@ -243,7 +243,7 @@ bool Pieces::decodeValues() {
     decoded.clear();
     decoded.reserve(referring.size());  // they stay where they are
     for (const std::size_t place : referring) {
-        GivenAttributes::Given& given = attributes[place];
+        const GivenAttributes::Given& given = attributes[place];
         decoded.emplace_back(given.value());
         StreamAccess::moveTo(in, given.bytes + given.size + 1);
         if (!budget.expand(in, decoded.back(), dtd)) {
@@ -251,7 +251,7 @@ bool Pieces::decodeValues() {
             StreamAccess::moveTo(in, begin);
             return false;
         }
-        given = {*given.name, decoded.back()};
+        attributes.setValue(place, decoded.back());
     }
     return true;
 }

@@ -175,9 +175,9 @@ template <bool KeepsPlaces>
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::readExpected(const char* from) {
     static constexpr char kBeforeValue[] = {'=', '"'};
-    while (from != end && *from == ' ') {
+    while (end - from > Scan::kWordSize && *from == ' ') {
         const SharedName* const name = tree.expectedName();
-        if (name == nullptr || !OrdinaryNames::isPlain(*name) || !name->begins(from + 1, end)) break;
+        if (name == nullptr || !OrdinaryNames::isPlain(*name) || !name->beginsWithin(from + 1, end)) break;
         const char* const sign = from + 1 + name->text.size();
         if (end - sign < 2 || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
         const char* const value = sign + sizeof kBeforeValue;
@@ -220,7 +220,7 @@ const char* PlainContent::readRareValue(const char* from, char quote) {
 // The bytes do not move any more.
 void PlainContent::takeDecoded() {
     for (const Decoded& value : decoded) {
-        attributes[value.attribute].setValue(std::string_view(values).substr(value.from, value.size));
+        attributes.setValue(value.attribute, std::string_view(values).substr(value.from, value.size));
     }
 }
 
