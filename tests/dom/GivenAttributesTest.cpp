@@ -35,7 +35,7 @@ public:
 std::size_t longBytes(const GivenAttributes& attributes) {
     std::size_t bytes = 0;
     for (const GivenAttributes::Given& each : attributes) {
-        if (each.size > internal::kShortText) bytes += each.size;
+        if (!internal::isShort(each.value())) bytes += each.size;
     }
     return bytes;
 }

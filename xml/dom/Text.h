@@ -26,6 +26,7 @@ struct GivenText {
 
 // Up to so many bytes are in a string without memory of its own.
 constexpr std::size_t kShortText = 15;
+inline bool isShort(std::string_view text) { return text.size() <= kShortText; }
 
 // The text that a node holds: a string of its own, or bytes that lie beside the node in the memory of its tree. Most
 // texts are only looked at, so such bytes become a string when somebody asks for one, and the tree keeps that.

@@ -93,9 +93,7 @@ public:
     }
 
 private:
-    static std::size_t longSizeOf(std::string_view value) {
-        return value.size() > internal::kShortText ? value.size() : 0;
-    }
+    static std::size_t longSizeOf(std::string_view value) { return internal::isShort(value) ? 0 : value.size(); }
 
     // Of those with one name, which stand together, all but the last.
     void removeRepeated() {

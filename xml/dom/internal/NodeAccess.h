@@ -34,6 +34,7 @@ static_assert(sizeof(CDataSection) == 80 && sizeof(Comment) <= 80 && sizeof(Inst
 
 using internal::AttributeSpan;
 using internal::ExactClass;
+using internal::isShort;
 using internal::Marks;
 using internal::NodeClass;
 using internal::NodeSpan;
@@ -245,7 +246,6 @@ private:
 
     static void putPlaceAside(const Object& node);
 
-    static bool isShort(std::string_view text) { return text.size() <= internal::kShortText; }
     static void noteTag(Attribute&, const GivenAttributes&, const GivenAttributes::Given&) {}
     static void noteTag(Attribute& attribute, const TagAttributes&, const TagAttributes::Given& given) {
         setOrder(attribute, given.order);

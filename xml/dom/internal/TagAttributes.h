@@ -119,9 +119,7 @@ public:
     }
 
 private:
-    static std::size_t longSizeOf(std::string_view value) {
-        return value.size() > internal::kShortText ? value.size() : 0;
-    }
+    static std::size_t longSizeOf(std::string_view value) { return internal::isShort(value) ? 0 : value.size(); }
 
     void add(const SharedName& name, std::string_view value, std::int64_t offset, bool isSupplied) {
         add(name, value);
