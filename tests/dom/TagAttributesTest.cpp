@@ -1,11 +1,15 @@
 #include "xml/dom/internal/TagAttributes.h"
 
+#include "support/Rounds.h"
 #include "support/Trees.h"
 #include "xml/dom/NodeKind.h"
 #include "xml/dom/internal/TreeBuilder.h"
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace Xml::test {
 namespace {
@@ -65,6 +69,38 @@ TEST(TagAttributesTest, SayWhichNameIsThereAgain) {
     attributes.add(tree.name("a"), "");
     attributes.sort();
     EXPECT_NE(attributes.findRepeated(), nullptr) << "side by side";
+}
+
+TEST(TagAttributesTest, FindWhatIsThereAgainHoweverManyThereAre) {
+    std::unique_ptr<Element> root;
+    TreeBuilder tree(root);
+    tree.begin("r");
+    TagAttributes attributes;
+    std::mt19937 random(1);
+    for (int round = 0; round < rounds(3000); ++round) {
+        const std::size_t count = random() % (round % 10 == 0 ? 100 : 8);
+        const std::size_t different = 1 + random() % (3 * count + 1);
+        attributes.clear();
+        std::map<std::string, std::vector<unsigned>> orders;
+        for (unsigned i = 0; i < count; ++i) {
+            const std::string name = "name" + std::to_string(random() % different);
+            attributes.add(tree.name(name), "");
+            orders[name].push_back(i);
+        }
+        attributes.sort();
+        std::size_t place = 0;
+        const TagAttributes::Given* firstAgain = nullptr;
+        for (const auto& [name, expected] : orders) {
+            for (const unsigned order : expected) {
+                ASSERT_EQ(attributes[place].name->text, name);
+                ASSERT_EQ(attributes[place].order, order);
+                if (firstAgain == nullptr && order != expected.front()) firstAgain = &attributes[place];
+                ++place;
+            }
+        }
+        ASSERT_EQ(attributes.size(), place);
+        ASSERT_EQ(attributes.findRepeated(), firstAgain);
+    }
 }
 
 }  // namespace

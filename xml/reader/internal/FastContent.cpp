@@ -1,5 +1,6 @@
 #include "xml/reader/internal/FastContent.h"
 
+#include "xml/dom/internal/ExpectedAttributes.h"
 #include "xml/dom/internal/TreeBuilder.h"
 #include "xml/reader/internal/EntityBudget.h"
 #include "xml/reader/internal/MarkupScan.h"
@@ -208,24 +209,14 @@ const char* Pieces::collectAttributes(const char* from) {
     }
 }
 
-// Those that are written as most are: a space, the name that is expected, an equal sign, and a plain value in double
-// quotes. Returns where something else begins.
+// As most of them are written.
 [[gnu::always_inline]] inline const char* Pieces::collectExpected(const char* from) {
-    static constexpr char kBeforeValue[] = {'=', '"'};
-    constexpr std::ptrdiff_t kAfterName = sizeof kBeforeValue + Scan::kBlockSize;
-    while (end - from > kAfterName && *from == ' ') {
-        const SharedName* const name = tree.expectedName();
-        if (name == nullptr || !name->beginsWithin(from + 1, end)) break;
-        const char* const sign = from + 1 + name->text.size();
-        if (end - sign < kAfterName || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
-        const char* const value = sign + sizeof kBeforeValue;
-        const char* const valueEnd = Scan::findNear<'"', '&', '\r'>(value, end);
-        if (valueEnd == end || *valueEnd != '"') break;
-        tree.takeExpectedName();
-        attributes.add(*name, viewOf(value, valueEnd));
-        from = valueEnd + 1;
-    }
-    return from;
+    const auto isOrdinary = [](const SharedName&) { return true; };
+    const auto plainEnd = [this](const char* value) { return Scan::findNear<'"', '&', '\r'>(value, end); };
+    const auto take = [this](const char*, const SharedName& name, std::string_view value) {
+        attributes.add(name, value);
+    };
+    return takeExpected(from, end, tree, isOrdinary, plainEnd, take);
 }
 
 // The end of a value in which an '&' or a CR was met, null without one.

@@ -1,5 +1,6 @@
 #include "xml/standard/internal/PlainContent.h"
 
+#include "xml/dom/internal/ExpectedAttributes.h"
 #include "xml/standard/internal/OrdinaryText.h"
 #include "xml/standard/internal/Runs.h"
 #include "xml/standard/internal/Syntax.h"
@@ -170,25 +171,15 @@ template <bool KeepsPlaces>
     return from;
 }
 
-// Those that are written as most are: a space, the name that is expected, an equal sign, and a plain value in double
-// quotes. Returns where something else begins.
+// As most of them are written.
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::readExpected(const char* from) {
-    static constexpr char kBeforeValue[] = {'=', '"'};
-    while (end - from > Scan::kWordSize && *from == ' ') {
-        const SharedName* const name = tree.expectedName();
-        if (name == nullptr || !OrdinaryNames::isPlain(*name) || !name->beginsWithin(from + 1, end)) break;
-        const char* const sign = from + 1 + name->text.size();
-        if (end - sign < 2 || !Scan::isSame<std::uint16_t>(sign, kBeforeValue)) break;
-        const char* const value = sign + sizeof kBeforeValue;
-        const char* const valueEnd = plainValueEnd(value, end, '"');
-        if (valueEnd == end || *valueEnd != '"') break;
-        tree.takeExpectedName();
-        if constexpr (KeepsPlaces) nameBegins.push_back(from + 1);
-        attributes.add(*name, viewOf(value, valueEnd));
-        from = valueEnd + 1;
-    }
-    return from;
+    const auto plainEnd = [this](const char* value) { return plainValueEnd(value, end, '"'); };
+    const auto take = [this](const char* begins, const SharedName& name, std::string_view value) {
+        if constexpr (KeepsPlaces) nameBegins.push_back(begins);
+        attributes.add(name, value);
+    };
+    return takeExpected(from, end, tree, OrdinaryNames::isPlain, plainEnd, take);
 }
 
 // Whether they are ordinary, of a tag that ends there.
