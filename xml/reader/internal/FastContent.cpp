@@ -212,11 +212,8 @@ const char* Pieces::collectAttributes(const char* from) {
 // As most of them are written.
 [[gnu::always_inline]] inline const char* Pieces::collectExpected(const char* from) {
     const auto isOrdinary = [](const SharedName&) { return true; };
-    const auto plainEnd = [this](const char* value) { return Scan::findNear<'"', '&', '\r'>(value, end); };
-    const auto take = [this](const char*, const SharedName& name, std::string_view value) {
-        attributes.add(name, value);
-    };
-    return takeExpected(from, end, tree, isOrdinary, plainEnd, take);
+    const auto plainEnd = [](const char* value, const char* to) { return Scan::findNear<'"', '&', '\r'>(value, to); };
+    return addExpected(from, end, tree, attributes, isOrdinary, plainEnd, [](const char*) {});
 }
 
 // The end of a value in which an '&' or a CR was met, null without one.

@@ -174,12 +174,11 @@ template <bool KeepsPlaces>
 // As most of them are written.
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::readExpected(const char* from) {
-    const auto plainEnd = [this](const char* value) { return plainValueEnd(value, end, '"'); };
-    const auto take = [this](const char* begins, const SharedName& name, std::string_view value) {
-        if constexpr (KeepsPlaces) nameBegins.push_back(begins);
-        attributes.add(name, value);
+    const auto plainEnd = [](const char* value, const char* to) { return plainValueEnd(value, to, '"'); };
+    const auto note = [this]([[maybe_unused]] const char* name) {
+        if constexpr (KeepsPlaces) nameBegins.push_back(name);
     };
-    return takeExpected(from, end, tree, OrdinaryNames::isPlain, plainEnd, take);
+    return addExpected(from, end, tree, attributes, OrdinaryNames::isPlain, plainEnd, note);
 }
 
 // Whether they are ordinary, of a tag that ends there.
