@@ -1,7 +1,9 @@
 #include "standard/Documents.h"
 
+#include "support/Rounds.h"
 #include "xml/text/internal/Utf8.h"
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 namespace Xml::test {
@@ -350,6 +352,16 @@ std::string brokenDocument(Dice& dice) {
         while (!text.empty() && !Utf8::isAscii(text.back())) text.pop_back();
     }
     return text;
+}
+
+int documentCount() {
+    const char* const asked = std::getenv("ORVXML_DOCUMENTS");
+    return asked != nullptr ? std::atoi(asked) : rounds(100'000);
+}
+
+unsigned documentSeed(unsigned otherwise) {
+    const char* const asked = std::getenv("ORVXML_SEED");
+    return asked != nullptr ? static_cast<unsigned>(std::atoi(asked)) : otherwise;
 }
 
 }  // namespace Xml::test

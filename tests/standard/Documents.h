@@ -14,4 +14,9 @@ std::string mutated(Dice& dice, std::string text);
 // A random document, which may be changed, and may end within; between characters.
 std::string brokenDocument(Dice& dice);
 
+// How many random documents are compared with what other parsers make of them, and the seed of these documents.
+// ORVXML_DOCUMENTS and ORVXML_SEED in the environment say other ones.
+int documentCount();
+unsigned documentSeed(unsigned otherwise);
+
 }  // namespace Xml::test

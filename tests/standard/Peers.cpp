@@ -38,8 +38,17 @@ void XMLCALL onComment(void* data, const XML_Char* text) {
 void XMLCALL onInstruction(void* data, const XML_Char* target, const XML_Char* content) {
     if (!runOf(data).isInDoctype) runOf(data).lines.instruction(target, content);
 }
+// 2.11: each line end is a line feed, wherever it stands. Expat leaves those of system identifiers as they are.
 void XMLCALL onDoctype(void* data, const XML_Char* name, const XML_Char* systemId, const XML_Char*, int) {
-    runOf(data).lines.doctype(name, systemId != nullptr ? systemId : "");
+    std::string identifier;
+    for (const char* at = systemId; at != nullptr && *at != '\0'; ++at) {
+        if (*at != '\r') {
+            identifier += *at;
+        } else if (at[1] != '\n') {
+            identifier += '\n';
+        }
+    }
+    runOf(data).lines.doctype(name, identifier);
     runOf(data).isInDoctype = true;
 }
 void XMLCALL onDoctypeEnd(void* data) { runOf(data).isInDoctype = false; }

@@ -13,8 +13,10 @@
 #include "xml/dom/NodeKind.h"
 #include "xml/dom/Place.h"
 #include "xml/standard/Read.h"
+#include <algorithm>
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -42,28 +44,106 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-// Whether the lines are the same. 5.1: declarations after a parameter entity that is not read are not processed;
-// libxml2 supplies the defaults that they declare, which ours may lack.
-bool areSame(const std::string& ours, const std::string& others, bool mayLackDefaults, int& defaults) {
-    const std::vector<std::string> otherLines = linesOf(others);
-    auto other = otherLines.begin();
-    for (std::string line : linesOf(ours)) {
-        if (line.rfind("  ", 0) == 0 && line.back() == '*') {
-            line.pop_back();
-            ++defaults;
-        }
-        while (mayLackDefaults && other != otherLines.end() && *other != line && other->rfind("  ", 0) == 0) ++other;
-        if (other == otherLines.end() || *other != line) return false;
-        ++other;
-    }
-    return other == otherLines.end();
+bool isAttribute(const std::string& line) { return line.rfind("  ", 0) == 0; }
+
+// Takes the line away. False: there is none.
+bool take(std::vector<std::string>& lines, const std::string& line) {
+    const auto found = std::find(lines.begin(), lines.end(), line);
+    if (found == lines.end()) return false;
+    lines.erase(found);
+    return true;
 }
 
+// A tree of ours beside libxml2's.
+class Comparison {
+public:
+    explicit Comparison(const std::string& text)
+        : mayHaveUnread(text.find('%') != std::string::npos),
+          mayHaveLostPrefixes(text.find("<!ENTITY") != std::string::npos),
+          mayHaveOtherLineEnds(mayHaveLostPrefixes && text.find("&#13;") != std::string::npos) {}
+
+    bool areSame(const std::string& ours, const std::string& others) {
+        const std::vector<std::string> lines = linesOf(ours), otherLines = linesOf(others);
+        auto line = lines.begin(), other = otherLines.begin();
+        while (line != lines.end() && other != otherLines.end()) {
+            if (!areSameLines(*line++, *other++)) return false;
+            if (!areSameAttributes(takeAttributes(line, lines.end()), takeAttributes(other, otherLines.end())))
+                return false;
+        }
+        return line == lines.end() && other == otherLines.end();
+    }
+
+    int defaults = 0;
+
+private:
+    using Place = std::vector<std::string>::const_iterator;
+
+    static std::vector<std::string> takeAttributes(Place& from, Place to) {
+        const Place first = from;
+        from = std::find_if_not(from, to, isAttribute);
+        return {first, from};
+    }
+
+    // 2.11: line ends are those of external entities, so a carriage return by reference stays one in an internal
+    // entity; libxml2 makes a line feed of it.
+    bool areSameLines(const std::string& ours, const std::string& other) const {
+        return ours == other || (mayHaveOtherLineEnds && withoutLineEnds(ours) == withoutLineEnds(other));
+    }
+
+    // Each run of them is one, which the lines write as two characters.
+    static std::string withoutLineEnds(const std::string& line) {
+        return std::regex_replace(line, std::regex(R"((\\r|\\n)+)"), R"(\n)");
+    }
+
+    // 5.1: declarations after a parameter entity that is not read are not processed. libxml2 goes by them: it supplies
+    // the defaults that they declare, which ours may lack, and drops blanks by the types.
+    //
+    // 3.3.2: a default is supplied wherever the attribute is not given. libxml2 leaves out declarations of prefixes
+    // that are in scope with the same name already.
+    bool areSameAttributes(const std::vector<std::string>& ours, std::vector<std::string> others) {
+        for (std::string line : ours) {
+            const bool isDefault = line.back() == '*';
+            if (isDefault) {
+                line.pop_back();
+                ++defaults;
+            }
+            const bool isThere = take(others, line) || takeWithoutPrefix(others, line) ||
+                                 (mayHaveUnread && take(others, withoutBlanks(line)));
+            if (!isThere && !(isDefault && line.rfind("  xmlns", 0) == 0)) return false;
+        }
+        return others.empty() || mayHaveUnread;
+    }
+
+    // 3.3.3: as a value reads that is not CDATA.
+    static std::string withoutBlanks(const std::string& line) {
+        const std::size_t value = line.find('\'') + 1;
+        std::string result = line.substr(0, value);
+        for (std::size_t at = value; at < line.size(); ++at) {
+            const bool isFirst = result.size() == value || line[at - 1] == ' ';
+            if (line[at] != ' ' || !isFirst) result += line[at];
+        }
+        if (result.size() > value + 1 && result[result.size() - 2] == ' ') result.erase(result.size() - 2, 1);
+        return result;
+    }
+
+    // 6.1 of Namespaces: the declaration of a prefix is in scope up to the end tag, so also within an entity. libxml2
+    // reads an entity by itself, and the attributes in it lose their prefixes.
+    bool takeWithoutPrefix(std::vector<std::string>& others, const std::string& line) const {
+        const std::size_t colon = line.find(':');
+        return mayHaveLostPrefixes && colon < line.find('=') && take(others, "  " + line.substr(colon + 1));
+    }
+
+    bool mayHaveUnread;
+    bool mayHaveLostPrefixes;
+    bool mayHaveOtherLineEnds;
+};
+
 TEST(WholeTreeTest, IsThatOfLibxml2) {
-    Dice dice(21);
+    const int count = documentCount();
+    Dice dice(documentSeed(21));
     int compared = 0;
     int defaults = 0;
-    for (int i = 0; i < rounds(8000) && !HasFailure(); ++i) {
+    for (int i = 0; i < count && !HasFailure(); ++i) {
         const std::string text = randomDocument(dice);
         const ReadResult result = readText(text, everything());
         if (!result) continue;
@@ -73,11 +153,12 @@ TEST(WholeTreeTest, IsThatOfLibxml2) {
         if (other->find("xmlns:p=''") != std::string::npos || other->find("xmlns:q=''") != std::string::npos) continue;
         ++compared;
         const std::string ours = wholeTree(*result, AttributeOrder::ByName, Sections::Nodes);
-        const bool mayHaveUnread = text.find('%') != std::string::npos;
-        EXPECT_TRUE(areSame(ours, *other, mayHaveUnread, defaults)) << ours << "\n" << *other << "\n" << text;
+        Comparison comparison(text);
+        EXPECT_TRUE(comparison.areSame(ours, *other)) << ours << "\n" << *other << "\n" << text;
+        defaults += comparison.defaults;
     }
-    EXPECT_GT(compared, atLeast(3000));
-    EXPECT_GT(defaults, atLeast(80));
+    EXPECT_GT(compared, count / 3);
+    EXPECT_GT(defaults, count / 200);
 }
 
 TEST(WholeTreeTest, HasTheEventsInOrder) {
