@@ -164,6 +164,11 @@ TEST(ReadTest, SaysWhatToDo) {
     }
 }
 
+TEST(ReadTest, SaysWhetherAReservedTargetIsADeclaration) {
+    EXPECT_EQ(problemOf("<a/><?xml version='1.0'?>").text, "an XML declaration stands at the very beginning only");
+    EXPECT_EQ(problemOf("<a/><?XML?>").text, "the target XML is reserved");
+}
+
 TEST(ReadTest, ShowsNothingThatTurnsTheRestOfALineRound) {
     const Problem problem = problemOf("<a>\xE2\x80\xAE<!-- \xE2\x81\xA6 --></b>");
     EXPECT_EQ(problem.excerpt, "<a>\xEF\xBF\xBD<!-- \xEF\xBF\xBD --></b>\n              ^");

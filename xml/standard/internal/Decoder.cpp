@@ -147,7 +147,6 @@ bool Decoder::readConverted(std::string_view& bytes, std::string& to) {
     const std::string name(declaration.name());
     if (name.empty() ? isKnown(textBefore + countOf(size)) : confirm(name)) return isConverted;
     to.resize(before + size);
-    textGiven = textBefore + countOf(size);
     return false;
 }
 

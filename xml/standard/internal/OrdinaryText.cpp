@@ -36,7 +36,7 @@ Reference numberAt(const char* at, const char* to) {
         if (digit < 0) break;
         value = value * static_cast<char32_t>(base) + static_cast<char32_t>(digit);
     }
-    if (at == to || digits == 0 || *at != ';' || !StandardNames::isChar(value)) return {};
+    if (at == to || *at != ';' || !StandardNames::isChar(value)) return {};
     return {at + 1, value};
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 bool isPubidChar(char c) {
     if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) return true;
-    return c != 0 && std::string_view(" \r\n-'()+,./:=?;!*#@$_%").find(c) != std::string_view::npos;
+    return std::string_view(" \r\n-'()+,./:=?;!*#@$_%").find(c) != std::string_view::npos;
 }
 
 // The opening quote.
