@@ -429,7 +429,9 @@ bool NaiveDoctypeReader::parse(InStream& in) {
         if (!in.getString(literal)) return fail(in);
         const std::string path = withoutQuotes(literal);
         std::error_code ignored;
-        if (!std::filesystem::is_regular_file(path, ignored)) return fail(in, "Could not open file: " + path);
+        const bool isName = path.find('\0') == std::string::npos;  // the system would see a part of it
+        if (!isName || !std::filesystem::is_regular_file(path, ignored))
+            return fail(in, "Could not open file: " + path);
         std::ifstream file;
         FileInStream external(path, &file);
         if (!reader.parse(external)) return failAs(reader);
