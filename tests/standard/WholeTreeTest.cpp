@@ -46,12 +46,16 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 bool isAttribute(const std::string& line) { return line.rfind("  ", 0) == 0; }
 
-// Takes the line away. False: there is none.
-bool take(std::vector<std::string>& lines, const std::string& line) {
-    const auto found = std::find(lines.begin(), lines.end(), line);
+// Takes the first such line away. False: there is none.
+template <class IsWanted>
+bool takeIf(std::vector<std::string>& lines, IsWanted isWanted) {
+    const auto found = std::find_if(lines.begin(), lines.end(), isWanted);
     if (found == lines.end()) return false;
     lines.erase(found);
     return true;
+}
+bool take(std::vector<std::string>& lines, const std::string& line) {
+    return takeIf(lines, [&](const std::string& other) { return other == line; });
 }
 
 // A tree of ours beside libxml2's.
@@ -74,6 +78,7 @@ public:
     }
 
     int defaults = 0;
+    bool isExcused = false;  // but for the defaults of declarations that are not processed
 
 private:
     using Place = std::vector<std::string>::const_iterator;
@@ -86,8 +91,8 @@ private:
 
     // 2.11: line ends are those of external entities, so a carriage return by reference stays one in an internal
     // entity, and is a blank of its own in a value; libxml2 makes one line feed of a line end there.
-    bool areSameLines(const std::string& ours, const std::string& other) const {
-        return ours == other || (mayHaveOtherLineEnds && withoutLineEnds(ours) == withoutLineEnds(other));
+    bool areSameLines(const std::string& ours, const std::string& other) {
+        return ours == other || excuse(mayHaveOtherLineEnds && withoutLineEnds(ours) == withoutLineEnds(other));
     }
 
     // Each run of them is one, which the lines write as two characters.
@@ -107,19 +112,24 @@ private:
                 line.pop_back();
                 ++defaults;
             }
-            const bool isThere = take(others, line) || takeWithoutPrefix(others, line) ||
-                                 ((mayHaveUnread || mayHaveOtherLineEnds) && takeWithOtherBlanks(others, line));
-            if (!isThere && !(isDefault && line.rfind("  xmlns", 0) == 0)) return false;
+            if (take(others, line)) continue;
+            const bool isLike = takeWithoutPrefix(others, line) ||
+                                ((mayHaveUnread || mayHaveOtherLineEnds) && takeWithOtherBlanks(others, line)) ||
+                                (isDefault && line.rfind("  xmlns", 0) == 0);
+            if (!excuse(isLike)) return false;
         }
         return others.empty() || mayHaveUnread;
     }
 
+    bool excuse(bool isLike) {
+        isExcused |= isLike;
+        return isLike;
+    }
+
     static bool takeWithOtherBlanks(std::vector<std::string>& others, const std::string& line) {
-        const auto isLike = [wanted = withoutBlanks(line)](const std::string& o) { return withoutBlanks(o) == wanted; };
-        const auto found = std::find_if(others.begin(), others.end(), isLike);
-        if (found == others.end()) return false;
-        others.erase(found);
-        return true;
+        return takeIf(others, [wanted = withoutBlanks(line)](const std::string& other) {
+            return withoutBlanks(other) == wanted;
+        });
     }
     static std::string withoutBlanks(std::string line) {
         line.erase(std::remove(line.begin() + 2, line.end(), ' '), line.end());  // but those that begin it
@@ -143,6 +153,7 @@ TEST(WholeTreeTest, IsThatOfLibxml2) {
     Dice dice(documentSeed(21));
     int compared = 0;
     int defaults = 0;
+    int excused = 0;
     for (int i = 0; i < count && !HasFailure(); ++i) {
         const std::string text = randomDocument(dice);
         const ReadResult result = readText(text, everything());
@@ -156,9 +167,11 @@ TEST(WholeTreeTest, IsThatOfLibxml2) {
         Comparison comparison(text);
         EXPECT_TRUE(comparison.areSame(ours, *other)) << ours << "\n" << *other << "\n" << text;
         defaults += comparison.defaults;
+        excused += comparison.isExcused ? 1 : 0;
     }
-    EXPECT_GT(compared, count / 3);
-    EXPECT_GT(defaults, count / 200);
+    EXPECT_GT(compared, count / 8 * 3);
+    EXPECT_GT(defaults, count / 100);
+    EXPECT_LE(excused, compared / 1000) << "where libxml2 differs is rare";
 }
 
 TEST(WholeTreeTest, HasTheEventsInOrder) {
