@@ -213,9 +213,8 @@ bool DtdParser::readDefault(AttributeRule& rule) {
     if (in.at != in.end && *in.at == '%') return expected(StandardRules::kDefaultDecl, "a value");
     values.setUnknownAllowed(!declared.areProcessed());
     std::string_view plain;
-    bool isPlain = false;
-    if (!values.readAttribute(plain, isPlain, rule.value)) return false;
-    if (isPlain) rule.value = plain;
+    if (!values.readAttribute(plain, rule.value)) return false;
+    if (plain.data() != nullptr) rule.value = plain;
     if (!rule.isCData && !isCollapsed(rule.value)) rule.value = collapsed(rule.value);
     return true;
 }

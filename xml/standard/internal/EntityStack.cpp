@@ -115,11 +115,8 @@ bool EntityStack::fail(const char* where, const char* rule, std::string text, Pr
     if (!frames.empty()) {
         const Frame& inner = frames.back();
         const Place& place = inner.entity->declaredAt;
-        text += " (in the entity \"" + std::string(inner.name) + "\"";
-        if (place.line > 0) {
-            text += ", declared at " + std::to_string(place.line) + ":" + std::to_string(place.column);
-        }
-        text += ")";
+        text += " (in the entity \"" + std::string(inner.name) + "\", declared at " + std::to_string(place.line) + ":" +
+                std::to_string(place.column) + ")";
     }
     found = {kind, rule, offsetOf(where), messageLine(text), {}};
     return false;

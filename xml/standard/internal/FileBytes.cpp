@@ -45,7 +45,7 @@ FileBytes::Ending FileBytes::readOpen(int descriptor, std::int64_t most) {
     if (::fstat(descriptor, &info) != 0) return fail(errno);
     if (S_ISDIR(info.st_mode)) return fail(EISDIR);
     // Files that the system makes up have no size.
-    if (S_ISREG(info.st_mode) && info.st_size > 0) {
+    if (info.st_size > 0) {
         const std::int64_t wanted = most > 0 ? std::min<std::int64_t>(info.st_size, most) : info.st_size;
         reserve(static_cast<std::size_t>(wanted) + 1);  // so that the end is found without more room
     }

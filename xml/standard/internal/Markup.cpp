@@ -153,7 +153,7 @@ bool Markup::putReference(std::string_view& rest, const std::string_view* attrib
             rest.remove_prefix(reference.size());
             return putEscaped<Of>(viewOf(bytes, Utf8::put(bytes, c)), Form::Meant, attribute, nullptr);
         }
-    } else if (reference.size() > 1) {
+    } else {
         const std::string_view name = reference.substr(1, reference.size() - 2);
         if (const char c = Syntax::predefined(name)) {
             rest.remove_prefix(reference.size());

@@ -102,9 +102,8 @@ bool Tags::readAttribute() {
     Syntax::skipWhite(in);
     const std::size_t begin = buffer.size();
     std::string_view plain;
-    bool isPlain = false;
-    if (!values.readAttribute(plain, isPlain, buffer)) return false;
-    if (!isPlain) buffered.push_back({all.size(), begin, buffer.size() - begin});
+    if (!values.readAttribute(plain, buffer)) return false;
+    if (plain.data() == nullptr) buffered.push_back({all.size(), begin, buffer.size() - begin});
     all.add(name, plain, false);
     return true;
 }

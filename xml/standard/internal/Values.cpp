@@ -27,15 +27,14 @@ bool Values::failAtLess(const char* where, bool isWritten) {
                    "\"<\" in the value of an attribute");
 }
 
-bool Values::readAttribute(std::string_view& plain, bool& isPlain, std::string& buffer) {
+bool Values::readAttribute(std::string_view& plain, std::string& buffer) {
     if (in.at == in.end || (*in.at != '"' && *in.at != '\'')) {
         return in.expected(in.at, StandardRules::kAttValue, "a value in quotes");
     }
     const char* const opening = in.at;
     const char* const from = opening + 1;
     const char* const to = valueEnd(*opening, from, in.end);
-    isPlain = to != in.end && *to == *opening;
-    if (isPlain) {
+    if (to != in.end && *to == *opening) {
         plain = viewOf(from, to);
         in.at = to + 1;
         return true;

@@ -15,8 +15,8 @@ public:
         : in(stack), declared(declarations), namespaces(hasNamespaces) {}
 
     // From the opening quote on. What the value is as text of type CDATA: where that stands there as it is, `plain` is
-    // it and nothing is appended.
-    bool readAttribute(std::string_view& plain, bool& isPlain, std::string& buffer);
+    // it, else it is appended and `plain` stays without data.
+    bool readAttribute(std::string_view& plain, std::string& buffer);
 
     // The same from a byte within the value on, up to the closing quote; what was before has been appended.
     bool readRest(char quote, const char* opening, std::string& buffer);

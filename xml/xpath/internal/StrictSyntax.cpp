@@ -46,22 +46,21 @@ bool isOperatorWord(Unit from, Unit to) {
 // A word that is meant as an operator and is none, since there is no such operator or it has no blank on each side. It
 // would go on the name before it, as white space is dropped: `@n or @x` is `@nor@x`. The end where there is none.
 Unit lostOperator(Unit at, Unit end) {
-    bool isAfterName = false, isAfterWhite = false;
+    enum class After { Other, Name, WhiteAfterName } after = After::Other;
     while (at != end) {
         Unit next = at + 1;
         if (isNCChar(*at)) {
             next = afterNCChars(at, end);
-            if (isAfterName && isAfterWhite && isOperatorWord(at, next)) return at;
-            isAfterName = true;
-            isAfterWhite = false;
+            if (after == After::WhiteAfterName && isOperatorWord(at, next)) return at;
+            after = After::Name;
         } else if (IsWhiteSpace(*at)) {
             next = at;
-            isAfterName = ExtractOperator(next, end) == Operator::None && isAfterName;
+            const bool isOperator = ExtractOperator(next, end) != Operator::None;
+            after = isOperator || after == After::Other ? After::Other : After::WhiteAfterName;
             next = std::max(next, at + 1);
-            isAfterWhite = true;
         } else {
             if (IsBeginLiteral(*at)) next = std::find(at + 1, end, *at) + 1;
-            isAfterName = false;
+            after = After::Other;
         }
         at = next;
     }

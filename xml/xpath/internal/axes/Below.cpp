@@ -158,7 +158,7 @@ void takeChildrenFromBelow(const NodeList& from, Taker& taker) {
                     open.push_back(&element);
                 }
             }
-            if (open.size() > first + 1) std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
+            std::reverse(open.begin() + static_cast<std::ptrdiff_t>(first), open.end());
             taker.visit(static_cast<std::size_t>(next - row.begin()) + (takesAll ? passed : 0));
             if (taker.isDone()) return;
 
