@@ -27,6 +27,13 @@ TEST(EncodingsTest, AreFoundByTheirNames) {
     for (const auto& c : kCases) EXPECT_EQ(Xml::encodingNamed(c.name), c.encoding) << c.name;
 }
 
+TEST(EncodingsTest, HaveUnitsOfSomeBytes) {
+    const std::size_t kUnits[] = {1, 1, 1, 2, 2, 2, 4, 4, 4};
+    for (std::size_t i = 0; i < std::size(kAll); ++i)
+        EXPECT_EQ(Xml::unitOf(kAll[i]), kUnits[i]) << Xml::nameOf(kAll[i]);
+    EXPECT_EQ(Xml::unitOf(Encoding::Other), 1U);
+}
+
 TEST(EncodingsTest, HaveNamesOfLettersDigitsAndMarks) {
     for (const char* name : {"a", "UTF-8", "x._-9"}) EXPECT_TRUE(Xml::isEncodingName(name)) << name;
     for (const char* name : {"", "8859", "-a", "a b", "a//b", "a:b", "\xC3\xA4"})

@@ -209,6 +209,24 @@ TEST(PlainContentTest, GivesWhatEventsGiveWhateverAByteIs) {
     }
 }
 
+// What is expected after the same tags before it may be there or not, and what comes then may be anything.
+TEST(PlainContentTest, GivesWhatEventsGiveOfTagsThatAreMostlyTheSame) {
+    const std::string element = "<ab id=\"1\" long-name=\"some value\">t</ab>";
+    const std::string before = "<r>" + element + element;
+    const std::string kBytes("<>/&;'\"=!-: \t\n\rabix1\x01\0", 22);
+    for (std::size_t i = 0; i < element.size(); ++i) {
+        for (const char c : kBytes) {
+            for (const bool isMore : {false, true}) {
+                std::string changed = element;
+                changed[i] = c;
+                if (isMore) changed.insert(i + 1, 1, element[i]);
+                ASSERT_NO_FATAL_FAILURE(expectSame(before + changed + element + "</r>", {}));
+                ASSERT_NO_FATAL_FAILURE(expectSame(before + changed, {}));
+            }
+        }
+    }
+}
+
 TEST(PlainContentTest, GivesWhatEventsGiveForEverydayDocuments) {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(sourceFolder() + "/tests/standard/everyday")) {

@@ -103,6 +103,24 @@ TEST(PlainEventsTest, LeaveWhatIsNotOrdinary) {
     }
 }
 
+// Names are compared some bytes at a time.
+TEST(PlainEventsTest, LeaveAnEndTagOfAnotherName) {
+    for (std::size_t size = 1; size <= 40; ++size) {
+        const std::string name(size, 'a');
+        expectTaken("<" + name + "></" + name + ">",
+                    "3 2 <" + name + "\n" + std::to_string(5 + size) + " 2 </" + name + "\n");
+        for (std::size_t place = 0; place < size; ++place) {
+            std::string other = name;
+            other[place] = 'b';
+            for (const std::string after : {"", "&e; and more than is looked at in one step, and so on</r>"}) {
+                const std::string end = "</" + other + ">" + after;
+                for (const bool triesUsual : {true, false})
+                    EXPECT_EQ(taken("<" + name + ">" + end, {}, triesUsual), "3 2 <" + name + "\n" + end);
+            }
+        }
+    }
+}
+
 TEST(PlainEventsTest, LeaveATextThatMayGoOn) {
     ReadOptions options;
     options.keepComments = false;

@@ -307,6 +307,67 @@ TEST_F(SaveTest, WhicheverCallFailsTheFileIsAsItWas) {
     }
 }
 
+// Some file systems have nothing to sync.
+TEST_F(SaveTest, WhatCannotBeSyncedIsSavedAndWhatFailsIsNot) {
+    class Unsynced : public FileCalls {
+    public:
+        explicit Unsynced(int itsError) : error(itsError) {}
+        int sync(int) override {
+            errno = error;
+            return -1;
+        }
+
+    private:
+        int error;
+    };
+    const fs::path path = folder / "file.xml";
+    for (const int error : {EINVAL, ENOTSUP, ENOSYS, EIO, ENOSPC}) {
+        put(path, "old");
+        Unsynced calls(error);
+        Problem problem;
+        const bool mayBeSaved = error != EIO && error != ENOSPC;
+        EXPECT_EQ(FileReplacement(calls).replace(path.string(), written, problem), mayBeSaved) << std::strerror(error);
+        EXPECT_EQ(textOf(path), mayBeSaved ? written : "old");
+    }
+}
+
+// The folder of the test stands for the outermost one.
+TEST_F(SaveTest, AFileMayStandInTheOutermostFolder) {
+    class Below : public FileCalls {
+    public:
+        explicit Below(std::string itsFolder) : folder(std::move(itsFolder)) {}
+        int open(const char* path, int flags, mode_t mode) override {
+            return FileCalls::open(of(path).c_str(), flags, mode);
+        }
+        int rename(const char* from, const char* to) override {
+            return FileCalls::rename(of(from).c_str(), of(to).c_str());
+        }
+        int unlink(const char* path) override { return FileCalls::unlink(of(path).c_str()); }
+        int status(const char* path, struct stat& info) override { return FileCalls::status(of(path).c_str(), info); }
+        bool readLink(const std::string& path, std::string& target) override {
+            return FileCalls::readLink(of(path), target);
+        }
+        std::vector<std::string> asked;
+
+    private:
+        std::string of(const std::string& path) {
+            asked.push_back(path);
+            return folder + path;
+        }
+        const std::string folder;
+    };
+    fs::create_symlink("file.xml", folder / "link.xml");
+    for (const char* const path : {"/file.xml", "/link.xml"}) {
+        Below calls(folder.string());
+        Problem problem;
+        EXPECT_TRUE(FileReplacement(calls).replace(path, written, problem)) << problem.text;
+        EXPECT_EQ(textOf(folder / "file.xml"), written);
+        for (const std::string& asked : calls.asked) EXPECT_EQ(asked.substr(0, 1), "/") << asked;
+        EXPECT_EQ(calls.asked.back(), "/");  // which is synced
+        fs::remove(folder / "file.xml");
+    }
+}
+
 TEST_F(SaveTest, NamesThatAreTakenArePassedOver) {
     const fs::path path = folder / "file.xml";
     put(path, "old");

@@ -350,5 +350,20 @@ TEST(UnwritableTest, EntitiesThatMultiplyAreALimit) {
     EXPECT_EQ(refused.problems()[0].path, "/r[1]/a[2]");
 }
 
+// Text is looked at in stretches.
+TEST(UnwritableTest, WhatIsNoCharacterIsFoundWhereverItStands) {
+    for (const std::string& wrong : {std::string("\xEF\xBF\xBE"), std::string("\xC3"), std::string("\x01")}) {
+        for (std::size_t before = 0; before < 200; ++before) {
+            for (const std::size_t after : {0, 1, 15, 100}) {
+                Tree tree;
+                text(std::string(before, 'x') + wrong + std::string(after, 'y'))(tree);
+                const WriteResult result = writeText(*tree.document);
+                ASSERT_FALSE(result) << before << " " << after;
+                ASSERT_EQ(result.text(), "");
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace Xml::test
