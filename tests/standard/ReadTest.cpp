@@ -169,6 +169,26 @@ TEST(ReadTest, SaysWhetherAReservedTargetIsADeclaration) {
     EXPECT_EQ(problemOf("<a/><?XML?>").text, "the target XML is reserved");
 }
 
+TEST(ReadTest, SaysWhatStandsInThePlaceOfWhatIsExpected) {
+    const struct {
+        const char* text;
+        const char* found;
+    } kCases[] = {
+        {"<\na/>", "the end of the line"},
+        {"<\ra/>", "the end of the line"},
+        {"<\ta/>", "U+0009"},
+        {"<\x7F/>", "U+007F"},
+        {"< a/>", "\" \""},
+        {"<\"/>", "'\"'"},
+        {"<'/>", "\"'\""},
+        {"<\xC3\x97/>", "\"\xC3\x97\""},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(problemOf(c.text).text,
+                  "the name of an element, \"/\", \"!\" or \"?\" after \"<\" expected, found " + std::string(c.found));
+    }
+}
+
 TEST(ReadTest, ShowsNothingThatTurnsTheRestOfALineRound) {
     const Problem problem = problemOf("<a>\xE2\x80\xAE<!-- \xE2\x81\xA6 --></b>");
     EXPECT_EQ(problem.excerpt, "<a>\xEF\xBF\xBD<!-- \xEF\xBF\xBD --></b>\n              ^");
