@@ -5,7 +5,9 @@
 #include "xml/stream/FileInStream.h"
 #include "xml/stream/internal/StreamAccess.h"
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <fcntl.h>
 #include <filesystem>
@@ -15,6 +17,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <type_traits>
 #include <unistd.h>
@@ -290,6 +293,29 @@ TEST(FileInStreamTest, ThrowsNothingWhereTheBufferDoes) {
             EXPECT_EQ(in.getPosition(), -1);
         }
     }
+}
+
+// The memory of the process as a file, which cannot be read beyond what is mapped: a read of more gives what there is,
+// and the next one fails.
+TEST(FileInStreamTest, GivesEveryByteBeforeTheOneThatCannotBeRead) {
+    constexpr std::size_t kSize = 25 * 4096;
+    void* const place = reinterpret_cast<void*>(std::uintptr_t{1} << 30);
+    void* const memory = ::mmap(place, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory != place) GTEST_SKIP() << "there is something at the place";
+    std::string text;
+    while (text.size() < kSize) text += "word" + std::to_string(text.size()) + "\n";
+    text.resize(kSize);
+    std::memcpy(memory, text.data(), kSize);
+
+    std::ifstream file("/proc/self/mem", std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(reinterpret_cast<std::uintptr_t>(memory)));
+    FileInStream in(&file);
+    const Xml::StreamAccess::Session session(in);  // in which what was read before says how much is read at once
+    std::string read;
+    std::string token;
+    while (in.getToken(token) && !token.empty()) read += token + "\n";
+    ::munmap(memory, kSize);
+    EXPECT_EQ(read.substr(0, kSize), text);
 }
 
 TEST(FileInStreamTest, HasNoPositionsWhereTheStreamHasNone) {
