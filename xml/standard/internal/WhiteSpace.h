@@ -58,7 +58,7 @@ public:
         const Held& last = held.back();
         if (last.child + last.count != tree.childCount()) return nullptr;
         const std::string_view text = viewOf(last);
-        if (to - from >= 2 && from[0] == '\r' && from[1] == '\n') ++from;  // which is one LF
+        if (from != to && *from == '\r' && text.front() == '\n') ++from;  // CR LF is one LF
         if (!Scan::startsWith(from, to, text)) return nullptr;
         const char* const end = from + text.size();
         return end != to && *end == '<' ? end : nullptr;
