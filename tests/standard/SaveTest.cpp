@@ -1,6 +1,7 @@
 #include "xml/standard/Save.h"
 
 #include "support/Places.h"
+#include "support/Texts.h"
 #include "xml/dom/CharData.h"
 #include "xml/dom/Comment.h"
 #include "xml/dom/Document.h"
@@ -134,6 +135,11 @@ TEST_F(SaveTest, FollowsLinks) {
     fs::create_symlink("inner/not-yet.xml", folder / "dangling.xml");
     EXPECT_TRUE(saveFile(*document, folder / "dangling.xml", bare));
     EXPECT_EQ(textOf(inner / "not-yet.xml"), written);
+
+    fs::create_symlink(repeated("./", 1500) + "file.xml", folder / "long.xml");
+    EXPECT_TRUE(saveFile(*document, folder / "long.xml", bare));
+    EXPECT_TRUE(fs::is_symlink(folder / "long.xml"));
+    EXPECT_EQ(textOf(folder / "file.xml"), written);
 
     fs::create_symlink("round.xml", folder / "round.xml");
     const WriteResult round = saveFile(*document, folder / "round.xml", bare);

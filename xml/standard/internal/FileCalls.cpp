@@ -7,6 +7,7 @@
 
 #include "xml/standard/internal/Uninterrupted.h"
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -45,16 +46,11 @@ int FileCalls::status(const char* path, struct stat& info) { return ::stat(path,
 int FileCalls::statusOf(int file, struct stat& info) { return ::fstat(file, &info); }
 
 bool FileCalls::readLink(const std::string& path, std::string& target) {
-    target.resize(256);
-    for (;;) {
-        const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
-        if (size < 0) return false;
-        if (static_cast<std::size_t>(size) < target.size()) {
-            target.resize(static_cast<std::size_t>(size));
-            return true;
-        }
-        target.resize(2 * target.size());
-    }
+    target.resize(PATH_MAX);  // as much as a link may hold
+    const ssize_t size = ::readlink(path.c_str(), target.data(), target.size());
+    if (size < 0) return false;
+    target.resize(static_cast<std::size_t>(size));
+    return true;
 }
 
 }  // namespace Xml
