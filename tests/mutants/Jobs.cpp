@@ -67,6 +67,7 @@ const std::string kLetters = documentOf(
     "e/>");
 const std::string kMarkup =
     documentOf("<!-- a comment --><a><![CDATA[a section]]></a>\n<?target content?>\n" + records(8));
+const std::string kElements = documentOf(repeated("<a><b><c/><d></d></b><e><f/></e></a>", 40));
 const std::string kLongTexts = documentOf(
     repeated("<p>" + repeated("A sentence with some words, and one that is &quot;quoted&quot;.\n", 10) + "</p>\n", 6));
 const std::string kManyAttributes = documentOf(repeated(
@@ -129,10 +130,10 @@ ReadOptions withPlaces() {
     return options;
 }
 
-std::string latin1(const std::string& letters) {
+WriteResult writeLatin1(const Document& document) {
     WriteOptions options;
     options.encoding = "ISO-8859-1";
-    return writeText(*made(letters), options).text();
+    return writeText(document, options);
 }
 
 std::vector<Job> jobs() {
@@ -194,6 +195,8 @@ std::vector<Job> jobs() {
         {"readLetters", read(kLetters)},
         {"readMarkup", read(kMarkup, everything())},
         {"readTyped", read(kTyped)},
+        {"readElements", read(kElements)},
+        {"readDialectElements", [] { readDialect(kElements); }},
         {"readLongTexts", read(kLongTexts)},
         {"readManyAttributes", read(kManyAttributes)},
         {"readDialectLongTexts", [] { readDialect(kLongTexts); }},
@@ -202,7 +205,7 @@ std::vector<Job> jobs() {
         {"readAll", read(kDocument, everything())},
         {"readWithPlaces", read(kDocument, withPlaces())},
         {"readCrLfWithPlaces", read(kCrLf, withPlaces())},
-        {"readLatin1", read(latin1(documentOf(records(8))))},
+        {"readLatin1", read(writeLatin1(*made(documentOf(records(8)))).text())},
         {"readWrong", [wrong] { must(!readText(wrong)); }},
         {"events", events(kDocument)},
         {"eventsWithAll", events(kMarkup, everything())},
@@ -214,6 +217,7 @@ std::vector<Job> jobs() {
          }},
         {"write", onTree(kDocument, write)},
         {"writeLetters", onTree(kLetters, write)},
+        {"writeLatin1", onTree(kDocument, [](const Document& document) { must(writeLatin1(document)); })},
         {"writeAsRead", onTree(kMarkup, writeAsRead, everything())},
         {"writeStream", onTree(kDocument, stream)},
     };
