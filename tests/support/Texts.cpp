@@ -30,4 +30,23 @@ std::string pieces(int count, const std::function<std::string(int)>& piece) {
     return all;
 }
 
+std::vector<std::string> documentsOfSimilarTags() {
+    const std::string element = "<ab id=\"1\" long-name=\"some value\">t</ab>";
+    const std::string before = "<r>" + element + element;
+    const std::string bytes("<>/&;'\"=!-: \t\n\rabix1\x01\xC3\0", 23);
+    std::vector<std::string> all;
+    for (std::size_t i = 0; i < element.size(); ++i) {
+        for (const char c : bytes) {
+            for (const bool isMore : {false, true}) {
+                std::string changed = element;
+                changed[i] = c;
+                if (isMore) changed.insert(i + 1, 1, element[i]);
+                all.push_back(before + changed + element + "</r>");
+                all.push_back(before + changed);
+            }
+        }
+    }
+    return all;
+}
+
 }  // namespace Xml::test

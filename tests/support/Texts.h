@@ -3,6 +3,7 @@
 #include "orvsys/Uni16.h"
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Xml::test {
 
@@ -15,5 +16,9 @@ OrvSys::Uni16String repeated(const OrvSys::Uni16String& text, int count);
 
 // The pieces for 0 to count - 1, one after the other.
 std::string pieces(int count, const std::function<std::string(int)>& piece);
+
+// Documents of elements that are the same, but for one in which a byte is another one: whole ones, and such that end
+// with it.
+std::vector<std::string> documentsOfSimilarTags();
 
 }  // namespace Xml::test
