@@ -225,18 +225,16 @@ const char* Pieces::rareValueEnd(const char* met, char quote) {
     return valueEnd;
 }
 
-// Before the element begins: where the bound is passed nothing of the tag has been taken.
+// Before the element begins: where the bound is passed nothing of the tag has been taken. The bytes of the tag, which
+// raise the bound, are not counted: what needs them is left to the tokens.
 bool Pieces::decodeValues() {
     const EntityBudget before = budget;
     decoded.clear();
     decoded.reserve(referring.size());  // they stay where they are
     for (const std::size_t place : referring) {
-        const GivenAttributes::Given& given = attributes[place];
-        decoded.emplace_back(given.value());
-        StreamAccess::moveTo(in, given.bytes + given.size + 1);
+        decoded.emplace_back(attributes[place].value());
         if (!budget.expand(in, decoded.back(), dtd)) {
             budget = before;
-            StreamAccess::moveTo(in, begin);
             return false;
         }
         attributes.setValue(place, decoded.back());
