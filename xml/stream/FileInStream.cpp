@@ -148,7 +148,7 @@ bool FileInStream::lendBytes(Window& lent) {
 bool FileInStream::lendBlock(std::streambuf& buffer, Window& lent) {
     if (typeid(buffer) != typeid(std::filebuf) || !leavesBytes(buffer)) return false;
     const bool isTooFew = lent.loan == Window::Loan::TooFew;  // they have come back just now
-    const Position position = isTooFew && cameBackAt >= 0 ? cameBackAt : tellOf(buffer);
+    const Position position = isTooFew && cameBackAt ? *cameBackAt : tellOf(buffer);
     if (position < 0) return false;
     const Position tooFew = isTooFew ? notUsed : 0;
     const std::size_t count =
@@ -174,16 +174,16 @@ void FileInStream::takeBytesBack(const Window& lent) const {
     notUsed = lent.end - lent.cursor;
     if (block != nullptr && block->hasLent(lent)) {
         cameBackAt = lent.base + (lent.cursor - lent.begin);
-        if (notUsed != 0 && !standAt(buffer, cameBackAt)) fail();
+        if (notUsed != 0 && !standAt(buffer, *cameBackAt)) fail();
         return;
     }
-    cameBackAt = -1;
+    cameBackAt.reset();
     GetArea::advance(buffer, static_cast<int>(lent.cursor - GetArea::cursor(buffer)));
 }
 
 // The stream does not stand where it should, as after a seek that failed: nothing is read from there.
 void FileInStream::fail() const {
-    cameBackAt = -1;
+    cameBackAt.reset();
     withoutExceptions([&] { stream->setstate(std::ios_base::failbit); });
 }
 

@@ -3,6 +3,7 @@
 #include "xml/stream/InStream.h"
 #include <iosfwd>
 #include <memory>
+#include <optional>
 
 namespace Xml {
 
@@ -53,8 +54,8 @@ private:
     bool metItsEnd = false;
 
     // Of the bytes lent last.
-    mutable std::streamoff notUsed = -1;     // how many came back; -1 before any were lent
-    mutable std::streamoff cameBackAt = -1;  // where they came back; -1 where that is not known
+    mutable std::streamoff notUsed = -1;               // how many came back; -1 before any were lent
+    mutable std::optional<std::streamoff> cameBackAt;  // where they came back, as far as that is known
 
     std::streamoff getAreaLength = 0;
     std::streamoff measuredEnd = 0;
