@@ -1,5 +1,6 @@
 #include "xml/xpath/internal/Operators.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace Xml {
@@ -21,6 +22,9 @@ constexpr OperatorName oOperatorNames[] = {
     {" * ", Operator::Multiply},
 };
 
+// The shortest operator that begins with a blank.
+constexpr std::ptrdiff_t kShortestWithBlank = 3;
+
 // Whether a blank before the unit may belong to an operator: most do not.
 bool mayFollowBlank(OrvSys::uni16char unit) {
     return unit == u'+' || unit == u'-' || unit == u'*' || (unit >= u'd' && unit <= u'n');
@@ -30,7 +34,7 @@ bool mayFollowBlank(OrvSys::uni16char unit) {
 
 Operator ExtractOperator(Unit& at, Unit end) {
     if (at == end || !mayBeginOperator(*at)) return Operator::None;
-    if (*at == u' ' && (at + 1 == end || !mayFollowBlank(at[1]))) return Operator::None;
+    if (*at == u' ' && (end - at < kShortestWithBlank || !mayFollowBlank(at[1]))) return Operator::None;
     for (const OperatorName& row : oOperatorNames) {
         if (*at != static_cast<unsigned char>(row.text[0]) || !startsWith(at, end, row.text)) continue;
         at += std::strlen(row.text);
