@@ -10,8 +10,7 @@ void SourceMap::begin(Encoding encoding, std::size_t markSize) {
 }
 
 void SourceMap::beginForeign(std::string encoding, std::int64_t text, std::int64_t source) {
-    foreign.emplace(std::move(encoding), text, source);
-    foreignText = text;
+    foreign.emplace(Foreign{{std::move(encoding), text, source}, text});
 }
 
 void SourceMap::took(std::string_view bytes) {
@@ -19,7 +18,7 @@ void SourceMap::took(std::string_view bytes) {
 }
 
 std::int64_t SourceMap::sourceOffset(const TextPosition& place) {
-    if (foreign && place.offset > foreignText) return foreign->sourceOffset(place.offset, bytesAtHand());
+    if (foreign && place.offset > foreign->text) return foreign->offsets.sourceOffset(place.offset, bytesAtHand());
     switch (form) {
     case Encoding::Latin1: return mark + place.characters;
     case Encoding::Utf16Le:
@@ -31,14 +30,14 @@ std::int64_t SourceMap::sourceOffset(const TextPosition& place) {
 }
 
 void SourceMap::forget(std::int64_t textOffset) {
-    if (!foreign || textOffset <= foreignText) return;
-    const std::int64_t before = foreign->sourceBegin();
-    foreign->forget(textOffset, bytesAtHand());
-    if (!whole) kept.erase(0, static_cast<std::size_t>(foreign->sourceBegin() - before));
+    if (!foreign || textOffset <= foreign->text) return;
+    const std::int64_t before = foreign->offsets.sourceBegin();
+    foreign->offsets.forget(textOffset, bytesAtHand());
+    if (!whole) kept.erase(0, static_cast<std::size_t>(foreign->offsets.sourceBegin() - before));
 }
 
 std::string_view SourceMap::bytesAtHand() const {
-    return whole ? whole->substr(static_cast<std::size_t>(foreign->sourceBegin())) : std::string_view(kept);
+    return whole ? whole->substr(static_cast<std::size_t>(foreign->offsets.sourceBegin())) : std::string_view(kept);
 }
 
 }  // namespace Xml

@@ -33,13 +33,18 @@ public:
     void forget(std::int64_t textOffset);
 
 private:
+    // What the platform converted.
+    struct Foreign {
+        ForeignOffsets offsets;
+        std::int64_t text;  // where the text of it begins
+    };
+
     std::string_view bytesAtHand() const;
 
     Encoding form = Encoding::Utf8;
     std::int64_t mark = 0;
 
-    std::optional<ForeignOffsets> foreign;
-    std::int64_t foreignText = 0;  // where the text begins that the platform converted
+    std::optional<Foreign> foreign;
     std::optional<std::string_view> whole;
     std::string kept;  // without a whole source: what ForeignOffsets needs of it
 };
