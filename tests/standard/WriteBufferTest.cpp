@@ -45,6 +45,29 @@ TEST(WriteBufferTest, GivesAllOfItInOrderAndNoPieceInParts) {
     }
 }
 
+TEST(WriteBufferTest, FillsTheBlockToItsLastByte) {
+    constexpr std::size_t kBlock = 4 * Xml::WriteBuffer::kRoom;
+    const std::string half(kBlock / 2, 'x');
+    Pieces pieces;
+    Xml::WriteBuffer buffer(pieces);
+    buffer.put(half);
+    buffer.put(half);
+    EXPECT_EQ(buffer.size(), kBlock);
+    buffer.put("<");
+    EXPECT_EQ(pieces.all, std::vector<std::string>{half + half});
+    buffer.flush();
+
+    const std::string padded = half + std::string(Xml::ShortRuns::kPadded, '-');
+    buffer.putPadded({padded.data(), half.size()});
+    buffer.putPadded({padded.data(), half.size()});
+    EXPECT_EQ(buffer.size(), kBlock);
+    buffer.flush();
+
+    char* const at = buffer.room(kBlock / 2);
+    buffer.tookTo(buffer.more(at + kBlock / 2, kBlock / 2) + kBlock / 2);
+    EXPECT_EQ(buffer.size(), kBlock);
+}
+
 TEST(WriteBufferTest, TakesBackWhatIsInTheBlock) {
     Pieces pieces;
     Xml::WriteBuffer buffer(pieces);
