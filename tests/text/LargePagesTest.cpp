@@ -39,6 +39,29 @@ TEST(LargePagesTest, HasFreshMemoryGivenAtOnce) {
 }
 #endif
 
+// A look at the last page tells whether memory is fresh.
+TEST(LargePagesTest, LeavesMemoryAloneThatIsThere) {
+    constexpr std::size_t kSmallPage = 4096;
+    constexpr std::size_t kPages = 100;
+    void* const memory = mmap(nullptr, kPages * kSmallPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    static_cast<char*>(memory)[(kPages - 1) * kSmallPage] = 'x';
+    LargePages::askForAll(memory, kPages * kSmallPage);
+    std::vector<unsigned char> isThere(kPages);
+    ASSERT_EQ(mincore(memory, kPages * kSmallPage, isThere.data()), 0);
+    EXPECT_EQ(std::count(isThere.begin(), isThere.end(), 1), 1);
+    munmap(memory, kPages * kSmallPage);
+}
+
+TEST(LargePagesTest, MapsPagesOf2MBOnTheirBoundaries) {
+    std::vector<void*> pages;
+    for (int i = 0; i < 8; ++i) {
+        pages.push_back(LargePages::map());
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pages.back()) % (std::uintptr_t{2} << 20), 0U);
+    }
+    for (void* const page : pages) LargePages::unmap(page, LargePages::kBytes);
+}
+
 TEST(LargePagesTest, MapsPagesAndGivesAnyPartOfThemBack) {
     constexpr std::size_t kSmallPage = 4096;
     errno = 17;
