@@ -80,12 +80,7 @@ bool DtdParser::readParameterReference() {
     if (!Syntax::readReferenceName(in, name, namespaces)) return false;
     declared.hasParameterReferences = true;
     const auto found = declared.parameter.find(name);
-    const bool isKnown = found != declared.parameter.end();
-    if (declared.isStandalone && !in.isInEntity() && (!isKnown || found->second.isInParameterEntity)) {
-        return in.fail(from, StandardRules::kEntityDeclared,
-                       "%" + std::string(name) + "; is not declared, in a document that stands alone");
-    }
-    if (!isKnown || found->second.kind != DeclaredEntity::Kind::Internal) {
+    if (found == declared.parameter.end() || found->second.kind != DeclaredEntity::Kind::Internal) {
         declared.hasUnread = true;
         return true;
     }
