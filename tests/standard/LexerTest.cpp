@@ -178,7 +178,15 @@ TEST(LexerTest, RefusesReferencesToWhatIsNotRead) {
     EXPECT_EQ(alone.fault.kind, Problem::Kind::Malformed);
     EXPECT_EQ(ruleOf(kAlone + "<!DOCTYPE a [<!ENTITY % p SYSTEM 's'>%p;<!ENTITY e 'x'>]><a>&e;</a>"), "");
     EXPECT_EQ(ruleOf(kAlone + "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY e 'x'>\">%p;]><a>&e;</a>"), "Entity Declared");
-    EXPECT_EQ(ruleOf(kAlone + "<!DOCTYPE a [%p;]><a/>"), "Entity Declared");
+    EXPECT_EQ(ruleOf(kAlone + "<!DOCTYPE a [%p;]><a/>"), "");
+    EXPECT_EQ(lex(kAlone + "<!DOCTYPE a [%p;]><a>&e;</a>").fault.kind, Problem::Kind::Malformed);
+    const auto said = [](const char* text) { return lex(text).fault.text; };
+    EXPECT_EQ(said("<!DOCTYPE a SYSTEM 's'><a>&e;</a>"),
+              "&e; is not declared in what is read, and may be in what is not read");
+    EXPECT_EQ(said("<!DOCTYPE a SYSTEM 's' [%p;<!ENTITY e 'x'>]><a>&e;</a>"),
+              "&e; is not declared before a parameter entity that is not read, and may be in that");
+    EXPECT_EQ(said("<!DOCTYPE a [<!ENTITY % p ''>%p;]><a>&e;</a>"),
+              "&e; is not declared, and what it stands for is not known");
 }
 
 TEST(LexerTest, ReadsDeclarations) {

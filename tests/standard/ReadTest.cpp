@@ -169,6 +169,33 @@ TEST(ReadTest, SaysWhetherAReservedTargetIsADeclaration) {
     EXPECT_EQ(problemOf("<a/><?XML?>").text, "the target XML is reserved");
 }
 
+TEST(ReadTest, NamesAllThatMayStandThere) {
+    const auto said = [](const std::string& text) { return problemOf(text).toString(); };
+    EXPECT_EQ(said("<?xml\xC2\xA0version='1.0'?><a/>"),
+              "1:6: error: white space after \"<?xml\" expected, found \"\xC2\xA0\" (U+00A0)");
+    EXPECT_EQ(said("<?xml/?><a/>"), "1:6: error: white space after \"<?xml\" expected, found \"/\"");
+    EXPECT_EQ(said("<?xml version='1.0' Encoding='UTF-8'?><a/>"),
+              "1:21: error: encoding, standalone or \"?>\" expected, found \"E\"");
+    EXPECT_EQ(said("<?xml version='1.0' encoding='UTF-8' Standalone='no'?><a/>"),
+              "1:38: error: standalone or \"?>\" expected, found \"S\"");
+    EXPECT_EQ(said("<?xml version='1.0' standalone='no' encoding='UTF-8'?><a/>"),
+              "1:37: error: \"?>\" expected, found \"e\"");
+    EXPECT_EQ(said("<!DOCTYPE a 's'><a/>"), "1:13: error: SYSTEM, PUBLIC, \"[\" or \">\" expected, found \"'\"");
+    EXPECT_EQ(said("<!DOCTYPE a SYSTEM 's' 's'><a/>"), "1:24: error: \"[\" or \">\" expected, found \"'\"");
+    EXPECT_EQ(said("<!DOCTYPE a [] 's'><a/>"), "1:16: error: \">\" expected, found \"'\"");
+}
+
+TEST(ReadTest, SaysWhichDeclarationTakesAReservedNamespace) {
+    const auto said = [](const std::string& text) { return problemOf(text).text; };
+    const std::string xml = "'http://www.w3.org/XML/1998/namespace'/>";
+    const std::string xmlns = "'http://www.w3.org/2000/xmlns/'/>";
+    EXPECT_EQ(said("<a xmlns=" + xml), "the default namespace is that of xml");
+    EXPECT_EQ(said("<a xmlns:b=" + xml), "another prefix than xml stands for the namespace of xml");
+    EXPECT_EQ(said("<a xmlns:xml='b'/>"), "the prefix xml stands for another namespace than its own");
+    EXPECT_EQ(said("<a xmlns=" + xmlns), "the default namespace is that of xmlns");
+    EXPECT_EQ(said("<a xmlns:b=" + xmlns), "a prefix stands for the namespace of xmlns");
+}
+
 TEST(ReadTest, SaysWhatStandsInThePlaceOfWhatIsExpected) {
     const struct {
         const char* text;
@@ -181,7 +208,9 @@ TEST(ReadTest, SaysWhatStandsInThePlaceOfWhatIsExpected) {
         {"< a/>", "\" \""},
         {"<\"/>", "'\"'"},
         {"<'/>", "\"'\""},
-        {"<\xC3\x97/>", "\"\xC3\x97\""},
+        {"<\xC2\xA0/>", "\"\xC2\xA0\" (U+00A0)"},
+        {"<\xC3\x97/>", "\"\xC3\x97\" (U+00D7)"},
+        {"<\xE2\x80\x8F/>", "U+200F"},
     };
     for (const auto& c : kCases) {
         EXPECT_EQ(problemOf(c.text).text,

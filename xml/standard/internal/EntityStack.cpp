@@ -12,6 +12,18 @@ namespace Xml {
 
 namespace {
 
+// Whether it is clear between quotes what it is. Of what is not ASCII that is what begins a name: among the rest are
+// white space, what has no shape, and what joins the character before it.
+bool isClear(char32_t c) {
+    constexpr char32_t kNonJoiner = 0x200C;
+    constexpr char32_t kJoiner = 0x200D;
+    return c < 0x80 || (StandardNames::isNameStart(c) && c != kNonJoiner && c != kJoiner);
+}
+
+}  // namespace
+
+namespace {
+
 // What is looked for as a whole, wherever that is. A parameter entity is one by its '%' and one character of its name.
 constexpr std::string_view kKeywords[] = {"<!--",     "<![CDATA[",  "<!DOCTYPE", "<!ELEMENT", "<!ATTLIST",
                                           "<!ENTITY", "<!NOTATION", "?>",        "/>",        "%p"};
@@ -70,14 +82,14 @@ bool EntityStack::grow(std::size_t byteCount, const char* where) {
 std::string EntityStack::describe(const char* where) const {
     if (where == end) return isInEntity() ? "the end of the entity" : "the end of the document";
     const Utf8::Character c = Utf8::at(where);
-    if (!isControl(c.value) && StandardNames::isChar(c.value)) {
-        const char* const quote = *where == '"' ? "'" : "\"";
-        return quote + std::string(where, where + c.size) + quote;
-    }
     if (c.value == '\n' || c.value == '\r') return "the end of the line";
+    const bool isShown = !isControl(c.value) && StandardNames::isChar(c.value);
+    const char* const quote = *where == '"' ? "'" : "\"";
+    const std::string shown = isShown ? quote + std::string(where, where + c.size) + quote : "";
+    if (isShown && isClear(c.value)) return shown;
     char code[16];
     std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(c.value));
-    return code;
+    return isShown ? shown + " (" + code + ")" : code;
 }
 
 bool EntityStack::failUnlessKeyword(const char* where, const char* rule, std::string text) {

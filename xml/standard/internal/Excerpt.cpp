@@ -51,7 +51,8 @@ void appendWord(std::string& to, std::string_view word) {
 
 bool isControl(char32_t c) {
     const auto isAmong = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
-    return c < 0x20 || isAmong(0x7F, 0x9F) || isAmong(0x2028, 0x202E) || isAmong(0x2066, 0x2069);
+    return c < 0x20 || isAmong(0x7F, 0x9F) || c == 0x061C || isAmong(0x200E, 0x200F) || isAmong(0x2028, 0x202E) ||
+           isAmong(0x2066, 0x2069);
 }
 
 std::string visible(std::string_view text) {

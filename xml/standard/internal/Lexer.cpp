@@ -281,8 +281,10 @@ bool Lexer::readDoctypeParts() {
         itsDoctype.subset = viewOf(from, in.at - 1);
         Syntax::skipWhite(in);
     }
-    return Syntax::readByte(in, '>', StandardRules::kDoctypedecl,
-                            itsDoctype.subset.data() != nullptr ? "\">\"" : "\"[\" or \">\"");
+    const char* const what = itsDoctype.subset.data() != nullptr ? "\">\""
+                             : id.isPresent                      ? "\"[\" or \">\""
+                                                                 : "SYSTEM, PUBLIC, \"[\" or \">\"";
+    return Syntax::readByte(in, '>', StandardRules::kDoctypedecl, what);
 }
 
 std::string_view Lexer::cutTag() const {

@@ -204,12 +204,15 @@ bool Tags::declarePrefix(const TagAttribute& attribute) {
     if (prefix == "xmlns")
         return fail(StandardRules::kReservedPrefixesAndNamespaceNames, "the prefix xmlns is declared");
     if (attribute.value == Namespaces::kXmlnsName) {
-        return fail(StandardRules::kReservedPrefixesAndNamespaceNames, "a prefix stands for the namespace of xmlns");
+        return fail(
+            StandardRules::kReservedPrefixesAndNamespaceNames,
+            prefix.empty() ? "the default namespace is that of xmlns" : "a prefix stands for the namespace of xmlns");
     }
     if (isXml != (prefix == "xml")) {
         return fail(StandardRules::kReservedPrefixesAndNamespaceNames,
-                    isXml ? "another prefix than xml stands for the namespace of xml"
-                          : "the prefix xml stands for another namespace than its own");
+                    isXml && prefix.empty() ? "the default namespace is that of xml"
+                    : isXml                 ? "another prefix than xml stands for the namespace of xml"
+                                            : "the prefix xml stands for another namespace than its own");
     }
     if (attribute.value.empty() && !prefix.empty()) {
         return fail(StandardRules::kNoPrefixUndeclaring, "the prefix " + std::string(prefix) + " stands for nothing");

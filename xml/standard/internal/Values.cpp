@@ -102,6 +102,12 @@ bool Values::readReference(std::string& buffer) {
     return in.enter(name, *entity, from, 0);
 }
 
+const char* Values::whereUndeclared() const {
+    if (declared.hasUnread) return " is not declared before a parameter entity that is not read, and may be in that";
+    if (declared.hasExternalSubset) return " is not declared in what is read, and may be in what is not read";
+    return " is not declared, and what it stands for is not known";
+}
+
 DeclaredEntity* Values::find(std::string_view& name, const char* reference) {
     const auto found = declared.general.find(name);
     const std::string shown = "&" + std::string(name) + ";";
@@ -109,8 +115,7 @@ DeclaredEntity* Values::find(std::string_view& name, const char* reference) {
         if (declared.mustDeclare()) {
             in.fail(reference, StandardRules::kEntityDeclared, shown + " is not declared");
         } else {
-            in.fail(reference, StandardRules::kEntityDeclared,
-                    shown + " is not declared in what is read, and may be in what is not read", Problem::Kind::Refused);
+            in.fail(reference, StandardRules::kEntityDeclared, shown + whereUndeclared(), Problem::Kind::Refused);
         }
         return nullptr;
     }
@@ -121,7 +126,8 @@ DeclaredEntity* Values::find(std::string_view& name, const char* reference) {
         return nullptr;
     }
     if (entity.isInParameterEntity && declared.mustDeclare() && !in.isInParameterEntity()) {
-        in.fail(reference, StandardRules::kEntityDeclared, shown + " is declared within a parameter entity only");
+        in.fail(reference, StandardRules::kEntityDeclared,
+                "the declaration of " + shown + " that counts stands within a parameter entity");
         return nullptr;
     }
     return &entity;

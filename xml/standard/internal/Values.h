@@ -33,6 +33,7 @@ public:
 private:
     bool readReference(std::string& buffer);
     bool failAtLess(const char* where, bool isWritten);
+    const char* whereUndeclared() const;
 
     EntityStack& in;
     Declarations& declared;

@@ -2,6 +2,7 @@
 
 #include "xml/standard/internal/Rules.h"
 #include "xml/standard/internal/Syntax.h"
+#include "xml/text/internal/StandardNames.h"
 #include <algorithm>
 #include <string_view>
 
@@ -86,11 +87,13 @@ bool readXmlDeclaration(EntityStack& in, XmlDeclaration& declaration) {
     if (Syntax::mayBecome(in, "<?xml ")) return in.endsEarly(in.at, StandardRules::kXMLDecl, {});
     const auto left = static_cast<std::size_t>(in.end - in.at);
     if (!startsWith(in, kOpening) || left == kOpening.size()) return true;
-    const char next = in.at[kOpening.size()];
-    if (!Syntax::isWhite(next) && next != '?') return true;  // an instruction
+    const char* const opened = in.at + kOpening.size();
+    if (StandardNames::nameEnd(in.at + 2, in.end) != opened) return true;  // an instruction
+    if (!Syntax::isWhite(*opened) && *opened != '?')
+        return in.expected(opened, StandardRules::kVersionInfo, "white space after \"<?xml\"");
     declaration = {};
     declaration.isPresent = true;
-    in.at += kOpening.size();
+    in.at = opened;
     bool isPresent = false;
     if (!readPart(in, kVersion, isPresent, declaration.version)) return false;
     if (!isPresent) {
@@ -99,10 +102,14 @@ bool readXmlDeclaration(EntityStack& in, XmlDeclaration& declaration) {
     }
     std::string standalone;
     if (!readPart(in, kEncoding, isPresent, declaration.encoding)) return false;
+    const char* expected = isPresent ? "standalone or \"?>\"" : "encoding, standalone or \"?>\"";
     if (!readPart(in, kStandalone, isPresent, standalone)) return false;
-    if (isPresent) declaration.standalone = standalone == "yes";
+    if (isPresent) {
+        declaration.standalone = standalone == "yes";
+        expected = "\"?>\"";
+    }
     Syntax::skipWhite(in);
-    if (!startsWith(in, "?>")) return in.expected(in.at, StandardRules::kXMLDecl, "\"?>\"");
+    if (!startsWith(in, "?>")) return in.expected(in.at, StandardRules::kXMLDecl, expected);
     in.at += 2;
     return true;
 }
