@@ -442,5 +442,22 @@ TEST(StreamWriterTest, WhatTheDocumentTypeSuppliesIsLeftOutWithIt) {
     EXPECT_EQ(filtered(text, everything(), options, problems), "<a y=\"2\" x=\"1\"/>\n");
 }
 
+TEST(StreamWriterTest, WhatAnotherDocumentTypeSuppliedIsWritten) {
+    const ReadResult read = readText("<!DOCTYPE a [<!ATTLIST b x CDATA '1'>]><a><b/></a>");
+    ASSERT_TRUE(read);
+    const auto writtenAfter = [&](const char* subset) {
+        Prolog prolog;
+        prolog.doctype = "z";
+        prolog.internalSubset = subset;
+        std::ostringstream out;
+        StreamWriter writer(out, bare());
+        writer.prolog(prolog).start("z").node(*read->getRoot()->getChild(0)).end();
+        EXPECT_TRUE(writer.finish());
+        return out.str();
+    };
+    EXPECT_EQ(writtenAfter(""), "<!DOCTYPE z>\n<z><b x=\"1\"/></z>\n");
+    EXPECT_EQ(writtenAfter("<!ATTLIST b x CDATA '1'>"), "<!DOCTYPE z [<!ATTLIST b x CDATA '1'>]>\n<z><b/></z>\n");
+}
+
 }  // namespace
 }  // namespace Xml::test

@@ -150,6 +150,42 @@ TEST(WriteTest, IndentationEndsAtSixtyFourLevels) {
     EXPECT_EQ(lines.find(std::string(129, ' ')), std::string::npos);
 }
 
+TEST(WriteTest, DefaultsAreWrittenThatTheDocumentTypeDoesNotSupply) {
+    const std::string from = "<!DOCTYPE a [<!ATTLIST b x CDATA '1'>]><a><b/></a>";
+    const auto source = documentOf(from);
+    WriteOptions options;
+    options.declaration = false;
+    options.indent.clear();
+    const auto copiedInto = [&](const std::string& prolog) {
+        const auto target = documentOf(prolog + "<a/>");
+        target->getRoot()->addChild(source->getRoot()->getChild(0)->clone());
+        return written(*target, options);
+    };
+    const std::string plain = "<!DOCTYPE a>";
+    const std::string other = "<!DOCTYPE a [<!ATTLIST b x CDATA '2'>]>";
+    const std::string ofOther = "<!DOCTYPE a [<!ATTLIST c x CDATA '1'>]>";
+    const std::string required = "<!DOCTYPE a [<!ATTLIST b x CDATA #REQUIRED>]>";
+    const std::string same = "<!DOCTYPE a [<!ATTLIST b x NMTOKEN #FIXED '1'>]>";
+    EXPECT_EQ(copiedInto(""), "<a><b x=\"1\"/></a>\n");
+    for (const std::string& doctype : {plain, other, ofOther, required})
+        EXPECT_EQ(copiedInto(doctype), doctype + "\n<a><b x=\"1\"/></a>\n");
+    EXPECT_EQ(copiedInto(same), same + "\n<a><b/></a>\n");
+
+    const auto document = documentOf(from);
+    static_cast<Element*>(document->getRoot()->getChild(0))->setName("c");
+    EXPECT_EQ(written(*document, options), "<!DOCTYPE a [<!ATTLIST b x CDATA '1'>]>\n<a><c x=\"1\"/></a>\n");
+    prologOf(*document).internalSubset.clear();
+    EXPECT_EQ(written(*document, options), "<!DOCTYPE a>\n<a><c x=\"1\"/></a>\n");
+
+    // After an entity that is not read declarations count only in a document that stands alone.
+    const std::string unread = "<!DOCTYPE a [%e;<!ATTLIST b x CDATA '1'>]>";
+    const auto alone = documentOf("<?xml version='1.0' standalone='yes'?>" + unread + "<a><b/></a>");
+    EXPECT_EQ(written(*alone, options), unread + "\n<a><b x=\"1\"/></a>\n");
+    options.declaration = true;
+    EXPECT_EQ(written(*alone, options),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n" + unread + "\n<a><b/></a>\n");
+}
+
 TEST(WriteTest, OptionsSayTheForm) {
     const auto document = documentOf(
         "<?xml version='1.0' standalone='yes'?><!DOCTYPE a [<!ATTLIST a x CDATA '1'>]>"

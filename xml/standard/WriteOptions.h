@@ -18,7 +18,7 @@ struct WriteOptions {
     bool doctype = true;             // of a document
     bool mark = false;               // a byte order mark; UTF-16 and UTF-32 by these names have one anyway
     bool shortEmptyTags = true;      // <a/>
-    bool defaults = false;           // also attributes that isDefault, where their document type is written too
+    bool defaults = false;           // also attributes that isDefault and that the document type, as written, supplies
 };
 
 // How the document was read: without indentation, and declaration, encoding, mark and line ends as they were.

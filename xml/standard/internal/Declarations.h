@@ -59,6 +59,14 @@ struct Declarations {
     // Whether entity and attribute-list declarations count: after something that is not read they do not.
     bool areProcessed() const { return !hasUnread || isStandalone; }
 
+    // Whether an element of that name has the attribute with that value where its tag lacks it.
+    bool supply(std::string_view element, std::string_view attribute, std::string_view value) const {
+        const auto rules = elements.find(element);
+        if (rules == elements.end()) return false;
+        const auto rule = rules->second.all.find(attribute);
+        return rule != rules->second.all.end() && rule->second.hasDefault() && rule->second.value == value;
+    }
+
     // Whether a reference has to name an entity that is declared here: Entity Declared.
     bool mustDeclare() const { return isStandalone || (!hasExternalSubset && !hasParameterReferences); }
 };

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Xml {
@@ -173,6 +174,7 @@ public:
 
     const XmlDeclaration& declaration() const { return itsDeclaration; }
     const Declarations& declarations() const { return declared; }
+    Declarations takeDeclarations() { return std::move(declared); }
 
     // Of Failed.
     const Fault& fault() const { return in.fault(); }

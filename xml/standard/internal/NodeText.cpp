@@ -39,7 +39,7 @@ private:
         switch (kindOf(node)) {
         case NodeKind::Document: return writeDocument(static_cast<const Document&>(node));
         case NodeKind::Dtd: return PrologWriter::putDeclarations(markup, static_cast<const Dtd&>(node));
-        default: return writeTree(node, true);
+        default: return writeTree(node, nullptr);
         }
     }
 
@@ -51,13 +51,15 @@ private:
         if (options.declaration) PrologWriter::putDeclaration(markup, options, &prolog);
         if (!writeAround(prolog.beforeDoctype)) return false;
         const bool hasDoctype = options.doctype && (!prolog.doctype.empty() || dtd != nullptr);
+        Declarations written;
         if (hasDoctype) {
-            const bool isPut = prolog.doctype.empty() ? PrologWriter::putDoctype(markup, *dtd)
-                                                      : PrologWriter::putDoctype(markup, prolog);
+            const bool isAlone = PrologWriter::saysStandalone(options, prolog);
+            const bool isPut = prolog.doctype.empty() ? PrologWriter::putDoctype(markup, *dtd, isAlone, written)
+                                                      : PrologWriter::putDoctype(markup, prolog, isAlone, written);
             if (!isPut) return false;
         }
         if (!writeAround(prolog.beforeRoot)) return false;
-        if (!writeTree(*root, options.defaults || !hasDoctype)) return false;
+        if (!writeTree(*root, options.defaults ? nullptr : &written)) return false;
         markup.buffer().put(markup.lineEnd());
         return writeAround(prolog.afterRoot);
     }
@@ -68,14 +70,14 @@ private:
             if (kind != NodeKind::Comment && kind != NodeKind::Instruction)
                 return markup.fail("around the root stands what is neither a comment nor an instruction",
                                    StandardRules::kProlog);
-            if (!writeTree(*node, true)) return false;
+            if (!writeTree(*node, nullptr)) return false;
             markup.buffer().put(markup.lineEnd());
         }
         return true;
     }
 
-    bool writeTree(const Object& node, bool hasDefaults) {
-        TreeWriter tree(markup, {options.indent, options.shortEmptyTags, hasDefaults, 0});
+    bool writeTree(const Object& node, const Declarations* written) {
+        TreeWriter tree(markup, {options.indent, options.shortEmptyTags, written, 0});
         if (tree.write(node)) return true;
         failed = tree.failure();
         return false;

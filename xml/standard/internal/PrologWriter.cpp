@@ -21,6 +21,7 @@ constexpr const char* kWhat = "the document type";
 // The parts of a document type declaration.
 struct Parts {
     std::string_view name, publicId, systemId, subset;
+    bool isStandalone;  // the document
 };
 
 std::string quoted(std::string_view text) {
@@ -39,8 +40,9 @@ std::string declarationOf(const Parts& parts) {
     return text + '>';
 }
 
-// Whether it is what a reader finds in it: the parts come from programs, and may be anything.
-bool check(Markup& markup, const std::string& declaration, const Parts& parts) {
+// Whether it is what a reader finds in it: the parts come from programs, and may be anything. `written` is what it
+// declares.
+bool check(Markup& markup, const std::string& declaration, const Parts& parts, Declarations& written) {
     const char* const end = declaration.data() + declaration.size();
     if (Utf8::check(declaration.data(), end).ending != Utf8::Ending::Whole)
         return markup.fail(std::string(kWhat) + " has bytes that are not UTF-8",
@@ -49,14 +51,17 @@ bool check(Markup& markup, const std::string& declaration, const Parts& parts) {
     options.namespaces = false;
     options.entityGrowth = ReadOptions().entityGrowth;
     Lexer lexer(options);
-    lexer.setWindow(declaration, true);
+    const std::string text = (parts.isStandalone ? "<?xml version=\"1.0\" standalone=\"yes\"?>" : "") + declaration;
+    lexer.setWindow(text, true);
     const Lexer::Event event = lexer.next();
     if (event == Lexer::Event::Failed)
         return markup.fail(kWhat + (" cannot be written: " + lexer.fault().text), lexer.fault().rule);
     const Lexer::Doctype& found = lexer.doctype();
     if (event == Lexer::Event::Doctype && lexer.ahead().empty() && lexer.name() == parts.name &&
-        found.publicId == parts.publicId && found.systemId == parts.systemId && found.subset == parts.subset)
+        found.publicId == parts.publicId && found.systemId == parts.systemId && found.subset == parts.subset) {
+        written = lexer.takeDeclarations();
         return true;
+    }
     return markup.fail(std::string(kWhat) + " cannot be written: its parts would be read as other ones",
                        StandardRules::kDoctypedecl);
 }
@@ -67,10 +72,10 @@ bool putLines(Markup& markup, const std::string& text) {
     return markup.putAsIs(lines, kWhat);
 }
 
-bool put(Markup& markup, const Parts& parts) {
+bool put(Markup& markup, const Parts& parts, Declarations& written) {
     if (!markup.checkName(parts.name, "a document type")) return false;
     const std::string declaration = declarationOf(parts);
-    if (!check(markup, declaration, parts)) return false;
+    if (!check(markup, declaration, parts, written)) return false;
     if (!putLines(markup, declaration)) return false;
     markup.buffer().put(markup.lineEnd());
     return true;
@@ -92,20 +97,26 @@ void putDeclaration(Markup& markup, const WriteOptions& options, const Prolog* p
     out.put(markup.lineEnd());
 }
 
-bool putDoctype(Markup& markup, const Prolog& prolog) {
-    return put(markup, {prolog.doctype, prolog.publicId, prolog.systemId, prolog.internalSubset});
+bool saysStandalone(const WriteOptions& options, const Prolog& prolog) {
+    return options.declaration && prolog.standalone.value_or(false);
 }
 
-bool putDoctype(Markup& markup, const Dtd& dtd) {
+bool putDoctype(Markup& markup, const Prolog& prolog, bool isStandalone, Declarations& written) {
+    return put(markup, {prolog.doctype, prolog.publicId, prolog.systemId, prolog.internalSubset, isStandalone},
+               written);
+}
+
+bool putDoctype(Markup& markup, const Dtd& dtd, bool isStandalone, Declarations& written) {
     std::string subset = declarationsOf(dtd);
     if (!subset.empty()) subset.insert(0, 1, '\n');
-    return put(markup, {DtdAccess::name(dtd), {}, {}, subset});
+    return put(markup, {DtdAccess::name(dtd), {}, {}, subset, isStandalone}, written);
 }
 
 bool putDeclarations(Markup& markup, const Dtd& dtd) {
     const std::string declarations = declarationsOf(dtd);
-    const Parts parts{"a", {}, {}, declarations};
-    return check(markup, declarationOf(parts), parts) && putLines(markup, declarations);
+    const Parts parts{"a", {}, {}, declarations, false};
+    Declarations written;
+    return check(markup, declarationOf(parts), parts, written) && putLines(markup, declarations);
 }
 
 }  // namespace Xml::PrologWriter

@@ -133,8 +133,7 @@ bool StreamOutput::putDoctype(const Prolog& prolog) {
     if (stage != Stage::BeforeDoctype)
         return markup.fail("the document type has to stand once, and before the root", StandardRules::kProlog);
     stage = Stage::BeforeRoot;
-    hasDoctype = true;
-    return PrologWriter::putDoctype(markup, prolog);
+    return PrologWriter::putDoctype(markup, prolog, PrologWriter::saysStandalone(options, prolog), written);
 }
 
 bool StreamOutput::putAround(const Nodes& nodes) {
@@ -226,8 +225,8 @@ bool StreamOutput::node(const Object& subtree) {
     const bool isElement = kind == NodeKind::Element;
     if (isText ? !beginText("text") : isElement ? !beginElement() : !beginPiece()) return false;
     const bool isIndented = open.empty() || open.back().isIndented;
-    TreeWriter tree(markup, {isIndented ? options.indent : "", options.shortEmptyTags, options.defaults || !hasDoctype,
-                             open.size()});
+    TreeWriter tree(markup, {isIndented ? options.indent : "", options.shortEmptyTags,
+                             options.defaults ? nullptr : &written, open.size()});
     if (!tree.write(subtree)) return false;
     if (open.empty() && isElement) stage = Stage::AfterRoot;
     endPiece();
@@ -261,7 +260,7 @@ bool StreamOutput::copyStart(const StreamReader& at) {
     const EventAtHand& event = StreamReaderAccess::events(at).atHand();
     for (std::size_t i = 0; i < event.attributeCount; ++i) {
         const TagAttribute& one = event.attributes[i];
-        if (one.isDefault && hasDoctype && !options.defaults) continue;
+        if (one.isDefault && !options.defaults && written.supply(at.name(), one.name, one.value)) continue;
         if (!attribute(one.name, one.value)) return false;
     }
     return true;

@@ -3,6 +3,7 @@
 #include "xml/dom/Prolog.h"
 #include "xml/standard/Problem.h"
 #include "xml/standard/WriteOptions.h"
+#include "xml/standard/internal/Declarations.h"
 #include "xml/standard/internal/GivenNames.h"
 #include "xml/standard/internal/Markup.h"
 #include "xml/standard/internal/OutputForm.h"
@@ -102,7 +103,7 @@ private:
     Stage stage = Stage::Beginning;
     bool isOver = false;  // it has failed, or is finished
     bool isTagOpen = false;
-    bool hasDoctype = false;
+    Declarations written;  // of the document type
     std::string names;
     std::vector<Open> open;
     GivenNames given;  // of the attributes in the tag that is open

@@ -1,6 +1,7 @@
 #include "xml/standard/internal/TreeWriter.h"
 
 #include "xml/dom/NodeKind.h"
+#include "xml/standard/internal/Declarations.h"
 #include "xml/standard/internal/Rules.h"
 #include "xml/text/internal/Utf8.h"
 #include <algorithm>
@@ -171,9 +172,16 @@ bool TreeWriter::mayIndent(const Element& element) {
 
 // --- Attributes ---
 
+// Of one that a document type supplied when it was read. The one that is written may be another.
+bool TreeWriter::isLeftOut(const Attribute& attribute) const {
+    const auto* const element = static_cast<const Element*>(attribute.getParent());
+    return layout.written != nullptr &&
+           layout.written->supply(NodeAccess::name(*element), NodeAccess::name(attribute), NodeAccess::text(attribute));
+}
+
 // Null where it cannot be written.
 [[gnu::always_inline]] inline char* TreeWriter::putAttribute(char* at, const Attribute& attribute) {
-    if (!layout.defaults && NodeAccess::isSupplied(attribute)) return at;
+    if (NodeAccess::isSupplied(attribute) && isLeftOut(attribute)) return at;
     const std::string& name = NodeAccess::name(attribute);
     if (!checkName(name, attribute, "an attribute")) return nullptr;
     const std::string_view value = NodeAccess::text(attribute);

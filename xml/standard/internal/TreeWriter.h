@@ -15,6 +15,7 @@ class Attribute;
 class CharData;
 class Element;
 class Object;
+struct Declarations;
 
 // Writes a node with all below it. Nothing recurses with the depth.
 class TreeWriter {
@@ -22,8 +23,8 @@ public:
     struct Layout {
         std::string indent;  // inside elements with child elements and without text; empty: nothing is added
         bool shortEmptyTags = true;
-        bool defaults = false;  // also attributes that the document type supplies
-        std::size_t level = 0;  // of elements that are open around the node
+        const Declarations* written = nullptr;  // the defaults that these supply are left out
+        std::size_t level = 0;                  // of elements that are open around the node
     };
 
     // Lines begin no deeper than that, so that what is written stays in proportion to the tree.
@@ -51,6 +52,7 @@ private:
 
     char* putAttributes(char* at, const Element& element);
     char* putAttribute(char* at, const Attribute& attribute);
+    [[gnu::noinline]] bool isLeftOut(const Attribute& attribute) const;
     char* putAttributeSlowly(char* at, const Attribute& attribute);
     bool placeByNumber(AttributeSpan attributes);
     bool sortByNumber(AttributeSpan attributes);
