@@ -260,9 +260,22 @@ TEST(WriteTest, WhatIsWrittenSaysItsEncoding) {
     EXPECT_EQ(written(*wide, asRead(*wide)), std::string("\xFF\xFE<\0a\0/\0>\0\n\0", 12));
     options.encoding = "ISO-8859-1";
     const auto narrow = documentOf("<a>\xE4</a>", options);
-    EXPECT_EQ(written(*narrow, asRead(*narrow)), "<a>\u00E4</a>\n");
+    const std::string latin = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<a>\xE4</a>\n";
+    EXPECT_EQ(written(*narrow, asRead(*narrow)), latin);
     const auto declared = documentOf("<?xml version='1.0' encoding='US-ASCII'?><a>\xE4</a>", options);
-    EXPECT_EQ(written(*declared, asRead(*declared)), "<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n<a>&#228;</a>\n");
+    EXPECT_EQ(written(*declared, asRead(*declared)), latin);
+    const auto again = documentOf(latin, options);
+    EXPECT_EQ(written(*again, asRead(*again)), latin) << "as often as it is saved";
+    options.encoding = "Shift_JIS";
+    const auto foreign = documentOf("<a>\x82\xA0</a>", options);
+    EXPECT_EQ(written(*foreign, asRead(*foreign)), "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n<a>\x82\xA0</a>\n");
+    const auto wrong = documentOf("<?xml version='1.0' encoding='EUC-JP'?><a>\x82\xA0</a>", options);
+    EXPECT_EQ(written(*wrong, asRead(*wrong)), written(*foreign, asRead(*foreign)));
+    options.encoding = "UTF-8";
+    const auto misnamed = documentOf("<?xml version='1.0' encoding='ISO-8859-1'?><a>\u00E4</a>", options);
+    EXPECT_EQ(written(*misnamed, asRead(*misnamed)), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\u00E4</a>\n");
+    const auto spelled = documentOf("<?xml version='1.0' encoding='utf8'?><a/>", options);
+    EXPECT_EQ(written(*spelled, asRead(*spelled)), "<?xml version=\"1.0\" encoding=\"utf8\"?>\n<a/>\n");
 }
 
 // Some encodings have another character in the place of one of ASCII.
