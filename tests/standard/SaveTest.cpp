@@ -164,6 +164,39 @@ TEST_F(SaveTest, WritesToPipesAndDevices) {
     EXPECT_EQ(names(), std::vector<std::string>{"pipe"});
 }
 
+#ifdef __linux__
+// The system's links to what is open say "pipe:[1]", or the name of a file with " (deleted)" after it.
+TEST_F(SaveTest, WritesToWhatIsOpen) {
+    const auto linkTo = [](int file) { return "/proc/self/fd/" + std::to_string(file); };
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const WriteResult piped = saveFile(*document, linkTo(ends[1]), bare);
+    EXPECT_TRUE(piped) << piped.message();
+    ::close(ends[1]);
+    std::string read(100, ' ');
+    read.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(ends[0], read.data(), read.size()), 0)));
+    ::close(ends[0]);
+    EXPECT_EQ(read, "<a>new</a>\n");
+
+    const fs::path path = folder / "file";
+    put(path, "what was there, which is longer");
+    const int file = ::open(path.c_str(), O_RDWR);
+    ASSERT_GE(file, 0);
+    EXPECT_TRUE(saveFile(*document, linkTo(file), bare));
+    EXPECT_EQ(textOf(path), "<a>new</a>\n") << "a file with a name is replaced";
+    ::close(file);
+
+    put(path, "what was there, which is longer");
+    const int unnamed = ::open(path.c_str(), O_RDWR);
+    ASSERT_GE(unnamed, 0);
+    fs::remove(path);
+    EXPECT_TRUE(saveFile(*document, linkTo(unnamed), bare));
+    EXPECT_EQ(textOf(linkTo(unnamed)), "<a>new</a>\n");
+    ::close(unnamed);
+    EXPECT_EQ(names(), std::vector<std::string>());
+}
+#endif
+
 TEST_F(SaveTest, WhatCannotBeWrittenIsAProblem) {
     const fs::path path = folder / "file.xml";
     put(path, "old");

@@ -111,26 +111,38 @@ bool FileReplacement::fail() {
 }
 
 bool FileReplacement::replace(const std::string& path, std::string_view bytes, Problem& problem) {
-    struct stat old = {};
-    bool isDone = false;
-    if (path.empty() || path.find('\0') != std::string::npos) {
-        error = ENOENT;
-    } else if (follow(path)) {
-        const bool isThere = calls.status(target.c_str(), old) == 0;
-        if (!isThere && errno != ENOENT) {
-            fail();
-        } else if (isThere && S_ISDIR(old.st_mode)) {
-            error = EISDIR;
-        } else {
-            isDone = isThere && !S_ISREG(old.st_mode) ? writeDirectly(bytes) : replaceFile(old, isThere, bytes);
-        }
-    }
+    const bool isDone = put(path, bytes);
     if (isDone && syncFolder()) return true;
     const std::string what =
         isDone ? "the file is written, but its folder cannot be synced: " : "the file cannot be written: ";
     const auto kind = error == ENOENT || error == ENOTDIR ? Problem::Kind::NotFound : Problem::Kind::Unwritable;
     problem = problemOf({}, kind, what + std::strerror(error));
     return false;
+}
+
+// Links of the system to what a process has open name no file, or none that is there: only what is behind them says how
+// it can be written.
+bool FileReplacement::put(const std::string& path, std::string_view bytes) {
+    struct stat old = {};
+    if (path.empty() || path.find('\0') != std::string::npos) {
+        error = ENOENT;
+        return false;
+    }
+    const bool isThere = calls.status(path.c_str(), old) == 0;
+    if (!isThere && errno != ENOENT) return fail();
+    if (isThere && S_ISDIR(old.st_mode)) {
+        error = EISDIR;
+        return false;
+    }
+    if (isThere && !S_ISREG(old.st_mode)) return writeDirectly(path, 0, bytes);
+    if (!follow(path)) return false;
+    if (isThere && old.st_nlink == 0 && !isTargetThere()) return writeDirectly(path, O_TRUNC, bytes);
+    return replaceFile(old, isThere, bytes);
+}
+
+bool FileReplacement::isTargetThere() {
+    struct stat now = {};
+    return calls.status(target.c_str(), now) == 0;
 }
 
 // Symbolic links are replaced by nothing: what they name is.
@@ -147,10 +159,10 @@ bool FileReplacement::follow(const std::string& path) {
     return false;
 }
 
-// A pipe, a device.
-bool FileReplacement::writeDirectly(std::string_view bytes) {
+// A pipe, a device, a file that has no name any more.
+bool FileReplacement::writeDirectly(const std::string& path, int flags, std::string_view bytes) {
     folder.clear();
-    File file(calls, target, O_WRONLY, 0);
+    File file(calls, path, O_WRONLY | flags, 0);
     if (!file.isOpen() || !file.write(bytes)) return fail();
     return file.close() || fail();
 }

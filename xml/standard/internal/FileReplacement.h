@@ -20,9 +20,11 @@ private:
     class File;
     class Temporary;
 
+    bool put(const std::string& path, std::string_view bytes);
     bool follow(const std::string& path);
+    bool isTargetThere();
     bool replaceFile(const struct stat& old, bool isThere, std::string_view bytes);
-    bool writeDirectly(std::string_view bytes);
+    bool writeDirectly(const std::string& path, int flags, std::string_view bytes);
     bool keepOwner(File& file, const struct stat& old);
     bool syncFolder();
     bool fail();
