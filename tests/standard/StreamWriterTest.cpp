@@ -442,6 +442,19 @@ TEST(StreamWriterTest, WhatTheDocumentTypeSuppliesIsLeftOutWithIt) {
     EXPECT_EQ(filtered(text, everything(), options, problems), "<a y=\"2\" x=\"1\"/>\n");
 }
 
+TEST(StreamWriterTest, APieceAfterTheEndIsAProblem) {
+    std::ostringstream out;
+    StreamWriter writer(out, bare());
+    writer.start("a").end();
+    EXPECT_TRUE(writer.finish());
+    EXPECT_TRUE(writer.finish());
+    writer.comment("late").comment("later");
+    ASSERT_EQ(writer.problems().size(), 1U);
+    EXPECT_EQ(writer.problems()[0].toString(), "error: the document is finished");
+    EXPECT_FALSE(writer.finish());
+    EXPECT_EQ(out.str(), "<a/>\n");
+}
+
 TEST(StreamWriterTest, WhatAnotherDocumentTypeSuppliedIsWritten) {
     const ReadResult read = readText("<!DOCTYPE a [<!ATTLIST b x CDATA '1'>]><a><b/></a>");
     ASSERT_TRUE(read);

@@ -67,7 +67,7 @@ public:
     // Ends the innermost element.
     StreamWriter& end();
 
-    // Ends the document and gives the stream all of it. False: see problems().
+    // Ends the document and gives the stream all of it. False: see problems(). What comes after it is a problem too.
     bool finish();
 
     // One at most, or those of a reader.

@@ -61,6 +61,11 @@ void StreamOutput::report() {
     found.push_back(std::move(problem));
 }
 
+void StreamOutput::noteLatePiece() {
+    if (stage != Stage::Finished || !found.empty()) return;
+    found.push_back(problemOf({}, Problem::Kind::Unwritable, "the document is finished", StandardRules::kDocument));
+}
+
 // The names of the open elements, which are not counted: /a/b.
 std::string StreamOutput::path() const {
     ElementPath path(open.size());

@@ -33,7 +33,7 @@ public:
     // Puts a piece, by one of the operations below. Once something has failed nothing is put.
     template <class Operation>
     void attempt(Operation operation) {
-        if (isOver) return;
+        if (isOver) return noteLatePiece();
         isOver = true;  // unless it ends well
         const std::size_t before = buffer.size();
         try {
@@ -91,6 +91,7 @@ private:
 
     std::string_view innermost() const { return std::string_view(names).substr(open.back().nameBegin); }
     std::string path() const;
+    void noteLatePiece();
     void takeBack(std::size_t before);
     void report();
 
