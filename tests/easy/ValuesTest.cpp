@@ -154,6 +154,9 @@ TEST(ValuesTest, OtherwiseAreWhatIsGiven) {
     EXPECT_EQ(valueOr(element, "v", "x"), "5");
     EXPECT_EQ(valueOr(element, "w", "x"), "x");
     EXPECT_EQ(valueOr(element, "w", std::string("x")), "x");
+    char otherwise[] = "x";
+    EXPECT_EQ(valueOr(element, "w", otherwise), "x");
+    EXPECT_EQ(valueOr(element, "v", &otherwise[0]), "5");
     EXPECT_EQ(valueOr(element, "w", std::string_view("x")), "x");
     static_assert(std::is_same_v<decltype(valueOr(element, "w", "x")), std::string>);
     static_assert(std::is_same_v<decltype(valueOr(element, "w", std::string_view())), std::string>);

@@ -44,6 +44,9 @@ T valueOr(const Element& e, std::string_view attribute, T otherwise) {
 }
 ORVXML_API std::string valueOr(const Element& e, std::string_view attribute, const char* otherwise);
 ORVXML_API std::string valueOr(const Element& e, std::string_view attribute, std::string_view otherwise);
+inline std::string valueOr(const Element& e, std::string_view attribute, char* otherwise) {
+    return valueOr(e, attribute, std::string_view(otherwise));
+}
 
 // The text of the element (see textOf) as a value.
 template <class T>
