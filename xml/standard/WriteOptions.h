@@ -21,8 +21,8 @@ struct WriteOptions {
     bool defaults = false;           // also attributes that isDefault and that the document type, as written, supplies
 };
 
-// How the document was read: without indentation, and declaration, encoding, mark and line ends as they were. An encoding
-// that ReadOptions gave stays too; the declaration names it then, or a mark shows it.
+// How the document was read: without indentation, and declaration, encoding, mark and line ends as they were. An
+// encoding that ReadOptions gave stays too; the declaration names it then, or a mark shows it.
 ORVXML_API WriteOptions asRead(const Document& document);
 
 }  // namespace Xml
