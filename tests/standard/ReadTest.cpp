@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <utility>
 
 namespace Xml::test {
 namespace {
@@ -173,6 +174,14 @@ TEST(ReadTest, NamesAllThatMayStandThere) {
     const auto said = [](const std::string& text) { return problemOf(text).toString(); };
     EXPECT_EQ(said("<?xml\xC2\xA0version='1.0'?><a/>"),
               "1:6: error: white space after \"<?xml\" expected, found \"\xC2\xA0\" (U+00A0)");
+    // A name may begin with a joiner, which has no shape.
+    for (const auto& [character, shown] :
+         {std::pair("\u200B", "\"\u200B\" (U+200B)"), std::pair("\u200C", "\"\u200C\" (U+200C)"),
+          std::pair("\u200D", "\"\u200D\" (U+200D)"), std::pair("\u2070", "\"\u2070\""),
+          std::pair("\u00F6", "\"\u00F6\"")}) {
+        EXPECT_EQ(said("<a b=" + std::string(character) + "/>"),
+                  "1:6: error: a value in quotes expected, found " + std::string(shown));
+    }
     EXPECT_EQ(said("<?xml/?><a/>"), "1:6: error: white space after \"<?xml\" expected, found \"/\"");
     EXPECT_EQ(said("<?xml version='1.0' Encoding='UTF-8'?><a/>"),
               "1:21: error: encoding, standalone or \"?>\" expected, found \"E\"");
