@@ -20,10 +20,6 @@ bool isClear(char32_t c) {
     return c < 0x80 || (StandardNames::isNameStart(c) && c != kNonJoiner && c != kJoiner);
 }
 
-}  // namespace
-
-namespace {
-
 // What is looked for as a whole, wherever that is. A parameter entity is one by its '%' and one character of its name.
 constexpr std::string_view kKeywords[] = {"<!--",     "<![CDATA[",  "<!DOCTYPE", "<!ELEMENT", "<!ATTLIST",
                                           "<!ENTITY", "<!NOTATION", "?>",        "/>",        "%p"};
