@@ -76,8 +76,7 @@ private:
         if (back == nullptr) return false;
         std::string text;
         const bool isWhole = back->convert(bytes, text).ending == Converter::Ending::Whole;
-        back->finish(text);
-        if (!isWhole) back.reset();
+        back->finish(text);  // after which it is as at first
         return isWhole && text == character;
     }
 
