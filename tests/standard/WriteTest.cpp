@@ -186,6 +186,16 @@ TEST(WriteTest, DefaultsAreWrittenThatTheDocumentTypeDoesNotSupply) {
               "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n" + unread + "\n<a><b/></a>\n");
 }
 
+// Namespaces are an option of the reader, and a document type may have been read without it.
+TEST(WriteTest, NamesInADocumentTypeMayHaveAnyColons) {
+    ReadOptions options = everything();
+    options.namespaces = false;
+    const std::string text =
+        "<!DOCTYPE :a:b [<!ELEMENT a:b:c ANY><!ENTITY e:f ''><!NOTATION n: SYSTEM 's'>]>\n<:a:b/>\n";
+    const auto document = documentOf(text, options);
+    EXPECT_EQ(written(*document, asRead(*document)), text);
+}
+
 TEST(WriteTest, OptionsSayTheForm) {
     const auto document = documentOf(
         "<?xml version='1.0' standalone='yes'?><!DOCTYPE a [<!ATTLIST a x CDATA '1'>]>"
