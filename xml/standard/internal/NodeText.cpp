@@ -52,12 +52,7 @@ private:
         if (!writeAround(prolog.beforeDoctype)) return false;
         const bool hasDoctype = options.doctype && (!prolog.doctype.empty() || dtd != nullptr);
         Declarations written;
-        if (hasDoctype) {
-            const bool isAlone = PrologWriter::saysStandalone(options, prolog);
-            const bool isPut = prolog.doctype.empty() ? PrologWriter::putDoctype(markup, *dtd, isAlone, written)
-                                                      : PrologWriter::putDoctype(markup, prolog, isAlone, written);
-            if (!isPut) return false;
-        }
+        if (hasDoctype && !PrologWriter::putDoctype(markup, options, prolog, dtd, written)) return false;
         if (!writeAround(prolog.beforeRoot)) return false;
         if (!writeTree(*root, options.defaults ? nullptr : &written)) return false;
         markup.buffer().put(markup.lineEnd());

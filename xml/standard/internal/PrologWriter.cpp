@@ -72,15 +72,6 @@ bool putLines(Markup& markup, const std::string& text) {
     return markup.putAsIs(lines, kWhat);
 }
 
-bool put(Markup& markup, const Parts& parts, Declarations& written) {
-    if (!markup.checkName(parts.name, "a document type")) return false;
-    const std::string declaration = declarationOf(parts);
-    if (!check(markup, declaration, parts, written)) return false;
-    if (!putLines(markup, declaration)) return false;
-    markup.buffer().put(markup.lineEnd());
-    return true;
-}
-
 }  // namespace
 
 void putDeclaration(Markup& markup, const WriteOptions& options, const Prolog* prolog) {
@@ -97,19 +88,21 @@ void putDeclaration(Markup& markup, const WriteOptions& options, const Prolog* p
     out.put(markup.lineEnd());
 }
 
-bool saysStandalone(const WriteOptions& options, const Prolog& prolog) {
-    return options.declaration && prolog.standalone.value_or(false);
-}
-
-bool putDoctype(Markup& markup, const Prolog& prolog, bool isStandalone, Declarations& written) {
-    return put(markup, {prolog.doctype, prolog.publicId, prolog.systemId, prolog.internalSubset, isStandalone},
-               written);
-}
-
-bool putDoctype(Markup& markup, const Dtd& dtd, bool isStandalone, Declarations& written) {
-    std::string subset = declarationsOf(dtd);
-    if (!subset.empty()) subset.insert(0, 1, '\n');
-    return put(markup, {DtdAccess::name(dtd), {}, {}, subset, isStandalone}, written);
+bool putDoctype(Markup& markup, const WriteOptions& options, const Prolog& prolog, const Dtd* dtd,
+                Declarations& written) {
+    const bool isStandalone = options.declaration && prolog.standalone.value_or(false);
+    Parts parts{prolog.doctype, prolog.publicId, prolog.systemId, prolog.internalSubset, isStandalone};
+    std::string subset;
+    if (prolog.doctype.empty()) {
+        subset = declarationsOf(*dtd);
+        if (!subset.empty()) subset.insert(0, 1, '\n');
+        parts = {DtdAccess::name(*dtd), {}, {}, subset, isStandalone};
+    }
+    if (!markup.checkName(parts.name, "a document type")) return false;
+    const std::string declaration = declarationOf(parts);
+    if (!check(markup, declaration, parts, written) || !putLines(markup, declaration)) return false;
+    markup.buffer().put(markup.lineEnd());
+    return true;
 }
 
 bool putDeclarations(Markup& markup, const Dtd& dtd) {

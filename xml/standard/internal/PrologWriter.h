@@ -13,18 +13,15 @@ struct Prolog;
 // cannot be written.
 namespace PrologWriter {
 
-// Whether the declaration says that the document stands alone.
-bool saysStandalone(const WriteOptions& options, const Prolog& prolog);
-
 // The declaration; without a prolog with what the options say alone.
 void putDeclaration(Markup& markup, const WriteOptions& options, const Prolog* prolog);
 
-// The document type declaration of a prolog that has one, in a document that stands alone or does not. What it declares
-// there is added to `written`, which is empty before.
-bool putDoctype(Markup& markup, const Prolog& prolog, bool isStandalone, Declarations& written);
+// The document type declaration: that of the prolog, or where that has none, one with the declarations of the Dtd. One
+// of both is there. What a reader of the document finds declared in it goes to `written`.
+bool putDoctype(Markup& markup, const WriteOptions& options, const Prolog& prolog, const Dtd* dtd,
+                Declarations& written);
 
-// The same with the declarations of a Dtd; those declarations alone.
-bool putDoctype(Markup& markup, const Dtd& dtd, bool isStandalone, Declarations& written);
+// The declarations of a Dtd alone.
 bool putDeclarations(Markup& markup, const Dtd& dtd);
 
 }  // namespace PrologWriter

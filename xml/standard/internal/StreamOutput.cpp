@@ -138,7 +138,7 @@ bool StreamOutput::putDoctype(const Prolog& prolog) {
     if (stage != Stage::BeforeDoctype)
         return markup.fail("the document type has to stand once, and before the root", StandardRules::kProlog);
     stage = Stage::BeforeRoot;
-    return PrologWriter::putDoctype(markup, prolog, PrologWriter::saysStandalone(options, prolog), written);
+    return PrologWriter::putDoctype(markup, options, prolog, nullptr, written);
 }
 
 bool StreamOutput::putAround(const Nodes& nodes) {
