@@ -8,11 +8,13 @@ namespace Xml {
 
 namespace {
 
-// Whether what was read is in the encoding that its declaration names. Those without a name here are known by theirs.
-bool isAsDeclared(const Prolog& prolog) {
+// Whether the declaration does not name the encoding, and the first bytes do not show it.
+bool isFromOutside(const Prolog& prolog) {
     const Encoding taken = encodingNamed(prolog.readAs);
-    return taken == Encoding::Other ? prolog.encoding == prolog.readAs
-                                    : isSameEncoding(encodingNamed(prolog.encoding), taken);
+    if (prolog.readAs.empty()) return false;
+    if (prolog.encoding.empty()) return unitOf(taken) == 1 && taken != Encoding::Utf8;
+    if (taken == Encoding::Other) return prolog.encoding != prolog.readAs;
+    return !isSameEncoding(encodingNamed(prolog.encoding), taken);
 }
 
 }  // namespace
@@ -20,17 +22,14 @@ bool isAsDeclared(const Prolog& prolog) {
 // An encoding that was known from outside is said by the declaration, or a mark: the next reader may not know it.
 WriteOptions asRead(const Document& document) {
     const Prolog& prolog = prologOf(document);
-    const Encoding taken = encodingNamed(prolog.readAs);
-    const bool isWide = unitOf(taken) > 1;
-    const bool isNamed = !prolog.encoding.empty();
-    const bool isUnknown = prolog.readAs.empty();
-    const bool isFromOutside = !isUnknown && (isNamed ? !isAsDeclared(prolog) : !isWide && taken != Encoding::Utf8);
+    const bool isWide = unitOf(encodingNamed(prolog.readAs)) > 1;
+    const bool isGiven = isFromOutside(prolog);
     WriteOptions options;
     options.indent.clear();
     options.newline = prolog.newline;
-    options.encoding = isWide || isFromOutside ? prolog.readAs : prolog.encoding;
-    options.declaration = prolog.hasDeclaration || isFromOutside;
-    options.mark = prolog.hasMark || (isWide && !isNamed);  // nothing else says so
+    options.encoding = isWide || isGiven ? prolog.readAs : prolog.encoding;
+    options.declaration = prolog.hasDeclaration || isGiven;
+    options.mark = prolog.hasMark || (isWide && prolog.encoding.empty());  // nothing else says so
     return options;
 }
 
