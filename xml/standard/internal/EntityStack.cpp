@@ -79,13 +79,12 @@ std::string EntityStack::describe(const char* where) const {
     if (where == end) return isInEntity() ? "the end of the entity" : "the end of the document";
     const Utf8::Character c = Utf8::at(where);
     if (c.value == '\n' || c.value == '\r') return "the end of the line";
-    const bool isShown = !isControl(c.value) && StandardNames::isChar(c.value);
-    const char* const quote = *where == '"' ? "'" : "\"";
-    const std::string shown = isShown ? quote + std::string(where, where + c.size) + quote : "";
-    if (isShown && isClear(c.value)) return shown;
     char code[16];
     std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(c.value));
-    return isShown ? shown + " (" + code + ")" : code;
+    if (isControl(c.value) || !StandardNames::isChar(c.value)) return code;
+    const char* const quote = *where == '"' ? "'" : "\"";
+    const std::string shown = quote + std::string(where, where + c.size) + quote;
+    return isClear(c.value) ? shown : shown + " (" + code + ")";
 }
 
 bool EntityStack::failUnlessKeyword(const char* where, const char* rule, std::string text) {
