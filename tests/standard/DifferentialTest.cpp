@@ -67,10 +67,7 @@ bool isAcceptedInAscii(const Seen& s) {
 const Allowance kExpat[] = {
     {"4.1, [69] PEReference has the validity constraint Entity Declared, and not the well-formedness constraint, also "
      "in a document with standalone='yes'",
-     [](const Seen& s) {
-         return s.text.find("standalone") != std::string::npos &&
-                (s.onlyPeerRefuses("undefined entity") || s.onlyPeerRefuses("entity declared in parameter entity"));
-     }},
+     [](const Seen& s) { return s.onlyPeerRefuses("entity") && isAboutAParameterEntity(s.peer, s.text); }},
     {"[26] VersionNum ::= '1.' [0-9]+; Expat takes any version",
      [](const Seen& s) {
          return s.onlyWeRefuseBeforeRoot(StandardRules::kVersionNum) ||

@@ -85,11 +85,19 @@ PeerVerdict askExpat(std::string_view text, bool hasNamespaces) {
     XML_SetExternalEntityRefHandler(run.parser, onExternal);
     PeerVerdict verdict;
     verdict.isAccepted = XML_Parse(run.parser, text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
-    if (!verdict.isAccepted) verdict.error = XML_ErrorString(XML_GetErrorCode(run.parser));
+    if (!verdict.isAccepted) {
+        verdict.error = XML_ErrorString(XML_GetErrorCode(run.parser));
+        verdict.errorAt = XML_GetCurrentByteIndex(run.parser);
+    }
     verdict.hasSkipped = run.hasSkipped;
     verdict.events = run.lines.take();
     XML_ParserFree(run.parser);
     return verdict;
+}
+
+bool isAboutAParameterEntity(const PeerVerdict& verdict, std::string_view text) {
+    return (verdict.error == "undefined entity" || verdict.error == "entity declared in parameter entity") &&
+           text.at(static_cast<std::size_t>(verdict.errorAt)) == '%';
 }
 
 PeerVerdict askLibxml2(std::string_view text, bool hasNamespaces) {
