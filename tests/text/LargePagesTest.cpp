@@ -11,6 +11,27 @@ namespace {
 
 namespace LargePages = Xml::LargePages;
 
+constexpr std::size_t kSmallPage = 4096;
+
+// Small pages, of which none is there until it is touched, or asked for.
+struct FreshPages {
+    static constexpr std::ptrdiff_t kCount = 100;
+    static constexpr std::size_t kSize = kCount * kSmallPage;
+
+    FreshPages() : memory(mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {}
+    FreshPages(const FreshPages&) = delete;
+    FreshPages& operator=(const FreshPages&) = delete;
+    ~FreshPages() { munmap(memory, kSize); }
+
+    std::ptrdiff_t countThere() const {
+        std::vector<unsigned char> areThere(kCount);
+        EXPECT_EQ(mincore(memory, kSize, areThere.data()), 0);
+        return std::count(areThere.begin(), areThere.end(), 1);
+    }
+
+    void* const memory;
+};
+
 TEST(LargePagesTest, LeavesMemoryAsItIs) {
     std::string text;
     for (std::size_t i = 0; i < 5 * LargePages::kBytes; ++i) text += static_cast<char>('a' + i % 23);
@@ -25,32 +46,22 @@ TEST(LargePagesTest, LeavesMemoryAsItIs) {
 
 #ifdef MADV_POPULATE_WRITE
 TEST(LargePagesTest, HasFreshMemoryGivenAtOnce) {
-    constexpr std::size_t kSmallPage = 4096;
-    constexpr std::size_t kPages = 100;
-    void* const memory = mmap(nullptr, kPages * kSmallPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(memory, MAP_FAILED);
-    if (madvise(memory, kSmallPage, MADV_POPULATE_WRITE) != 0) GTEST_SKIP() << "the system gives pages one by one";
-    LargePages::askForAll(static_cast<char*>(memory) + 16, kPages * kSmallPage - 16 - 100);
-    std::vector<unsigned char> isThere(kPages);
-    ASSERT_EQ(mincore(memory, kPages * kSmallPage, isThere.data()), 0);
-    EXPECT_EQ(std::count(isThere.begin(), isThere.end(), 1), static_cast<std::ptrdiff_t>(kPages - 1))
-        << "all whole pages, the last is none";
-    munmap(memory, kPages * kSmallPage);
+    const FreshPages pages;
+    ASSERT_NE(pages.memory, MAP_FAILED);
+    if (madvise(pages.memory, kSmallPage, MADV_POPULATE_WRITE) != 0)
+        GTEST_SKIP() << "the system gives pages one by one";
+    LargePages::askForAll(static_cast<char*>(pages.memory) + 16, FreshPages::kSize - 16 - 100);
+    EXPECT_EQ(pages.countThere(), FreshPages::kCount - 1) << "all whole pages, the last is none";
 }
 #endif
 
 // A look at the last page tells whether memory is fresh.
 TEST(LargePagesTest, LeavesMemoryAloneThatIsThere) {
-    constexpr std::size_t kSmallPage = 4096;
-    constexpr std::size_t kPages = 100;
-    void* const memory = mmap(nullptr, kPages * kSmallPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(memory, MAP_FAILED);
-    static_cast<char*>(memory)[(kPages - 1) * kSmallPage] = 'x';
-    LargePages::askForAll(memory, kPages * kSmallPage);
-    std::vector<unsigned char> isThere(kPages);
-    ASSERT_EQ(mincore(memory, kPages * kSmallPage, isThere.data()), 0);
-    EXPECT_EQ(std::count(isThere.begin(), isThere.end(), 1), 1);
-    munmap(memory, kPages * kSmallPage);
+    const FreshPages pages;
+    ASSERT_NE(pages.memory, MAP_FAILED);
+    static_cast<char*>(pages.memory)[FreshPages::kSize - kSmallPage] = 'x';
+    LargePages::askForAll(pages.memory, FreshPages::kSize);
+    EXPECT_EQ(pages.countThere(), 1);
 }
 
 TEST(LargePagesTest, MapsPagesOf2MBOnTheirBoundaries) {
@@ -63,7 +74,6 @@ TEST(LargePagesTest, MapsPagesOf2MBOnTheirBoundaries) {
 }
 
 TEST(LargePagesTest, MapsPagesAndGivesAnyPartOfThemBack) {
-    constexpr std::size_t kSmallPage = 4096;
     errno = 17;
     char* const page = static_cast<char*>(LargePages::map());
     ASSERT_NE(page, nullptr);
