@@ -25,8 +25,7 @@ struct GivenInTag : NameAndValue {
 //     TagAttributes attributes;
 //     attributes.add(tree.name("b"), "1", 7);
 //     attributes.addDefault(tree.name("a"), "2", 3);
-//     attributes.sort();
-//     if (const TagAttributes::Given* again = attributes.findRepeated()) ...
+//     if (!attributes.sort()) ... // a name is there again
 //     tree.setAttributes(attributes);
 class TagAttributes : public AttributeList<GivenInTag> {
 public:
@@ -35,7 +34,6 @@ public:
     void clear() {
         AttributeList::clear();
         if (!offsets.empty()) offsets.clear();
-        hasRepeated = false;
     }
 
     // In the order of the tag; of all or of none the offset in the source, which is Marks::kNoOffset else.
@@ -57,19 +55,8 @@ public:
         return offsets.empty() ? internal::Marks::kNoOffset : offsets[given.order];
     }
 
-    // Puts them in the byte order of their names.
-    void sort() {
-        if (!areSorted()) hasRepeated = sortAll();
-    }
-
-    // Of those that have the name of one before them in the tag the first in the order of names; null where each has a
-    // name of its own. They are sorted.
-    const Given* findRepeated() const {
-        if (!hasRepeated) return nullptr;
-        const Given* given = begin() + 1;
-        while (given->name != given[-1].name) ++given;
-        return given;
-    }
+    // Puts them in the byte order of their names. The first time it returns whether each has a name of its own.
+    bool sort() { return areSorted() || !sortAll(); }
 
 private:
     void add(const SharedName& name, std::string_view value, std::int64_t offset, bool isSupplied) {
@@ -79,7 +66,6 @@ private:
     }
 
     std::vector<std::int64_t> offsets;  // in the order of the tag
-    bool hasRepeated = false;           // where they were sorted
 };
 
 }  // namespace Xml

@@ -189,9 +189,7 @@ template <bool KeepsPlaces>
         attributes.setPadded();
     }
     space = spaceNumber > 0 ? attributes[spaceNumber - 1].value() : std::string_view();
-    if (attributes.areSorted()) return true;
-    attributes.sort();
-    return attributes.findRepeated() == nullptr;
+    return attributes.sort();
 }
 
 // Where it ends; null where it is not ordinary.
