@@ -177,8 +177,8 @@ TEST(ReadTest, NamesAllThatMayStandThere) {
     // A name may begin with a joiner, which has no shape.
     for (const auto& [character, shown] :
          {std::pair("\u200B", "\"\u200B\" (U+200B)"), std::pair("\u200C", "\"\u200C\" (U+200C)"),
-          std::pair("\u200D", "\"\u200D\" (U+200D)"), std::pair("\u2070", "\"\u2070\""), std::pair("\x7F", "U+007F"),
-          std::pair("\u0080", "U+0080"), std::pair("\u00F6", "\"\u00F6\"")}) {
+          std::pair("\u200D", "\"\u200D\" (U+200D)"), std::pair("\u2070", "\"\u2070\""), std::pair("~", "\"~\""),
+          std::pair("\x7F", "U+007F"), std::pair("\u0080", "U+0080"), std::pair("\u00F6", "\"\u00F6\"")}) {
         EXPECT_EQ(said("<a b=" + std::string(character) + "/>"),
                   "1:6: error: a value in quotes expected, found " + std::string(shown));
     }

@@ -17,7 +17,7 @@ namespace {
 bool isClear(char32_t c) {
     constexpr char32_t kNonJoiner = 0x200C;
     constexpr char32_t kJoiner = 0x200D;
-    return c < 0x80 || (StandardNames::isNameStart(c) && c != kNonJoiner && c != kJoiner);
+    return c <= U'~' || (StandardNames::isNameStart(c) && c != kNonJoiner && c != kJoiner);
 }
 
 // What is looked for as a whole, wherever that is. A parameter entity is one by its '%' and one character of its name.
