@@ -74,7 +74,8 @@ bool Decoder::take(std::string_view bytes, std::string& to, bool isLast) {
         }
         if (!open(bytes)) return false;
     }
-    if (stage == Stage::Declaration && !readDeclaration(bytes, to)) return false;
+    if (stage == Stage::DeclarationBytes && !readDeclarationBytes(bytes, to)) return false;
+    if (stage == Stage::DeclarationText && !readDeclarationText(bytes, to)) return false;
     if (encoding == Encoding::Other) map.took(wasForeign ? fresh : bytes);
     return convert(bytes, to) && (!isLast || end(to));
 }
@@ -92,8 +93,7 @@ bool Decoder::open(std::string_view& bytes) {
     const Opening opening = openingOf(bytes);
     if (opening.kind == Opening::Kind::Unreadable)
         return failToOpen(opening.name, std::string("the source is in ") + opening.name + ", which cannot be read");
-    mayChange = opening.kind == Opening::Kind::Bytes;
-    stage = Stage::Declaration;
+    stage = opening.kind == Opening::Kind::Bytes ? Stage::DeclarationBytes : Stage::DeclarationText;
     start(opening, bytes);
     return true;
 }
@@ -122,9 +122,8 @@ void Decoder::start(const Opening& opening, std::string_view& bytes) {
     sourceTaken = countOf(markSize);
 }
 
-bool Decoder::readDeclaration(std::string_view& bytes, std::string& to) {
-    if (!mayChange) return readConverted(bytes, to);
-    // What the declaration takes is ASCII, so it may be given before it is known how the source goes on.
+// What the declaration takes is ASCII, so it may be given before it is known how the source goes on.
+bool Decoder::readDeclarationBytes(std::string_view& bytes, std::string& to) {
     const std::size_t size = declaration.take(bytes);
     to += bytes.substr(0, size);
     bytes.remove_prefix(size);
@@ -135,8 +134,8 @@ bool Decoder::readDeclaration(std::string_view& bytes, std::string& to) {
     return declaration.name().empty() || switchTo(std::string(declaration.name()));
 }
 
-// The declaration in an encoding that is certain: it may confirm that, or else comes before all that is wrong after it.
-bool Decoder::readConverted(std::string_view& bytes, std::string& to) {
+// In an encoding that is certain the declaration may confirm that, or else comes before all that is wrong after it.
+bool Decoder::readDeclarationText(std::string_view& bytes, std::string& to) {
     const std::size_t before = to.size();
     const std::int64_t textBefore = textGiven;
     const bool isConverted = convert(bytes, to);

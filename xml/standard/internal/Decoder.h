@@ -86,7 +86,8 @@ public:
     void forget(std::int64_t textOffset) { map.forget(textOffset); }
 
 private:
-    enum class Stage : std::uint8_t { Opening, Declaration, Content };
+    // The declaration is read as bytes where it may name another encoding, and as text where the encoding is certain.
+    enum class Stage : std::uint8_t { Opening, DeclarationBytes, DeclarationText, Content };
     using Kind = DecodingFailure::Kind;
 
     bool take(std::string_view bytes, std::string& to, bool isLast);
@@ -96,8 +97,8 @@ private:
     bool open(std::string_view& bytes);
     bool openGiven(std::string_view& bytes);
     void start(const Opening& opening, std::string_view& bytes);
-    bool readDeclaration(std::string_view& bytes, std::string& to);
-    bool readConverted(std::string_view& bytes, std::string& to);
+    bool readDeclarationBytes(std::string_view& bytes, std::string& to);
+    bool readDeclarationText(std::string_view& bytes, std::string& to);
     bool switchTo(const std::string& name);
     bool confirm(const std::string& name);
     bool isKnown(std::int64_t textOffset);
@@ -115,7 +116,6 @@ private:
     Encoding encoding = Encoding::Utf8;
     std::string foreignName;  // where it is another one
     std::size_t markSize = 0;
-    bool mayChange = false;  // the declaration may name another one
     EncodingDeclaration declaration;
     std::unique_ptr<Converter> converter;  // none for UTF-8
     std::string rest;                      // bytes that wait for those after them
