@@ -10,7 +10,9 @@
 #include "xml/standard/StreamReader.h"
 #include "xml/standard/StreamWriter.h"
 #include "xml/standard/Write.h"
+#include "xml/standard/internal/ForeignOffsets.h"
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -249,6 +251,17 @@ TEST(StandardGrowthTest, KnowsManyPlacesInOtherEncodings) {
         const ReadResult result = readText(declaration + in(content), options);
         EXPECT_TRUE(result) << result.message();
     }
+}
+
+TEST(StandardGrowthTest, LooksUpAPlaceInTheSameMemoryHoweverFarItIs) {
+    const auto jobs = [](int n) {
+        return [bytes = std::string(static_cast<std::size_t>(n), 'x')] {
+            ForeignOffsets offsets("windows-1251", 0, 0);
+            const auto last = static_cast<std::int64_t>(bytes.size());
+            EXPECT_EQ(offsets.sourceOffset(last, bytes), last);
+        };
+    };
+    expectSame("place", jobs, AllocatedBytes, 10'000);
 }
 
 TEST(StandardGrowthTest, GivesTheEventsOfManyOfEach) {
