@@ -20,7 +20,8 @@ function(orvxml_sanitize target sanitizers)
     if(sanitizers)
         # In instrumented code GCC warns of values that are set, also in the standard library.
         target_compile_options(${target} PRIVATE
-            -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+            -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
         target_link_options(${target} PUBLIC -fsanitize=${sanitizers})
     endif()
 endfunction()

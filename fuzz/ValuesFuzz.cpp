@@ -46,7 +46,7 @@ std::optional<Integer> naiveInteger(const std::string& text) {
     // Digit by digit, below 0 where the number is.
     Integer value = 0;
     for (const char c : number->substr(isNegative ? 1 : 0)) {
-        const int digit = c - '0';
+        const auto digit = static_cast<Integer>(c - '0');
         constexpr Integer kMost = std::numeric_limits<Integer>::max();
         constexpr Integer kLeast = std::numeric_limits<Integer>::min();
         if (!isNegative && value > (kMost - digit) / 10) return {};

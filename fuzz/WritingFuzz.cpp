@@ -42,8 +42,8 @@ using Nodes = std::vector<std::unique_ptr<Object>>;
 const char* const kDocuments[] = {
     "<a/>",
     "<?xml version='1.0' standalone='yes'?><!--1--><a x='1'>t<b/><![CDATA[c]]><?t i?></a><!--2-->",
-    "<!DOCTYPE a [<!ATTLIST typed d CDATA 'v'><!ENTITY e '<b>1</b>&#38;#38;'>]>\r\n<a>&e;<typed/><c "
-    "d:e='&#10;'/>\r\n</a>",
+    ("<!DOCTYPE a [<!ATTLIST typed d CDATA 'v'><!ENTITY e '<b>1</b>&#38;#38;'>]>\r\n<a>&e;<typed/><c "
+     "d:e='&#10;'/>\r\n</a>"),
     "<!DOCTYPE a PUBLIC 'p' 's'><a>\n  <b/>\n  <c>1</c>\n</a>",
 };
 

@@ -224,7 +224,8 @@ void ModelStates::endModel(bool hasMany) {
 const ModelStates::Step* ModelStates::findAmongMany(const Names& names, const std::string& name) const {
     const std::size_t model = names.model;
     const auto begin = sorted.begin() + models[model];
-    const auto end = sorted.begin() + (model + 1 < models.size() ? models[model + 1] : steps.size());
+    const auto end =
+        sorted.begin() + (model + 1 < models.size() ? models[model + 1] : static_cast<std::uint32_t>(steps.size()));
     const auto found = std::lower_bound(begin, end, names.first, [&](std::uint32_t step, std::uint32_t first) {
         return std::tie(*steps[step].name, step) < std::tie(name, first);
     });

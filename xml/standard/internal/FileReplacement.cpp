@@ -92,8 +92,8 @@ public:
     }
     void setMade() { isMade = true; }
 
-    bool become(const std::string& target) {
-        if (calls.rename(name.c_str(), target.c_str()) != 0) return false;
+    bool become(const std::string& path) {
+        if (calls.rename(name.c_str(), path.c_str()) != 0) return false;
         isMade = false;
         return true;
     }

@@ -175,7 +175,7 @@ template <bool KeepsPlaces>
 template <bool KeepsPlaces>
 [[gnu::always_inline]] inline const char* PlainContent::readExpected(const char* from) {
     const auto plainEnd = [](const char* value, const char* to) { return plainValueEnd(value, to, '"'); };
-    const auto note = [this]([[maybe_unused]] const char* name) {
+    const auto note = [&]([[maybe_unused]] const char* name) {
         if constexpr (KeepsPlaces) nameBegins.push_back(name);
     };
     return addExpected(from, end, tree, attributes, OrdinaryNames::isPlain, plainEnd, note);
