@@ -18,4 +18,10 @@ TEST(WordsTest, CopiesSixteenBytesAndMore) {
     }
 }
 
+TEST(WordsTest, ClearsSoManyBytesAndNoOthers) {
+    std::string bytes(98, '\xff');
+    Words::clear<96>(bytes.data() + 1);
+    EXPECT_EQ(bytes, '\xff' + std::string(96, '\0') + '\xff');
+}
+
 }  // namespace Xml::test

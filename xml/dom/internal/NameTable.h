@@ -19,7 +19,7 @@ namespace Xml {
 // that of the one around it. What stood before does not count, so that what has been seen once is expected.
 class NameTable {
 public:
-    NameTable() { std::fill_n(followers.begin(), kFewContexts, nullptr); }
+    NameTable() { Words::clear<kFewContexts * sizeof(SharedName*)>(reinterpret_cast<char*>(followers.data())); }
 
     const SharedName& find(std::string_view name, NodeMemory& memory) {
         SharedName*& next = followers[context];
